@@ -1,0 +1,45 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <typeinfo>
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSRef.h>
+
+class NSString;
+
+/// The class of an object, as C++ knows it at run time. A small value: copy it freely.
+class NS_EXPORT NSClass {
+ public:
+  explicit NSClass(const std::type_info& type) noexcept : _type(&type) {}
+
+  template <class T>
+  static NSClass of() noexcept {
+    return NSClass(typeid(T));
+  }
+
+  /// The qualified C++ name, such as "Chapter" or "editor::Chapter".
+  NSRef<NSString> name() const;
+
+  /// The first base that derives from `NSObject`; none for `NSObject` itself.
+  std::optional<NSClass> superclass() const;
+
+  /// Whether this class is the other one or derives from it, at any depth and by any base.
+  bool isSubclassOfClass(NSClass other) const;
+
+  const std::type_info& typeInfo() const noexcept { return *_type; }
+
+  friend bool operator==(NSClass a, NSClass b) noexcept { return *a._type == *b._type; }
+
+ private:
+  const std::type_info* _type;
+};
+
+/// `NSClass::name` under the platform's name.
+NS_EXPORT NSRef<NSString> NSStringFromClass(NSClass aClass);
+
+template <>
+struct std::hash<NSClass> {
+  std::size_t operator()(NSClass aClass) const noexcept { return aClass.typeInfo().hash_code(); }
+};

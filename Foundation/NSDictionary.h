@@ -1,0 +1,74 @@
+#pragma once
+
+#include <initializer_list>
+#include <unordered_map>
+#include <utility>
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSObject.h>
+
+class NSArray;
+class NSMutableDictionary;
+class NSString;
+
+/// Objects by key. Keys are compared by `isEqual` and copied when they are entered, so they must be
+/// copyable; a nil key or object raises `NSInvalidArgumentException`. Entries have no order.
+class NS_EXPORT NSDictionary : public NSObject {
+ public:
+  using Elements = std::initializer_list<std::pair<NSRef<NSObject>, NSRef<NSObject>>>;
+  using Map = std::unordered_map<NSRef<NSObject>, NSRef<NSObject>, NSHashObject, NSEqualObjects>;
+
+  NSDictionary() = default;
+  /// Of entries with equal keys the last one stays.
+  explicit NSDictionary(Elements entries);
+  /// The entries of another dictionary; nil has none.
+  explicit NSDictionary(const NSRef<NSDictionary>& other);
+
+  NSUInteger count() const noexcept { return _map.size(); }
+  /// Nil when there is no entry for the key, or the key is nil.
+  NSRef<NSObject> objectForKey(const NSRef<NSObject>& key) const;
+  NSRef<NSArray> allKeys() const;
+  NSRef<NSArray> allValues() const;
+
+  /// Entries as pairs of key and object: `for (const auto& [key, object] : *dictionary)`.
+  auto begin() const noexcept { return _map.begin(); }
+  auto end() const noexcept { return _map.end(); }
+
+  bool isEqualToDictionary(const NSRef<NSDictionary>& other) const;
+  bool isEqual(const NSRef<NSObject>& other) const override;
+  NSUInteger hash() const override;
+  /// "{a = 1; b = 2}"
+  NSRef<NSString> description() const override;
+
+  /// The entry for the key, nil when there is none.
+  NSRef<NSObject> valueForKey(const NSRef<NSString>& key) const override;
+
+  /// The dictionary itself while it is immutable; copies share the entries.
+  NSRef<NSDictionary> copy() const;
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  NSRef<NSMutableDictionary> mutableCopy() const;
+  NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
+
+ protected:
+  Map& map() noexcept { return _map; }
+  void setEntry(const char* operation, const NSRef<NSObject>& anObject, const NSRef<NSObject>& aKey);
+
+ private:
+  Map _map;
+};
+
+/// A dictionary that may be changed. Belongs to one thread at a time. A change that raises leaves
+/// it as it was.
+class NS_EXPORT NSMutableDictionary : public NSDictionary {
+ public:
+  using NSDictionary::NSDictionary;
+
+  void setObject_forKey(const NSRef<NSObject>& anObject, const NSRef<NSObject>& aKey) {
+    setEntry("setObject:forKey:", anObject, aKey);
+  }
+  /// Does nothing when there is no such entry, or the key is nil.
+  void removeObjectForKey(const NSRef<NSObject>& key);
+  void removeAllObjects() noexcept { map().clear(); }
+
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+};

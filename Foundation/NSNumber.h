@@ -1,0 +1,70 @@
+#pragma once
+
+#include <compare>
+#include <concepts>
+#include <type_traits>
+#include <variant>
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSObject.h>
+
+class NSString;
+
+/// A boxed number: a boolean, a signed or unsigned 64-bit integer, or a double. Immutable.
+///
+/// Numbers are equal when their values are, exactly and whatever their types (2^63 as an integer is
+/// not 2^63 + 1, though both are the same double). A conversion to an integer type keeps the low
+/// bits of an integer; a double is cut towards zero, saturates at the type's limits, and NaN gives 0.
+class NS_EXPORT NSNumber : public NSObject {
+ public:
+  template <class T>
+    requires std::is_arithmetic_v<T>
+  explicit NSNumber(T value) noexcept : _value(widen(value)) {}
+
+  bool boolValue() const noexcept;
+  int intValue() const noexcept { return convert<int>(); }
+  NSInteger integerValue() const noexcept { return convert<NSInteger>(); }
+  NSUInteger unsignedIntegerValue() const noexcept { return convert<NSUInteger>(); }
+  long long longLongValue() const noexcept { return convert<long long>(); }
+  unsigned long unsignedLongValue() const noexcept { return convert<unsigned long>(); }
+  unsigned long long unsignedLongLongValue() const noexcept { return convert<unsigned long long>(); }
+  float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
+  double doubleValue() const noexcept;
+
+  /// Whether the number holds a double, not an integer or a boolean.
+  bool isFloatingPoint() const noexcept { return std::holds_alternative<double>(_value); }
+
+  /// Exact. NaN comes before every other number and beside itself. Nil raises
+  /// `NSInvalidArgumentException`.
+  NSComparisonResult compare(const NSRef<NSNumber>& other) const;
+  bool isEqualToNumber(const NSRef<NSNumber>& other) const;
+  bool isEqual(const NSRef<NSObject>& other) const override;
+  NSUInteger hash() const override;
+
+  /// Decimal digits; for a double the shortest that read back as the same; "1" or "0" for a boolean.
+  NSRef<NSString> stringValue() const;
+  NSRef<NSString> description() const override { return stringValue(); }
+
+  /// The number itself.
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+
+ private:
+  using Value = std::variant<bool, NSInteger, NSUInteger, double>;
+
+  template <class T>
+  static Value widen(T value) noexcept {
+    if constexpr (std::same_as<T, bool>) {
+      return value;
+    } else if constexpr (std::is_floating_point_v<T>) {
+      return static_cast<double>(value);
+    } else if constexpr (std::is_signed_v<T>) {
+      return static_cast<NSInteger>(value);
+    } else {
+      return static_cast<NSUInteger>(value);
+    }
+  }
+  template <class T>
+  T convert() const noexcept;
+
+  Value _value;
+};

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <initializer_list>
+#include <iosfwd>
+#include <typeinfo>
+#include <utility>
+
+#include <Foundation/NSExport.h>
+
+class NSObject;
+
+/// Raises `NSInvalidArgumentException`: something asked of nil where an object of `type` was needed.
+[[noreturn]] NS_EXPORT void NSRaiseNilDereference(const std::type_info& type);
+
+/// The strong reference to an object; null is nil.
+///
+/// Dereferencing nil raises `NSInvalidArgumentException`. `==` asks for the same object; ask
+/// `isEqual` for equal contents. One reference belongs to one thread at a time, the object's count
+/// may be shared by any number.
+template <class T>
+class NSRef {
+ public:
+  using element_type = T;
+
+  constexpr NSRef() noexcept = default;
+  constexpr NSRef(std::nullptr_t) noexcept {}
+  NSRef(const NSRef& other) noexcept : _object(other._object) { retain(); }
+  NSRef(NSRef&& other) noexcept : _object(std::exchange(other._object, nullptr)) {}
+
+  template <class U>
+    requires std::convertible_to<U*, T*>
+  NSRef(const NSRef<U>& other) noexcept : _object(other.get()) {
+    retain();
+  }
+  template <class U>
+    requires std::convertible_to<U*, T*>
+  NSRef(NSRef<U>&& other) noexcept : _object(other.leak()) {}
+
+  NSRef& operator=(NSRef other) noexcept {
+    std::swap(_object, other._object);
+    return *this;
+  }
+
+  ~NSRef() {
+    if (_object != nullptr) _object->release();
+  }
+
+  /// Takes over a count that the caller owns.
+  [[nodiscard]] static NSRef adopt(T* object) noexcept {
+    NSRef result;
+    result._object = object;
+    return result;
+  }
+  /// Counts a reference of its own.
+  [[nodiscard]] static NSRef share(T* object) noexcept {
+    NSRef result = adopt(object);
+    result.retain();
+    return result;
+  }
+  /// Hands the count over to the caller and becomes nil; the opposite of `adopt`.
+  [[nodiscard]] T* leak() noexcept { return std::exchange(_object, nullptr); }
+
+  T* get() const noexcept { return _object; }
+  explicit operator bool() const noexcept { return _object != nullptr; }
+  T& operator*() const { return *checked(); }
+  T* operator->() const { return checked(); }
+
+  /// The same object as a `U`, or nil when it is none.
+  template <class U>
+  [[nodiscard]] NSRef<U> as() const noexcept {
+    return NSRef<U>::share(dynamic_cast<U*>(_object));
+  }
+
+  template <class U>
+  friend bool operator==(const NSRef& a, const NSRef<U>& b) noexcept {
+    return a.get() == b.get();
+  }
+  friend bool operator==(const NSRef& a, std::nullptr_t) noexcept { return a.get() == nullptr; }
+
+ private:
+  void retain() const noexcept {
+    if (_object != nullptr) _object->retain();
+  }
+  T* checked() const {
+    if (_object == nullptr) [[unlikely]] {
+      NSRaiseNilDereference(typeid(T));
+    }
+    return _object;
+  }
+
+  T* _object = nullptr;
+};
+
+/// Makes an object with the arguments of one of its constructors.
+template <class T, class... Arguments>
+[[nodiscard]] NSRef<T> NSMake(Arguments&&... arguments) {
+  return NSRef<T>::adopt(new T(std::forward<Arguments>(arguments)...));
+}
+
+/// Makes a collection from a list: `NSMake<NSArray>({a, b})`, `NSMake<NSDictionary>({{k, v}})`.
+template <class T>
+[[nodiscard]] NSRef<T> NSMake(typename T::Elements elements) {
+  return NSRef<T>::adopt(new T(elements));
+}
+
+/// Prints the object's description as UTF-8, "(null)" for nil.
+NS_EXPORT std::ostream& operator<<(std::ostream& out, const NSRef<NSObject>& object);
+
+/// Hashes the identity, as `==` compares it.
+template <class T>
+struct std::hash<NSRef<T>> {
+  std::size_t operator()(const NSRef<T>& ref) const noexcept {
+    return std::hash<const T*>{}(ref.get());
+  }
+};

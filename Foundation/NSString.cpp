@@ -1,0 +1,134 @@
+#include "Foundation/NSString.h"
+
+#include <functional>
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSException.h"
+#include "Foundation/NSKeyValueCoding.h"
+#include "Foundation/NSUnitSearch.h"
+
+NSRef<NSString> operator""_ns(const char16_t* units, std::size_t length) {
+  return NSMake<NSString>(std::u16string_view(units, length));
+}
+
+NSRef<NSString> operator""_ns(const char* utf8, std::size_t length) {
+  return NSMake<NSString>(std::string_view(utf8, length));
+}
+
+unichar NSString::characterAtIndex(NSUInteger index) const {
+  NSCheckIndex("characterAtIndex:", index, length());
+  return view()[index];
+}
+
+bool NSString::isEqualToString(const NSRef<NSString>& other) const noexcept {
+  return other == view();
+}
+
+bool NSString::isEqual(const NSRef<NSObject>& other) const {
+  if (other.get() == this) return true;
+  const auto* const string = dynamic_cast<const NSString*>(other.get());
+  return string != nullptr && string->view() == view();
+}
+
+NSUInteger NSString::hash() const { return std::hash<std::u16string_view>{}(view()); }
+
+NSRef<NSString> NSString::description() const { return copy(); }
+
+bool NSString::hasPrefix(const NSRef<NSString>& prefix) const noexcept {
+  return prefix && view().starts_with(prefix->view());
+}
+
+bool NSString::hasSuffix(const NSRef<NSString>& suffix) const noexcept {
+  return suffix && view().ends_with(suffix->view());
+}
+
+NSRange NSString::rangeOfString(const NSRef<NSString>& string) const noexcept {
+  const std::u16string_view needle = NSViewOf(string);
+  const std::size_t place = NSFindUnits(view(), needle);
+  return place == std::u16string_view::npos ? NSNotFoundRange : NSRange{place, needle.size()};
+}
+
+NSRef<NSString> NSString::substringFromIndex(NSUInteger index) const {
+  if (index > length()) NSRaiseIndexOutOfBounds("substringFromIndex:", index, length());
+  return NSMake<NSString>(view().substr(index));
+}
+
+NSRef<NSString> NSString::substringToIndex(NSUInteger index) const {
+  if (index > length()) NSRaiseIndexOutOfBounds("substringToIndex:", index, length());
+  return NSMake<NSString>(view().substr(0, index));
+}
+
+NSRef<NSString> NSString::substringWithRange(NSRange range) const {
+  NSCheckRange("substringWithRange:", range, length());
+  return NSMake<NSString>(view().substr(range.location, range.length));
+}
+
+NSRef<NSString> NSString::stringByAppendingString(const NSRef<NSString>& string) const {
+  const std::u16string_view tail = NSViewOf(string);
+  NSUnitBuffer result;
+  result.reserve(length() + tail.size());
+  result.append(view());
+  result.append(tail);
+  return NSMake<NSString>(std::move(result));
+}
+
+NSRef<NSArray> NSString::componentsSeparatedByString(const NSRef<NSString>& separator) const {
+  const std::u16string_view text = view();
+  const std::u16string_view needle = NSViewOf(separator);
+  auto components = NSMake<NSMutableArray>();
+  std::size_t start = 0;
+  for (std::size_t place = NSFindUnits(text, needle); place != std::u16string_view::npos;
+       place = NSFindUnits(text, needle, start)) {
+    components->addObject(NSMake<NSString>(text.substr(start, place - start)));
+    start = place + needle.size();
+  }
+  components->addObject(NSMake<NSString>(text.substr(start)));
+  return components;
+}
+
+const NSPropertyTable& NSString::propertyTable() const {
+  static const NSPropertyTable table({{u"length", &NSString::length}}, NSObject::propertyTable());
+  return table;
+}
+
+NSRef<NSString> NSString::copy() const {
+  return copyWithZone(nullptr).as<NSString>();
+}
+
+NSRef<NSObject> NSString::copyWithZone(NSZone* /*zone*/) const { return share(this); }
+
+NSRef<NSMutableString> NSString::mutableCopy() const {
+  return mutableCopyWithZone(nullptr).as<NSMutableString>();
+}
+
+NSRef<NSObject> NSString::mutableCopyWithZone(NSZone* /*zone*/) const {
+  return NSMake<NSMutableString>(view());
+}
+
+void NSMutableString::appendString(const NSRef<NSString>& string) {
+  text().append(NSViewOf(string));
+}
+
+void NSMutableString::setString(const NSRef<NSString>& string) {
+  text().replace(0, length(), NSViewOf(string));
+}
+
+void NSMutableString::insertString_atIndex(const NSRef<NSString>& string, NSUInteger index) {
+  if (index > length()) NSRaiseIndexOutOfBounds("insertString:atIndex:", index, length());
+  text().replace(index, 0, NSViewOf(string));
+}
+
+void NSMutableString::deleteCharactersInRange(NSRange range) {
+  NSCheckRange("deleteCharactersInRange:", range, length());
+  text().replace(range.location, range.length, {});
+}
+
+void NSMutableString::replaceCharactersInRange_withString(NSRange range,
+                                                          const NSRef<NSString>& string) {
+  NSCheckRange("replaceCharactersInRange:withString:", range, length());
+  text().replace(range.location, range.length, NSViewOf(string));
+}
+
+NSRef<NSObject> NSMutableString::copyWithZone(NSZone* /*zone*/) const {
+  return NSMake<NSString>(view());
+}

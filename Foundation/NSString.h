@@ -1,0 +1,111 @@
+#pragma once
+
+#include <compare>
+#include <string>
+#include <string_view>
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSObject.h>
+#include <Foundation/NSRange.h>
+#include <Foundation/NSUnicode.h>
+#include <Foundation/NSUnitBuffer.h>
+
+class NSArray;
+class NSMutableString;
+
+/// A sequence of UTF-16 code units. Lengths, indexes and ranges count units; an index or range that
+/// does not fit raises `NSRangeException`. Comparisons and searches go unit by unit.
+///
+/// The units are contiguous: `view()` costs nothing. UTF-8 that is not well-formed becomes U+FFFD
+/// (one for each maximal broken part) on the way in, lone surrogate halves on the way out; as units
+/// they are kept.
+class NS_EXPORT NSString : public NSObject {
+ public:
+  NSString() noexcept = default;
+  explicit NSString(std::u16string_view units) : _text(units) {}
+  /// From UTF-8, of which ASCII is a part.
+  explicit NSString(std::string_view utf8) : _text(NSUnitsFromUTF8(utf8)) {}
+  /// Takes the units over.
+  explicit NSString(NSUnitBuffer&& units) noexcept : _text(std::move(units)) {}
+
+  std::u16string_view view() const noexcept { return _text.view(); }
+  NSUInteger length() const noexcept { return _text.size(); }
+  unichar characterAtIndex(NSUInteger index) const;
+
+  std::string utf8() const { return NSUTF8FromUnits(view()); }
+  explicit operator std::string() const { return utf8(); }
+  explicit operator std::u16string() const { return std::u16string(view()); }
+  operator std::u16string_view() const noexcept { return view(); }
+
+  /// The same units; a nil string equals nothing.
+  bool isEqualToString(const NSRef<NSString>& other) const noexcept;
+  bool isEqual(const NSRef<NSObject>& other) const override;
+  NSUInteger hash() const override;
+  /// The text itself.
+  NSRef<NSString> description() const override;
+
+  /// Literal and case-sensitive. True for an empty string, false for nil.
+  bool hasPrefix(const NSRef<NSString>& prefix) const noexcept;
+  bool hasSuffix(const NSRef<NSString>& suffix) const noexcept;
+  /// The first occurrence, or `NSNotFoundRange`. Nil and empty strings are not found.
+  NSRange rangeOfString(const NSRef<NSString>& string) const noexcept;
+
+  NSRef<NSString> substringFromIndex(NSUInteger index) const;
+  NSRef<NSString> substringToIndex(NSUInteger index) const;
+  NSRef<NSString> substringWithRange(NSRange range) const;
+  /// Nil appends nothing.
+  NSRef<NSString> stringByAppendingString(const NSRef<NSString>& string) const;
+  /// The pieces between the occurrences of the separator, from left to right, empty ones included.
+  /// A string without the separator, or with a nil or empty one, is its only piece.
+  NSRef<NSArray> componentsSeparatedByString(const NSRef<NSString>& separator) const;
+
+  /// "length" besides what every object publishes.
+  const NSPropertyTable& propertyTable() const override;
+
+  /// The string itself while it is immutable.
+  NSRef<NSString> copy() const;
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  NSRef<NSMutableString> mutableCopy() const;
+  NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
+
+ protected:
+  NSUnitBuffer& text() noexcept { return _text; }
+
+ private:
+  NSUnitBuffer _text;
+};
+
+/// A string that may be changed. Belongs to one thread at a time. A change that fails, for want of
+/// memory or because a range does not fit, leaves the string as it was.
+class NS_EXPORT NSMutableString : public NSString {
+ public:
+  using NSString::NSString;
+
+  /// Nil appends nothing.
+  void appendString(const NSRef<NSString>& string);
+  void appendUnits(std::u16string_view units) { text().append(units); }
+  /// Nil empties the string.
+  void setString(const NSRef<NSString>& string);
+  void insertString_atIndex(const NSRef<NSString>& string, NSUInteger index);
+  void deleteCharactersInRange(NSRange range);
+  /// Nil counts as the empty string.
+  void replaceCharactersInRange_withString(NSRange range, const NSRef<NSString>& string);
+  /// Makes room for a text of so many units altogether.
+  void reserve(NSUInteger units) { text().reserve(units); }
+
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+};
+
+/// `u"…"_ns`, and `"…"_ns` with UTF-8 text.
+NS_EXPORT NSRef<NSString> operator""_ns(const char16_t* units, std::size_t length);
+NS_EXPORT NSRef<NSString> operator""_ns(const char* utf8, std::size_t length);
+
+/// The units of a string, none of nil.
+inline std::u16string_view NSViewOf(const NSRef<NSString>& string) noexcept {
+  return string ? string.get()->view() : std::u16string_view();
+}
+
+/// Whether the string has exactly these units; nil has not, not even for an empty text.
+inline bool operator==(const NSRef<NSString>& string, std::u16string_view units) noexcept {
+  return string && string.get()->view() == units;
+}

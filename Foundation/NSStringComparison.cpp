@@ -1,0 +1,46 @@
+#include "Foundation/NSStringComparison.h"
+
+#include <unicode/unorm2.h>
+#include <unicode/ustring.h>
+
+#include <algorithm>
+#include <new>
+
+namespace {
+
+NSComparisonResult resultOf(std::int64_t sign) {
+  return sign < 0 ? NSOrderedAscending : sign > 0 ? NSOrderedDescending : NSOrderedSame;
+}
+
+bool isASCII(std::u16string_view text) {
+  return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
+}
+
+char16_t lowerASCII(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
+}
+
+NSComparisonResult compareASCIIFolded(std::u16string_view a, std::u16string_view b) {
+  const auto order = std::lexicographical_compare_three_way(
+      a.begin(), a.end(), b.begin(), b.end(),
+      [](char16_t x, char16_t y) { return lowerASCII(x) <=> lowerASCII(y); });
+  return order < 0 ? NSOrderedAscending : order > 0 ? NSOrderedDescending : NSOrderedSame;
+}
+
+}  // namespace
+
+NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
+                                  NSUInteger options) {
+  const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
+  const bool isLiteral = (options & NSLiteralSearch) != 0;
+  if (isASCII(a) && isASCII(b)) return foldsCase ? compareASCIIFolded(a, b) : resultOf(a.compare(b));
+  if (isLiteral && !foldsCase) return resultOf(a.compare(b));
+
+  UErrorCode status = U_ZERO_ERROR;
+  const auto compare = isLiteral ? u_strCaseCompare : unorm_compare;
+  const std::uint32_t mode = foldsCase ? U_COMPARE_IGNORE_CASE : U_FOLD_CASE_DEFAULT;
+  const std::int32_t sign = compare(a.data(), static_cast<std::int32_t>(a.size()), b.data(),
+                                    static_cast<std::int32_t>(b.size()), mode, &status);
+  if (U_FAILURE(status)) throw std::bad_alloc();  // The only failure that is left to it.
+  return resultOf(sign);
+}

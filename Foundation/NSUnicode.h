@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSUnitBuffer.h>
+
+// Conversions between UTF-8 and UTF-16. Neither fails: what is not well-formed becomes U+FFFD, one
+// for every maximal part of a broken UTF-8 sequence (the practice that Unicode recommends) and one
+// for every surrogate half that stands alone.
+
+/// The text of UTF-8 bytes.
+NS_EXPORT NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8);
+
+/// The UTF-8 bytes of a text.
+NS_EXPORT std::string NSUTF8FromUnits(std::u16string_view text);
+
+constexpr bool NSIsHighSurrogate(char32_t unit) { return (unit & 0xFFFFFC00U) == 0xD800U; }
+constexpr bool NSIsLowSurrogate(char32_t unit) { return (unit & 0xFFFFFC00U) == 0xDC00U; }
+
+/// Takes the first character off a text that is not empty; a surrogate half that stands alone is
+/// given as it is.
+constexpr char32_t NSTakeCharacter(std::u16string_view& text) {
+  const char32_t unit = text[0];
+  text.remove_prefix(1);
+  if (!NSIsHighSurrogate(unit) || text.empty() || !NSIsLowSurrogate(text[0])) return unit;
+  const char32_t character = (unit << 10U) + text[0] - ((0xD800U << 10U) + 0xDC00U - 0x10000U);
+  text.remove_prefix(1);
+  return character;
+}

@@ -1,0 +1,106 @@
+#include "Foundation/NSUnitBuffer.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <new>
+#include <utility>
+
+namespace {
+
+// Keeps every size in bytes below PTRDIFF_MAX, so that no arithmetic on it overflows.
+constexpr std::size_t maxUnits = (PTRDIFF_MAX / sizeof(char16_t)) - 1;
+
+void copyUnits(char16_t* to, const char16_t* from, std::size_t count) {
+  if (count != 0) std::memcpy(to, from, count * sizeof(char16_t));
+}
+
+void moveUnits(char16_t* to, const char16_t* from, std::size_t count) {
+  if (count != 0) std::memmove(to, from, count * sizeof(char16_t));
+}
+
+}  // namespace
+
+NSUnitBuffer& NSUnitBuffer::operator=(NSUnitBuffer other) noexcept {
+  if (!isInline()) std::free(_units);
+  takeOver(other);
+  return *this;
+}
+
+NSUnitBuffer::~NSUnitBuffer() {
+  if (!isInline()) std::free(_units);
+}
+
+// Overwrites the storage without freeing it and leaves the other buffer empty.
+void NSUnitBuffer::takeOver(NSUnitBuffer& other) noexcept {
+  _size = std::exchange(other._size, 0);
+  _capacity = std::exchange(other._capacity, inlineCapacity);
+  if (other.isInline()) {
+    _units = _inline.data();
+    copyUnits(_units, other._units, _size);
+  } else {
+    _units = std::exchange(other._units, other._inline.data());
+  }
+}
+
+void NSUnitBuffer::reserve(std::size_t capacity) {
+  if (capacity <= _capacity) return;
+  if (capacity > maxUnits) throw std::bad_alloc();
+  void* const old = isInline() ? nullptr : _units;
+  auto* const units = static_cast<char16_t*>(std::realloc(old, capacity * sizeof(char16_t)));
+  if (units == nullptr) throw std::bad_alloc();
+  if (old == nullptr) copyUnits(units, _inline.data(), _size);
+  _units = units;
+  _capacity = capacity;
+}
+
+// At least half as much again, so that appending costs constant time on the average.
+void NSUnitBuffer::grow(std::size_t needed) {
+  if (needed <= _capacity) return;
+  reserve(std::max(needed, std::min(_capacity + _capacity / 2, maxUnits)));
+}
+
+char16_t* NSUnitBuffer::extend(std::size_t count) {
+  if (count > maxUnits - _size) throw std::bad_alloc();
+  // The first extension gets what it asks for: most texts never grow again.
+  if (_size == 0) {
+    reserve(count);
+  } else {
+    grow(_size + count);
+  }
+  char16_t* const start = _units + _size;
+  _size += count;
+  return start;
+}
+
+void NSUnitBuffer::shrink() noexcept {
+  if (isInline() || _size > _capacity - _capacity / 4) return;
+  const std::size_t wanted = std::max<std::size_t>(_size, 1);
+  auto* const units = static_cast<char16_t*>(std::realloc(_units, wanted * sizeof(char16_t)));
+  if (units == nullptr) return;
+  _units = units;
+  _capacity = wanted;
+}
+
+void NSUnitBuffer::replace(std::size_t position, std::size_t count, std::u16string_view text) {
+  const std::less_equal<> before;
+  const bool isOwnPart = !text.empty() && before(_units, text.data()) &&
+                         before(text.data(), _units + _size) && text.data() != _units + _size;
+  if (isOwnPart && position != _size) {
+    replace(position, count, NSUnitBuffer(text).view());
+    return;
+  }
+  const std::size_t tail = _size - position - count;
+  if (text.size() > count) {
+    const auto ownOffset = static_cast<std::size_t>(isOwnPart ? text.data() - _units : 0);
+    extend(text.size() - count);
+    if (isOwnPart) text = {_units + ownOffset, text.size()};
+  } else {
+    _size -= count - text.size();
+  }
+  char16_t* const place = _units + position;
+  moveUnits(place + text.size(), place + count, tail);
+  copyUnits(place, text.data(), text.size());
+}

@@ -1,0 +1,17 @@
+#include "ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h"
+
+#include <algorithm>
+#include <span>
+
+namespace ZKFoundationExtensions {
+
+void appendStrings(const NSRef<NSMutableString>& string,
+                   std::initializer_list<NSRef<NSString>> strings) {
+  const std::span listed(strings.begin(), std::ranges::find(strings, nullptr));
+  NSUInteger length = string->length();
+  for (const auto& next : listed) length += next->length();
+  string->reserve(length);
+  for (const auto& next : listed) string->appendString(next);
+}
+
+}  // namespace ZKFoundationExtensions

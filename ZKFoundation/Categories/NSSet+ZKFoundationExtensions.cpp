@@ -1,0 +1,13 @@
+#include "ZKFoundation/Categories/NSSet+ZKFoundationExtensions.h"
+
+#include "Foundation/NSException.h"
+
+namespace ZKFoundationExtensions {
+
+void makeObjectsPerformBlock(const NSRef<NSSet>& set,
+                             NSBlockRef<void(const NSRef<NSObject>&)> aBlock) {
+  if (!aBlock) NSRaiseNilArgument("aBlock", "makeObjectsPerformBlock:");
+  for (const auto& object : *set) aBlock(object);
+}
+
+}  // namespace ZKFoundationExtensions

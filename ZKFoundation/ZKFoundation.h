@@ -1,0 +1,13 @@
+#pragma once
+
+/// \file
+/// The whole library, and the platform layer with it.
+
+#include <Foundation/Foundation.h>
+
+#include <ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSSet+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSString+ZKFoundationExtensions.h>
+#include <ZKFoundation/ZKFoundationClass.h>

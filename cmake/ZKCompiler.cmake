@@ -1,0 +1,27 @@
+# What every target of this tree is compiled with; nothing of it reaches those who link the library.
+add_library(zk_build_options INTERFACE)
+target_compile_options(zk_build_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough
+  $<$<BOOL:${ZK_WARNINGS_AS_ERRORS}>:-Werror>)
+
+if(ZK_SANITIZE)
+  target_compile_options(zk_build_options INTERFACE
+    -fsanitize=${ZK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(zk_build_options INTERFACE -fsanitize=${ZK_SANITIZE})
+else()
+  # A sanitizer's run time stands in the program alone, which a library must leave undefined.
+  add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:LINKER:--no-undefined>)
+endif()
+
+# A shared library of this project: version, SONAME, header search path, and its headers installed
+# with their folders.
+function(zk_configure_library target)
+  set_target_properties(${target} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation>)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zk_build_options>)
+endfunction()

@@ -1,0 +1,15 @@
+include(CMakePackageConfigHelpers)
+
+set(zk_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZKFoundation)
+install(TARGETS Foundation ZKFoundation EXPORT ZKFoundationTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation)
+install(EXPORT ZKFoundationTargets NAMESPACE ZKFoundation:: DESTINATION ${zk_package_dir}
+  FILE ZKFoundationConfig.cmake)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZKFoundationConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ZKFoundationConfigVersion.cmake DESTINATION ${zk_package_dir})
+
+configure_file(cmake/zkfoundation.pc.in zkfoundation.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zkfoundation.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
