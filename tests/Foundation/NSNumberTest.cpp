@@ -1,0 +1,104 @@
+#include <cmath>
+#include <limits>
+
+#include "tests/Support.h"
+
+namespace {
+
+constexpr auto int64Min = std::numeric_limits<std::int64_t>::min();
+constexpr auto int64Max = std::numeric_limits<std::int64_t>::max();
+constexpr auto uint64Max = std::numeric_limits<std::uint64_t>::max();
+const double notANumber = std::nan("");
+const double infinity = std::numeric_limits<double>::infinity();
+
+// In ascending order; equal values share a row.
+const std::vector<std::vector<NSRef<NSNumber>>> ascendingNumbers = {
+    {NSMake<NSNumber>(notANumber), NSMake<NSNumber>(-notANumber)},
+    {NSMake<NSNumber>(-infinity)},
+    {NSMake<NSNumber>(int64Min), NSMake<NSNumber>(-0x1p63)},
+    {NSMake<NSNumber>(int64Min + 1)},
+    {NSMake<NSNumber>(-1.5F)},
+    {NSMake<NSNumber>(-1), NSMake<NSNumber>(-1.0)},
+    {NSMake<NSNumber>(0U), NSMake<NSNumber>(false), NSMake<NSNumber>(-0.0)},
+    {NSMake<NSNumber>(0.5)},
+    {NSMake<NSNumber>(true), NSMake<NSNumber>(1), NSMake<NSNumber>(1.0F)},
+    {NSMake<NSNumber>(0x1p53), NSMake<NSNumber>(std::int64_t{1} << 53)},
+    {NSMake<NSNumber>((std::int64_t{1} << 53) + 1)},
+    {NSMake<NSNumber>(int64Max), NSMake<NSNumber>(std::uint64_t{int64Max})},
+    {NSMake<NSNumber>(std::uint64_t{1} << 63), NSMake<NSNumber>(0x1p63)},
+    {NSMake<NSNumber>((std::uint64_t{1} << 63) + 1)},
+    {NSMake<NSNumber>(uint64Max)},
+    {NSMake<NSNumber>(0x1p64)},
+    {NSMake<NSNumber>(infinity)},
+};
+
+TEST(NSNumber, ComparesExactlyAcrossTypes) {
+  for (std::size_t a = 0; a < ascendingNumbers.size(); ++a) {
+    for (std::size_t b = 0; b < ascendingNumbers.size(); ++b) {
+      const int expected = a < b ? -1 : a > b ? 1 : 0;
+      for (const auto& x : ascendingNumbers[a]) {
+        for (const auto& y : ascendingNumbers[b]) {
+          EXPECT_EQ(x->compare(y), expected) << x << " and " << y;
+          EXPECT_EQ(x->isEqual(y), a == b);
+          if (a == b) {
+            EXPECT_EQ(x->hash(), y->hash()) << x << " and " << y;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(NSNumber, ConvertsWithSaturationAndWrapping) {
+  EXPECT_EQ(NSMake<NSNumber>(-1)->unsignedIntegerValue(), uint64Max);
+  EXPECT_EQ(NSMake<NSNumber>(uint64Max)->integerValue(), -1);
+  EXPECT_EQ(NSMake<NSNumber>(0x1'0000'0005)->intValue(), 5);
+  EXPECT_EQ(NSMake<NSNumber>(-2.9)->intValue(), -2);
+  EXPECT_EQ(NSMake<NSNumber>(-2.9)->unsignedLongValue(), 0U);
+  EXPECT_EQ(NSMake<NSNumber>(1e300)->intValue(), std::numeric_limits<int>::max());
+  EXPECT_EQ(NSMake<NSNumber>(0x1p63)->longLongValue(), int64Max);
+  EXPECT_EQ(NSMake<NSNumber>(-infinity)->integerValue(), int64Min);
+  EXPECT_EQ(NSMake<NSNumber>(infinity)->unsignedLongLongValue(), uint64Max);
+  EXPECT_EQ(NSMake<NSNumber>(notANumber)->integerValue(), 0);
+  EXPECT_EQ(NSMake<NSNumber>(true)->doubleValue(), 1.0);
+  EXPECT_EQ(NSMake<NSNumber>(0.1)->floatValue(), 0.1F);
+  EXPECT_TRUE(NSMake<NSNumber>(0.1)->boolValue());
+  EXPECT_FALSE(NSMake<NSNumber>(0)->boolValue());
+  EXPECT_TRUE(NSMake<NSNumber>(1.0F)->isFloatingPoint());
+}
+
+TEST(NSNumber, WritesItsValue) {
+  EXPECT_TRUE(NSMake<NSNumber>(uint64Max)->stringValue() == u"18446744073709551615");
+  EXPECT_TRUE(NSMake<NSNumber>(-2.2250738585072014e-308)->stringValue() ==
+              u"-2.2250738585072014e-308");
+  EXPECT_TRUE(NSMake<NSNumber>(0.1)->stringValue() == u"0.1");
+  EXPECT_TRUE(NSMake<NSNumber>(true)->stringValue() == u"1");
+}
+
+TEST(NSValue, KeepsItsKind) {
+  const auto rect = NSMake<NSValue>(NSMakeRect(1, 2.5, 3, 4));
+  EXPECT_EQ(rect->rectValue(), NSMakeRect(1, 2.5, 3, 4));
+  EXPECT_TRUE(rect->description() == u"{{1, 2.5}, {3, 4}}");
+  expectRaises(NSInvalidArgumentException,
+               "the value {{1, 2.5}, {3, 4}} is of another kind (in 'rangeValue')",
+               [&] { (void)rect->rangeValue(); });
+  const auto point = NSMake<NSValue>(NSMakePoint(1, 2));
+  EXPECT_TRUE(point->isEqual(NSMake<NSValue>(NSMakePoint(1, 2))));
+  EXPECT_FALSE(point->isEqual(NSMake<NSValue>(NSMakeSize(1, 2))));
+  EXPECT_EQ(NSMake<NSValue>(NSMakePoint(0.0, 1))->hash(),
+            NSMake<NSValue>(NSMakePoint(-0.0, 1))->hash());
+}
+
+TEST(NSRange, ComputesWithoutOverflow) {
+  EXPECT_TRUE(NSRangeFits({3, 2}, 5));
+  EXPECT_FALSE(NSRangeFits({3, 3}, 5));
+  EXPECT_FALSE(NSRangeFits({6, 0}, 5));
+  EXPECT_FALSE(NSRangeFits({1, NSUIntegerMax}, 5));
+  EXPECT_TRUE(NSLocationInRange(3, {3, 1}));
+  EXPECT_FALSE(NSLocationInRange(4, {3, 1}));
+  EXPECT_EQ(NSIntersectionRange({0, 5}, {3, 9}), (NSRange{3, 2}));
+  EXPECT_EQ(NSIntersectionRange({0, 3}, {3, 9}), (NSRange{0, 0}));
+  EXPECT_EQ(NSUnionRange({7, 2}, {1, 1}), (NSRange{1, 8}));
+}
+
+}  // namespace

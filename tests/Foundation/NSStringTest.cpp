@@ -1,0 +1,146 @@
+#include "Foundation/NSUnitSearch.h"
+#include "tests/Support.h"
+
+namespace {
+
+TEST(NSString, ConvertsFromAndToStandardStrings) {
+  const auto string = NSMake<NSString>(std::string("Grüße 😀"));
+  EXPECT_TRUE(string == u"Grüße 😀");
+  EXPECT_EQ(string->length(), 8U);
+  EXPECT_EQ(std::u16string(*string), u"Grüße 😀");
+  EXPECT_EQ(std::string(*string), "Grüße 😀");
+  EXPECT_TRUE("Grüße 😀"_ns->isEqual(string));
+  EXPECT_EQ("Grüße 😀"_ns->hash(), string->hash());
+  EXPECT_FALSE(string->isEqual(nullptr));
+  EXPECT_FALSE(string->isEqual(NSMake<NSNumber>(1)));
+  EXPECT_FALSE(NSRef<NSString>() == u"");
+}
+
+TEST(NSString, RaisesPastItsEndAndChangesNothing) {
+  const auto string = NSMake<NSMutableString>(u"abc");
+  struct Row {
+    const char* reason;
+    std::function<void()> action;
+  };
+  const std::vector<Row> rows = {
+      {"index 3 beyond bounds [0, 3) (in 'characterAtIndex:')",
+       [&] { (void)string->characterAtIndex(3); }},
+      {"index 4 beyond bounds [0, 3) (in 'substringFromIndex:')",
+       [&] { (void)string->substringFromIndex(4); }},
+      {"index 4 beyond bounds [0, 3) (in 'substringToIndex:')",
+       [&] { (void)string->substringToIndex(4); }},
+      {"range {2, 2} beyond bounds [0, 3) (in 'substringWithRange:')",
+       [&] { (void)string->substringWithRange({2, 2}); }},
+      {"range {1, 18446744073709551615} beyond bounds [0, 3) (in 'deleteCharactersInRange:')",
+       [&] { string->deleteCharactersInRange({1, NSUIntegerMax}); }},
+      {"range {4, 0} beyond bounds [0, 3) (in 'replaceCharactersInRange:withString:')",
+       [&] { string->replaceCharactersInRange_withString({4, 0}, nullptr); }},
+      {"index 4 beyond bounds [0, 3) (in 'insertString:atIndex:')",
+       [&] { string->insertString_atIndex(u"x"_ns, 4); }},
+  };
+  for (const auto& row : rows) expectRaises(NSRangeException, row.reason, row.action);
+  EXPECT_TRUE(string == u"abc");
+  EXPECT_TRUE(string->substringFromIndex(3) == u"");
+}
+
+TEST(NSString, FindsWhatAOneLoopSearchFinds) {
+  expectProperty("the same first place", [] {
+    const auto text = *rc::gen::scale(4, textOver(u"aab"));
+    const auto needle = *rc::gen::scale(0.3, textOver(u"aab"));
+    const auto from = *rc::gen::inRange<std::size_t>(0, text.size() + 2);
+    const std::u16string_view view = text;
+    const auto expected = needle.empty() ? std::u16string_view::npos : view.find(needle, from);
+    RC_ASSERT(NSFindUnits(text, needle, from) == expected);
+  });
+}
+
+TEST(NSString, JoinsWhatItSeparated) {
+  expectProperty("separating and joining is the identity", [] {
+    const auto text = *textOver(u"ab,,");
+    const auto separator = NSMake<NSString>(*rc::gen::element<std::u16string>(u",", u",,", u"ab", u""));
+    const auto pieces = NSMake<NSString>(text)->componentsSeparatedByString(separator);
+    RC_ASSERT(pieces->componentsJoinedByString(separator) == text);
+    for (const auto& piece : *pieces) {
+      RC_ASSERT(piece.as<NSString>()->rangeOfString(separator) == NSNotFoundRange);
+    }
+  });
+  EXPECT_TRUE(u",a,"_ns->componentsSeparatedByString(u","_ns)->description() == u"(, a, )");
+  EXPECT_EQ(u"a"_ns->componentsSeparatedByString(nullptr)->count(), 1U);
+}
+
+TEST(NSMutableString, EditsAsAStandardStringDoes) {
+  expectProperty("the same text after every edit", [] {
+    std::u16string model;
+    const auto string = NSMake<NSMutableString>();
+    const auto edits = *rc::gen::inRange(0, 40);
+    for (int k = 0; k < edits; ++k) {
+      const auto at = *rc::gen::inRange<std::size_t>(0, model.size() + 1);
+      const auto count = *rc::gen::inRange<std::size_t>(0, model.size() - at + 1);
+      // Now and then the string's own text: what is inserted may lie in what moves.
+      const auto isOwn = *rc::gen::arbitrary<bool>();
+      const auto text = isOwn ? model : *rc::gen::scale(0.1, textOver(u"abc"));
+      const auto piece = isOwn ? NSRef<NSString>(string) : NSMake<NSString>(text);
+      switch (*rc::gen::inRange(0, 3)) {
+        case 0:
+          model.append(text);
+          string->appendString(piece);
+          break;
+        case 1:
+          model.insert(at, text);
+          string->insertString_atIndex(piece, at);
+          break;
+        default:
+          model.replace(at, count, text);
+          string->replaceCharactersInRange_withString({at, count}, piece);
+      }
+      if (model.size() > 1000) {
+        model.erase(10);
+        string->deleteCharactersInRange({10, string->length() - 10});
+      }
+      RC_ASSERT(string->view() == model);
+    }
+  });
+}
+
+TEST(NSMutableString, AppendsAndReplacesPartsOfItself) {
+  const auto string = NSMake<NSMutableString>(u"abcdefgh");
+  string->appendUnits(string->view().substr(2, 6));
+  EXPECT_TRUE(string == u"abcdefghcdefgh");
+  string->setString(nullptr);
+  EXPECT_EQ(string->length(), 0U);
+}
+
+TEST(NSMutableString, CopiesAreIndependent) {
+  const auto string = NSMake<NSMutableString>(u"short");
+  const auto copy = string->copy();
+  const auto mutableCopy = copy->mutableCopy();
+  string->appendString(u" and now longer"_ns);
+  mutableCopy->deleteCharactersInRange({0, 1});
+  EXPECT_TRUE(copy == u"short");
+  EXPECT_TRUE(mutableCopy == u"hort");
+  EXPECT_EQ(copy->copy(), copy);
+  EXPECT_TRUE(copy->isMemberOfClass(NSClass::of<NSString>()));
+}
+
+TEST(NSUnitBuffer, MovesShortAndLongTexts) {
+  for (const std::size_t length : {0U, 8U, 9U, 1000U}) {
+    const std::u16string text(length, u'x');
+    NSUnitBuffer buffer(text);
+    NSUnitBuffer moved(std::move(buffer));
+    EXPECT_EQ(moved.view(), text);
+    EXPECT_EQ(buffer.size(), 0U);  // NOLINT(bugprone-use-after-move): a moved buffer is empty.
+    buffer.append(u"again");
+    buffer = moved;
+    EXPECT_EQ(buffer.view(), text);
+    EXPECT_EQ(moved.view(), text);
+  }
+}
+
+TEST(NSUnitBuffer, RefusesWhatNoMemoryHolds) {
+  NSUnitBuffer buffer(u"kept");
+  EXPECT_THROW(buffer.reserve(SIZE_MAX / 4), std::bad_alloc);
+  EXPECT_THROW(buffer.extend(SIZE_MAX - 1), std::bad_alloc);
+  EXPECT_EQ(buffer.view(), u"kept");
+}
+
+}  // namespace

@@ -1,0 +1,64 @@
+#include <unicode/ustring.h>
+
+#include "tests/Support.h"
+
+namespace {
+
+// ICU's conversions, as the models.
+std::u16string decodedByICU(const std::string& utf8) {
+  std::u16string units(utf8.size(), u'\0');
+  UErrorCode status = U_ZERO_ERROR;
+  std::int32_t length = 0;
+  u_strFromUTF8WithSub(units.data(), static_cast<std::int32_t>(units.size()), &length, utf8.data(),
+                       static_cast<std::int32_t>(utf8.size()), 0xFFFD, nullptr, &status);
+  EXPECT_TRUE(U_SUCCESS(status));
+  units.resize(static_cast<std::size_t>(length));
+  return units;
+}
+
+std::string encodedByICU(const std::u16string& units) {
+  std::string utf8(3 * units.size(), '\0');
+  UErrorCode status = U_ZERO_ERROR;
+  std::int32_t length = 0;
+  u_strToUTF8WithSub(utf8.data(), static_cast<std::int32_t>(utf8.size()), &length, units.data(),
+                     static_cast<std::int32_t>(units.size()), 0xFFFD, nullptr, &status);
+  EXPECT_TRUE(U_SUCCESS(status));
+  utf8.resize(static_cast<std::size_t>(length));
+  return utf8;
+}
+
+// Pieces that meet at every border: of the forms, of the ranges that are left out, and of blocks.
+const std::vector<std::string> utf8Pieces = {
+    "a",        "0123456789ABCDEF", "\x7F",         "\x80",         "\xBF",         "\xC0\xAF",
+    "\xC2",     "\xC2\x80",         "\xDF\xBF",     "\xE0",         "\xE0\x9F\xBF", "\xE0\xA0\x80",
+    "\xE2\x82", "\xED\x9F\xBF",     "\xED\xA0\x80", "\xEF\xBF\xBD", "\xF0\x8F",     "\xF0\x90\x80\x80",
+    "\xF0\x9F", "\xF1\x80\x80",     "\xF4\x8F\xBF", "\xF4\x90\x80", "\xF5",         "\xFF",
+};
+
+TEST(NSUnicode, DecodesAsUnicodeRecommends) {
+  expectProperty("the same units as ICU", [] {
+    const auto pieces = *rc::gen::container<std::vector<std::string>>(rc::gen::elementOf(utf8Pieces));
+    std::string utf8;
+    for (const auto& piece : pieces) utf8 += piece;
+    RC_ASSERT(std::u16string(NSUnitsFromUTF8(utf8).view()) == decodedByICU(utf8));
+  });
+}
+
+TEST(NSUnicode, EncodesLoneHalvesAsReplacements) {
+  expectProperty("the same bytes as ICU", [] {
+    const auto units = *textOver(u"aaaaaaaa\u007F\u0080\u07FF\u0800\uFFFF\xD83D" u"\xDE00" u"\xDBFF" u"\xDFFF");
+    RC_ASSERT(NSUTF8FromUnits(units) == encodedByICU(units));
+  });
+}
+
+TEST(NSUnicode, ConvertsLongTextsThroughEveryChunk) {
+  std::u16string units;
+  for (char16_t k = 0; units.size() < 50'000; ++k) {
+    if ((k & 0xF800) != 0xD800) units += std::u16string(k % 40, u'x') + k;
+  }
+  const std::string utf8 = NSUTF8FromUnits(units);
+  EXPECT_EQ(utf8, encodedByICU(units));
+  EXPECT_EQ(NSUnitsFromUTF8(utf8).view(), units);
+}
+
+}  // namespace

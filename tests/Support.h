@@ -1,0 +1,60 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <concepts>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <Foundation/Foundation.h>
+
+/// Runs the action and expects an exception of this name with exactly this reason.
+template <class Action>
+void expectRaises(std::u16string_view name, std::string_view reason, Action action) {
+  try {
+    action();
+    ADD_FAILURE() << "nothing raised; expected: " << reason;
+  } catch (const NSException& exception) {
+    EXPECT_TRUE(exception.name() == name) << exception.name();
+    EXPECT_EQ(exception.reason()->utf8(), reason);
+    EXPECT_EQ(exception.what(), exception.name()->utf8() + ": " + std::string(reason));
+  }
+}
+
+/// Runs a RapidCheck property as a part of the current test.
+template <class Property>
+void expectProperty(const std::string& description, Property property) {
+  EXPECT_TRUE(rc::check(description, std::move(property)));
+}
+
+/// Texts over a few units, so that matches, overlaps and look-alikes are frequent.
+inline rc::Gen<std::u16string> textOver(std::u16string units) {
+  return rc::gen::container<std::u16string>(rc::gen::elementOf(std::move(units)));
+}
+
+/// Runs the action on several threads at once.
+template <class Action>
+void onThreads(int count, Action action) {
+  std::vector<std::jthread> threads;
+  for (int k = 0; k < count; ++k) threads.emplace_back(action);
+}
+
+/// Counts the instances that are alive.
+struct Counted : NSObject {
+  explicit Counted(int& aliveCount) : alive(aliveCount) { ++alive; }
+  Counted(const Counted& other) : NSObject(other), alive(other.alive) { ++alive; }
+  Counted& operator=(const Counted&) = delete;
+  ~Counted() override { --alive; }
+  int& alive;
+};
+
+namespace rc {
+/// RapidCheck shows the counterexamples of UTF-16 texts as UTF-8.
+inline void showValue(const std::u16string& text, std::ostream& out) {
+  out << '"' << NSUTF8FromUnits(text) << '"';
+}
+}  // namespace rc

@@ -1,0 +1,71 @@
+#include <ZKFoundation/ZKFoundation.h>
+
+#include "tests/Support.h"
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+struct Page : NSObject {};
+struct Stubborn : NSObject {
+  NSRef<NSObject> valueForUndefinedKey(const NSRef<NSString>& key) const override { return key; }
+};
+
+TEST(NSObjectExtensions, EveryObjectAndItsClassHaveOneBundle) {
+  EXPECT_EQ(bundle(NSMake<Page>()), bundle<Page>());
+  EXPECT_EQ(bundle<Page>(), NSBundle::mainBundle());
+  const auto library = bundle<ZKFoundation>();
+  EXPECT_EQ(bundle(NSMake<ZKFoundation>()), library);
+  EXPECT_NE(library, NSBundle::mainBundle());
+  EXPECT_NE(library, bundle<NSString>());
+  EXPECT_NE(library->executablePath()->rangeOfString(u"/libZKFoundation.so"_ns), NSNotFoundRange);
+}
+
+TEST(NSObjectExtensions, AnUndefinedKeyIsLoggedAndGivesNil) {
+  std::vector<std::string> lines;
+  const auto former =
+      NSSetLogSink([&](const NSRef<NSString>& text) { lines.push_back(text->utf8()); });
+  const auto page = NSMake<Page>();
+  EXPECT_EQ(page->valueForKey(u"%@ %s %n"_ns), nullptr);
+  EXPECT_EQ(valueForUndefinedKey(u"x"_ns, nullptr), nullptr);
+  EXPECT_EQ(page->valueForKey(u"description"_ns)->isEqual(page->description()), true);
+  EXPECT_EQ(NSMake<NSDictionary>()->valueForKey(u"missing"_ns), nullptr);
+  const auto key = u"own"_ns;
+  EXPECT_EQ(NSMake<Stubborn>()->valueForKey(key), key);
+  NSSetLogSink(former);
+  const std::string className = NSClass::of<Page>().name()->utf8();
+  EXPECT_EQ(lines, (std::vector<std::string>{"KVO/Undefined Key: %@ %s %n class:" + className,
+                                             "KVO/Undefined Key: (null) class:NSString"}));
+}
+
+TEST(NSArrayExtensions, PerformsABlockWithEachElement) {
+  std::string text;
+  const auto append = [&](const NSRef<NSObject>& object) { text += object->description()->utf8(); };
+  makeObjectsPerformBlock(NSMake<NSArray>({u"a"_ns, u"b"_ns, u"c"_ns}), append);
+  EXPECT_EQ(text, "abc");
+  makeObjectsPerformBlock(NSMake<NSSet>({u"d"_ns}), append);
+  EXPECT_EQ(text, "abcd");
+}
+
+void countCall(const NSRef<NSObject>& object) { object.as<NSMutableString>()->appendUnits(u"!"); }
+
+TEST(NSArrayExtensions, TakesEveryCallableAndRaisesForNoBlock) {
+  const auto string = NSMake<NSMutableString>();
+  const auto array = NSMake<NSArray>({string});
+  std::function<void(NSRef<NSObject>)> function = countCall;
+  makeObjectsPerformBlock(array, countCall);
+  makeObjectsPerformBlock(array, &countCall);
+  makeObjectsPerformBlock(array, function);
+  EXPECT_TRUE(string == u"!!!");
+
+  const char* const reason = "aBlock is nil (in 'makeObjectsPerformBlock:')";
+  void (*const noFunction)(const NSRef<NSObject>&) = nullptr;
+  function = nullptr;
+  expectRaises(NSInvalidArgumentException, reason, [&] { makeObjectsPerformBlock(array, nullptr); });
+  expectRaises(NSInvalidArgumentException, reason,
+               [&] { makeObjectsPerformBlock(array, noFunction); });
+  expectRaises(NSInvalidArgumentException, reason,
+               [&] { makeObjectsPerformBlock(NSMake<NSSet>(), function); });
+}
+
+}  // namespace

@@ -1,0 +1,211 @@
+#include <array>
+#include <cinttypes>
+#include <clocale>
+#include <cstdio>
+#include <cwctype>
+#include <mutex>
+#include <regex>
+#include <set>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+#include "tests/Support.h"
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+struct ConstantRow {
+  const NSRef<NSString>& (*operation)();
+  std::u16string_view text;
+};
+constexpr std::array<ConstantRow, 8> constantRows{{
+    {horizontalEllipsisString, u"…"},
+    {leftPointingDoubleAngleQuotationMarkString, u"«"},
+    {rightPointingDoubleAngleQuotationMarkString, u"»"},
+    {emdashString, u"—"},
+    {endashString, u"–"},
+    {commandKeyIndicatorString, u"⌘"},
+    {alternateKeyIndicatorString, u"⌥"},
+    {shiftKeyIndicatorString, u"⇧"},
+}};
+
+// Runs in a process of its own under ctest, so these are the first calls.
+TEST(NSStringExtensions, ConstantsAreOneObjectForAllThreads) {
+  std::mutex mutex;
+  std::set<const NSString*> seen;
+  onThreads(8, [&] {
+    for (const auto& row : constantRows) {
+      const auto& constant = row.operation();
+      const std::lock_guard lock(mutex);
+      seen.insert(constant.get());
+    }
+    (void)NSCharacterSet::whitespaceCharacterSet();
+    (void)NSCharacterSet::whitespaceAndNewlineCharacterSet();
+    (void)NSCharacterSet::controlCharacterSet();
+    (void)NSCharacterSet::alphanumericCharacterSet();
+    (void)NSCharacterSet::decimalDigitCharacterSet();
+    (void)NSNull::null();
+  });
+  EXPECT_EQ(seen.size(), constantRows.size());
+  for (const auto& [operation, text] : constantRows) {
+    EXPECT_TRUE(operation() == text) << operation();
+    EXPECT_TRUE(operation()->isMemberOfClass(NSClass::of<NSString>()));
+  }
+}
+
+TEST(NSStringExtensions, MakesStrings) {
+  EXPECT_TRUE(stringWithCharacter(u'A') == u"A");
+  const NSRef<NSMutableString> changeable = stringWithCharacter<NSMutableString>(0xD800);
+  EXPECT_EQ(changeable->characterAtIndex(0), 0xD800);
+  EXPECT_TRUE(stringWithStrings({u"a"_ns, u""_ns, u"b"_ns, nullptr, u"c"_ns}) == u"ab");
+  EXPECT_TRUE(stringWithStrings({nullptr}) == u"");
+  EXPECT_TRUE(stringWithStrings({u"a"_ns})->isMemberOfClass(NSClass::of<NSString>()));
+
+  const auto string = NSMake<NSMutableString>(u"<");
+  appendStrings(string, {string, u">"_ns, nullptr, u"x"_ns});
+  EXPECT_TRUE(string == u"<<>");
+  appendStrings(string, {nullptr});
+  EXPECT_EQ(string->length(), 3U);
+
+  EXPECT_TRUE(isEmptyString(nullptr));
+  EXPECT_TRUE(isEmptyString(u""_ns));
+  EXPECT_FALSE(isEmptyString(u" "_ns));
+}
+
+TEST(NSStringExtensions, PrintsIdentitiesAsPrintf) {
+  const auto object = NSMake<NSNumber>(1);
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), "%p", static_cast<void*>(object.get()));
+  EXPECT_EQ(stringForId(object)->utf8(), text.data());
+  EXPECT_TRUE(stringForId(nullptr) == u"(nil)");
+}
+
+TEST(NSStringExtensions, MakesFreshUUIDs) {
+  const std::regex version4("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
+  std::set<std::string> seen;
+  for (int k = 0; k < 100; ++k) {
+    const std::string text = UUIDString()->utf8();
+    EXPECT_TRUE(std::regex_match(text, version4)) << text;
+    seen.insert(text);
+  }
+  EXPECT_EQ(seen.size(), 100U);
+}
+
+struct HexRow {
+  std::u16string text;
+  std::uint32_t lenient;
+  std::uint64_t strict;
+};
+
+TEST(NSStringExtensions, ReadsHexadecimalText) {
+  constexpr std::uint64_t all = 0xFFFF'FFFF'FFFF'FFFF;
+  const std::u16string forty = u"0000000000000000000000000000000012345678";
+  const std::vector<HexRow> rows = {
+      {u"", 0, 0},
+      {u"ff", 255, 255},
+      {u"0xff", 255, 255},
+      {u"  0x1A", 26, 26},
+      {u"0X1A", 0, 26},
+      {u"0x", 0, 0},
+      {u"0x0x1", 0, 0},
+      {u"1 2", 18, 1},
+      {u"0x 1", 1, 0},
+      {u"12g", 0, 18},
+      {u"-1", 0, all},
+      {u"+-1", 0, 0},
+      {u"- 1", 0, 0},
+      {u"\t\n\v\f\r7", 7, 7},
+      {u"\u20071", std::iswspace(0x2007) != 0 ? 1U : 0U, 0},
+      {u"\u30001", 1, 0},  // The ideographic space, white in C.UTF-8.
+      {u"12\xD800", 0, 18},
+      {u"FFFFFFFFF", 0xFFFF'FFFF, 0xF'FFFF'FFFF},
+      {u"100000000", 0, 0x1'0000'0000},
+      {u"FFFFFFFFFFFFFFFF", 0xFFFF'FFFF, all},
+      {u"-FFFFFFFFFFFFFFFF", 0, 1},
+      {u"-10000000000000000", 0, all},
+      {u"FFFFFFFFFFFFFFFFF", 0xFFFF'FFFF, all},
+      {forty + u"z", 0x1234'5678, 0x1234'5678},
+      {u" " + forty, 0x0123'4567, 0x1234'5678},
+      {std::u16string(38, u' ') + u"10x", 0x10, 0x10},
+      {std::u16string(39, u' ') + u"0x5", 0, 5},
+      {u"0000000000" + forty, 0, 0x1234'5678},
+  };
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  for (const auto& [text, lenient, strict] : rows) {
+    const auto string = NSMake<NSString>(text);
+    EXPECT_EQ(hexValue(string), lenient) << '"' << string << '"';
+    EXPECT_EQ(maxHexValue(string), strict) << '"' << string << '"';
+  }
+  expectRaises(NSInvalidArgumentException, "NSString is nil where an object is needed",
+               [] { (void)hexValue(nullptr); });
+}
+
+TEST(NSStringExtensions, ReadsTheWidestNumbersAsTheCLibrary) {
+  expectProperty("strtoumax of the text", [] {
+    const auto prefix = *rc::gen::element<std::u16string>(u"", u" ", u"\t-", u"+", u"-0x", u"0X");
+    const auto text = prefix + *textOver(std::u16string(u"00ffF19xgé\0 -", 13));
+    const auto string = NSMake<NSString>(text);
+    RC_ASSERT(maxHexValue(string) == std::strtoumax(string->utf8().c_str(), nullptr, 16));
+  });
+}
+
+TEST(NSStringExtensions, RemovesOnePrefixOrSuffix) {
+  const auto string = u"aabbcc"_ns;
+  EXPECT_TRUE(stringByRemovingPrefix(string, u"a"_ns) == u"abbcc");
+  EXPECT_TRUE(stringByRemovingSuffix(string, u"bcc"_ns) == u"aab");
+  EXPECT_TRUE(stringByRemovingPrefix(string, string) == u"");
+  EXPECT_TRUE(stringByRemovingSuffix(string, u"aabbcc"_ns) == u"");
+  for (const auto& none : {NSRef<NSString>(), u""_ns, u"A"_ns, u"C"_ns, u"aabbccd"_ns}) {
+    EXPECT_EQ(stringByRemovingPrefix(string, none), string);
+    EXPECT_EQ(stringByRemovingSuffix(string, none), string);
+  }
+  EXPECT_TRUE(stringByAppendingEllipsis(string) == u"aabbcc…");
+}
+
+TEST(NSStringExtensions, ComparesPrefixesWithoutCase) {
+  struct Row {
+    const char16_t* text;
+    const char16_t* prefix;
+    bool expected;
+  };
+  const std::vector<Row> rows = {
+      {u"abcdef", u"ABC", true},
+      {u"abc", u"", true},
+      {u"", u"", true},
+      {u"abcdef", u"abcdefg", false},
+      {u"abcdef", u"abd", false},
+      {u"a@[`{", u"A@[`{", true},
+      {u"a@", u"a`", false},
+      {u"ÄRGER", u"är", true},
+      {u"\u00C4x", u"a\u0308", false},   // Two units of the prefix meet "Äx".
+      {u"a\u0308x", u"\u00C4x", false},  // Two meet the letter alone.
+      {u"A\u0308x", u"a\u0308", true},
+      {u"\u212Bngström", u"\u00E5N", true},  // Canonically equivalent: Angstrom sign and å.
+      {u"straSSe", u"straß", false},         // As many units of the text: "straS".
+      {u"\u1E9E!", u"ß!", true},
+  };
+  for (const auto& [text, prefix, expected] : rows) {
+    EXPECT_EQ(hasCaseInsensitivePrefix(NSMake<NSString>(text), NSMake<NSString>(prefix)), expected)
+        << NSMake<NSString>(text) << " and " << NSMake<NSString>(prefix);
+  }
+  EXPECT_FALSE(hasCaseInsensitivePrefix(u"abc"_ns, nullptr));
+}
+
+TEST(NSStringExtensions, RemovesEveryOccurrenceInOnePass) {
+  expectProperty("separated and joined", [] {
+    const auto string = NSMake<NSString>(*textOver(u"aab"));
+    const auto other = NSMake<NSString>(*rc::gen::scale(0.1, textOver(u"aab")));
+    const auto result = stringByRemovingString(string, other);
+    const auto pieces = string->componentsSeparatedByString(other);
+    RC_ASSERT(pieces->componentsJoinedByString(nullptr) == result->view());
+    RC_ASSERT((pieces->count() == 1) == (result == string));
+  });
+  EXPECT_TRUE(stringByRemovingString(u"aabb"_ns, u"ab"_ns) == u"ab");
+  const auto string = u"abc"_ns;
+  for (const auto& none : {NSRef<NSString>(), u""_ns, u"x"_ns}) {
+    EXPECT_EQ(stringByRemovingString(string, none), string);
+  }
+}
+
+}  // namespace
