@@ -1,11 +1,11 @@
 #include "Foundation/NSArray.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "Foundation/NSException.h"
 #include "Foundation/NSNull.h"
 #include "Foundation/NSString.h"
+
+#include <algorithm>
+#include <utility>
 
 NSArray::NSArray(std::vector<NSRef<NSObject>> elements) : _objects(std::move(elements)) {
   if (std::ranges::find(_objects, nullptr) != _objects.end()) {
@@ -67,9 +67,7 @@ NSRef<NSObject> NSArray::valueForKey(const NSRef<NSString>& key) const {
   return NSMake<NSArray>(std::move(values));
 }
 
-NSRef<NSArray> NSArray::copy() const {
-  return copyWithZone(nullptr).as<NSArray>();
-}
+NSRef<NSArray> NSArray::copy() const { return copyWithZone(nullptr).as<NSArray>(); }
 
 NSRef<NSObject> NSArray::copyWithZone(NSZone* /*zone*/) const { return self(); }
 

@@ -25,9 +25,9 @@ class NSBlockRef<Result(Arguments...)> {
   constexpr NSBlockRef(std::nullptr_t) noexcept {}
 
   template <class F>
-    requires(!std::same_as<std::remove_cvref_t<F>, NSBlockRef> &&
-             std::is_invocable_r_v<Result, F&, Arguments...>)
-  constexpr NSBlockRef(F&& callable) noexcept {
+  requires(
+      !std::same_as<std::remove_cvref_t<F>, NSBlockRef> &&
+      std::is_invocable_r_v<Result, F&, Arguments...>) constexpr NSBlockRef(F&& callable) noexcept {
     using Callable = std::remove_reference_t<F>;
     if constexpr (std::is_pointer_v<Callable> || NSIsStandardFunction<std::remove_cv_t<Callable>>) {
       if (!callable) return;

@@ -1,16 +1,16 @@
 #include "Foundation/NSBundle.h"
 
-#include <dlfcn.h>
-#include <link.h>
+#include "Foundation/NSKeyValueCoding.h"
+#include "Foundation/NSNeverDestroyed.h"
+#include "Foundation/NSString.h"
 
 #include <map>
 #include <mutex>
 #include <string>
 #include <system_error>
 
-#include "Foundation/NSKeyValueCoding.h"
-#include "Foundation/NSNeverDestroyed.h"
-#include "Foundation/NSString.h"
+#include <dlfcn.h>
+#include <link.h>
 
 namespace fs = std::filesystem;
 

@@ -1,13 +1,13 @@
 #include "Foundation/NSCharacterSet.h"
 
-#include <unicode/uchar.h>
+#include "Foundation/NSException.h"
+#include "Foundation/NSNeverDestroyed.h"
+#include "Foundation/NSString.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "Foundation/NSException.h"
-#include "Foundation/NSNeverDestroyed.h"
-#include "Foundation/NSString.h"
+#include <unicode/uchar.h>
 
 namespace {
 
@@ -132,8 +132,8 @@ const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceCharacterSet() {
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceAndNewlineCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(make(combine(
-      planesOfCategories(U_GC_Z_MASK), planesOfString(u"\t\n\v\f\r\u0085"_ns), unite)));
+  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(make(
+      combine(planesOfCategories(U_GC_Z_MASK), planesOfString(u"\t\n\v\f\r\u0085"_ns), unite)));
   return *set;
 }
 
@@ -150,8 +150,7 @@ const NSRef<NSCharacterSet>& NSCharacterSet::alphanumericCharacterSet() {
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::decimalDigitCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
-      make(planesOfCategories(U_GC_ND_MASK)));
+  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(make(planesOfCategories(U_GC_ND_MASK)));
   return *set;
 }
 
@@ -219,11 +218,10 @@ void NSMutableCharacterSet::formUnionWithCharacterSet(const NSRef<NSCharacterSet
   setPlanes(combine(planes(), static_cast<NSMutableCharacterSet&>(*other).planes(), unite));
 }
 
-void NSMutableCharacterSet::formIntersectionWithCharacterSet(
-    const NSRef<NSCharacterSet>& other) {
-  setPlanes(other ? combine(planes(), static_cast<NSMutableCharacterSet&>(*other).planes(),
-                            intersect)
-                  : Planes());
+void NSMutableCharacterSet::formIntersectionWithCharacterSet(const NSRef<NSCharacterSet>& other) {
+  setPlanes(other
+                ? combine(planes(), static_cast<NSMutableCharacterSet&>(*other).planes(), intersect)
+                : Planes());
 }
 
 void NSMutableCharacterSet::invert() { setPlanes(combine(planes(), {}, complement)); }

@@ -1,6 +1,7 @@
 #include "Foundation/NSClass.h"
 
-#include <cxxabi.h>
+#include "Foundation/NSObject.h"
+#include "Foundation/NSString.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -8,8 +9,7 @@
 #include <span>
 #include <string_view>
 
-#include "Foundation/NSObject.h"
-#include "Foundation/NSString.h"
+#include <cxxabi.h>
 
 namespace {
 
@@ -22,8 +22,8 @@ const std::type_info* findBase(const std::type_info& type, Predicate predicate) 
   }
   if (const auto* const several = dynamic_cast<const abi::__vmi_class_type_info*>(&type)) {
     const std::span bases(several->__base_info, several->__base_count);
-    const auto found = std::ranges::find_if(
-        bases, [&](const auto& base) { return predicate(*base.__base_type); });
+    const auto found =
+        std::ranges::find_if(bases, [&](const auto& base) { return predicate(*base.__base_type); });
     if (found != bases.end()) return found->__base_type;
   }
   return nullptr;

@@ -1,12 +1,11 @@
 #include "Foundation/NSDictionary.h"
 
-#include <algorithm>
-#include <ranges>
-#include <vector>
-
 #include "Foundation/NSArray.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSString.h"
+
+#include <algorithm>
+#include <vector>
 
 NSDictionary::NSDictionary(Elements entries) {
   for (const auto& [key, object] : entries) setEntry("initWithObjects:forKeys:", object, key);
@@ -34,13 +33,17 @@ NSRef<NSObject> NSDictionary::objectForKey(const NSRef<NSObject>& key) const {
 }
 
 NSRef<NSArray> NSDictionary::allKeys() const {
-  const auto keys = std::views::keys(_map);
-  return NSMake<NSArray>(std::vector<NSRef<NSObject>>(keys.begin(), keys.end()));
+  std::vector<NSRef<NSObject>> keys;
+  keys.reserve(count());
+  for (const auto& [key, object] : _map) keys.push_back(key);
+  return NSMake<NSArray>(std::move(keys));
 }
 
 NSRef<NSArray> NSDictionary::allValues() const {
-  const auto values = std::views::values(_map);
-  return NSMake<NSArray>(std::vector<NSRef<NSObject>>(values.begin(), values.end()));
+  std::vector<NSRef<NSObject>> values;
+  values.reserve(count());
+  for (const auto& [key, object] : _map) values.push_back(object);
+  return NSMake<NSArray>(std::move(values));
 }
 
 bool NSDictionary::isEqualToDictionary(const NSRef<NSDictionary>& other) const {
@@ -73,9 +76,7 @@ NSRef<NSObject> NSDictionary::valueForKey(const NSRef<NSString>& key) const {
   return objectForKey(key);
 }
 
-NSRef<NSDictionary> NSDictionary::copy() const {
-  return copyWithZone(nullptr).as<NSDictionary>();
-}
+NSRef<NSDictionary> NSDictionary::copy() const { return copyWithZone(nullptr).as<NSDictionary>(); }
 
 NSRef<NSObject> NSDictionary::copyWithZone(NSZone* /*zone*/) const { return self(); }
 

@@ -51,7 +51,8 @@ class NS_EXPORT NSDictionary : public NSObject {
 
  protected:
   Map& map() noexcept { return _map; }
-  void setEntry(const char* operation, const NSRef<NSObject>& anObject, const NSRef<NSObject>& aKey);
+  void setEntry(const char* operation, const NSRef<NSObject>& anObject,
+                const NSRef<NSObject>& aKey);
 
  private:
   Map _map;

@@ -1,9 +1,9 @@
 #include "Foundation/NSException.h"
 
-#include <sstream>
-
 #include "Foundation/NSClass.h"
 #include "Foundation/NSString.h"
+
+#include <sstream>
 
 namespace {
 
@@ -22,9 +22,7 @@ std::string textOf(const NSRef<NSString>& string) { return string ? string->utf8
 }  // namespace
 
 NSException::NSException(const NSRef<NSString>& name, const NSRef<NSString>& reason)
-    : _name(name),
-      _reason(reason),
-      _what(NSMake<Message>(textOf(name) + ": " + textOf(reason))) {}
+    : _name(name), _reason(reason), _what(NSMake<Message>(textOf(name) + ": " + textOf(reason))) {}
 
 NSException::~NSException() = default;
 

@@ -1,11 +1,11 @@
 #include "Foundation/NSGeometry.h"
 
+#include "Foundation/NSRange.h"
+
 #include <array>
 #include <charconv>
 #include <ostream>
 #include <string_view>
-
-#include "Foundation/NSRange.h"
 
 namespace {
 

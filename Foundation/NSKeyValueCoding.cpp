@@ -1,9 +1,9 @@
 #include "Foundation/NSKeyValueCoding.h"
 
+#include "Foundation/NSException.h"
+
 #include <atomic>
 #include <string>
-
-#include "Foundation/NSException.h"
 
 namespace {
 
@@ -47,6 +47,6 @@ NSRef<NSObject> NSObject::valueForKeyPath(const NSRef<NSString>& keyPath) const 
 
 NSRef<NSObject> NSObject::valueForUndefinedKey(const NSRef<NSString>& key) const {
   if (const NSUndefinedKeyHandler handler = undefinedKeyHandler.load()) return handler(*this, key);
-  NSException::raise(NSUndefinedKeyException, objectClass().name()->utf8() +
-                                                  " publishes no property '" + key->utf8() + "'");
+  NSException::raise(NSUndefinedKeyException,
+                     objectClass().name()->utf8() + " publishes no property '" + key->utf8() + "'");
 }

@@ -35,7 +35,7 @@ NSRef<NSObject> NSBox(const T& value) {
 class NSProperty {
  public:
   template <class Member, class Class>
-  NSProperty(std::u16string_view name, Member Class::* member)
+  NSProperty(std::u16string_view name, Member Class::*member)
       : _name(name), _read([member](const NSObject& object) {
           return NSBox(std::invoke(member, static_cast<const Class&>(object)));
         }) {}

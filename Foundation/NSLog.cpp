@@ -1,8 +1,7 @@
 #include "Foundation/NSLog.h"
 
-#include <sys/syscall.h>
-#include <syslog.h>
-#include <unistd.h>
+#include "Foundation/NSNeverDestroyed.h"
+#include "Foundation/NSString.h"
 
 #include <array>
 #include <cerrno>
@@ -13,8 +12,9 @@
 #include <mutex>
 #include <string>
 
-#include "Foundation/NSNeverDestroyed.h"
-#include "Foundation/NSString.h"
+#include <sys/syscall.h>
+#include <syslog.h>
+#include <unistd.h>
 
 namespace {
 

@@ -3,7 +3,8 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
-/// The object that stands for nil in collections. There is one, and it lives as long as the process.
+/// The object that stands for nil in collections. There is one, and it lives as long as the
+/// process.
 class NS_EXPORT NSNull : public NSObject {
  public:
   static const NSRef<NSNull>& null();

@@ -1,5 +1,7 @@
 #include "Foundation/NSNumber.h"
 
+#include "Foundation/NSString.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -8,8 +10,6 @@
 #include <optional>
 #include <string_view>
 #include <utility>
-
-#include "Foundation/NSString.h"
 
 namespace {
 
@@ -51,7 +51,7 @@ template <class T>
 T saturate(double value) {
   if (std::isnan(value)) return 0;
   // Both bounds are exact as doubles: the least value, and the first one past the greatest.
-  const double low = static_cast<double>(std::numeric_limits<T>::min());
+  const auto low = static_cast<double>(std::numeric_limits<T>::min());
   const double high = std::ldexp(1.0, std::numeric_limits<T>::digits);
   if (value < low) return std::numeric_limits<T>::min();
   if (value >= high) return std::numeric_limits<T>::max();
@@ -130,7 +130,10 @@ NSRef<NSString> NSNumber::stringValue() const {
     }
   };
   const char* const end = std::visit(print, _value);
-  return NSMake<NSString>(std::string_view(text.data(), static_cast<std::size_t>(end - text.data())));
+  return NSMake<NSString>(
+      std::string_view(text.data(), static_cast<std::size_t>(end - text.data())));
 }
+
+NSRef<NSString> NSNumber::description() const { return stringValue(); }
 
 NSRef<NSObject> NSNumber::copyWithZone(NSZone* /*zone*/) const { return self(); }

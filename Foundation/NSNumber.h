@@ -14,11 +14,12 @@ class NSString;
 ///
 /// Numbers are equal when their values are, exactly and whatever their types (2^63 as an integer is
 /// not 2^63 + 1, though both are the same double). A conversion to an integer type keeps the low
-/// bits of an integer; a double is cut towards zero, saturates at the type's limits, and NaN gives 0.
+/// bits of an integer; a double is cut towards zero, saturates at the type's limits, and NaN gives
+/// 0.
 class NS_EXPORT NSNumber : public NSObject {
  public:
   template <class T>
-    requires std::is_arithmetic_v<T>
+  requires std::is_arithmetic_v<T>
   explicit NSNumber(T value) noexcept : _value(widen(value)) {}
 
   bool boolValue() const noexcept;
@@ -27,7 +28,9 @@ class NS_EXPORT NSNumber : public NSObject {
   NSUInteger unsignedIntegerValue() const noexcept { return convert<NSUInteger>(); }
   long long longLongValue() const noexcept { return convert<long long>(); }
   unsigned long unsignedLongValue() const noexcept { return convert<unsigned long>(); }
-  unsigned long long unsignedLongLongValue() const noexcept { return convert<unsigned long long>(); }
+  unsigned long long unsignedLongLongValue() const noexcept {
+    return convert<unsigned long long>();
+  }
   float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
   double doubleValue() const noexcept;
 
@@ -41,9 +44,10 @@ class NS_EXPORT NSNumber : public NSObject {
   bool isEqual(const NSRef<NSObject>& other) const override;
   NSUInteger hash() const override;
 
-  /// Decimal digits; for a double the shortest that read back as the same; "1" or "0" for a boolean.
+  /// Decimal digits; for a double the shortest that read back as the same; "1" or "0" for a
+  /// boolean.
   NSRef<NSString> stringValue() const;
-  NSRef<NSString> description() const override { return stringValue(); }
+  NSRef<NSString> description() const override;
 
   /// The number itself.
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;

@@ -1,24 +1,21 @@
 #include "Foundation/NSObject.h"
 
+#include "Foundation/NSException.h"
+#include "Foundation/NSString.h"
+
 #include <array>
 #include <cstdio>
 #include <ostream>
 #include <string>
 
-#include "Foundation/NSException.h"
-#include "Foundation/NSString.h"
-
 namespace {
 
 [[noreturn]] void raiseNotCopyable(NSClass aClass, const char* operation) {
-  NSException::raise(NSInvalidArgumentException, aClass.name()->utf8() +
-                                                     " does not support copying (in '" +
-                                                     operation + "')");
+  NSException::raise(NSInvalidArgumentException,
+                     aClass.name()->utf8() + " does not support copying (in '" + operation + "')");
 }
 
 }  // namespace
-
-NSObject::~NSObject() = default;
 
 bool NSObject::isKindOfClass(NSClass aClass) const {
   return objectClass().isSubclassOfClass(aClass);

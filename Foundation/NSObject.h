@@ -16,7 +16,7 @@ class NSPropertyTable;
 /// Objects live on the heap and die with their last `NSRef`.
 class NS_EXPORT NSObject {
  public:
-  virtual ~NSObject();
+  virtual ~NSObject() = default;
 
   /// A strong reference to the object.
   NSRef<NSObject> self() const noexcept { return share(this); }
@@ -93,5 +93,7 @@ struct NSEqualObjects {
   }
 };
 struct NSHashObject {
-  std::size_t operator()(const NSRef<NSObject>& object) const { return object ? object->hash() : 0; }
+  std::size_t operator()(const NSRef<NSObject>& object) const {
+    return object ? object->hash() : 0;
+  }
 };

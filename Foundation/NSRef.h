@@ -12,7 +12,8 @@
 
 class NSObject;
 
-/// Raises `NSInvalidArgumentException`: something asked of nil where an object of `type` was needed.
+/// Raises `NSInvalidArgumentException`: something asked of nil where an object of `type` was
+/// needed.
 [[noreturn]] NS_EXPORT void NSRaiseNilDereference(const std::type_info& type);
 
 /// The strong reference to an object; null is nil.
@@ -31,13 +32,11 @@ class NSRef {
   NSRef(NSRef&& other) noexcept : _object(std::exchange(other._object, nullptr)) {}
 
   template <class U>
-    requires std::convertible_to<U*, T*>
-  NSRef(const NSRef<U>& other) noexcept : _object(other.get()) {
-    retain();
-  }
+  requires std::convertible_to<U*, T*> NSRef(const NSRef<U>& other)
+  noexcept : _object(other.get()) { retain(); }
   template <class U>
-    requires std::convertible_to<U*, T*>
-  NSRef(NSRef<U>&& other) noexcept : _object(other.leak()) {}
+  requires std::convertible_to<U*, T*> NSRef(NSRef<U>&& other)
+  noexcept : _object(other.leak()) {}
 
   NSRef& operator=(NSRef other) noexcept {
     std::swap(_object, other._object);

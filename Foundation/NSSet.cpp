@@ -1,11 +1,11 @@
 #include "Foundation/NSSet.h"
 
-#include <algorithm>
-#include <vector>
-
 #include "Foundation/NSArray.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSString.h"
+
+#include <algorithm>
+#include <vector>
 
 NSSet::NSSet(Elements elements) {
   for (const auto& object : elements) insert("initWithObjects:", object);
@@ -31,9 +31,8 @@ NSRef<NSArray> NSSet::allObjects() const {
 }
 
 bool NSSet::isSubsetOfSet(const NSRef<NSSet>& other) const {
-  return std::ranges::all_of(_members, [&](const auto& object) {
-    return other && other->containsObject(object);
-  });
+  return std::ranges::all_of(
+      _members, [&](const auto& object) { return other && other->containsObject(object); });
 }
 
 bool NSSet::isEqualToSet(const NSRef<NSSet>& other) const {
@@ -59,9 +58,7 @@ NSRef<NSObject> NSSet::valueForKey(const NSRef<NSString>& key) const {
   return values;
 }
 
-NSRef<NSSet> NSSet::copy() const {
-  return copyWithZone(nullptr).as<NSSet>();
-}
+NSRef<NSSet> NSSet::copy() const { return copyWithZone(nullptr).as<NSSet>(); }
 
 NSRef<NSObject> NSSet::copyWithZone(NSZone* /*zone*/) const { return self(); }
 

@@ -1,11 +1,11 @@
 #include "Foundation/NSString.h"
 
-#include <functional>
-
 #include "Foundation/NSArray.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSKeyValueCoding.h"
 #include "Foundation/NSUnitSearch.h"
+
+#include <functional>
 
 NSRef<NSString> operator""_ns(const char16_t* units, std::size_t length) {
   return NSMake<NSString>(std::u16string_view(units, length));
@@ -77,11 +77,10 @@ NSRef<NSArray> NSString::componentsSeparatedByString(const NSRef<NSString>& sepa
   const std::u16string_view needle = NSViewOf(separator);
   auto components = NSMake<NSMutableArray>();
   std::size_t start = 0;
-  for (std::size_t place = NSFindUnits(text, needle); place != std::u16string_view::npos;
-       place = NSFindUnits(text, needle, start)) {
+  NSForEachOccurrence(text, needle, [&](std::size_t place) {
     components->addObject(NSMake<NSString>(text.substr(start, place - start)));
     start = place + needle.size();
-  }
+  });
   components->addObject(NSMake<NSString>(text.substr(start)));
   return components;
 }
@@ -91,9 +90,7 @@ const NSPropertyTable& NSString::propertyTable() const {
   return table;
 }
 
-NSRef<NSString> NSString::copy() const {
-  return copyWithZone(nullptr).as<NSString>();
-}
+NSRef<NSString> NSString::copy() const { return copyWithZone(nullptr).as<NSString>(); }
 
 NSRef<NSObject> NSString::copyWithZone(NSZone* /*zone*/) const { return share(this); }
 

@@ -1,10 +1,10 @@
 #include "Foundation/NSStringComparison.h"
 
-#include <unicode/unorm2.h>
-#include <unicode/ustring.h>
-
 #include <algorithm>
 #include <new>
+
+#include <unicode/unorm2.h>
+#include <unicode/ustring.h>
 
 namespace {
 
@@ -21,10 +21,9 @@ char16_t lowerASCII(char16_t unit) {
 }
 
 NSComparisonResult compareASCIIFolded(std::u16string_view a, std::u16string_view b) {
-  const auto order = std::lexicographical_compare_three_way(
-      a.begin(), a.end(), b.begin(), b.end(),
-      [](char16_t x, char16_t y) { return lowerASCII(x) <=> lowerASCII(y); });
-  return order < 0 ? NSOrderedAscending : order > 0 ? NSOrderedDescending : NSOrderedSame;
+  const auto [atA, atB] = std::ranges::mismatch(a, b, {}, lowerASCII, lowerASCII);
+  if (atA == a.end() || atB == b.end()) return resultOf((atA != a.end()) - (atB != b.end()));
+  return resultOf(lowerASCII(*atA) - lowerASCII(*atB));
 }
 
 }  // namespace
@@ -33,7 +32,8 @@ NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
                                   NSUInteger options) {
   const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
   const bool isLiteral = (options & NSLiteralSearch) != 0;
-  if (isASCII(a) && isASCII(b)) return foldsCase ? compareASCIIFolded(a, b) : resultOf(a.compare(b));
+  if (isASCII(a) && isASCII(b))
+    return foldsCase ? compareASCIIFolded(a, b) : resultOf(a.compare(b));
   if (isLiteral && !foldsCase) return resultOf(a.compare(b));
 
   UErrorCode status = U_ZERO_ERROR;

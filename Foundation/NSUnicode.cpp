@@ -1,49 +1,27 @@
 #include "Foundation/NSUnicode.h"
 
+#include "Foundation/NSUnicodeKernels.h"
+
 #include <algorithm>
 #include <array>
-#include <cstdint>
-#include <cstring>
 
 namespace {
 
 constexpr char16_t replacementCharacter = 0xFFFD;
-
-// Long enough for the compiler to use whole vector registers, short enough for mixed text.
-constexpr std::size_t blockSize = 16;
-
-bool isASCIIBlock(const char* bytes) {
-  std::array<std::uint64_t, blockSize / 8> words;
-  std::memcpy(words.data(), bytes, blockSize);
-  return ((words[0] | words[1]) & 0x8080808080808080U) == 0;
-}
-
-bool isASCIIBlock(const char16_t* units) {
-  std::array<std::uint64_t, blockSize / 4> words;
-  std::memcpy(words.data(), units, blockSize * sizeof(char16_t));
-  return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80U) == 0;
-}
-
-void widenBlock(const char* bytes, char16_t* units) {
-  for (std::size_t k = 0; k < blockSize; ++k) units[k] = static_cast<unsigned char>(bytes[k]);
-}
-
-void narrowBlock(const char16_t* units, char* bytes) {
-  for (std::size_t k = 0; k < blockSize; ++k) bytes[k] = static_cast<char>(units[k]);
-}
 
 bool isContinuation(unsigned char byte) { return (byte & 0xC0U) == 0x80U; }
 
 struct Decoded {
   char32_t character;
   std::size_t length;
+  bool isWellFormed;
 };
 
 // Decodes the sequence that starts with a byte of 0x80 or above. A broken sequence gives U+FFFD and
 // the length of its longest part that could have begun a well-formed one (at least one byte).
 Decoded decodeSequence(const unsigned char* bytes, std::size_t available) {
   const unsigned char lead = bytes[0];
-  if (lead < 0xC2 || lead > 0xF4) return {replacementCharacter, 1};
+  if (lead < 0xC2 || lead > 0xF4) return {replacementCharacter, 1, false};
   const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
 
   // The second byte's limits keep overlong forms, surrogates and what lies above U+10FFFF out.
@@ -53,15 +31,15 @@ Decoded decodeSequence(const unsigned char* bytes, std::size_t available) {
   if (lead == 0xED) high = 0x9F;
   if (lead == 0xF0) low = 0x90;
   if (lead == 0xF4) high = 0x8F;
-  if (available < 2 || bytes[1] < low || bytes[1] > high) return {replacementCharacter, 1};
+  if (available < 2 || bytes[1] < low || bytes[1] > high) return {replacementCharacter, 1, false};
 
   char32_t character = lead & (0x7FU >> length);
   character = (character << 6U) | (bytes[1] & 0x3FU);
   for (std::size_t k = 2; k < length; ++k) {
-    if (k == available || !isContinuation(bytes[k])) return {replacementCharacter, k};
+    if (k == available || !isContinuation(bytes[k])) return {replacementCharacter, k, false};
     character = (character << 6U) | (bytes[k] & 0x3FU);
   }
-  return {character, length};
+  return {character, length, true};
 }
 
 char16_t* putCharacter(char32_t character, char16_t* out) {
@@ -74,34 +52,26 @@ char16_t* putCharacter(char32_t character, char16_t* out) {
   return out;
 }
 
+// How many bytes of well-formed characters lead in to the vector code. It needs three; more keep a
+// text with frequent faults from trying it in vain.
+constexpr std::size_t leadIn = 16;
+
 // Writes at most one unit a byte and gives the end of what it wrote.
 char16_t* decode(std::string_view utf8, char16_t* out) {
-  const char* at = utf8.data();
-  const char* const end = at + utf8.size();
-  while (at != end) {
-    if (static_cast<std::size_t>(end - at) >= blockSize && isASCIIBlock(at)) {
-      widenBlock(at, out);
-      at += blockSize;
-      out += blockSize;
-      continue;
-    }
-    // Character by character through what is left of a block, so that a single letter with an
-    // accent costs no more than its own block of ASCII.
-    const char* const pause = at + std::min<std::ptrdiff_t>(end - at, blockSize);
-    while (at < pause) {
-      const auto* const bytes = reinterpret_cast<const unsigned char*>(at);
-      const auto available = static_cast<std::size_t>(end - at);
-      if (bytes[0] < 0x80) {
-        *out++ = bytes[0];
-        at += 1;
-      } else if (bytes[0] >= 0xC2 && bytes[0] < 0xE0 && available > 1 && isContinuation(bytes[1])) {
-        *out++ = static_cast<char16_t>(((bytes[0] & 0x1FU) << 6U) | (bytes[1] & 0x3FU));
-        at += 2;
-      } else {
-        const Decoded decoded = decodeSequence(bytes, available);
-        out = putCharacter(decoded.character, out);
-        at += decoded.length;
-      }
+  std::size_t position = 0;
+  std::size_t wellFormed = 0;
+  while (position < utf8.size()) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(utf8.data()) + position;
+    const Decoded decoded = bytes[0] < 0x80 ? Decoded{bytes[0], 1, true}
+                                            : decodeSequence(bytes, utf8.size() - position);
+    out = putCharacter(decoded.character, out);
+    position += decoded.length;
+    wellFormed = decoded.isWellFormed ? wellFormed + decoded.length : 0;
+    if (wellFormed >= leadIn) {
+      const NSTranscoded block = NSDecodeWellFormed(utf8, position, out);
+      position = block.position;
+      out += block.written;
+      wellFormed = 0;
     }
   }
   return out;
@@ -140,25 +110,27 @@ NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8) {
 }
 
 std::string NSUTF8FromUnits(std::u16string_view text) {
-  // A chunk is encoded in the cache and then appended, which never fills the result in advance.
-  constexpr std::size_t chunkSize = 4096;
-  std::array<char, chunkSize + 3 * blockSize> chunk;
   std::string result;
+  if (text.empty()) return result;
   result.reserve(text.size());
-  char* out = chunk.data();
-  while (!text.empty()) {
-    if (text.size() >= blockSize && isASCIIBlock(text.data())) {
-      narrowBlock(text.data(), out);
-      text.remove_prefix(blockSize);
-      out += blockSize;
-    } else {
-      const std::size_t rest = text.size() - std::min(text.size(), blockSize);
-      while (text.size() > rest) out = putUTF8(NSTakeCharacter(text), out);
-    }
-    if (out - chunk.data() >= static_cast<std::ptrdiff_t>(chunkSize) || text.empty()) {
-      result.append(chunk.data(), out);
-      out = chunk.data();
-    }
+  // A chunk is encoded in the cache and then appended, so that the result is not filled in advance.
+  constexpr std::size_t chunkSize = 8192;
+  std::array<char, chunkSize + NSEncodingSlack> chunk;
+  std::u16string_view rest = text;
+  const auto appendCharacters = [&](std::size_t count) {
+    char* out = chunk.data();
+    const std::size_t end = rest.size() - std::min(rest.size(), count);
+    while (rest.size() > end) out = putUTF8(NSTakeCharacter(rest), out);
+    result.append(chunk.data(), out);
+  };
+  appendCharacters(1);
+  for (;;) {
+    const NSTranscoded block =
+        NSEncodeBlocks(text, text.size() - rest.size(), chunk.data(), chunkSize);
+    if (block.written == 0) break;
+    result.append(chunk.data(), block.written);
+    rest = text.substr(block.position);
   }
+  while (!rest.empty()) appendCharacters(chunkSize / 4);
   return result;
 }

@@ -23,6 +23,7 @@ class NS_EXPORT NSUnitBuffer {
 
   std::u16string_view view() const noexcept { return {_units, _size}; }
   char16_t* data() noexcept { return _units; }
+  const char16_t* data() const noexcept { return _units; }
   std::size_t size() const noexcept { return _size; }
   std::size_t capacity() const noexcept { return _capacity; }
 
@@ -36,7 +37,11 @@ class NS_EXPORT NSUnitBuffer {
   void shrink() noexcept;
 
   /// The text may be a part of this buffer.
-  void append(std::u16string_view text) { replace(_size, 0, text); }
+  void append(std::u16string_view text) {
+    if (text.size() > _capacity - _size) return replace(_size, 0, text);
+    std::char_traits<char16_t>::copy(_units + _size, text.data(), text.size());
+    _size += text.size();
+  }
   /// Puts the text in the place of `count` units at `position`; it may be a part of this buffer.
   void replace(std::size_t position, std::size_t count, std::u16string_view text);
 
@@ -45,7 +50,7 @@ class NS_EXPORT NSUnitBuffer {
   void takeOver(NSUnitBuffer& other) noexcept;
   void grow(std::size_t needed);
 
-  std::array<char16_t, inlineCapacity> _inline{};
+  std::array<char16_t, inlineCapacity> _inline {};
   char16_t* _units;
   std::size_t _size = 0;
   std::size_t _capacity = inlineCapacity;

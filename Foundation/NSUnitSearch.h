@@ -1,11 +1,36 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
 
 #include <Foundation/NSExport.h>
 
-/// Position of the first occurrence of the needle at or behind `from`, unit by unit;
-/// `std::u16string_view::npos` when there is none. An empty needle is not found.
+// Searches unit by unit. An empty needle is not found.
+
+/// Positions of occurrences of the needle at or behind `from`, from left to right without overlap,
+/// as many as `places` takes. Gives how many there are; fewer than asked for means that these were
+/// the last.
 NS_EXPORT std::size_t NSFindUnits(std::u16string_view text, std::u16string_view needle,
-                                  std::size_t from = 0) noexcept;
+                                  std::size_t from, std::span<std::size_t> places) noexcept;
+
+/// The first of them, or `std::u16string_view::npos`.
+inline std::size_t NSFindUnits(std::u16string_view text, std::u16string_view needle,
+                               std::size_t from = 0) noexcept {
+  std::size_t place = 0;
+  return NSFindUnits(text, needle, from, {&place, 1}) == 0 ? std::u16string_view::npos : place;
+}
+
+/// Calls `visit` with every one of them.
+template <class Visit>
+void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle, Visit visit) {
+  std::array<std::size_t, 64> places;
+  std::size_t from = 0;
+  std::size_t found = places.size();
+  while (found == places.size()) {
+    found = NSFindUnits(text, needle, from, places);
+    for (const std::size_t place : std::span(places).first(found)) visit(place);
+    from = places[places.size() - 1] + needle.size();
+  }
+}

@@ -1,10 +1,10 @@
 #include "Foundation/NSValue.h"
 
-#include <sstream>
-#include <string>
-
 #include "Foundation/NSException.h"
 #include "Foundation/NSString.h"
+
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -24,8 +24,9 @@ NSUInteger hashOf(NSRange range) { return mix(range.location, range.length); }
 template <class T>
 T NSValue::checked(const char* operation) const {
   if (const T* value = get<T>()) return *value;
-  NSException::raise(NSInvalidArgumentException, "the value " + description()->utf8() +
-                                                     " is of another kind (in '" + operation + "')");
+  NSException::raise(
+      NSInvalidArgumentException,
+      "the value " + description()->utf8() + " is of another kind (in '" + operation + "')");
 }
 
 NSPoint NSValue::pointValue() const { return checked<NSPoint>("pointValue"); }

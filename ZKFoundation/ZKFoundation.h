@@ -4,7 +4,6 @@
 /// The whole library, and the platform layer with it.
 
 #include <Foundation/Foundation.h>
-
 #include <ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <Foundation/NSObject.h>
-
 #include <ZKFoundation/ZKExport.h>
 
 /// The library's anchor: `ZKFoundationExtensions::bundle<ZKFoundation>()` is the library's bundle.

@@ -10,6 +10,9 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZKFoundationConfigVersion
   COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/ZKFoundationConfigVersion.cmake DESTINATION ${zk_package_dir})
 
+# The installation may be moved as a whole: the file finds its prefix from where it lies.
+file(RELATIVE_PATH ZK_PREFIX_FROM_PKGCONFIG
+  /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/zkfoundation.pc.in zkfoundation.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zkfoundation.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <gtest/gtest.h>
-#include <rapidcheck.h>
-
 #include <concepts>
 #include <ostream>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
 
 #include <Foundation/Foundation.h>
 
@@ -40,6 +40,7 @@ inline rc::Gen<std::u16string> textOver(std::u16string units) {
 template <class Action>
 void onThreads(int count, Action action) {
   std::vector<std::jthread> threads;
+  threads.reserve(static_cast<std::size_t>(count));
   for (int k = 0; k < count; ++k) threads.emplace_back(action);
 }
 

@@ -1,6 +1,5 @@
-#include "ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h"
-
 #include "Foundation/NSException.h"
+#include "ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h"
 
 namespace ZKFoundationExtensions {
 

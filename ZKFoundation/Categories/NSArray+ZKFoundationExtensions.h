@@ -1,14 +1,13 @@
 #pragma once
 
-#include <Foundation/NSBlock.h>
 #include <Foundation/NSArray.h>
-
+#include <Foundation/NSBlock.h>
 #include <ZKFoundation/ZKExport.h>
 
 namespace ZKFoundationExtensions {
 
-/// Calls the block with each element, in their order. A nil block raises `NSInvalidArgumentException` with
-/// the reason "aBlock is nil (in 'makeObjectsPerformBlock:')".
+/// Calls the block with each element, in their order. A nil block raises
+/// `NSInvalidArgumentException` with the reason "aBlock is nil (in 'makeObjectsPerformBlock:')".
 ZK_EXPORT void makeObjectsPerformBlock(const NSRef<NSArray>& array,
                                        NSBlockRef<void(const NSRef<NSObject>&)> aBlock);
 

@@ -3,7 +3,6 @@
 #include <initializer_list>
 
 #include <Foundation/NSString.h>
-
 #include <ZKFoundation/ZKExport.h>
 
 namespace ZKFoundationExtensions {

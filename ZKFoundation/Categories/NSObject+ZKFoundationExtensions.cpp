@@ -1,6 +1,5 @@
-#include "ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h"
-
 #include "Foundation/NSLog.h"
+#include "ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h"
 
 namespace {
 

@@ -4,7 +4,6 @@
 #include <Foundation/NSClass.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSString.h>
-
 #include <ZKFoundation/ZKExport.h>
 
 namespace ZKFoundationExtensions {

@@ -1,6 +1,5 @@
-#include "ZKFoundation/Categories/NSSet+ZKFoundationExtensions.h"
-
 #include "Foundation/NSException.h"
+#include "ZKFoundation/Categories/NSSet+ZKFoundationExtensions.h"
 
 namespace ZKFoundationExtensions {
 

@@ -1,29 +1,30 @@
-#include "ZKFoundation/Categories/NSString+ZKFoundationExtensions.h"
-
-#include <uuid/uuid.h>
-
-#include <array>
-#include <cstdio>
-#include <cwctype>
-#include <limits>
-
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSStringComparison.h"
 #include "Foundation/NSUnitSearch.h"
 #include "ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h"
+#include "ZKFoundation/Categories/NSString+ZKFoundationExtensions.h"
+
+#include <array>
+#include <bit>
+#include <cstdio>
+#include <cstring>
+#include <cwctype>
+#include <limits>
+
+#include <uuid/uuid.h>
 
 namespace {
 
+// What a unit is to the parsers below; less than 16 is the value of a hexadecimal digit.
 constexpr std::uint8_t spaceClass = 16;
 constexpr std::uint8_t otherClass = 17;
+constexpr std::uint8_t wideClass = 18;
 
-// The value of a hexadecimal digit, or the class of any other unit, in the "C" locale's ASCII.
-constexpr auto unitClasses = [] {
+// In the "C" locale, whatever the process's is.
+constexpr auto asciiClasses = [] {
   std::array<std::uint8_t, 128> classes{};
   classes.fill(otherClass);
-  for (const char c : {' ', '\t', '\n', '\v', '\f', '\r'}) {
-    classes[static_cast<std::size_t>(c)] = spaceClass;
-  }
+  for (const char16_t space : std::u16string_view(u" \t\n\v\f\r")) classes[space] = spaceClass;
   for (std::uint8_t k = 0; k < 10; ++k) classes['0' + k] = k;
   for (std::uint8_t k = 0; k < 6; ++k) {
     classes['A' + k] = classes['a' + k] = static_cast<std::uint8_t>(10 + k);
@@ -31,19 +32,72 @@ constexpr auto unitClasses = [] {
   return classes;
 }();
 
-std::uint8_t asciiClass(char16_t unit) {
-  return unit < unitClasses.size() ? unitClasses[unit] : otherClass;
+std::uint8_t classOf(char16_t unit) {
+  return unit < asciiClasses.size() ? asciiClasses[unit] : wideClass;
 }
 
-std::uint8_t lenientClass(char16_t unit) {
-  if (unit < unitClasses.size()) return unitClasses[unit];
-  return std::iswspace(static_cast<std::wint_t>(unit)) != 0 ? spaceClass : otherClass;
+void skipSpace(std::u16string_view& text, auto isSpace) {
+  while (!text.empty() && isSpace(text[0])) text.remove_prefix(1);
 }
 
-std::size_t skipSpace(std::u16string_view text, std::uint8_t (*classOf)(char16_t)) {
-  std::size_t k = 0;
-  while (k < text.size() && classOf(text[k]) == spaceClass) ++k;
-  return k;
+void skipPrefix(std::u16string_view& text, auto isX) {
+  if (text.size() >= 2 && text[0] == u'0' && isX(text[1])) text.remove_prefix(2);
+}
+
+constexpr std::uint64_t noDigits = std::uint64_t{1} << 32U;
+
+// The value of eight hexadecimal digits at once, or `noDigits` when one of the units is none. Kept
+// a function of its own: its many constants would crowd the registers of the loops that call it.
+[[gnu::noinline]] std::uint64_t eightDigits(const char16_t* text) {
+  static_assert(std::endian::native == std::endian::little, "the first unit is the lowest lane");
+  using Units [[gnu::vector_size(16)]] = std::uint16_t;
+  using Words [[gnu::vector_size(16)]] = std::uint64_t;
+  Units units;
+  std::memcpy(&units, text, sizeof(units));
+  const Units digit = units - std::uint16_t{u'0'};
+  const Units letter = (units | 0x20) - std::uint16_t{u'a'};
+  const auto isDigit = reinterpret_cast<Units>(digit < 10);
+  const auto isValid = reinterpret_cast<Words>(isDigit | reinterpret_cast<Units>(letter < 6));
+  if ((isValid[0] & isValid[1]) != ~std::uint64_t{0}) return noDigits;
+
+  const auto values = reinterpret_cast<Words>((digit & isDigit) | ((letter + 10) & ~isDigit));
+  // Gathers four digits in the upper 16 bits: the first by 2^60, the next, in lane 1, by 2^40, …
+  const auto gathered = [](std::uint64_t lanes) { return (lanes * 0x1000'0100'0010'0001) >> 48U; };
+  return gathered(values[0]) << 16U | gathered(values[1]);
+}
+
+// The rules of `hexValue`, with the answer for units above U+007F to the question for white space.
+std::uint32_t lenientHexValue(std::u16string_view text, auto isWideSpace) {
+  const auto isSpace = [&](char16_t unit) {
+    const std::uint8_t unitClass = classOf(unit);
+    return unitClass == spaceClass || (unitClass == wideClass && isWideSpace(unit));
+  };
+  skipSpace(text, isSpace);
+  skipPrefix(text, [](char16_t x) { return x == u'x'; });
+  // Only the last eight digits count, so the higher bits may fall out.
+  std::uint32_t value = 0;
+  while (!text.empty()) {
+    const std::uint64_t eight = text.size() < 8 ? noDigits : eightDigits(text.data());
+    if (eight != noDigits) {
+      value = static_cast<std::uint32_t>(eight);
+      text.remove_prefix(8);
+    } else {
+      const std::uint8_t unitClass = classOf(text[0]);
+      if (unitClass < 16) {
+        value = (value << 4U) | unitClass;
+      } else if (!isSpace(text[0])) {
+        return 0;
+      }
+      text.remove_prefix(1);
+    }
+  }
+  return value;
+}
+
+// Apart, so that the calls into the C library do not weigh on texts that need none.
+[[gnu::noinline]] std::uint32_t wideHexValue(std::u16string_view text) {
+  return lenientHexValue(
+      text, [](char16_t unit) { return std::iswspace(static_cast<std::wint_t>(unit)) != 0; });
 }
 
 // One slot for each constant, made by whichever thread comes first; the others wait for it.
@@ -95,34 +149,30 @@ NSRef<NSString> stringWithStrings(std::initializer_list<NSRef<NSString>> strings
 }
 
 std::uint32_t hexValue(const NSRef<NSString>& string) {
-  std::u16string_view text = string->view().substr(0, 40);
-  text.remove_prefix(skipSpace(text, lenientClass));
-  if (text.starts_with(u"0x")) text.remove_prefix(2);
-  // Only the last eight digits count, so the higher bits may fall out.
-  std::uint32_t value = 0;
-  for (const char16_t unit : text) {
-    const std::uint8_t unitClass = lenientClass(unit);
-    if (unitClass < 16) {
-      value = (value << 4U) | unitClass;
-    } else if (unitClass != spaceClass) {
-      return 0;
-    }
-  }
-  return value;
+  const std::u16string_view text = string->view().substr(0, 40);
+  bool isWide = false;
+  const std::uint32_t value = lenientHexValue(text, [&](char16_t) { return !(isWide = true); });
+  return isWide ? wideHexValue(text) : value;
 }
 
 std::uint64_t maxHexValue(const NSRef<NSString>& string) {
   std::u16string_view text = string->view();
-  text.remove_prefix(skipSpace(text, asciiClass));
+  skipSpace(text, [](char16_t unit) { return classOf(unit) == spaceClass; });
   const bool isNegative = text.starts_with(u'-');
   if (isNegative || text.starts_with(u'+')) text.remove_prefix(1);
   // "0x" without a digit behind it is the number 0, which is what dropping it leaves.
-  if (text.starts_with(u"0x") || text.starts_with(u"0X")) text.remove_prefix(2);
+  skipPrefix(text, [](char16_t x) { return x == u'x' || x == u'X'; });
 
   constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
   std::uint64_t value = 0;
+  while (text.size() >= 8 && value <= largest >> 32U) {
+    const std::uint64_t eight = eightDigits(text.data());
+    if (eight == noDigits) break;
+    value = (value << 32U) | eight;
+    text.remove_prefix(8);
+  }
   for (const char16_t unit : text) {
-    const std::uint8_t digit = asciiClass(unit);
+    const std::uint8_t digit = classOf(unit);
     if (digit >= 16) break;
     if (value > largest >> 4U) return largest;
     value = (value << 4U) | digit;
@@ -156,17 +206,15 @@ NSRef<NSString> stringByRemovingString(const NSRef<NSString>& string,
                                        const NSRef<NSString>& other) {
   const std::u16string_view text = string->view();
   const std::u16string_view needle = NSViewOf(other);
-  std::size_t place = NSFindUnits(text, needle);
-  if (place == std::u16string_view::npos) return string;
+  if (NSFindUnits(text, needle) == std::u16string_view::npos) return string;
 
   NSUnitBuffer result;
   result.reserve(text.size() - needle.size());
   std::size_t start = 0;
-  while (place != std::u16string_view::npos) {
+  NSForEachOccurrence(text, needle, [&](std::size_t place) {
     result.append(text.substr(start, place - start));
     start = place + needle.size();
-    place = NSFindUnits(text, needle, start);
-  }
+  });
   result.append(text.substr(start));
   result.shrink();
   return NSMake<NSString>(std::move(result));

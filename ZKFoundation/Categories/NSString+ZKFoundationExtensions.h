@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include <Foundation/NSString.h>
-
 #include <ZKFoundation/ZKExport.h>
 
 // The receiver comes first and must not be nil: asking nil raises `NSInvalidArgumentException`.

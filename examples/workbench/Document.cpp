@@ -56,7 +56,7 @@ NSRef<NSString> Document::title() const {
 std::vector<NSRef<NSString>> Document::hexadecimalWords() const {
   const std::u16string_view text = _text->view();
   std::vector<NSRef<NSString>> words;
-  for (auto at = text.find(u"0x"); at != text.npos; at = text.find(u"0x", at + 2)) {
+  for (auto at = text.find(u"0x"); at != std::u16string_view::npos; at = text.find(u"0x", at + 2)) {
     std::size_t end = at + 2;
     while (end < text.size() && isHexadecimalDigit(text[end])) ++end;
     const auto word = NSMake<NSString>(text.substr(at, end - at));

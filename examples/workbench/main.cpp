@@ -1,4 +1,5 @@
-#include <unistd.h>
+#include "examples/workbench/Document.h"
+#include "examples/workbench/Table.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -7,10 +8,9 @@
 #include <system_error>
 #include <vector>
 
-#include <ZKFoundation/ZKFoundation.h>
+#include <unistd.h>
 
-#include "examples/workbench/Document.h"
-#include "examples/workbench/Table.h"
+#include <ZKFoundation/ZKFoundation.h>
 
 namespace fs = std::filesystem;
 using namespace ZKFoundationExtensions;
@@ -61,7 +61,8 @@ NSRef<NSString> valuesText(const std::vector<NSRef<NSString>>& words) {
 }
 
 void report(const fs::path& directory) {
-  Table table({{"file", 60, "36"}, {"title", 48, "0"}, {"ids", 48, "33"}, {"document id", 36, "2"}});
+  Table table(
+      {{"file", 60, "36"}, {"title", 48, "0"}, {"ids", 48, "33"}, {"document id", 36, "2"}});
   const auto files = filesBelow(directory);
   std::size_t count = 0;
   for (std::size_t k = 0; k < files.size(); ++k) {

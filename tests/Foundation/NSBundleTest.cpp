@@ -1,7 +1,7 @@
+#include "tests/Support.h"
+
 #include <filesystem>
 #include <fstream>
-
-#include "tests/Support.h"
 
 namespace fs = std::filesystem;
 
@@ -16,8 +16,10 @@ TEST(NSBundle, IsThatOfTheProgramOrLibraryThatDefinesTheClass) {
   EXPECT_EQ(NSBundle::bundleForClass(NSClass::of<Local>()), NSBundle::mainBundle());
 
   const auto platform = NSBundle::bundleForClass(NSClass::of<NSString>());
-  EXPECT_TRUE(fs::path(platform->executablePath()->utf8()).filename().native().starts_with(
-      "libzkplatform.so"));
+  EXPECT_TRUE(fs::path(platform->executablePath()->utf8())
+                  .filename()
+                  .native()
+                  .starts_with("libzkplatform.so"));
   EXPECT_EQ(NSBundle::bundleForClass(NSClass::of<NSObject>()), platform);
 }
 

@@ -1,6 +1,6 @@
-#include <unicode/uchar.h>
-
 #include "tests/Support.h"
+
+#include <unicode/uchar.h>
 
 namespace {
 
@@ -14,7 +14,8 @@ TEST(NSCharacterSet, FollowsTheGeneralCategories) {
     ASSERT_EQ(in(NSCharacterSet::whitespaceCharacterSet()), (mask & U_GC_ZS_MASK) != 0 || c == 9);
     ASSERT_EQ(in(NSCharacterSet::whitespaceAndNewlineCharacterSet()),
               (mask & U_GC_Z_MASK) != 0 || isBreak);
-    ASSERT_EQ(in(NSCharacterSet::controlCharacterSet()), (mask & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0);
+    ASSERT_EQ(in(NSCharacterSet::controlCharacterSet()),
+              (mask & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0);
     ASSERT_EQ(in(NSCharacterSet::alphanumericCharacterSet()),
               (mask & (U_GC_L_MASK | U_GC_M_MASK | U_GC_N_MASK)) != 0);
     ASSERT_EQ(in(NSCharacterSet::decimalDigitCharacterSet()), (mask & U_GC_ND_MASK) != 0);
@@ -56,8 +57,9 @@ TEST(NSCharacterSet, CombinesMembers) {
 TEST(NSCharacterSet, RaisesPastTheLastCharacter) {
   const auto set = NSMake<NSMutableCharacterSet>(NSRange{0x10FFFF, 1});
   expectRaises(NSRangeException,
-               "range {1114111, 2} beyond bounds [0, 1114112) (in 'addCharactersInRange:')",
-               [&] { set->addCharactersInRange({0x10FFFF, 2}); });
+               "range {1114111, 2} beyond bounds [0, 1114112) (in 'addCharactersInRange:')", [&] {
+                 set->addCharactersInRange({0x10FFFF, 2});
+               });
   EXPECT_TRUE(set->isEqual(NSMake<NSCharacterSet>(u"\U0010FFFF"_ns)));
 }
 

@@ -1,8 +1,8 @@
+#include "tests/Support.h"
+
 #include <functional>
 #include <map>
 #include <set>
-
-#include "tests/Support.h"
 
 namespace {
 
@@ -31,7 +31,9 @@ TEST(NSArray, RaisesForWhatDoesNotFitAndChangesNothing) {
       {NSInvalidArgumentException, "anObject is nil (in 'replaceObjectAtIndex:withObject:')",
        [&] { array->replaceObjectAtIndex_withObject(0, nullptr); }},
       {NSInvalidArgumentException, "an element is nil (in 'initWithObjects:')",
-       [&] { (void)NSMake<NSArray>({u"a"_ns, nullptr}); }},
+       [&] {
+         (void)NSMake<NSArray>({u"a"_ns, nullptr});
+       }},
       {NSInvalidArgumentException, "anObject is nil (in 'setObject:forKey:')",
        [] { NSMake<NSMutableDictionary>()->setObject_forKey(nullptr, u"k"_ns); }},
       {NSInvalidArgumentException, "aKey is nil (in 'setObject:forKey:')",

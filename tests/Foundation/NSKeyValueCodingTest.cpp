@@ -50,7 +50,9 @@ TEST(NSKeyValueCoding, ReadsPublishedMembersAndBoxesThem) {
   auto chapter = NSMake<Chapter>();
   chapter->heading = u"One"_ns;
   chapter->pages = 12;
-  const auto value = [&](const char16_t* key) { return chapter->valueForKey(NSMake<NSString>(key)); };
+  const auto value = [&](const char16_t* key) {
+    return chapter->valueForKey(NSMake<NSString>(key));
+  };
   EXPECT_EQ(value(u"heading"), chapter->heading);
   EXPECT_TRUE(NSEqualObjects{}(value(u"pages"), NSMake<NSNumber>(12)));
   EXPECT_TRUE(NSEqualObjects{}(value(u"style"), NSMake<NSNumber>(1)));

@@ -1,8 +1,8 @@
+#include "tests/Support.h"
+
 #include <mutex>
 #include <regex>
 #include <set>
-
-#include "tests/Support.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
+#include "tests/Support.h"
+
 #include <cmath>
 #include <limits>
-
-#include "tests/Support.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
+#include "tests/Support.h"
+
 #include <atomic>
 #include <unordered_set>
-
-#include "tests/Support.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ TEST(NSRef, DestroysTheObjectWithItsLastReference) {
   EXPECT_EQ(first->retainCount(), 3U);
   first = nullptr;
   const auto moved = std::move(second);
-  EXPECT_EQ(second, nullptr);  // NOLINT(bugprone-use-after-move): a moved reference is nil.
+  EXPECT_EQ(second, nullptr);  // NOLINT: a moved reference is nil.
   base = {};
   EXPECT_EQ(alive, 1);
   EXPECT_EQ(moved->retainCount(), 1U);
@@ -52,8 +52,9 @@ TEST(NSRef, AdoptsAndLeaksWithoutCounting) {
 TEST(NSRef, CopiesOfAnObjectStartWithTheirOwnCount) {
   int alive = 0;
   const auto original = NSMake<Counted>(alive);
-  const auto another = original;
+  const std::vector others(3, original);
   EXPECT_EQ(NSMake<Counted>(*original)->retainCount(), 1U);
+  EXPECT_EQ(original->retainCount(), 4U);
   EXPECT_EQ(alive, 1);
 }
 
@@ -79,7 +80,8 @@ TEST(NSRef, CountsFromManyThreads) {
   int alive = 0;
   auto object = NSMake<Counted>(alive);
   onThreads(8, [object] {
-    for (int k = 0; k < 10'000; ++k) const auto copy = object;
+    std::vector<NSRef<Counted>> copies;
+    for (int k = 0; k < 10'000; ++k) copies.assign(1, object);
   });
   EXPECT_EQ(object->retainCount(), 1U);
   object = nullptr;

@@ -1,5 +1,6 @@
 #include "Foundation/NSUnitSearch.h"
 #include "tests/Support.h"
+#include "tests/VectorTargets.h"
 
 namespace {
 
@@ -30,11 +31,17 @@ TEST(NSString, RaisesPastItsEndAndChangesNothing) {
       {"index 4 beyond bounds [0, 3) (in 'substringToIndex:')",
        [&] { (void)string->substringToIndex(4); }},
       {"range {2, 2} beyond bounds [0, 3) (in 'substringWithRange:')",
-       [&] { (void)string->substringWithRange({2, 2}); }},
+       [&] {
+         (void)string->substringWithRange({2, 2});
+       }},
       {"range {1, 18446744073709551615} beyond bounds [0, 3) (in 'deleteCharactersInRange:')",
-       [&] { string->deleteCharactersInRange({1, NSUIntegerMax}); }},
+       [&] {
+         string->deleteCharactersInRange({1, NSUIntegerMax});
+       }},
       {"range {4, 0} beyond bounds [0, 3) (in 'replaceCharactersInRange:withString:')",
-       [&] { string->replaceCharactersInRange_withString({4, 0}, nullptr); }},
+       [&] {
+         string->replaceCharactersInRange_withString({4, 0}, nullptr);
+       }},
       {"index 4 beyond bounds [0, 3) (in 'insertString:atIndex:')",
        [&] { string->insertString_atIndex(u"x"_ns, 4); }},
   };
@@ -44,20 +51,31 @@ TEST(NSString, RaisesPastItsEndAndChangesNothing) {
 }
 
 TEST(NSString, FindsWhatAOneLoopSearchFinds) {
-  expectProperty("the same first place", [] {
-    const auto text = *rc::gen::scale(4, textOver(u"aab"));
-    const auto needle = *rc::gen::scale(0.3, textOver(u"aab"));
-    const auto from = *rc::gen::inRange<std::size_t>(0, text.size() + 2);
-    const std::u16string_view view = text;
-    const auto expected = needle.empty() ? std::u16string_view::npos : view.find(needle, from);
-    RC_ASSERT(NSFindUnits(text, needle, from) == expected);
+  forEachVectorTarget([] {
+    expectProperty("the same places", [] {
+      const auto text = *rc::gen::scale(4, textOver(u"aab"));
+      const auto needle = *rc::gen::scale(0.3, textOver(u"aab"));
+      const auto from = *rc::gen::inRange<std::size_t>(0, text.size() + 2);
+      const std::u16string_view view = text;
+      constexpr auto none = std::u16string_view::npos;
+      const auto next = [&](std::size_t at) {
+        return needle.empty() ? none : view.find(needle, at);
+      };
+      RC_ASSERT(NSFindUnits(text, needle, from) == next(from));
+      std::vector<std::size_t> expected;
+      for (auto at = next(0); at != none; at = next(at + needle.size())) expected.push_back(at);
+      std::vector<std::size_t> found;
+      NSForEachOccurrence(text, needle, [&](std::size_t place) { found.push_back(place); });
+      RC_ASSERT(found == expected);
+    });
   });
 }
 
 TEST(NSString, JoinsWhatItSeparated) {
   expectProperty("separating and joining is the identity", [] {
     const auto text = *textOver(u"ab,,");
-    const auto separator = NSMake<NSString>(*rc::gen::element<std::u16string>(u",", u",,", u"ab", u""));
+    const auto separator =
+        NSMake<NSString>(*rc::gen::element<std::u16string>(u",", u",,", u"ab", u""));
     const auto pieces = NSMake<NSString>(text)->componentsSeparatedByString(separator);
     RC_ASSERT(pieces->componentsJoinedByString(separator) == text);
     for (const auto& piece : *pieces) {
@@ -128,7 +146,7 @@ TEST(NSUnitBuffer, MovesShortAndLongTexts) {
     NSUnitBuffer buffer(text);
     NSUnitBuffer moved(std::move(buffer));
     EXPECT_EQ(moved.view(), text);
-    EXPECT_EQ(buffer.size(), 0U);  // NOLINT(bugprone-use-after-move): a moved buffer is empty.
+    EXPECT_EQ(buffer.size(), 0U);  // NOLINT: a moved buffer is empty.
     buffer.append(u"again");
     buffer = moved;
     EXPECT_EQ(buffer.view(), text);

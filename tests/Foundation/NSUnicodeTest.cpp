@@ -1,6 +1,7 @@
-#include <unicode/ustring.h>
-
 #include "tests/Support.h"
+#include "tests/VectorTargets.h"
+
+#include <unicode/ustring.h>
 
 namespace {
 
@@ -29,25 +30,70 @@ std::string encodedByICU(const std::u16string& units) {
 
 // Pieces that meet at every border: of the forms, of the ranges that are left out, and of blocks.
 const std::vector<std::string> utf8Pieces = {
-    "a",        "0123456789ABCDEF", "\x7F",         "\x80",         "\xBF",         "\xC0\xAF",
-    "\xC2",     "\xC2\x80",         "\xDF\xBF",     "\xE0",         "\xE0\x9F\xBF", "\xE0\xA0\x80",
-    "\xE2\x82", "\xED\x9F\xBF",     "\xED\xA0\x80", "\xEF\xBF\xBD", "\xF0\x8F",     "\xF0\x90\x80\x80",
-    "\xF0\x9F", "\xF1\x80\x80",     "\xF4\x8F\xBF", "\xF4\x90\x80", "\xF5",         "\xFF",
+    "a",
+    "0123456789ABCDEF",
+    "\x7F",
+    "\x80",
+    "\xBF",
+    "\xC0\xAF",
+    "\xC2",
+    "\xC2\x80",
+    "\xDF\xBF",
+    "\xE0",
+    "\xE0\x9F\xBF",
+    "\xE0\xA0\x80",
+    "\xE2\x82",
+    "\xED\x9F\xBF",
+    "\xED\xA0\x80",
+    "\xEF\xBF\xBD",
+    "\xF0\x8F",
+    "\xF0\x90\x80\x80",
+    "\xF0\x9F",
+    "\xF1\x80\x80",
+    "\xF4\x8F\xBF",
+    "\xF4\x90\x80",
+    "\xF5",
+    "\xFF",
 };
 
+// Long runs of one kind with something else inside reach every path of the vector code.
+rc::Gen<std::string> utf8Texts() {
+  const auto piece = rc::gen::elementOf(utf8Pieces);
+  const auto run =
+      rc::gen::map(rc::gen::pair(piece, rc::gen::inRange(1, 60)), [](const auto& pair) {
+        std::string text;
+        for (int k = 0; k < pair.second; ++k) text += pair.first;
+        return text;
+      });
+  const auto joined = [](const std::vector<std::string>& pieces) {
+    std::string text;
+    for (const auto& next : pieces) text += next;
+    return text;
+  };
+  return rc::gen::map(rc::gen::container<std::vector<std::string>>(rc::gen::oneOf(piece, run)),
+                      joined);
+}
+
 TEST(NSUnicode, DecodesAsUnicodeRecommends) {
-  expectProperty("the same units as ICU", [] {
-    const auto pieces = *rc::gen::container<std::vector<std::string>>(rc::gen::elementOf(utf8Pieces));
-    std::string utf8;
-    for (const auto& piece : pieces) utf8 += piece;
-    RC_ASSERT(std::u16string(NSUnitsFromUTF8(utf8).view()) == decodedByICU(utf8));
+  forEachVectorTarget([] {
+    expectProperty("the same units as ICU", [] {
+      const auto utf8 = *utf8Texts();
+      RC_ASSERT(std::u16string(NSUnitsFromUTF8(utf8).view()) == decodedByICU(utf8));
+    });
   });
 }
 
 TEST(NSUnicode, EncodesLoneHalvesAsReplacements) {
-  expectProperty("the same bytes as ICU", [] {
-    const auto units = *textOver(u"aaaaaaaa\u007F\u0080\u07FF\u0800\uFFFF\xD83D" u"\xDE00" u"\xDBFF" u"\xDFFF");
-    RC_ASSERT(NSUTF8FromUnits(units) == encodedByICU(units));
+  forEachVectorTarget([] {
+    expectProperty("the same bytes as ICU", [] {
+      const std::u16string halves = {0xD800, 0xD83D, 0xDBFF, 0xDC00, 0xDE00, 0xDFFF};
+      const auto kinds = *rc::gen::container<std::vector<std::u16string>>(
+          rc::gen::scale(2, rc::gen::oneOf(textOver(u"ab"), textOver(u"a\u007F\u0080\u07FF"),
+                                           textOver(u"\u0800\uFFFFa\u07FF" + halves))));
+      std::u16string units;
+      for (const auto& kind : kinds) units += kind;
+      RC_ASSERT(NSUTF8FromUnits(units) == encodedByICU(units));
+    });
   });
 }
 

@@ -1,6 +1,6 @@
-#include <ZKFoundation/ZKFoundation.h>
-
 #include "tests/Support.h"
+
+#include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
 
@@ -61,7 +61,8 @@ TEST(NSArrayExtensions, TakesEveryCallableAndRaisesForNoBlock) {
   const char* const reason = "aBlock is nil (in 'makeObjectsPerformBlock:')";
   void (*const noFunction)(const NSRef<NSObject>&) = nullptr;
   function = nullptr;
-  expectRaises(NSInvalidArgumentException, reason, [&] { makeObjectsPerformBlock(array, nullptr); });
+  expectRaises(NSInvalidArgumentException, reason,
+               [&] { makeObjectsPerformBlock(array, nullptr); });
   expectRaises(NSInvalidArgumentException, reason,
                [&] { makeObjectsPerformBlock(array, noFunction); });
   expectRaises(NSInvalidArgumentException, reason,

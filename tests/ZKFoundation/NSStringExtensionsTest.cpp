@@ -1,3 +1,5 @@
+#include "tests/Support.h"
+
 #include <array>
 #include <cinttypes>
 #include <clocale>
@@ -8,8 +10,6 @@
 #include <set>
 
 #include <ZKFoundation/ZKFoundation.h>
-
-#include "tests/Support.h"
 
 using namespace ZKFoundationExtensions;
 
