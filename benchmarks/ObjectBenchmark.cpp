@@ -1,8 +1,8 @@
+#include "benchmarks/Support.h"
+
 #include <memory>
 
 #include <ZKFoundation/ZKFoundation.h>
-
-#include "benchmarks/Support.h"
 
 namespace {
 
@@ -23,13 +23,17 @@ struct Point3Object : NSObject {
 
 const bool registered = [] {
   const auto isMade = [](const auto& object) { return object->x == 1.0; };
-  addRow("Object/MakeAndRelease/ZK", [] { return NSMake<Point3Object>(1.0); }, isMade);
-  addRow("Object/MakeAndRelease/make_shared", [] { return std::make_shared<Point3>(1.0); }, isMade);
+  addRow(
+      "Object/MakeAndRelease/ZK", [] { return NSMake<Point3Object>(1.0); }, isMade);
+  addRow(
+      "Object/MakeAndRelease/make_shared", [] { return std::make_shared<Point3>(1.0); }, isMade);
 
-  const auto object = NSMake<Point3Object>(1.0);
-  const auto shared = std::make_shared<Point3>(1.0);
-  addRow("Object/Share/ZK", [=] { return object; }, isMade);
-  addRow("Object/Share/make_shared", [=] { return shared; }, isMade);
+  auto object = NSMake<Point3Object>(1.0);
+  auto shared = std::make_shared<Point3>(1.0);
+  addRow(
+      "Object/Share/ZK", [=] { return object; }, isMade);
+  addRow(
+      "Object/Share/make_shared", [=] { return shared; }, isMade);
   return true;
 }();
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <benchmark/benchmark.h>
-
 #include <stdexcept>
 #include <string>
+
+#include <benchmark/benchmark.h>
 
 // Rows are named Subject/Case/Who; `scripts/bench` compares the rows that differ in Who alone.
 

@@ -1,8 +1,8 @@
+#include "fuzz/Support.h"
+
 #include <cinttypes>
 
 #include <ZKFoundation/ZKFoundation.h>
-
-#include "fuzz/Support.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto string = NSMake<NSString>(bytesOf(data, size));

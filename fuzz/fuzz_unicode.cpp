@@ -1,8 +1,8 @@
+#include "fuzz/Support.h"
+
 #include <algorithm>
 
 #include <ZKFoundation/ZKFoundation.h>
-
-#include "fuzz/Support.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // Whatever is decoded is well-formed, so that encoding and decoding it again changes nothing.
