@@ -114,6 +114,11 @@ NSRef<NSCharacterSet> NSCharacterSet::make(Planes planes) {
 void NSCharacterSet::setPlanes(Planes planes) noexcept {
   _planes = std::move(planes);
   _basicPlane = planeOrEmpty(_planes[0]).data();
+  _asciiRows = {};
+  for (char16_t unit = 0; unit < 0x80; ++unit) {
+    if (characterIsMember(unit))
+      _asciiRows[unit % 16] |= static_cast<std::uint8_t>(1U << (unit / 16));
+  }
 }
 
 NSRef<NSCharacterSet> NSCharacterSet::characterSetWithRange(NSRange characters) {

@@ -46,6 +46,9 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   /// changes.
   const std::uint64_t* unitBitmap() const noexcept { return _basicPlane; }
 
+  /// The ASCII members in 16 bytes: bit h of byte l stands for the unit 16 h + l.
+  const std::uint8_t* asciiRows() const noexcept { return _asciiRows.data(); }
+
   /// All characters that are not members.
   NSRef<NSCharacterSet> invertedSet() const;
 
@@ -78,6 +81,7 @@ class NS_EXPORT NSCharacterSet : public NSObject {
 
   Planes _planes;
   const std::uint64_t* _basicPlane;
+  std::array<std::uint8_t, 16> _asciiRows{};
 };
 
 /// A character set that may be changed. Belongs to one thread at a time. Nil arguments have no

@@ -1,9 +1,11 @@
 #include "Foundation/NSString.h"
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSCapitalization.h"
+#include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSKeyValueCoding.h"
-#include "Foundation/NSUnitSearch.h"
+#include "Foundation/NSStringSearch.h"
 
 #include <functional>
 
@@ -42,10 +44,35 @@ bool NSString::hasSuffix(const NSRef<NSString>& suffix) const noexcept {
   return suffix && view().ends_with(suffix->view());
 }
 
-NSRange NSString::rangeOfString(const NSRef<NSString>& string) const noexcept {
-  const std::u16string_view needle = NSViewOf(string);
-  const std::size_t place = NSFindUnits(view(), needle);
-  return place == std::u16string_view::npos ? NSNotFoundRange : NSRange{place, needle.size()};
+NSRange NSString::rangeOfString_options_range(const NSRef<NSString>& string, NSUInteger options,
+                                              NSRange range) const {
+  NSCheckRange("rangeOfString:options:range:", range, length());
+  return NSSearchUnits(view(), NSViewOf(string), options, range);
+}
+
+NSRange NSString::rangeOfString_options(const NSRef<NSString>& string, NSUInteger options) const {
+  return NSSearchUnits(view(), NSViewOf(string), options, {0, length()});
+}
+
+NSRange NSString::rangeOfString(const NSRef<NSString>& string) const {
+  return rangeOfString_options(string, 0);
+}
+
+NSRange NSString::rangeOfCharacterFromSet_options_range(const NSRef<NSCharacterSet>& set,
+                                                        NSUInteger options, NSRange range) const {
+  NSCheckRange("rangeOfCharacterFromSet:options:range:", range, length());
+  if (!set) return NSNotFoundRange;
+  const NSRange found = NSSearchMember(*set, view().substr(range.location, range.length), options);
+  return found.length == 0 ? found : NSRange{range.location + found.location, found.length};
+}
+
+NSRange NSString::rangeOfCharacterFromSet_options(const NSRef<NSCharacterSet>& set,
+                                                  NSUInteger options) const {
+  return rangeOfCharacterFromSet_options_range(set, options, {0, length()});
+}
+
+NSRange NSString::rangeOfCharacterFromSet(const NSRef<NSCharacterSet>& set) const {
+  return rangeOfCharacterFromSet_options(set, 0);
 }
 
 NSRef<NSString> NSString::substringFromIndex(NSUInteger index) const {
@@ -72,14 +99,26 @@ NSRef<NSString> NSString::stringByAppendingString(const NSRef<NSString>& string)
   return NSMake<NSString>(std::move(result));
 }
 
+NSRef<NSString> NSString::stringByTrimmingCharactersInSet(const NSRef<NSCharacterSet>& set) const {
+  std::u16string_view text = view();
+  if (set) {
+    text.remove_prefix(NSCountMembersAtEnd(*set, text, 0));
+    text.remove_suffix(NSCountMembersAtEnd(*set, text, NSBackwardsSearch));
+  }
+  return NSMake<NSString>(text);
+}
+
+NSRef<NSString> NSString::localizedCapitalizedString() const {
+  return NSMake<NSString>(NSCapitalizeUnits(view()));
+}
+
 NSRef<NSArray> NSString::componentsSeparatedByString(const NSRef<NSString>& separator) const {
   const std::u16string_view text = view();
-  const std::u16string_view needle = NSViewOf(separator);
   auto components = NSMake<NSMutableArray>();
-  std::size_t start = 0;
-  NSForEachOccurrence(text, needle, [&](std::size_t place) {
-    components->addObject(NSMake<NSString>(text.substr(start, place - start)));
-    start = place + needle.size();
+  NSUInteger start = 0;
+  NSForEachOccurrence(text, NSViewOf(separator), [&](NSRange found) {
+    components->addObject(NSMake<NSString>(text.substr(start, found.location - start)));
+    start = NSMaxRange(found);
   });
   components->addObject(NSMake<NSString>(text.substr(start)));
   return components;

@@ -7,14 +7,16 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSRange.h>
+#include <Foundation/NSStringComparison.h>
 #include <Foundation/NSUnicode.h>
 #include <Foundation/NSUnitBuffer.h>
 
 class NSArray;
+class NSCharacterSet;
 class NSMutableString;
 
 /// A sequence of UTF-16 code units. Lengths, indexes and ranges count units; an index or range that
-/// does not fit raises `NSRangeException`. Comparisons and searches go unit by unit.
+/// does not fit raises `NSRangeException`.
 ///
 /// The units are contiguous: `view()` costs nothing. UTF-8 that is not well-formed becomes U+FFFD
 /// (one for each maximal broken part) on the way in, lone surrogate halves on the way out; as units
@@ -47,14 +49,36 @@ class NS_EXPORT NSString : public NSObject {
   /// Literal and case-sensitive. True for an empty string, false for nil.
   bool hasPrefix(const NSRef<NSString>& prefix) const noexcept;
   bool hasSuffix(const NSRef<NSString>& suffix) const noexcept;
-  /// The first occurrence, or `NSNotFoundRange`. Nil and empty strings are not found.
-  NSRange rangeOfString(const NSRef<NSString>& string) const noexcept;
+
+  /// The first occurrence in the range, or `NSNotFoundRange`; nil and empty strings are not found.
+  /// Options are the bits of `NSStringCompareOptions`. Without `NSLiteralSearch` canonically
+  /// equivalent text matches ("é" finds "e" with U+0301 behind it, a longer match), and no match
+  /// cuts a composed character in two ("e" does not find it).
+  NSRange rangeOfString_options_range(const NSRef<NSString>& string, NSUInteger options,
+                                      NSRange range) const;
+  NSRange rangeOfString_options(const NSRef<NSString>& string, NSUInteger options) const;
+  NSRange rangeOfString(const NSRef<NSString>& string) const;
+
+  /// The first member of the set in the range (with `NSBackwardsSearch` the last, with
+  /// `NSAnchoredSearch` only one at that end), or `NSNotFoundRange`. A surrogate pair is one
+  /// member, of two units. A nil set has no members.
+  NSRange rangeOfCharacterFromSet_options_range(const NSRef<NSCharacterSet>& set,
+                                                NSUInteger options, NSRange range) const;
+  NSRange rangeOfCharacterFromSet_options(const NSRef<NSCharacterSet>& set,
+                                          NSUInteger options) const;
+  NSRange rangeOfCharacterFromSet(const NSRef<NSCharacterSet>& set) const;
 
   NSRef<NSString> substringFromIndex(NSUInteger index) const;
   NSRef<NSString> substringToIndex(NSUInteger index) const;
   NSRef<NSString> substringWithRange(NSRange range) const;
   /// Nil appends nothing.
   NSRef<NSString> stringByAppendingString(const NSRef<NSString>& string) const;
+  /// The string without the members of the set at its beginning and end; nil has no members.
+  NSRef<NSString> stringByTrimmingCharactersInSet(const NSRef<NSCharacterSet>& set) const;
+  /// The first letter of each word in upper case, the others in lower case, by the rules of the
+  /// current locale, which the environment gives. Words are Unicode's: "they're" is one, "jean-luc"
+  /// two.
+  NSRef<NSString> localizedCapitalizedString() const;
   /// The pieces between the occurrences of the separator, from left to right, empty ones included.
   /// A string without the separator, or with a nil or empty one, is its only piece.
   NSRef<NSArray> componentsSeparatedByString(const NSRef<NSString>& separator) const;
@@ -92,6 +116,8 @@ class NS_EXPORT NSMutableString : public NSString {
   void replaceCharactersInRange_withString(NSRange range, const NSRef<NSString>& string);
   /// Makes room for a text of so many units altogether.
   void reserve(NSUInteger units) { text().reserve(units); }
+  /// The units themselves, for algorithms that edit in place.
+  NSUnitBuffer& units() noexcept { return text(); }
 
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };

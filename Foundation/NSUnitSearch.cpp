@@ -1,5 +1,6 @@
 #include "Foundation/NSUnitSearch.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -15,30 +16,54 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+struct AsTheyAre {
+  static std::uint16_t caseBit(std::uint16_t /*unit*/) { return 0; }
+  static bool areEqual(const std::uint16_t* a, const std::uint16_t* b, std::size_t length) {
+    return *a == *b && std::memcmp(a, b, length * sizeof(*a)) == 0;
+  }
+};
+
+struct ASCIIFolded {
+  static std::uint16_t caseBit(std::uint16_t unit) {
+    const std::uint16_t lower = unit | 0x20;
+    return lower >= 'a' && lower <= 'z' ? 0x20 : 0;
+  }
+  static bool areEqual(const std::uint16_t* a, const std::uint16_t* b, std::size_t length) {
+    return std::equal(a, a + length, b, [](std::uint16_t x, std::uint16_t y) {
+      const std::uint16_t bit = caseBit(y);
+      return (x | bit) == (y | bit);
+    });
+  }
+};
+
 // Looks for places where the needle's first and last units stand the right way apart, a vector of
 // them at once, and compares the rest only there. After W. Muła, "SIMD-friendly algorithms for
 // substring searching". Gives how many of the `count` places fit.
-HWY_ATTR std::size_t findPlaces(const std::uint16_t* text, std::size_t count,
+template <class Letters>
+HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std::size_t count,
                                 const std::uint16_t* needle, std::size_t length,
                                 std::span<std::size_t> places) {
   const hn::CappedTag<std::uint16_t, 64> tag;
   const std::size_t lanes = hn::Lanes(tag);
-  const auto first = hn::Set(tag, needle[0]);
-  const auto last = hn::Set(tag, needle[length - 1]);
+  // What two cases of a unit differ in is set in both before they are compared.
+  const auto firstCase = hn::Set(tag, letters.caseBit(needle[0]));
+  const auto lastCase = hn::Set(tag, letters.caseBit(needle[length - 1]));
+  const auto first = hn::Or(hn::Set(tag, needle[0]), firstCase);
+  const auto last = hn::Or(hn::Set(tag, needle[length - 1]), lastCase);
   std::size_t found = 0;
   std::size_t place = 0;
   // The first place that does not overlap what has been found.
   std::size_t earliest = 0;
   const auto take = [&](std::size_t candidate) {
     if (candidate < earliest) return;
-    if (length > 2 && std::memcmp(text + candidate + 1, needle + 1, (length - 2) * 2) != 0) return;
+    if (!letters.areEqual(text + candidate, needle, length)) return;
     places[found++] = candidate;
     earliest = candidate + length;
   };
 
   for (; place + lanes <= count; place += lanes) {
-    const auto atFirst = hn::Eq(hn::LoadU(tag, text + place), first);
-    const auto atLast = hn::Eq(hn::LoadU(tag, text + place + length - 1), last);
+    const auto atFirst = hn::Eq(hn::Or(hn::LoadU(tag, text + place), firstCase), first);
+    const auto atLast = hn::Eq(hn::Or(hn::LoadU(tag, text + place + length - 1), lastCase), last);
     const auto candidates = hn::And(atFirst, atLast);
     if (hn::AllFalse(tag, candidates)) continue;
     std::array<std::uint8_t, 8> stored{};
@@ -51,9 +76,19 @@ HWY_ATTR std::size_t findPlaces(const std::uint16_t* text, std::size_t count,
     }
   }
   for (; place < count && found < places.size(); ++place) {
-    if (text[place] == needle[0] && text[place + length - 1] == needle[length - 1]) take(place);
+    take(place);
   }
   return found;
+}
+
+std::size_t findUnits(const std::uint16_t* text, std::size_t count, const std::uint16_t* needle,
+                      std::size_t length, std::span<std::size_t> places) {
+  return findPlaces(AsTheyAre(), text, count, needle, length, places);
+}
+
+std::size_t findFolded(const std::uint16_t* text, std::size_t count, const std::uint16_t* needle,
+                       std::size_t length, std::span<std::size_t> places) {
+  return findPlaces(ASCIIFolded(), text, count, needle, length, places);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -61,19 +96,35 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
-HWY_EXPORT(findPlaces);
+HWY_EXPORT(findUnits);
+HWY_EXPORT(findFolded);
 
-std::size_t NSFindUnits(std::u16string_view text, std::u16string_view needle, std::size_t from,
-                        std::span<std::size_t> places) noexcept {
+namespace {
+
+std::size_t findWith(auto find, std::u16string_view text, std::u16string_view needle,
+                     std::size_t from, std::span<std::size_t> places) noexcept {
   if (needle.empty() || from > text.size() || needle.size() > text.size() - from) return 0;
   const std::size_t count = text.size() - from - needle.size() + 1;
   // Highway has no lanes of char16_t; its units are the same 16 bits.
   const auto* const units = reinterpret_cast<const std::uint16_t*>(text.data()) + from;
   const auto* const wanted = reinterpret_cast<const std::uint16_t*>(needle.data());
-  const std::size_t found =
-      HWY_DYNAMIC_DISPATCH(findPlaces)(units, count, wanted, needle.size(), places);
+  const std::size_t found = find(units, count, wanted, needle.size(), places);
   for (std::size_t& place : places.first(found)) place += from;
   return found;
+}
+
+}  // namespace
+
+std::size_t NSFindUnits(std::u16string_view text, std::u16string_view needle, std::size_t from,
+                        std::span<std::size_t> places) noexcept {
+  return findWith(HWY_DYNAMIC_DISPATCH(findUnits), text, needle, from, places);
+}
+
+std::size_t NSFindASCIIFolded(std::u16string_view text, std::u16string_view needle,
+                              std::size_t from) noexcept {
+  std::size_t place = 0;
+  const auto find = HWY_DYNAMIC_DISPATCH(findFolded);
+  return findWith(find, text, needle, from, {&place, 1}) == 0 ? std::u16string_view::npos : place;
 }
 
 #endif

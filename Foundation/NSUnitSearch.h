@@ -22,15 +22,6 @@ inline std::size_t NSFindUnits(std::u16string_view text, std::u16string_view nee
   return NSFindUnits(text, needle, from, {&place, 1}) == 0 ? std::u16string_view::npos : place;
 }
 
-/// Calls `visit` with every one of them.
-template <class Visit>
-void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle, Visit visit) {
-  std::array<std::size_t, 64> places;
-  std::size_t from = 0;
-  std::size_t found = places.size();
-  while (found == places.size()) {
-    found = NSFindUnits(text, needle, from, places);
-    for (const std::size_t place : std::span(places).first(found)) visit(place);
-    from = places[places.size() - 1] + needle.size();
-  }
-}
+/// The same for texts of which all units are below 0x80, without regard to letter case.
+NS_EXPORT std::size_t NSFindASCIIFolded(std::u16string_view text, std::u16string_view needle,
+                                        std::size_t from) noexcept;

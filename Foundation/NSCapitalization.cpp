@@ -1,0 +1,72 @@
+#include "Foundation/NSCapitalization.h"
+
+#include <memory>
+#include <new>
+#include <string>
+
+#include <unicode/ubrk.h>
+#include <unicode/ucasemap.h>
+#include <unicode/uloc.h>
+
+namespace {
+
+void check(UErrorCode status) {
+  // Only memory can run out: the arguments are right and ICU's data are there.
+  if (U_FAILURE(status)) throw std::bad_alloc();
+}
+
+// What a locale's capitalisation needs. Its word breaker is costly to make and may be used by one
+// thread at a time, so every thread keeps its own.
+class Capitalizer {
+ public:
+  explicit Capitalizer(const std::string& locale) : _locale(locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    _map.reset(ucasemap_open(locale.c_str(), U_FOLD_CASE_DEFAULT, &status));
+    check(status);
+    UBreakIterator* const words = ubrk_open(UBRK_WORD, locale.c_str(), nullptr, 0, &status);
+    check(status);
+    ucasemap_setBreakIterator(_map.get(), words, &status);
+    check(status);
+  }
+
+  const std::string& locale() const { return _locale; }
+
+  NSUnitBuffer capitalize(std::u16string_view text) {
+    NSUnitBuffer result;
+    UErrorCode status = U_ZERO_ERROR;
+    std::int32_t length = map(text, result, text.size(), status);
+    if (status == U_BUFFER_OVERFLOW_ERROR) {
+      status = U_ZERO_ERROR;
+      length = map(text, result, static_cast<std::size_t>(length), status);
+    }
+    check(status);
+    result.truncate(static_cast<std::size_t>(length));
+    return result;
+  }
+
+ private:
+  std::int32_t map(std::u16string_view text, NSUnitBuffer& result, std::size_t room,
+                   UErrorCode& status) {
+    result.truncate(0);
+    char16_t* const out = result.extend(room);
+    return ucasemap_toTitle(_map.get(), out, static_cast<std::int32_t>(room), text.data(),
+                            static_cast<std::int32_t>(text.size()), &status);
+  }
+
+  struct Close {
+    void operator()(UCaseMap* map) const { ucasemap_close(map); }
+  };
+  std::string _locale;
+  std::unique_ptr<UCaseMap, Close> _map;
+};
+
+}  // namespace
+
+NSUnitBuffer NSCapitalizeUnits(std::u16string_view text) {
+  thread_local std::unique_ptr<Capitalizer> capitalizer;
+  const char* const locale = uloc_getDefault();
+  if (!capitalizer || capitalizer->locale() != locale) {
+    capitalizer = std::make_unique<Capitalizer>(locale);
+  }
+  return capitalizer->capitalize(text);
+}

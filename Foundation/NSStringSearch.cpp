@@ -1,0 +1,335 @@
+#include "Foundation/NSStringSearch.h"
+
+#include "Foundation/NSUnicode.h"
+#include "Foundation/NSUnitMembership.h"
+#include "Foundation/NSUnitSearch.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <unicode/uchar.h>
+#include <unicode/unorm2.h>
+#include <unicode/ustring.h>
+
+namespace {
+
+constexpr std::size_t none = std::u16string_view::npos;
+
+void check(UErrorCode status) {
+  // Only memory can run out: the arguments are right and ICU's data are there.
+  if (U_FAILURE(status)) throw std::bad_alloc();
+}
+
+const UNormalizer2* composition() {
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* const instance = unorm2_getNFCInstance(&status);
+  check(status);
+  return instance;
+}
+
+const UNormalizer2* decomposition() {
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* const instance = unorm2_getNFDInstance(&status);
+  check(status);
+  return instance;
+}
+
+std::int32_t lengthOf(std::u16string_view text) { return static_cast<std::int32_t>(text.size()); }
+
+char32_t characterAt(std::u16string_view text, std::size_t at) {
+  std::u16string_view rest = text.substr(at);
+  return NSTakeCharacter(rest);
+}
+
+bool splitsPair(std::u16string_view text, std::size_t at) {
+  return at > 0 && at < text.size() && NSIsHighSurrogate(text[at - 1]) &&
+         NSIsLowSurrogate(text[at]);
+}
+
+// All below the first combining mark: composed, decomposed and equivalent to nothing but itself.
+constexpr char16_t firstMark = 0x300;
+
+// Whether a composed character may end, and another begin, in front of the unit.
+bool isBoundary(std::u16string_view text, std::size_t at) {
+  if (at == 0 || at == text.size() || text[at] < firstMark) return true;
+  if (splitsPair(text, at)) return false;
+  const auto character = static_cast<UChar32>(characterAt(text, at));
+  return (U_GET_GC_MASK(character) & U_GC_M_MASK) == 0 &&
+         unorm2_hasBoundaryBefore(composition(), character) != 0;
+}
+
+char16_t lowerASCII(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit | 0x20) : unit;
+}
+
+struct LiteralMatcher {
+  static std::size_t find(std::u16string_view text, std::u16string_view needle, std::size_t from) {
+    return NSFindUnits(text, needle, from);
+  }
+  static bool isEqual(char16_t a, char16_t b) { return a == b; }
+};
+
+struct FoldedMatcher {
+  static std::size_t find(std::u16string_view text, std::u16string_view needle, std::size_t from) {
+    return NSFindASCIIFolded(text, needle, from);
+  }
+  static bool isEqual(char16_t a, char16_t b) { return lowerASCII(a) == lowerASCII(b); }
+};
+
+// Finds, unit by unit, what `accept` agrees to.
+template <class Matcher, class Accept>
+std::size_t findPlace(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+                      Accept accept) {
+  if (needle.empty() || needle.size() > text.size()) return none;
+  const std::size_t last = text.size() - needle.size();
+  const auto matches = [&](std::size_t place) {
+    return std::ranges::equal(text.substr(place, needle.size()), needle, Matcher::isEqual) &&
+           accept(place);
+  };
+  const bool isBackwards = (options & NSBackwardsSearch) != 0;
+  if ((options & NSAnchoredSearch) != 0) {
+    const std::size_t place = isBackwards ? last : 0;
+    return matches(place) ? place : none;
+  }
+  if (isBackwards) {
+    for (std::size_t place = last + 1; place-- > 0;) {
+      if (matches(place)) return place;
+    }
+    return none;
+  }
+  std::size_t place = Matcher::find(text, needle, 0);
+  while (place != none && !accept(place)) place = Matcher::find(text, needle, place + 1);
+  return place;
+}
+
+// A text brought to a form in which equality is equality of units, with the way back: pieces[k] is
+// where the k-th piece of the source begins, and where its form does.
+struct Normalized {
+  struct Piece {
+    std::size_t source;
+    std::size_t form;
+  };
+  std::u16string form;
+  std::vector<Piece> pieces;
+};
+
+std::u16string decomposed(std::u16string_view text) {
+  UErrorCode status = U_ZERO_ERROR;
+  std::u16string result(text.size() * 4, u'\0');
+  auto capacity = lengthOf(result);
+  auto length = unorm2_normalize(decomposition(), text.data(), lengthOf(text), result.data(),
+                                 capacity, &status);
+  if (status == U_BUFFER_OVERFLOW_ERROR) {
+    status = U_ZERO_ERROR;
+    result.resize(static_cast<std::size_t>(length));
+    capacity = length;
+    length = unorm2_normalize(decomposition(), text.data(), lengthOf(text), result.data(), capacity,
+                              &status);
+  }
+  check(status);
+  result.resize(static_cast<std::size_t>(length));
+  return result;
+}
+
+std::u16string folded(std::u16string_view text) {
+  // No unit's default folding is longer than three.
+  std::u16string result(text.size() * 3, u'\0');
+  UErrorCode status = U_ZERO_ERROR;
+  const auto length = u_strFoldCase(result.data(), lengthOf(result), text.data(), lengthOf(text),
+                                    U_FOLD_CASE_DEFAULT, &status);
+  if (status != U_STRING_NOT_TERMINATED_WARNING) check(status);
+  result.resize(static_cast<std::size_t>(length));
+  return result;
+}
+
+std::u16string normalForm(std::u16string_view text, NSUInteger options) {
+  const bool isLiteral = (options & NSLiteralSearch) != 0;
+  if ((options & NSCaseInsensitiveSearch) == 0) return decomposed(text);
+  // Decomposed before and after: canonical caseless matching (Unicode, D145).
+  return isLiteral ? folded(text) : decomposed(folded(decomposed(text)));
+}
+
+Normalized normalized(std::u16string_view text, NSUInteger options, NSRange range) {
+  const bool isLiteral = (options & NSLiteralSearch) != 0;
+  const auto begins = [&](std::size_t at) {
+    return isLiteral ? !splitsPair(text, at) : isBoundary(text, at);
+  };
+  const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
+  const std::size_t end = NSMaxRange(range);
+  Normalized result;
+  result.form.reserve(range.length);
+  std::size_t start = range.location;
+  while (start < end && !begins(start)) ++start;
+  while (start < end) {
+    std::size_t next = start + 1;
+    while (next < text.size() && !begins(next)) ++next;
+    if (next > end) break;
+    result.pieces.push_back({start, result.form.size()});
+    if (next == start + 1 && text[start] < 0x80) {
+      result.form += foldsCase ? lowerASCII(text[start]) : text[start];
+    } else {
+      result.form += normalForm(text.substr(start, next - start), options);
+    }
+    start = next;
+  }
+  result.pieces.push_back({start, result.form.size()});
+  return result;
+}
+
+// Searches the forms of a text and a needle, for matches that begin and end with pieces of the
+// text.
+class FormSearch {
+ public:
+  FormSearch(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+             NSRange range)
+      : _source(normalized(text, options, range)),
+        _wanted(normalForm(needle, options)),
+        _options(options),
+        _range(range) {}
+
+  NSRange find() const {
+    const auto isWhole = [&](std::size_t place) { return !!rangeAt(place).length; };
+    const std::size_t place = findPlace<LiteralMatcher>(_source.form, _wanted, _options, isWhole);
+    return place == none ? NSNotFoundRange : rangeAt(place);
+  }
+
+  void forEach(NSBlockRef<void(NSRange)> visit) const {
+    std::size_t place = NSFindUnits(_source.form, _wanted);
+    while (place != none) {
+      const NSRange found = rangeAt(place);
+      if (found.length != 0) visit(found);
+      place = NSFindUnits(_source.form, _wanted, place + (found.length != 0 ? _wanted.size() : 1));
+    }
+  }
+
+ private:
+  const Normalized::Piece* pieceAt(std::size_t place) const {
+    const auto found =
+        std::ranges::lower_bound(_source.pieces, place, {}, &Normalized::Piece::form);
+    return found != _source.pieces.end() && found->form == place ? &*found : nullptr;
+  }
+
+  // What the form's units from `place` on stand for; empty unless these are whole pieces.
+  NSRange rangeAt(std::size_t place) const {
+    const auto* const start = pieceAt(place);
+    const auto* const end = pieceAt(place + _wanted.size());
+    if (start == nullptr || end == nullptr) return {};
+    // Pieces that do not fit into the range are left out of the form; an anchor does not move.
+    const std::size_t anchor = (_options & NSBackwardsSearch) != 0 ? end->source : start->source;
+    const std::size_t wanted =
+        (_options & NSBackwardsSearch) != 0 ? NSMaxRange(_range) : _range.location;
+    if ((_options & NSAnchoredSearch) != 0 && anchor != wanted) return {};
+    return {start->source, end->source - start->source};
+  }
+
+  Normalized _source;
+  std::u16string _wanted;
+  NSUInteger _options;
+  NSRange _range;
+};
+
+bool isBelow(std::u16string_view text, char16_t bound) {
+  // Without an early end the loop becomes vector code.
+  constexpr std::size_t block = 256;
+  for (std::size_t at = 0; at < text.size(); at += block) {
+    char16_t highest = 0;
+    for (const char16_t unit : text.substr(at, block)) highest = std::max(highest, unit);
+    if (highest >= bound) return false;
+  }
+  return true;
+}
+
+bool isComposed(std::u16string_view text) {
+  if (isBelow(text, firstMark)) return true;
+  UErrorCode status = U_ZERO_ERROR;
+  const auto result = unorm2_quickCheck(composition(), text.data(), lengthOf(text), &status);
+  check(status);
+  return result == UNORM_YES;
+}
+
+}  // namespace
+
+NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+                      NSRange range) {
+  if (needle.empty()) return NSNotFoundRange;
+  const std::u16string_view part = text.substr(range.location, range.length);
+  const bool isLiteral = (options & NSLiteralSearch) != 0;
+  const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
+  if (foldsCase) {
+    if (!isBelow(needle, 0x80) || !isBelow(part, 0x80)) {
+      return FormSearch(text, needle, options, range).find();
+    }
+  } else if (!isLiteral && !(isComposed(needle) && isComposed(part))) {
+    return FormSearch(text, needle, options, range).find();
+  }
+  const auto accept = [&](std::size_t place) {
+    const std::size_t start = range.location + place;
+    return isLiteral || (isBoundary(text, start) && isBoundary(text, start + needle.size()));
+  };
+  const std::size_t place = foldsCase ? findPlace<FoldedMatcher>(part, needle, options, accept)
+                                      : findPlace<LiteralMatcher>(part, needle, options, accept);
+  return place == none ? NSNotFoundRange : NSRange{range.location + place, needle.size()};
+}
+
+void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle,
+                         NSBlockRef<void(NSRange)> visit) {
+  std::size_t from = 0;
+  if (isComposed(needle) && isComposed(text)) {
+    std::array<std::size_t, 64> places;
+    for (std::size_t found = places.size(); found == places.size();) {
+      found = NSFindUnits(text, needle, from, places);
+      for (const std::size_t place : std::span(places).first(found)) {
+        // A place that cuts a composed character is no match, and none of its units is used up.
+        from = place + 1;
+        if (!isBoundary(text, place) || !isBoundary(text, place + needle.size())) {
+          found = places.size();
+          break;
+        }
+        visit({place, needle.size()});
+        from = place + needle.size();
+      }
+    }
+  } else if (!needle.empty()) {
+    FormSearch(text, needle, 0, {0, text.size()}).forEach(visit);
+  }
+}
+
+NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text, NSUInteger options) {
+  constexpr auto characters = NSMembership::characters;
+  if (text.empty()) return NSNotFoundRange;
+  const bool isBackwards = (options & NSBackwardsSearch) != 0;
+  if ((options & NSAnchoredSearch) != 0) {
+    const std::size_t width =
+        isBackwards ? splitsPair(text, text.size() - 1) + 1U : splitsPair(text, 1) + 1U;
+    const std::u16string_view end =
+        isBackwards ? text.substr(text.size() - width) : text.substr(0, width);
+    if (NSFirstMember(set, end, 0, characters) == none) return NSNotFoundRange;
+    return {isBackwards ? text.size() - width : 0, width};
+  }
+  if (isBackwards) {
+    const std::size_t end = NSEndOfLastMember(set, text, characters);
+    if (end == 0) return NSNotFoundRange;
+    const std::size_t width = splitsPair(text, end - 1) ? 2 : 1;
+    return {end - width, width};
+  }
+  const std::size_t place = NSFirstMember(set, text, 0, characters);
+  if (place == none) return NSNotFoundRange;
+  return {place, splitsPair(text, place + 1) ? 2U : 1U};
+}
+
+std::size_t NSCountMembersAtEnd(const NSCharacterSet& set, std::u16string_view text,
+                                NSUInteger options) {
+  const std::size_t length = text.size();
+  while (const NSUInteger width = NSSearchMember(set, text, options | NSAnchoredSearch).length) {
+    if ((options & NSBackwardsSearch) != 0) {
+      text.remove_suffix(width);
+    } else {
+      text.remove_prefix(width);
+    }
+  }
+  return length - text.size();
+}

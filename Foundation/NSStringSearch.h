@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string_view>
+
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSExport.h>
+#include <Foundation/NSRange.h>
+#include <Foundation/NSStringComparison.h>
+
+/// Finds the needle in a range of the text, which must fit it; `NSNotFoundRange` when there is none
+/// or the needle is empty. With `NSBackwardsSearch` the last occurrence, with `NSAnchoredSearch`
+/// only one at the start of the range (at its end, backwards).
+///
+/// With `NSLiteralSearch` units are compared as they are, or their default case foldings character
+/// by character. Without it canonically equivalent text matches, so that the match may be longer or
+/// shorter than the needle, and no match begins or ends inside a composed character, the units
+/// outside of the range included.
+NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
+                                NSUInteger options, NSRange range);
+
+/// Calls `visit` with the range of every occurrence that `rangeOfString` finds from left to right,
+/// each search starting where the last match ended.
+NS_EXPORT void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle,
+                                   NSBlockRef<void(NSRange)> visit);
+
+class NSCharacterSet;
+
+/// Finds a member of the set, a surrogate pair as one of two units; knows `NSBackwardsSearch` and
+/// `NSAnchoredSearch`.
+NS_EXPORT NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text,
+                                 NSUInteger options);
+
+/// How many units the members of the set take up that the text begins with, or ends with when
+/// `options` hold `NSBackwardsSearch`.
+NS_EXPORT std::size_t NSCountMembersAtEnd(const NSCharacterSet& set, std::u16string_view text,
+                                          NSUInteger options);

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <Foundation/NSCharacterSet.h>
+#include <Foundation/NSExport.h>
+
+/// What a character set is asked about a surrogate pair.
+enum class NSMembership : std::uint8_t {
+  /// Every unit by itself: the two halves apart.
+  units,
+  /// The character that the pair stands for; its two units are members together. Halves that stand
+  /// alone are asked about by themselves.
+  characters,
+};
+
+/// Which units of a text are members, in bits: bit `k % 64` of word `k / 64` stands for the unit
+/// `from + k`. Bits behind the text are 0.
+struct NSMemberBits {
+  static constexpr std::size_t unitCount = 1024;
+  std::array<std::uint64_t, unitCount / 64> words;
+};
+
+NS_EXPORT void NSFindMembers(const NSCharacterSet& set, std::u16string_view text, std::size_t from,
+                             NSMembership membership, NSMemberBits& bits) noexcept;
+
+/// The first member at or behind `from`; `npos` when there is none.
+NS_EXPORT std::size_t NSFirstMember(const NSCharacterSet& set, std::u16string_view text,
+                                    std::size_t from, NSMembership membership) noexcept;
+
+/// The unit behind the last member; 0 when there is none.
+NS_EXPORT std::size_t NSEndOfLastMember(const NSCharacterSet& set, std::u16string_view text,
+                                        NSMembership membership) noexcept;
+
+/// Writes the units that are no members to `out`, which has room for the whole text. It may be the
+/// text's own storage when the units are asked about. Gives the number of units written.
+NS_EXPORT std::size_t NSCopyNonMembers(const NSCharacterSet& set, std::u16string_view text,
+                                       NSMembership membership, char16_t* out) noexcept;
+
+/// Calls `visit` with the position of every member unit, from left to right.
+template <class Visit>
+void NSForEachMember(const NSCharacterSet& set, std::u16string_view text, NSMembership membership,
+                     Visit visit) {
+  NSMemberBits bits;
+  for (std::size_t from = 0; from < text.size(); from += NSMemberBits::unitCount) {
+    NSFindMembers(set, text, from, membership, bits);
+    std::size_t at = from;
+    for (std::uint64_t word : bits.words) {
+      for (; word != 0; word &= word - 1) {
+        visit(at + static_cast<std::size_t>(std::countr_zero(word)));
+      }
+      at += 64;
+      if (at >= text.size()) break;
+    }
+  }
+}
