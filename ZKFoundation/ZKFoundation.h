@@ -5,8 +5,12 @@
 
 #include <Foundation/Foundation.h>
 #include <ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSSet+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSString+ZKEditing.h>
 #include <ZKFoundation/Categories/NSString+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSString+ZKSearching.h>
 #include <ZKFoundation/ZKFoundationClass.h>

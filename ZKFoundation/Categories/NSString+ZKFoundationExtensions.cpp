@@ -1,6 +1,6 @@
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSStringComparison.h"
-#include "Foundation/NSUnitSearch.h"
+#include "Foundation/NSStringSearch.h"
 #include "ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h"
 #include "ZKFoundation/Categories/NSString+ZKFoundationExtensions.h"
 
@@ -205,16 +205,15 @@ bool hasCaseInsensitivePrefix(const NSRef<NSString>& string, const NSRef<NSStrin
 NSRef<NSString> stringByRemovingString(const NSRef<NSString>& string,
                                        const NSRef<NSString>& other) {
   const std::u16string_view text = string->view();
-  const std::u16string_view needle = NSViewOf(other);
-  if (NSFindUnits(text, needle) == std::u16string_view::npos) return string;
-
   NSUnitBuffer result;
-  result.reserve(text.size() - needle.size());
-  std::size_t start = 0;
-  NSForEachOccurrence(text, needle, [&](std::size_t place) {
-    result.append(text.substr(start, place - start));
-    start = place + needle.size();
+  NSUInteger start = 0;
+  NSForEachOccurrence(text, NSViewOf(other), [&](NSRange found) {
+    // No memory is asked for before there is something to remove.
+    if (start == 0) result.reserve(text.size() - found.length);
+    result.append(text.substr(start, found.location - start));
+    start = NSMaxRange(found);
   });
+  if (start == 0) return string;
   result.append(text.substr(start));
   result.shrink();
   return NSMake<NSString>(std::move(result));

@@ -1,3 +1,4 @@
+#include "Foundation/NSStringSearch.h"
 #include "Foundation/NSUnitSearch.h"
 #include "tests/Support.h"
 #include "tests/VectorTargets.h"
@@ -65,7 +66,7 @@ TEST(NSString, FindsWhatAOneLoopSearchFinds) {
       std::vector<std::size_t> expected;
       for (auto at = next(0); at != none; at = next(at + needle.size())) expected.push_back(at);
       std::vector<std::size_t> found;
-      NSForEachOccurrence(text, needle, [&](std::size_t place) { found.push_back(place); });
+      NSForEachOccurrence(text, needle, [&](NSRange range) { found.push_back(range.location); });
       RC_ASSERT(found == expected);
     });
   });

@@ -1,0 +1,101 @@
+#include "ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h"
+
+#include <array>
+#include <string_view>
+
+namespace {
+
+// The longest letters, of 2^63 - 1, are 14.
+constexpr std::size_t mostLetters = 14;
+
+NSRef<NSString> letters(std::uint64_t value, char16_t base) {
+  if (value >> 63U != 0) return nullptr;
+  std::array<char16_t, mostLetters> text;
+  auto* const end = text.end();
+  auto* start = end;
+  // Bijective: the digits are 1 to 26.
+  while (value != 0) {
+    --value;
+    *--start = static_cast<char16_t>(base + value % 26);
+    value /= 26;
+  }
+  return NSMake<NSString>(std::u16string_view(start, end));
+}
+
+// How a decimal digit is put together, 'o' for one, 'f' for five and 't' for ten units of its
+// place.
+constexpr std::array<std::string_view, 10> digitPatterns = {
+    "", "o", "oo", "ooo", "of", "f", "fo", "foo", "fooo", "ot",
+};
+
+// The letters for one, five and ten units of a place, from the thousands to the units. Thousands
+// have no five, and that of the tens is the hundreds': both are rules of this style.
+struct Place {
+  std::uint64_t divisor;
+  std::u16string_view one;
+  std::u16string_view five;
+  std::u16string_view ten;
+};
+constexpr std::array<Place, 4> upperCasePlaces{{
+    {1000, u"M", u"", u""},
+    {100, u"C", u"D", u"M"},
+    {10, u"X", u"D", u"C"},
+    {1, u"I", u"V", u"X"},
+}};
+constexpr std::array<Place, 4> lowerCasePlaces{{
+    {1000, u"m", u"", u""},
+    {100, u"c", u"d", u"m"},
+    {10, u"x", u"d", u"c"},
+    {1, u"i", u"v", u"x"},
+}};
+
+void appendDigit(const Place& place, std::size_t digit, NSUnitBuffer& output) {
+  for (const char unit : digitPatterns[digit]) {
+    output.append(unit == 'o' ? place.one : unit == 'f' ? place.five : place.ten);
+  }
+}
+
+NSRef<NSString> romanNumeral(std::uint64_t value, const std::array<Place, 4>& places) {
+  if (value >= 5000) return u"NUL"_ns;
+  NSUnitBuffer output;
+  for (const Place& place : places) appendDigit(place, value / place.divisor % 10, output);
+  return NSMake<NSString>(std::move(output));
+}
+
+}  // namespace
+
+NSRef<NSString> ZKBinToStr(std::uint64_t value, NSUInteger type) {
+  if (value == 0) return u"NUL"_ns;
+  switch (type) {
+    case ZKNumberDecimal:
+      return NSMake<NSNumber>(static_cast<NSInteger>(value))->stringValue();
+    case ZKNumberUpperCaseLetters:
+      return letters(value, u'A');
+    case ZKNumberLowerCaseLetters:
+      return letters(value, u'a');
+    case ZKNumberUpperCaseRoman:
+      return romanNumeral(value, upperCasePlaces);
+    case ZKNumberLowerCaseRoman:
+      return romanNumeral(value, lowerCasePlaces);
+    default:
+      return nullptr;
+  }
+}
+
+void roman_digit(const NSRef<NSString>& one, const NSRef<NSString>& five,
+                 const NSRef<NSString>& ten, int digit, const NSRef<NSMutableString>& output) {
+  if (digit < 0 || digit > 9) return;
+  const Place place = {1, NSViewOf(one), NSViewOf(five), NSViewOf(ten)};
+  // Collected first: the texts may be the output itself.
+  NSUnitBuffer text;
+  appendDigit(place, static_cast<std::size_t>(digit), text);
+  output->appendUnits(text.view());
+}
+
+namespace ZKFoundationExtensions {
+
+NSRef<NSString> numberToStringWithType(const NSRef<NSNumber>& number, NSUInteger type) {
+  return ZKBinToStr(number->unsignedLongValue(), type);
+}
+
+}  // namespace ZKFoundationExtensions

@@ -1,0 +1,177 @@
+#include "Foundation/NSException.h"
+#include "Foundation/NSStringSearch.h"
+#include "Foundation/NSUnitMembership.h"
+#include "ZKFoundation/Categories/NSString+ZKEditing.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr auto units = NSMembership::units;
+
+// Copies a run that is mostly short: whole blocks, as far as both sides have room for them.
+char16_t* copyRun(std::u16string_view text, std::size_t start, std::size_t end, char16_t* out,
+                  const char16_t* outLimit) {
+  constexpr std::size_t block = 16;
+  const std::size_t count = end - start;
+  if (count <= block && text.size() - start >= block && outLimit - out >= 16) {
+    std::memcpy(out, text.data() + start, block * sizeof(char16_t));
+    return out + count;
+  }
+  return std::copy_n(text.data() + start, count, out);
+}
+
+void replaceMembers(NSUnitBuffer& buffer, const NSCharacterSet& set,
+                    std::u16string_view replacement) {
+  const std::u16string_view text = buffer.view();
+  std::size_t members = 0;
+  NSForEachMember(set, text, units, [&](std::size_t) { ++members; });
+
+  NSUnitBuffer result;
+  char16_t* out = result.extend(text.size() + members * replacement.size() - members);
+  const char16_t* const limit = out + result.size();
+  std::size_t start = 0;
+  NSForEachMember(set, text, units, [&](std::size_t place) {
+    out = copyRun(text, start, place, out, limit);
+    out = copyRun(replacement, 0, replacement.size(), out, limit);
+    start = place + 1;
+  });
+  copyRun(text, start, text.size(), out, limit);
+  buffer = std::move(result);
+}
+
+}  // namespace
+
+void ZKReplaceCharactersInCharacterSet(const NSRef<NSMutableString>& string,
+                                       const NSRef<NSCharacterSet>& set,
+                                       const NSRef<NSString>& replacement) {
+  const std::u16string_view substitute = NSViewOf(replacement);
+  if (substitute.empty()) return ZKRemoveCharactersInCharacterSet(string, set);
+  NSUnitBuffer& buffer = string->units();
+  if (!set) return;
+  if (NSFirstMember(*set, buffer.view(), 0, units) == std::u16string_view::npos) return;
+  replaceMembers(buffer, *set, substitute);
+}
+
+void ZKRemoveCharactersInCharacterSet(const NSRef<NSMutableString>& string,
+                                      const NSRef<NSCharacterSet>& set) {
+  NSUnitBuffer& buffer = string->units();
+  if (!set) return;
+  const std::size_t first = NSFirstMember(*set, buffer.view(), 0, units);
+  if (first == std::u16string_view::npos) return;
+  const std::size_t kept =
+      NSCopyNonMembers(*set, buffer.view().substr(first), units, buffer.data() + first);
+  buffer.truncate(first + kept);
+}
+
+NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace(
+    std::pmr::memory_resource* allocator, const NSRef<NSString>& string,
+    const NSRef<NSCharacterSet>& separators, bool trimsWhitespace) {
+  const std::u16string_view text = string->view();
+  std::pmr::vector<std::u16string_view> components(
+      allocator != nullptr ? allocator : std::pmr::get_default_resource());
+  std::size_t start = 0;
+  const auto end = [&](std::size_t place) {
+    if (place > start) components.push_back(text.substr(start, place - start));
+    start = place + 1;
+  };
+  if (separators) NSForEachMember(*separators, text, units, end);
+  end(text.size());
+
+  const auto& whitespace = *NSCharacterSet::whitespaceCharacterSet();
+  const auto trim = [&](std::u16string_view& component) {
+    const auto isBlank = [&](char16_t unit) { return whitespace.characterIsMember(unit); };
+    while (!component.empty() && isBlank(component.front())) component.remove_prefix(1);
+    while (!component.empty() && isBlank(component.back())) component.remove_suffix(1);
+  };
+  auto result = NSMake<NSMutableArray>();
+  result->reserve(components.size());
+  for (std::u16string_view component : components) {
+    if (trimsWhitespace) trim(component);
+    result->addObject(NSMake<NSString>(component));
+  }
+  return result;
+}
+
+namespace ZKFoundationExtensions {
+
+void replaceOccurrencesOfCharactersInSet_withString(const NSRef<NSMutableString>& string,
+                                                    const NSRef<NSCharacterSet>& set,
+                                                    const NSRef<NSString>& replacement) {
+  ZKReplaceCharactersInCharacterSet(string, set, replacement);
+}
+
+void removeCharactersInCharacterSet(const NSRef<NSMutableString>& string,
+                                    const NSRef<NSCharacterSet>& set) {
+  ZKRemoveCharactersInCharacterSet(string, set);
+}
+
+NSRef<NSMutableString> stringByRemovingCharactersInSet_options(const NSRef<NSString>& string,
+                                                               const NSRef<NSCharacterSet>& set,
+                                                               NSUInteger options) {
+  std::u16string_view text = string->view();
+  if (!set) return NSMake<NSMutableString>(text);
+  if ((options & NSAnchoredSearch) != 0) {
+    text.remove_prefix(NSCountMembersAtEnd(*set, text, 0));
+    return NSMake<NSMutableString>(text);
+  }
+  NSUnitBuffer result;
+  char16_t* const out = result.extend(text.size());
+  result.truncate(NSCopyNonMembers(*set, text, NSMembership::characters, out));
+  result.shrink();
+  return NSMake<NSMutableString>(std::move(result));
+}
+
+NSRef<NSMutableString> stringByRemovingCharactersInSet(const NSRef<NSString>& string,
+                                                       const NSRef<NSCharacterSet>& set) {
+  return stringByRemovingCharactersInSet_options(string, set, 0);
+}
+
+NSRef<NSMutableString> stringByRemovingCharacter(const NSRef<NSString>& string, unichar unit) {
+  return stringByRemovingCharactersInSet(string, NSCharacterSet::characterSetWithRange({unit, 1}));
+}
+
+NSRef<NSString> stringByReplacingCharactersInSet_withString(const NSRef<NSString>& string,
+                                                            const NSRef<NSCharacterSet>& set,
+                                                            const NSRef<NSString>& replacement) {
+  if (string->rangeOfCharacterFromSet(set).length == 0) return string;
+  auto result = string->mutableCopy();
+  ZKReplaceCharactersInCharacterSet(result, set, replacement);
+  return result;
+}
+
+NSRef<NSMutableString> stringByRemovingWhitespace(const NSRef<NSString>& string) {
+  return stringByRemovingCharactersInSet(string, NSCharacterSet::whitespaceCharacterSet());
+}
+
+NSRef<NSString> stringByRemovingSurroundingWhitespace(const NSRef<NSString>& string) {
+  return string->stringByTrimmingCharactersInSet(NSCharacterSet::whitespaceCharacterSet());
+}
+
+NSRef<NSString> stringByRemovingSurroundingWhitespaceAndNewlines(const NSRef<NSString>& string) {
+  return stringByRemovingSurroundingWhitespace(string);
+}
+
+NSRef<NSMutableArray> componentsSeparatedByCharactersInSet_trimWhitespace(
+    const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set, bool trimsWhitespace) {
+  return ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace(nullptr, string, set,
+                                                                       trimsWhitespace);
+}
+
+NSRange rangeWithoutCharactersFromSet_atIndex(const NSRef<NSString>& string,
+                                              const NSRef<NSCharacterSet>& set, NSUInteger index) {
+  if (index > string->length()) {
+    NSRaiseIndexOutOfBounds("rangeWithoutCharactersFromSet:atIndex:", index, string->length());
+  }
+  const NSRange after = string->rangeOfCharacterFromSet_options_range(
+      set, NSLiteralSearch, {index, string->length() - index});
+  const NSRange before = string->rangeOfCharacterFromSet_options_range(
+      set, NSLiteralSearch | NSBackwardsSearch, {0, index});
+  const NSUInteger start = before.length == 0 ? 0 : NSMaxRange(before);
+  const NSUInteger end = after.length == 0 ? string->length() : after.location;
+  return {start, end - start};
+}
+
+}  // namespace ZKFoundationExtensions

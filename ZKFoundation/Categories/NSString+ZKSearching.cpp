@@ -1,0 +1,204 @@
+#include "Foundation/NSCapitalization.h"
+#include "Foundation/NSException.h"
+#include "Foundation/NSNeverDestroyed.h"
+#include "Foundation/NSStringSearch.h"
+#include "Foundation/NSUnitMembership.h"
+#include "ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h"
+#include "ZKFoundation/Categories/NSString+ZKEditing.h"
+#include "ZKFoundation/Categories/NSString+ZKSearching.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+const NSRef<NSCharacterSet>& alphanumerics() { return NSCharacterSet::alphanumericCharacterSet(); }
+
+const NSRef<NSCharacterSet>& nonWhitespace() {
+  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
+      NSCharacterSet::whitespaceAndNewlineCharacterSet()->invertedSet());
+  return *set;
+}
+
+bool isAccepted(NSRange match, NSRange word, NSUInteger condition) {
+  switch (condition) {
+    case ZKWordCompareWhole:
+      return word == match;
+    case ZKWordCompareStart:
+      return word.location == match.location;
+    case ZKWordCompareEnd:
+      return NSMaxRange(word) == NSMaxRange(match);
+    default:
+      return true;
+  }
+}
+
+// Moves a selection over the removal of a range that lies before, in or behind it.
+void removeFromSelection(NSRange removed, NSRange& selection) {
+  if (removed.location < selection.location) {
+    // At most to 0, where the selection began inside a removed pair at the very start.
+    selection.location -= std::min(selection.location, removed.length);
+  } else if (removed.location - selection.location < selection.length) {
+    const bool reachesBehind = NSMaxRange(selection) >= NSMaxRange(removed);
+    selection.length = reachesBehind ? selection.length - removed.length : 0;
+  }
+}
+
+struct SmallWord {
+  std::u16string_view capitalized;
+  std::u16string_view lower;
+};
+constexpr std::array<SmallWord, 5> smallWords{{
+    {u"A", u"a"},
+    {u"An", u"an"},
+    {u"The", u"the"},
+    {u"Of", u"of"},
+    {u"And", u"and"},
+}};
+
+// How a word is written behind others: a small word in lower case, unless the first word, which
+// shields its own later occurrences, is the same.
+std::u16string_view laterForm(std::u16string_view word, std::u16string_view firstWord) {
+  if (word == firstWord) return word;
+  const auto small = std::ranges::find(smallWords, word, &SmallWord::capitalized);
+  return small == smallWords.end() ? word : small->lower;
+}
+
+}  // namespace
+
+namespace ZKFoundationExtensions {
+
+NSRange findString_selectedRange_options_wrap(const NSRef<NSString>& string,
+                                              const NSRef<NSString>& needle, NSRange selectedRange,
+                                              NSUInteger options, bool wrap) {
+  NSCheckRange("findString:selectedRange:options:wrap:", selectedRange, string->length());
+  const NSUInteger end = NSMaxRange(selectedRange);
+  NSRange first = {end, string->length() - end};
+  NSRange second = {0, selectedRange.location};
+  if ((options & NSBackwardsSearch) != 0) std::swap(first, second);
+  const NSRange found = string->rangeOfString_options_range(needle, options, first);
+  if (found.length != 0 || !wrap) return found;
+  return string->rangeOfString_options_range(needle, options, second);
+}
+
+NSRange findString_searchRange_options_wordCompareOption(const NSRef<NSString>& string,
+                                                         const NSRef<NSString>& needle,
+                                                         NSRange searchRange, NSUInteger options,
+                                                         NSUInteger wordCompareOption) {
+  NSCheckRange("findString:searchRange:options:wordCompareOption:", searchRange, string->length());
+  NSRange match = string->rangeOfString_options_range(needle, options, searchRange);
+  const NSUInteger anyBit = ZKWordCompareAny;
+  if ((wordCompareOption & ~anyBit) == 0) return match;
+  const NSUInteger end = NSMaxRange(searchRange);
+  while (match.length != 0) {
+    const NSRange word = rangeOfWordContainingCharacter(string, match.location);
+    if (isAccepted(match, word, wordCompareOption)) return word;
+    const NSUInteger next = NSMaxRange(match);
+    match = string->rangeOfString_options_range(needle, options, {next, end - next});
+  }
+  return NSNotFoundRange;
+}
+
+NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string, NSUInteger index,
+                                             const NSRef<NSCharacterSet>& delimiters) {
+  if (index > string->length()) {
+    NSRaiseIndexOutOfBounds("rangeOfCharactersAtIndex:delimitedBy:", index, string->length());
+  }
+  return rangeWithoutCharactersFromSet_atIndex(string, delimiters, index);
+}
+
+NSRange rangeOfWordContainingCharacter(const NSRef<NSString>& string, NSUInteger index) {
+  NSCheckIndex("rangeOfWordContainingCharacter:", index, string->length());
+  const auto& boundaries = wordBoundariesCharacterSet();
+  const bool isBoundary = boundaries->characterIsMember(string->view()[index]);
+  return rangeOfCharactersAtIndex_delimitedBy(string, index,
+                                              isBoundary ? alphanumerics() : boundaries);
+}
+
+NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange range) {
+  NSCheckRange("rangeOfWordsIntersectingRange:", range, string->length());
+  if (range.length == 0) return {0, 0};
+  const NSRange first = rangeOfWordContainingCharacter(string, range.location);
+  const NSRange last = rangeOfWordContainingCharacter(string, NSMaxRange(range) - 1);
+  return {first.location, NSMaxRange(last) - first.location};
+}
+
+NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSString>& string, NSRange range,
+                                                       NSRange* prefixRange, NSRange* postfixRange,
+                                                       NSUInteger trimOptions) {
+  NSCheckRange("trimRange:prefixRange:postfixRange:trimOptions:", range, string->length());
+  const bool trimsStart = (trimOptions & ZKTrimStart) != 0;
+  const bool trimsEnd = (trimOptions & ZKTrimEnd) != 0;
+  const auto blankRun = [&](bool isTrimmed, NSUInteger index) {
+    return isTrimmed ? rangeWithoutCharactersFromSet_atIndex(string, nonWhitespace(), index)
+                     : NSRange{index, 0};
+  };
+  const NSUInteger end = NSMaxRange(range);
+  const NSRange prefix = blankRun(trimsStart, range.location);
+  const NSRange postfix = blankRun(trimsEnd, end);
+  if (prefixRange != nullptr) *prefixRange = prefix;
+  if (postfixRange != nullptr) *postfixRange = postfix;
+
+  // A run may reach over the other end of the range; then nothing is left.
+  const auto lengthTo = [](NSUInteger limit, NSUInteger start) {
+    return limit > start ? limit - start : 0;
+  };
+  NSRange result = range;
+  if (trimsStart) result = {NSMaxRange(prefix), lengthTo(end, NSMaxRange(prefix))};
+  if (trimsEnd && prefix.location != postfix.location) {
+    result.length = lengthTo(postfix.location, result.location);
+  }
+  return result;
+}
+
+NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NSString>& string,
+                                                                  NSRange range,
+                                                                  NSRange* selectedRange) {
+  const char* const operation = "normalizedSubStringWithRange:selectedRange:";
+  NSCheckRange(operation, range, string->length());
+  if (selectedRange == nullptr) NSRaiseNilArgument("selectedRange", operation);
+  if (selectedRange->location < range.location) {
+    NSRaiseRangeOutOfBounds(operation, *selectedRange, string->length());
+  }
+  const std::u16string_view text = string->view().substr(range.location, range.length);
+  const auto& set = controlAndAttachmentCharacterSet();
+  NSRange selection = {selectedRange->location - range.location, selectedRange->length};
+
+  // From the last to the first, so that what has been removed moves nothing that is still to go.
+  std::u16string_view rest = text;
+  for (NSRange found; (found = NSSearchMember(*set, rest, NSBackwardsSearch)).length != 0;) {
+    removeFromSelection(found, selection);
+    rest = rest.substr(0, found.location);
+  }
+  auto result = stringByRemovingCharactersInSet(NSMake<NSString>(text), set);
+  *selectedRange = selection;
+  return result;
+}
+
+NSRef<NSString> titlecaseString(const NSRef<NSString>& string) {
+  const NSUnitBuffer capitalized = NSCapitalizeUnits(string->view());
+  const std::u16string_view text = capitalized.view();
+  NSUnitBuffer result;
+  result.reserve(text.size());
+  std::u16string_view firstWord;
+  std::size_t start = 0;
+  const auto end = [&](std::size_t place) {
+    const std::u16string_view word = text.substr(start, place - start);
+    start = place + 1;
+    if (word.empty()) return;
+    if (firstWord.empty()) {
+      firstWord = word;
+      result.append(word);
+    } else {
+      result.append(u" ");
+      result.append(laterForm(word, firstWord));
+    }
+  };
+  NSForEachMember(*NSCharacterSet::whitespaceCharacterSet(), text, NSMembership::units, end);
+  end(text.size());
+  return NSMake<NSString>(std::move(result));
+}
+
+}  // namespace ZKFoundationExtensions

@@ -1,0 +1,212 @@
+#include "tests/TextModels.h"
+#include "tests/VectorTargets.h"
+
+#include <memory_resource>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+std::u16string replacedModel(const NSRef<NSCharacterSet>& set, std::u16string_view text,
+                             std::u16string_view replacement) {
+  std::u16string result;
+  for (const char16_t unit : text) {
+    if (set->characterIsMember(unit)) {
+      result += replacement;
+    } else {
+      result += unit;
+    }
+  }
+  return result;
+}
+
+std::u16string trimmedModel(const NSRef<NSCharacterSet>& set, std::u16string text) {
+  while (!text.empty() && set->characterIsMember(text.front())) text.erase(0, 1);
+  while (!text.empty() && set->characterIsMember(text.back())) text.pop_back();
+  return text;
+}
+
+std::vector<std::u16string> splitModel(const NSRef<NSCharacterSet>& set, std::u16string_view text,
+                                       bool trims) {
+  std::vector<std::u16string> result;
+  std::u16string component;
+  const auto emit = [&] {
+    const auto& blanks = NSCharacterSet::whitespaceCharacterSet();
+    if (!component.empty()) result.push_back(trims ? trimmedModel(blanks, component) : component);
+    component.clear();
+  };
+  for (const char16_t unit : text) {
+    if (set->characterIsMember(unit)) {
+      emit();
+    } else {
+      component += unit;
+    }
+  }
+  emit();
+  return result;
+}
+
+std::vector<std::u16string> unitsOf(const NSRef<NSMutableArray>& array) {
+  std::vector<std::u16string> result;
+  for (const auto& element : *array) result.emplace_back(element.as<NSString>()->view());
+  return result;
+}
+
+TEST(NSStringEditing, ReplacesAndRemovesUnitByUnitInPlace) {
+  forEachVectorTarget([] {
+    expectProperty("the one-loop edit", [] {
+      const auto text = *mixedTexts();
+      const auto set = *mixedSets();
+      const auto replacement = *rc::gen::element<std::u16string>(
+          u"", u"x", u", ", u"a,", u"a replacement of more than sixteen units");
+      const auto string = NSMake<NSMutableString>(text);
+      replaceOccurrencesOfCharactersInSet_withString(string, set, NSMake<NSString>(replacement));
+      RC_ASSERT(string->view() == replacedModel(set, text, replacement));
+      string->units() = NSUnitBuffer(text);
+      removeCharactersInCharacterSet(string, set);
+      RC_ASSERT(string->view() == replacedModel(set, text, u""));
+    });
+  });
+}
+
+TEST(NSStringEditing, LeavesStringsWithoutMembersAlone) {
+  const auto string = NSMake<NSMutableString>(u"a text of some length");
+  const char16_t* const units = string->view().data();
+  const auto comma = NSMake<NSCharacterSet>(u","_ns);
+  ZKReplaceCharactersInCharacterSet(string, comma, u"; "_ns);
+  ZKRemoveCharactersInCharacterSet(string, comma);
+  ZKRemoveCharactersInCharacterSet(string, nullptr);
+  EXPECT_EQ(string->view().data(), units);
+  EXPECT_TRUE(string == u"a text of some length");
+  EXPECT_EQ(stringByReplacingCharactersInSet_withString(string, comma, u"x"_ns), string);
+  EXPECT_EQ(stringByReplacingCharactersInSet_withString(string, nullptr, u"x"_ns), string);
+  const auto replaced = stringByReplacingCharactersInSet_withString(u"a,,b"_ns, comma, u"; "_ns);
+  EXPECT_TRUE(replaced == u"a; ; b");
+  EXPECT_TRUE(stringByReplacingCharactersInSet_withString(u"a,b"_ns, comma, nullptr) == u"ab");
+
+  const auto own = NSMake<NSMutableString>(u"a,b,");
+  ZKReplaceCharactersInCharacterSet(own, comma, own);
+  EXPECT_TRUE(own == u"aa,b,ba,b,");
+}
+
+TEST(NSStringEditing, RemovesCharactersIntoNewStrings) {
+  forEachVectorTarget([] {
+    expectProperty("what searching again and again leaves", [] {
+      const auto text = *mixedTexts();
+      const auto set = *mixedSets();
+      const auto options = *rc::gen::element<NSUInteger>(0, NSBackwardsSearch, NSAnchoredSearch,
+                                                         NSAnchoredSearch | NSLiteralSearch);
+      std::u16string expected;
+      std::size_t start = 0;
+      const NSUInteger forwards = options & ~NSUInteger{NSBackwardsSearch};
+      for (;;) {
+        const NSRange found = memberModel(set, text, forwards, {start, text.size() - start});
+        if (found.length == 0) break;
+        expected += text.substr(start, found.location - start);
+        start = NSMaxRange(found);
+      }
+      expected += text.substr(start);
+      const auto string = NSMake<NSString>(text);
+      RC_ASSERT(stringByRemovingCharactersInSet_options(string, set, options)->view() == expected);
+    });
+  });
+  EXPECT_TRUE(stringByRemovingCharacter(u"banana"_ns, u'a') == u"bnn");
+  EXPECT_TRUE(stringByRemovingCharactersInSet(u"ab"_ns, nullptr) == u"ab");
+  EXPECT_TRUE(stringByRemovingWhitespace(u" a\t\u00A0b\n "_ns) == u"ab\n");
+}
+
+TEST(NSStringEditing, BothTrimmingsKeepLineBreaks) {
+  for (const auto operation :
+       {stringByRemovingSurroundingWhitespace, stringByRemovingSurroundingWhitespaceAndNewlines}) {
+    EXPECT_TRUE(operation(u"\t \u3000a b \t"_ns) == u"a b");
+    EXPECT_TRUE(operation(u" \na\n "_ns) == u"\na\n");
+    EXPECT_TRUE(operation(u" \t "_ns) == u"");
+  }
+  const auto set = NSMake<NSCharacterSet>(u"\U0001F600x"_ns);
+  EXPECT_TRUE(u"x\U0001F600a\U0001F601\U0001F600"_ns->stringByTrimmingCharactersInSet(set) ==
+              u"a\U0001F601");
+}
+
+TEST(NSStringEditing, SplitsAndTrims) {
+  expectProperty("the one-loop split", [] {
+    const auto text = *mixedTexts();
+    const auto set = *mixedSets();
+    const auto trims = *rc::gen::arbitrary<bool>();
+    const auto result =
+        componentsSeparatedByCharactersInSet_trimWhitespace(NSMake<NSString>(text), set, trims);
+    RC_ASSERT(unitsOf(result) == splitModel(set, text, trims));
+  });
+  const auto comma = NSMake<NSCharacterSet>(u","_ns);
+  const auto split = [&](const NSRef<NSString>& string, bool trims) {
+    return unitsOf(componentsSeparatedByCharactersInSet_trimWhitespace(string, comma, trims));
+  };
+  using Pieces = std::vector<std::u16string>;
+  EXPECT_EQ(split(u" a , ,b"_ns, true), (Pieces{u"a", u"", u"b"}));
+  EXPECT_EQ(split(u" a , ,b"_ns, false), (Pieces{u" a ", u" ", u"b"}));
+  EXPECT_EQ(split(u"a, "_ns, true), (Pieces{u"a", u""}));
+  EXPECT_EQ(split(u",,,"_ns, true), Pieces());
+  EXPECT_EQ(split(u""_ns, true), Pieces());
+}
+
+TEST(NSStringEditing, SplitsWithTheCallersMemory) {
+  std::array<std::byte, 1024> memory;
+  std::pmr::monotonic_buffer_resource resource(memory.data(), memory.size(),
+                                               std::pmr::null_memory_resource());
+  const auto comma = NSMake<NSCharacterSet>(u","_ns);
+  const auto split = [&](std::pmr::memory_resource* allocator) {
+    return ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace(allocator, u"a,b"_ns,
+                                                                         comma, false);
+  };
+  EXPECT_EQ(split(&resource)->count(), 2U);
+  EXPECT_EQ(split(nullptr)->count(), 2U);
+  EXPECT_THROW(split(std::pmr::null_memory_resource()), std::bad_alloc);
+}
+
+TEST(NSStringEditing, FindsMembersFromEitherEnd) {
+  forEachVectorTarget([] {
+    expectProperty("the one-loop search", [] {
+      const auto text = *mixedTexts();
+      const auto set = *mixedSets();
+      const auto options = *rc::gen::inRange<NSUInteger>(0, 16);
+      const NSRange range = anyRange(text.size());
+      const auto found =
+          NSMake<NSString>(text)->rangeOfCharacterFromSet_options_range(set, options, range);
+      RC_ASSERT(found == memberModel(set, text, options, range));
+    });
+  });
+}
+
+TEST(NSStringEditing, FindsTheRunAroundAnIndex) {
+  expectProperty("between the members on either side", [] {
+    const auto text = *mixedTexts();
+    const auto set = *mixedSets();
+    const auto index = *rc::gen::inRange<NSUInteger>(0, text.size() + 1);
+    const NSRange after = memberModel(set, text, 0, {index, text.size() - index});
+    const NSRange before = memberModel(set, text, NSBackwardsSearch, {0, index});
+    const NSUInteger start = before.length == 0 ? 0 : NSMaxRange(before);
+    const NSUInteger end = after.length == 0 ? text.size() : after.location;
+    const auto run = rangeWithoutCharactersFromSet_atIndex(NSMake<NSString>(text), set, index);
+    RC_ASSERT(run == (NSRange{start, end - start}));
+  });
+  expectRaises(NSRangeException,
+               "index 3 beyond bounds [0, 2) (in 'rangeWithoutCharactersFromSet:atIndex:')",
+               [] { (void)rangeWithoutCharactersFromSet_atIndex(u"ab"_ns, nullptr, 3); });
+}
+
+TEST(NSCharacterSetExtensions, HoldsWhatItSays) {
+  EXPECT_TRUE(attachmentCharacterSet()->isEqual(NSMake<NSCharacterSet>(u"\uFFFC"_ns)));
+  for (char32_t c = 0; c < 0x110000; ++c) {
+    const bool isControl = NSCharacterSet::controlCharacterSet()->longCharacterIsMember(c);
+    ASSERT_EQ(controlAndAttachmentCharacterSet()->longCharacterIsMember(c),
+              isControl || c == 0xFFFC);
+    ASSERT_NE(wordBoundariesCharacterSet()->longCharacterIsMember(c),
+              NSCharacterSet::alphanumericCharacterSet()->longCharacterIsMember(c));
+  }
+  EXPECT_EQ(attachmentCharacterSet(), attachmentCharacterSet());
+  EXPECT_EQ(wordBoundariesCharacterSet(), wordBoundariesCharacterSet());
+  EXPECT_EQ(controlAndAttachmentCharacterSet(), controlAndAttachmentCharacterSet());
+}
+
+}  // namespace

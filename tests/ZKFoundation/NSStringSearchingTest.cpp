@@ -1,0 +1,322 @@
+#include "tests/TextModels.h"
+#include "tests/VectorTargets.h"
+
+#include <unicode/uchar.h>
+#include <unicode/unorm2.h>
+#include <unicode/ustring.h>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+// Whether ICU, asked for the two texts alone, takes them for the same.
+bool isSame(std::u16string_view a, std::u16string_view b, NSUInteger options) {
+  const bool folds = (options & NSCaseInsensitiveSearch) != 0;
+  if ((options & NSLiteralSearch) != 0 && !folds) return a == b;
+  const auto compare = (options & NSLiteralSearch) != 0 ? u_strCaseCompare : unorm_compare;
+  UErrorCode status = U_ZERO_ERROR;
+  return compare(a.data(), static_cast<int32_t>(a.size()), b.data(), static_cast<int32_t>(b.size()),
+                 folds ? U_COMPARE_IGNORE_CASE : 0, &status) == 0;
+}
+
+bool cutsCharacter(std::u16string_view text, std::size_t at, NSUInteger options) {
+  if (at == 0 || at == text.size()) return false;
+  if (NSIsHighSurrogate(text[at - 1]) && NSIsLowSurrogate(text[at])) {
+    return (options & (NSLiteralSearch | NSCaseInsensitiveSearch)) != NSLiteralSearch;
+  }
+  if ((options & NSLiteralSearch) != 0) return false;
+  return (U_GET_GC_MASK(text[at]) & U_GC_M_MASK) != 0;
+}
+
+// Every slice of the range, one by one.
+NSRange searchModel(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+                    NSRange range) {
+  const NSUInteger end = NSMaxRange(range);
+  NSRange best = NSNotFoundRange;
+  if (needle.empty()) return best;
+  for (NSUInteger start = range.location; start < end; ++start) {
+    for (NSUInteger stop = start + 1; stop <= end; ++stop) {
+      const bool isBackwards = (options & NSBackwardsSearch) != 0;
+      if ((options & NSAnchoredSearch) != 0 &&
+          (isBackwards ? stop != end : start != range.location)) {
+        continue;
+      }
+      if (cutsCharacter(text, start, options) || cutsCharacter(text, stop, options)) continue;
+      if (!isSame(text.substr(start, stop - start), needle, options)) continue;
+      best = {start, stop - start};
+      if (!isBackwards) return best;
+    }
+  }
+  return best;
+}
+
+TEST(NSStringSearch, FindsWhatTryingEverySliceFinds) {
+  // Letters that fold and decompose into each other, marks in either order, the Kelvin and Angstrom
+  // signs, sharp s, a dotted capital I, and a pair.
+  const std::u16string tricky =
+      u"aAk\u212A\u00C5\u00E5\u212B\u0041\u030A\u0061\u030A\u0323\u00DFsS\u017F\u0130i\u0307";
+  expectProperty("the same range", [&] {
+    const auto texts = rc::gen::oneOf(textOver(u"aAbB"), textOver(u"aA\u00C4\u00E4"),
+                                      textOver(tricky + u"\U0001F600"));
+    const auto text = *rc::gen::scale(0.3, texts);
+    const NSRange slice = anyRange(text.size());
+    const auto needle = *rc::gen::oneOf(rc::gen::scale(0.05, texts),
+                                        rc::gen::just(text.substr(slice.location, slice.length)));
+    const auto options = *rc::gen::inRange<NSUInteger>(0, 16);
+    const NSRange range = anyRange(text.size());
+    const auto found = NSMake<NSString>(text)->rangeOfString_options_range(NSMake<NSString>(needle),
+                                                                           options, range);
+    RC_ASSERT(found == searchModel(text, needle, options, range));
+  });
+}
+
+TEST(NSStringSearch, KnowsComposedCharacters) {
+  const auto find = [](const NSRef<NSString>& text, const NSRef<NSString>& needle,
+                       NSUInteger options) { return text->rangeOfString_options(needle, options); };
+  EXPECT_EQ(find(u"cafe\u0301s"_ns, u"é"_ns, 0), (NSRange{3, 2}));
+  EXPECT_EQ(find(u"cafés"_ns, u"e\u0301"_ns, 0), (NSRange{3, 1}));
+  EXPECT_EQ(find(u"cafe\u0301s"_ns, u"e"_ns, 0), NSNotFoundRange);
+  EXPECT_EQ(find(u"cafe\u0301s"_ns, u"e"_ns, NSLiteralSearch), (NSRange{3, 1}));
+  EXPECT_EQ(find(u"cafe\u0301s"_ns, u"\u0301"_ns, 0), NSNotFoundRange);
+  EXPECT_EQ(find(u"CAFÉ"_ns, u"cafe\u0301"_ns, NSCaseInsensitiveSearch), (NSRange{0, 4}));
+  EXPECT_EQ(find(u"\u1112\u1161\u11ABab"_ns, u"\uD55C"_ns, 0), (NSRange{0, 3}));
+  EXPECT_EQ(find(u"\u1112\u1161\u11ABab"_ns, u"\u1112\u1161"_ns, 0), NSNotFoundRange);
+  EXPECT_EQ(find(u"a"_ns, nullptr, 0), NSNotFoundRange);
+  EXPECT_TRUE(stringByRemovingString(u"e\u0301te\u0301"_ns, u"é"_ns) == u"t");
+  EXPECT_TRUE(stringByRemovingString(u"aae\u0301a"_ns, u"a"_ns) == u"e\u0301");
+  expectRaises(NSRangeException,
+               "range {1, 3} beyond bounds [0, 3) (in 'rangeOfString:options:range:')", [] {
+                 (void)u"abc"_ns->rangeOfString_options_range(u"a"_ns, 0, {1, 3});
+               });
+}
+
+TEST(NSStringSearch, FoldsLongASCIITextsInEveryVector) {
+  forEachVectorTarget([] {
+    expectProperty("the folded text's place", [] {
+      const auto text = *rc::gen::scale(4, textOver(u"aAbB@`[{"));
+      const auto needle = *rc::gen::scale(0.1, textOver(u"aAbB@`[{"));
+      const auto lower = [](std::u16string units) {
+        for (char16_t& unit : units) unit = unit >= u'A' && unit <= u'B' ? unit + 32 : unit;
+        return units;
+      };
+      const auto place = needle.empty() ? std::u16string::npos : lower(text).find(lower(needle));
+      const auto found = NSMake<NSString>(text)->rangeOfString_options(NSMake<NSString>(needle),
+                                                                       NSCaseInsensitiveSearch);
+      RC_ASSERT(found ==
+                (place == std::u16string::npos ? NSNotFoundRange : NSRange{place, needle.size()}));
+    });
+  });
+}
+
+struct FindRow {
+  const char16_t* text;
+  NSRange selection;
+  NSUInteger options;
+  bool wraps;
+  NSRange expected;
+};
+
+TEST(NSStringSearching, FindsOutsideOfTheSelection) {
+  const NSUInteger backwards = NSBackwardsSearch;
+  const std::vector<FindRow> rows = {
+      {u"ab ab", {0, 2}, 0, true, {3, 2}},
+      {u"ab ab", {3, 2}, 0, true, {0, 2}},
+      {u"ab ab", {3, 2}, 0, false, NSNotFoundRange},
+      {u"ab", {0, 2}, 0, true, NSNotFoundRange},
+      {u"ab ab", {1, 3}, 0, true, NSNotFoundRange},
+      {u"ab ab ab", {3, 2}, backwards, true, {0, 2}},
+      {u"ab ab ab", {0, 2}, backwards, true, {6, 2}},
+      {u"ab ab ab", {0, 2}, backwards, false, NSNotFoundRange},
+      {u"AB x", {2, 1}, NSCaseInsensitiveSearch, true, {0, 2}},
+  };
+  for (const auto& [text, selection, options, wraps, expected] : rows) {
+    EXPECT_EQ(findString_selectedRange_options_wrap(NSMake<NSString>(text), u"ab"_ns, selection,
+                                                    options, wraps),
+              expected)
+        << NSMake<NSString>(text) << ' ' << selection;
+  }
+  EXPECT_EQ(findString_selectedRange_options_wrap(u"ab"_ns, nullptr, {0, 0}, 0, true),
+            NSNotFoundRange);
+  expectRaises(NSRangeException,
+               "range {1, 2} beyond bounds [0, 2) (in 'findString:selectedRange:options:wrap:')",
+               [] {
+                 (void)findString_selectedRange_options_wrap(u"ab"_ns, u"a"_ns, {1, 2}, 0, true);
+               });
+}
+
+TEST(NSStringSearching, JudgesMatchesByTheirWords) {
+  struct Row {
+    const char16_t* text;
+    NSUInteger condition;
+    NSUInteger options;
+    NSRange expected;
+  };
+  const std::vector<Row> rows = {
+      {u"snapp apple app", 0, 0, {2, 3}},
+      {u"snapp apple app", 4, 0, {2, 3}},
+      {u"snapp apple app", ZKWordCompareWhole, 0, {12, 3}},
+      {u"snapp apple app", ZKWordCompareStart, 0, {6, 5}},
+      {u"snapp apple", ZKWordCompareWhole, 0, NSNotFoundRange},
+      {u"apple snapps", ZKWordCompareEnd, 0, NSNotFoundRange},
+      {u"apple snap.app", ZKWordCompareEnd, 0, {11, 3}},
+      {u"apple wapp", ZKWordCompareEnd, 0, {6, 4}},
+      {u"snapp", 5, 0, {0, 5}},
+      // Only the last occurrence is examined backwards: what is rejected is followed forwards.
+      {u"app apple", ZKWordCompareWhole, NSBackwardsSearch, NSNotFoundRange},
+      {u"apple app", ZKWordCompareWhole, NSBackwardsSearch, {6, 3}},
+  };
+  for (const auto& [text, condition, options, expected] : rows) {
+    const auto string = NSMake<NSString>(text);
+    EXPECT_EQ(findString_searchRange_options_wordCompareOption(
+                  string, u"app"_ns, {0, string->length()}, options, condition),
+              expected)
+        << string << ' ' << condition;
+  }
+  // The words are those of the whole string; the search stays in its range.
+  const auto string = u"xapp app"_ns;
+  const auto whole = [&](NSRange range) {
+    return findString_searchRange_options_wordCompareOption(string, u"app"_ns, range, 0,
+                                                            ZKWordCompareWhole);
+  };
+  EXPECT_EQ(whole({1, 6}), NSNotFoundRange);
+  EXPECT_EQ(whole({1, 7}), (NSRange{5, 3}));
+}
+
+TEST(NSStringSearching, FindsWords) {
+  expectProperty("runs of one kind", [] {
+    const auto text = *textOver(u"ab1\u0301é ,-'\n");
+    RC_PRE(!text.empty());
+    const auto string = NSMake<NSString>(text);
+    const auto index = *rc::gen::inRange<NSUInteger>(0, text.size());
+    const auto isWord = [&](NSUInteger k) {
+      return NSCharacterSet::alphanumericCharacterSet()->characterIsMember(text[k]);
+    };
+    NSUInteger start = index;
+    NSUInteger end = index;
+    while (start > 0 && isWord(start - 1) == isWord(index)) --start;
+    while (end < text.size() && isWord(end) == isWord(index)) ++end;
+    RC_ASSERT(rangeOfWordContainingCharacter(string, index) == (NSRange{start, end - start}));
+
+    const NSRange range = anyRange(text.size());
+    const NSRange words = rangeOfWordsIntersectingRange(string, range);
+    if (range.length == 0) {
+      RC_ASSERT(words == NSRange());
+    } else {
+      const NSRange first = rangeOfWordContainingCharacter(string, range.location);
+      const NSRange last = rangeOfWordContainingCharacter(string, NSMaxRange(range) - 1);
+      RC_ASSERT(words.location == first.location && NSMaxRange(words) == NSMaxRange(last));
+    }
+  });
+  EXPECT_EQ(rangeOfWordContainingCharacter(u"hello, world"_ns, 5), (NSRange{5, 2}));
+  EXPECT_EQ(rangeOfWordsIntersectingRange(u"hello, world"_ns, {1, 8}), (NSRange{0, 12}));
+  const auto comma = NSMake<NSCharacterSet>(u","_ns);
+  EXPECT_EQ(rangeOfCharactersAtIndex_delimitedBy(u"a,bc,d"_ns, 3, comma), (NSRange{2, 2}));
+  EXPECT_EQ(rangeOfCharactersAtIndex_delimitedBy(u"a,bc,d"_ns, 4, comma), (NSRange{2, 2}));
+  EXPECT_EQ(rangeOfCharactersAtIndex_delimitedBy(u"a,bc,d"_ns, 6, nullptr), (NSRange{0, 6}));
+  expectRaises(NSRangeException,
+               "index 2 beyond bounds [0, 2) (in 'rangeOfWordContainingCharacter:')",
+               [] { (void)rangeOfWordContainingCharacter(u"ab"_ns, 2); });
+}
+
+TEST(NSStringSearching, TrimsRanges) {
+  struct Row {
+    const char16_t* text;
+    NSRange range;
+    NSUInteger options;
+    NSRange expected;
+    NSRange prefix;
+    NSRange postfix;
+  };
+  const std::vector<Row> rows = {
+      {u"  ab  ", {0, 6}, 3, {2, 2}, {0, 2}, {4, 2}},
+      {u"  ab  ", {0, 6}, 0, {0, 6}, {0, 0}, {6, 0}},
+      {u"  ab  ", {0, 6}, 8, {0, 6}, {0, 0}, {6, 0}},
+      {u"  ab  ", {0, 6}, 1, {2, 4}, {0, 2}, {6, 0}},
+      {u"  ab  ", {0, 6}, 2, {0, 4}, {0, 0}, {4, 2}},
+      {u"  ab  ", {1, 4}, 3, {2, 2}, {0, 2}, {4, 2}},  // The runs reach outside.
+      {u"\n \t", {0, 3}, 3, {3, 0}, {0, 3}, {0, 3}},
+      {u"a   b", {2, 1}, 3, {4, 0}, {1, 3}, {1, 3}},
+      {u"a   b", {1, 2}, 2, {1, 2}, {1, 0}, {1, 3}},  // It begins where the run does.
+      {u"a   b", {2, 1}, 2, {2, 0}, {2, 0}, {1, 3}},  // It begins inside.
+      {u"ab", {1, 0}, 3, {1, 0}, {1, 0}, {1, 0}},
+  };
+  for (const auto& [text, range, options, expected, prefix, postfix] : rows) {
+    NSRange before;
+    NSRange behind;
+    const auto string = NSMake<NSString>(text);
+    const auto trimmed =
+        trimRange_prefixRange_postfixRange_trimOptions(string, range, &before, &behind, options);
+    EXPECT_EQ(trimmed, expected) << '"' << string << "\" " << range << ' ' << options;
+    EXPECT_EQ(before, prefix) << '"' << string << "\" " << range << ' ' << options;
+    EXPECT_EQ(behind, postfix) << '"' << string << "\" " << range << ' ' << options;
+    EXPECT_EQ(
+        trimRange_prefixRange_postfixRange_trimOptions(string, range, nullptr, nullptr, options),
+        expected);
+  }
+}
+
+TEST(NSStringSearching, NormalizesAndKeepsTheSelection) {
+  expectProperty("removing one by one from the end", [] {
+    const auto text = *textOver(u"ab\u0001\uFFFC\u200B");
+    const NSRange range = anyRange(text.size());
+    const NSRange inside = anyRange(range.length);
+    std::u16string expected = text.substr(range.location, range.length);
+    NSRange model = inside;
+    for (NSUInteger k = expected.size(); k-- > 0;) {
+      if (expected[k] == u'a' || expected[k] == u'b') continue;
+      expected.erase(k, 1);
+      if (k < model.location) {
+        --model.location;
+      } else if (k < NSMaxRange(model)) {
+        --model.length;
+      }
+    }
+    NSRange selection = {range.location + inside.location, inside.length};
+    const auto result =
+        normalizedSubStringWithRange_selectedRange(NSMake<NSString>(text), range, &selection);
+    RC_ASSERT(result->view() == expected);
+    RC_ASSERT(selection == model);
+  });
+
+  // A pair that the selection ends inside of empties it.
+  const auto tagged = u"a\U000E0001b"_ns;
+  NSRange selection = {1, 1};
+  EXPECT_TRUE(normalizedSubStringWithRange_selectedRange(tagged, {0, 4}, &selection) == u"ab");
+  EXPECT_EQ(selection, (NSRange{1, 0}));
+  selection = {0, 2};
+  const char* const operation = "(in 'normalizedSubStringWithRange:selectedRange:')";
+  expectRaises(NSRangeException, std::string("range {0, 2} beyond bounds [0, 4) ") + operation,
+               [&] {
+                 (void)normalizedSubStringWithRange_selectedRange(tagged, {1, 2}, &selection);
+               });
+  expectRaises(NSInvalidArgumentException, std::string("selectedRange is nil ") + operation, [&] {
+    (void)normalizedSubStringWithRange_selectedRange(tagged, {1, 2}, nullptr);
+  });
+}
+
+TEST(NSStringSearching, WritesTitles) {
+  struct Row {
+    const char16_t* text;
+    const char16_t* expected;
+  };
+  const std::vector<Row> rows = {
+      {u"lord of the rings", u"Lord of the Rings"},
+      {u"the lord of the rings", u"The Lord of The Rings"},
+      {u"a tale  of two cities", u"A Tale of Two Cities"},
+      {u"a dog and a cat", u"A Dog and A Cat"},
+      {u"NASA and the moon", u"Nasa and the Moon"},
+      {u" \tone an\u00A0apple ", u"One an Apple"},
+      {u"one\nthe other", u"One\nThe Other"},
+      {u"they're jean-luc's ǆ 2nd", u"They're Jean-Luc's ǅ 2nd"},
+      {u"", u""},
+      {u" \t", u""},
+  };
+  for (const auto& [text, expected] : rows) {
+    EXPECT_TRUE(titlecaseString(NSMake<NSString>(text)) == expected)
+        << titlecaseString(NSMake<NSString>(text));
+  }
+}
+
+}  // namespace
