@@ -58,9 +58,11 @@ NSRef<NSString> NSArray::description() const {
 }
 
 NSRef<NSObject> NSArray::valueForKey(const NSRef<NSString>& key) const {
+  // Of its own: what an element answers may change the array.
+  const auto snapshot = copy();
   std::vector<NSRef<NSObject>> values;
-  values.reserve(_objects.size());
-  for (const auto& object : _objects) {
+  values.reserve(snapshot->count());
+  for (const auto& object : *snapshot) {
     auto value = object->valueForKey(key);
     values.push_back(value ? std::move(value) : NSNull::null());
   }
@@ -99,11 +101,19 @@ void NSMutableArray::replaceObjectAtIndex_withObject(NSUInteger index,
 
 void NSMutableArray::removeObjectAtIndex(NSUInteger index) {
   NSCheckIndex("removeObjectAtIndex:", index, count());
+  // Dies when the array is in order again: its destructor may look at it.
+  const NSRef<NSObject> removed = std::move(elements()[index]);
   elements().erase(elements().begin() + static_cast<std::ptrdiff_t>(index));
 }
 
 void NSMutableArray::removeLastObject() noexcept {
-  if (!elements().empty()) elements().pop_back();
+  if (elements().empty()) return;
+  const NSRef<NSObject> removed = std::move(elements().back());
+  elements().pop_back();
+}
+
+void NSMutableArray::removeAllObjects() noexcept {
+  const auto removed = std::exchange(elements(), {});
 }
 
 NSRef<NSObject> NSMutableArray::copyWithZone(NSZone* /*zone*/) const {

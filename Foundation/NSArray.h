@@ -74,7 +74,7 @@ class NS_EXPORT NSMutableArray : public NSArray {
   void removeObjectAtIndex(NSUInteger index);
   /// Does nothing when the array is empty.
   void removeLastObject() noexcept;
-  void removeAllObjects() noexcept { elements().clear(); }
+  void removeAllObjects() noexcept;
   /// Makes room for so many elements altogether.
   void reserve(NSUInteger count) { elements().reserve(count); }
 

@@ -7,7 +7,8 @@
 #include <utility>
 
 /// A block as a parameter of a call that does not outlive it: any callable, or none. It refers to
-/// the caller's callable and costs no allocation.
+/// the caller's callable and costs no allocation. A callable that takes the first argument alone
+/// will do.
 ///
 /// A null pointer and an empty `std::function` are nil blocks; calling one is undefined, so an
 /// operation tests its block first.
@@ -19,42 +20,58 @@ inline constexpr bool NSIsStandardFunction = false;
 template <class Signature>
 inline constexpr bool NSIsStandardFunction<std::function<Signature>> = true;
 
-template <class Result, class... Arguments>
-class NSBlockRef<Result(Arguments...)> {
+template <class Result, class First, class... Rest>
+class NSBlockRef<Result(First, Rest...)> {
  public:
   constexpr NSBlockRef(std::nullptr_t) noexcept {}
 
   template <class F>
-  requires(
-      !std::same_as<std::remove_cvref_t<F>, NSBlockRef> &&
-      std::is_invocable_r_v<Result, F&, Arguments...>) constexpr NSBlockRef(F&& callable) noexcept {
+  requires(!std::same_as<std::remove_cvref_t<F>, NSBlockRef> &&
+           (std::is_invocable_r_v<Result, F&, First, Rest...> ||
+            std::is_invocable_r_v<Result, F&, First>)) constexpr NSBlockRef(F&& callable) noexcept {
     using Callable = std::remove_reference_t<F>;
-    if constexpr (std::is_pointer_v<Callable> || NSIsStandardFunction<std::remove_cv_t<Callable>>) {
+    using Plain = std::remove_cv_t<Callable>;
+    if constexpr (std::is_pointer_v<Plain> || std::is_member_pointer_v<Plain> ||
+                  NSIsStandardFunction<Plain>) {
       if (!callable) return;
     }
-    if constexpr (std::is_function_v<std::remove_pointer_t<Callable>>) {
-      // A pointer to a function is kept itself; the caller's variable may be a temporary.
-      _callable = reinterpret_cast<const void*>(+callable);
-      _call = [](const void* pointer, Arguments... arguments) -> Result {
-        using Function = std::remove_pointer_t<Callable>*;
-        return reinterpret_cast<Function>(const_cast<void*>(pointer))(
-            std::forward<Arguments>(arguments)...);
+    if constexpr (std::is_function_v<Callable>) {
+      _callable = reinterpret_cast<const void*>(&callable);
+      _call = [](const void* pointer, First first, Rest... rest) -> Result {
+        return call(*reinterpret_cast<Callable*>(const_cast<void*>(pointer)),
+                    std::forward<First>(first), std::forward<Rest>(rest)...);
       };
     } else {
       _callable = std::addressof(callable);
-      _call = [](const void* pointer, Arguments... arguments) -> Result {
-        return (*static_cast<Callable*>(const_cast<void*>(pointer)))(
-            std::forward<Arguments>(arguments)...);
+      _call = [](const void* pointer, First first, Rest... rest) -> Result {
+        return call(*static_cast<Callable*>(const_cast<void*>(pointer)), std::forward<First>(first),
+                    std::forward<Rest>(rest)...);
       };
     }
   }
 
   explicit operator bool() const noexcept { return _call != nullptr; }
-  Result operator()(Arguments... arguments) const {
-    return _call(_callable, std::forward<Arguments>(arguments)...);
+  Result operator()(First first, Rest... rest) const {
+    return _call(_callable, std::forward<First>(first), std::forward<Rest>(rest)...);
   }
 
  private:
+  template <class F>
+  static Result call(F& callable, First first, Rest... rest) {
+    const auto invoke = [&]() -> decltype(auto) {
+      if constexpr (std::is_invocable_v<F&, First, Rest...>) {
+        return std::invoke(callable, std::forward<First>(first), std::forward<Rest>(rest)...);
+      } else {
+        return std::invoke(callable, std::forward<First>(first));
+      }
+    };
+    if constexpr (std::is_void_v<Result>) {
+      static_cast<void>(invoke());
+    } else {
+      return invoke();
+    }
+  }
+
   const void* _callable = nullptr;
-  Result (*_call)(const void*, Arguments...) = nullptr;
+  Result (*_call)(const void*, First, Rest...) = nullptr;
 };

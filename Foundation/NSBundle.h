@@ -21,9 +21,9 @@ class NS_EXPORT NSBundle : public NSObject {
   NSRef<NSString> executablePath() const;
   /// The folder that holds it.
   NSRef<NSString> bundlePath() const;
-  /// The folder of its resources: beside it, named like it up to the first "." and without a
-  /// leading "lib", with ".resources" behind ("editor.resources", "ZKFoundation.resources"). Where
-  /// there is no such folder, `bundlePath`.
+  /// The folder of its resources: beside it, named like it up to the first "." and, of a
+  /// library, without the leading "lib", with ".resources" behind ("editor.resources",
+  /// "ZKFoundation.resources"). Where there is no such folder, `bundlePath`.
   NSRef<NSString> resourcePath() const;
 
   /// "NSBundle <executable path>"
@@ -36,9 +36,10 @@ class NS_EXPORT NSBundle : public NSObject {
     Key() = default;
   };
   NSBundle(Key /*key*/, std::filesystem::path executable) : _executable(std::move(executable)) {}
+  NSBundle(const NSBundle&) = delete;
 
  private:
-  static NSRef<NSBundle> bundleForFile(const std::filesystem::path& file);
+  static NSRef<NSBundle> bundleForFile(const std::filesystem::path& file, const void* address);
 
   std::filesystem::path _executable;
 };

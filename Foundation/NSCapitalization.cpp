@@ -1,7 +1,8 @@
 #include "Foundation/NSCapitalization.h"
 
+#include "Foundation/NSICU.h"
+
 #include <memory>
-#include <new>
 #include <string>
 
 #include <unicode/ubrk.h>
@@ -10,11 +11,6 @@
 
 namespace {
 
-void check(UErrorCode status) {
-  // Only memory can run out: the arguments are right and ICU's data are there.
-  if (U_FAILURE(status)) throw std::bad_alloc();
-}
-
 // What a locale's capitalisation needs. Its word breaker is costly to make and may be used by one
 // thread at a time, so every thread keeps its own.
 class Capitalizer {
@@ -22,11 +18,11 @@ class Capitalizer {
   explicit Capitalizer(const std::string& locale) : _locale(locale) {
     UErrorCode status = U_ZERO_ERROR;
     _map.reset(ucasemap_open(locale.c_str(), U_FOLD_CASE_DEFAULT, &status));
-    check(status);
+    NSCheckICU(status);
     UBreakIterator* const words = ubrk_open(UBRK_WORD, locale.c_str(), nullptr, 0, &status);
-    check(status);
+    NSCheckICU(status);
     ucasemap_setBreakIterator(_map.get(), words, &status);
-    check(status);
+    NSCheckICU(status);
   }
 
   const std::string& locale() const { return _locale; }
@@ -39,7 +35,7 @@ class Capitalizer {
       status = U_ZERO_ERROR;
       length = map(text, result, static_cast<std::size_t>(length), status);
     }
-    check(status);
+    NSCheckICU(status);
     result.truncate(static_cast<std::size_t>(length));
     return result;
   }
@@ -49,8 +45,8 @@ class Capitalizer {
                    UErrorCode& status) {
     result.truncate(0);
     char16_t* const out = result.extend(room);
-    return ucasemap_toTitle(_map.get(), out, static_cast<std::int32_t>(room), text.data(),
-                            static_cast<std::int32_t>(text.size()), &status);
+    return ucasemap_toTitle(_map.get(), out, static_cast<std::int32_t>(room), NSICUText(text),
+                            NSICULength(text), &status);
   }
 
   struct Close {

@@ -203,36 +203,33 @@ NSMutableCharacterSet::NSMutableCharacterSet(const NSRef<NSCharacterSet>& other)
 }
 
 void NSMutableCharacterSet::addCharactersInRange(NSRange characters) {
-  setPlanes(combine(planes(), planesOfRange(characters, "addCharactersInRange:"), unite));
+  setPlanes(combine(planesOf(*this), planesOfRange(characters, "addCharactersInRange:"), unite));
 }
 
 void NSMutableCharacterSet::removeCharactersInRange(NSRange characters) {
-  setPlanes(combine(planes(), planesOfRange(characters, "removeCharactersInRange:"), subtract));
+  setPlanes(
+      combine(planesOf(*this), planesOfRange(characters, "removeCharactersInRange:"), subtract));
 }
 
 void NSMutableCharacterSet::addCharactersInString(const NSRef<NSString>& string) {
-  setPlanes(combine(planes(), planesOfString(string), unite));
+  setPlanes(combine(planesOf(*this), planesOfString(string), unite));
 }
 
 void NSMutableCharacterSet::removeCharactersInString(const NSRef<NSString>& string) {
-  setPlanes(combine(planes(), planesOfString(string), subtract));
+  setPlanes(combine(planesOf(*this), planesOfString(string), subtract));
 }
 
 void NSMutableCharacterSet::formUnionWithCharacterSet(const NSRef<NSCharacterSet>& other) {
   if (!other) return;
-  setPlanes(combine(planes(), static_cast<NSMutableCharacterSet&>(*other).planes(), unite));
+  setPlanes(combine(planesOf(*this), planesOf(*other), unite));
 }
 
 void NSMutableCharacterSet::formIntersectionWithCharacterSet(const NSRef<NSCharacterSet>& other) {
-  setPlanes(other
-                ? combine(planes(), static_cast<NSMutableCharacterSet&>(*other).planes(), intersect)
-                : Planes());
+  setPlanes(other ? combine(planesOf(*this), planesOf(*other), intersect) : Planes());
 }
 
-void NSMutableCharacterSet::invert() { setPlanes(combine(planes(), {}, complement)); }
+void NSMutableCharacterSet::invert() { setPlanes(combine(planesOf(*this), {}, complement)); }
 
 NSRef<NSObject> NSMutableCharacterSet::copyWithZone(NSZone* /*zone*/) const {
-  auto copy = NSMake<NSMutableCharacterSet>();
-  copy->setPlanes(planes());
-  return copy->NSCharacterSet::self();
+  return make(planesOf(*this));
 }

@@ -19,6 +19,8 @@ class NS_EXPORT NSCharacterSet : public NSObject {
  public:
   /// The empty set.
   NSCharacterSet() noexcept;
+  // Copied, never moved: the bitmap is one of the planes.
+  NSCharacterSet(const NSCharacterSet&) = default;
   /// The characters with these numbers. Raises `NSRangeException` past U+10FFFF.
   explicit NSCharacterSet(NSRange characters);
   /// The characters of the string; nil has none.
@@ -67,7 +69,8 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   using Planes = std::array<std::shared_ptr<const Plane>, 17>;
 
   explicit NSCharacterSet(Planes planes) noexcept;
-  const Planes& planes() const noexcept { return _planes; }
+  static const Planes& planesOf(const NSCharacterSet& set) noexcept { return set._planes; }
+  static NSRef<NSCharacterSet> make(Planes planes);
   void setPlanes(Planes planes) noexcept;
 
   template <class Operation>
@@ -77,8 +80,6 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   static Planes planesOfCategories(std::uint32_t mask);
 
  private:
-  static NSRef<NSCharacterSet> make(Planes planes);
-
   Planes _planes;
   const std::uint64_t* _basicPlane;
   std::array<std::uint8_t, 16> _asciiRows{};

@@ -88,7 +88,10 @@ NSRef<NSObject> NSDictionary::mutableCopyWithZone(NSZone* /*zone*/) const {
   return NSMake<NSMutableDictionary>(share(this));
 }
 
-void NSMutableDictionary::removeObjectForKey(const NSRef<NSObject>& key) { map().erase(key); }
+void NSMutableDictionary::removeObjectForKey(const NSRef<NSObject>& key) {
+  // Dies when the dictionary is in order again.
+  const auto removed = map().extract(key);
+}
 
 NSRef<NSObject> NSMutableDictionary::copyWithZone(NSZone* /*zone*/) const {
   return NSMake<NSDictionary>(NSRef<NSDictionary>(share(this)));

@@ -69,7 +69,7 @@ class NS_EXPORT NSMutableDictionary : public NSDictionary {
   }
   /// Does nothing when there is no such entry, or the key is nil.
   void removeObjectForKey(const NSRef<NSObject>& key);
-  void removeAllObjects() noexcept { map().clear(); }
+  void removeAllObjects() noexcept { const auto removed = std::exchange(map(), {}); }
 
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };

@@ -1,5 +1,6 @@
 #include "Foundation/NSKeyValueCoding.h"
 
+#include "Foundation/NSBundle.h"
 #include "Foundation/NSException.h"
 
 #include <atomic>
@@ -9,10 +10,14 @@ namespace {
 
 std::atomic<NSUndefinedKeyHandler> undefinedKeyHandler = nullptr;
 
+NSRef<NSBundle> bundleOf(const NSObject& object) {
+  return NSBundle::bundleForClass(object.objectClass());
+}
+
 }  // namespace
 
 const NSProperty* NSPropertyTable::find(std::u16string_view name) const noexcept {
-  for (const NSProperty& property : _properties) {
+  for (const NSProperty& property : *_properties) {
     if (property.name() == name) return &property;
   }
   return _inherited == nullptr ? nullptr : _inherited->find(name);
@@ -25,7 +30,8 @@ NSUndefinedKeyHandler NSSetUndefinedKeyHandler(NSUndefinedKeyHandler handler) no
 const NSPropertyTable& NSObject::propertyTable() const {
   static const NSPropertyTable table({{u"self", &NSObject::self},
                                       {u"hash", &NSObject::hash},
-                                      {u"description", &NSObject::description}});
+                                      {u"description", &NSObject::description},
+                                      {u"bundle", &bundleOf}});
   return table;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <Foundation/NSExport.h>
+#include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSString.h>
@@ -30,14 +31,21 @@ NSRef<NSObject> NSBox(const T& value) {
   }
 }
 
-/// A name under which a class publishes a member: a data member or a const member function without
-/// arguments. The name must outlive the table, as a literal does.
+/// A name under which a class publishes a value: of a data member, a const member function without
+/// arguments, or a function of the object. The name must outlive the table, as a literal does.
 class NSProperty {
  public:
   template <class Member, class Class>
   NSProperty(std::u16string_view name, Member Class::*member)
       : _name(name), _read([member](const NSObject& object) {
           return NSBox(std::invoke(member, static_cast<const Class&>(object)));
+        }) {}
+
+  /// Reads through a function instead.
+  template <class Class, class Value>
+  NSProperty(std::u16string_view name, Value (*function)(const Class&))
+      : _name(name), _read([function](const NSObject& object) {
+          return NSBox(function(static_cast<const Class&>(object)));
         }) {}
 
   std::u16string_view name() const noexcept { return _name; }
@@ -48,7 +56,8 @@ class NSProperty {
   std::function<NSRef<NSObject>(const NSObject&)> _read;
 };
 
-/// The properties of a class. A class publishes its own by overriding one function:
+/// The properties of a class, for the process's lifetime: a table is never destroyed. A class
+/// publishes its own by overriding one function:
 ///
 ///     const NSPropertyTable& propertyTable() const override {
 ///       static const NSPropertyTable table(
@@ -69,6 +78,6 @@ class NS_EXPORT NSPropertyTable {
   const NSProperty* find(std::u16string_view name) const noexcept;
 
  private:
-  std::vector<NSProperty> _properties;
+  NSNeverDestroyed<std::vector<NSProperty>> _properties;
   const NSPropertyTable* _inherited = nullptr;
 };

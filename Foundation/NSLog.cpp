@@ -43,6 +43,21 @@ void writeToStandardError(std::string_view line) {
   }
 }
 
+std::string onOneLine(std::string_view text) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string line;
+  line.reserve(text.size());
+  for (const char byte : text) {
+    const auto code = static_cast<unsigned char>(byte);
+    if (code >= 0x20 && code != 0x7F) {
+      line += byte;
+    } else {
+      line += {'\\', 'x', digits[code / 16], digits[code % 16]};
+    }
+  }
+  return line;
+}
+
 void writeToSystem(const std::string& text) {
   ::syslog(LOG_USER | LOG_NOTICE, "%s", text.c_str());
   writeToStandardError(timestamp() + ' ' + program_invocation_short_name + '[' +
@@ -71,7 +86,7 @@ void NSLog(const NSRef<NSString>& text) {
   if (*sink) {
     (*sink)(text ? text : u"(null)"_ns);
   } else {
-    writeToSystem(text ? text->utf8() : "(null)");
+    writeToSystem(text ? onOneLine(text->utf8()) : "(null)");
   }
 }
 

@@ -19,4 +19,5 @@ class NS_EXPORT NSNull : public NSObject {
     Key() = default;
   };
   explicit NSNull(Key /*key*/) noexcept {}
+  NSNull(const NSNull&) = delete;
 };

@@ -36,7 +36,7 @@ class NS_EXPORT NSObject {
   virtual NSRef<NSString> description() const;
 
   /// What the class publishes for key-value reads; `NSKeyValueCoding.h` shows how. The root
-  /// publishes "self", "hash" and "description".
+  /// publishes "self", "hash", "description" and "bundle".
   virtual const NSPropertyTable& propertyTable() const;
   /// The value of the property, numbers and structures boxed; of a key that is not published,
   /// the answer of `valueForUndefinedKey`. A nil key raises `NSInvalidArgumentException`.
@@ -47,7 +47,8 @@ class NS_EXPORT NSObject {
   /// `NSUndefinedKeyHandler` is set: then the handler's answer is given.
   virtual NSRef<NSObject> valueForUndefinedKey(const NSRef<NSString>& key) const;
 
-  /// An immutable copy, `copyWithZone` with no zone. Copyable classes give it with their own type.
+  /// An immutable copy, `copyWithZone` with no zone. (Objects are copied so, never assigned.)
+  /// Copyable classes give it with their own type.
   NSRef<NSObject> copy() const { return copyWithZone(nullptr); }
   /// What a copyable class overrides; elsewhere it raises `NSInvalidArgumentException`.
   virtual NSRef<NSObject> copyWithZone(NSZone* zone) const;
@@ -64,7 +65,7 @@ class NS_EXPORT NSObject {
  protected:
   NSObject() noexcept = default;
   NSObject(const NSObject&) noexcept = default;
-  NSObject& operator=(const NSObject&) noexcept = default;
+  NSObject& operator=(const NSObject&) = delete;
 
   /// A strong reference to this object as the class that asks for it. Only for objects that were
   /// made by `NSMake`, and not before their constructor has returned.

@@ -34,17 +34,22 @@ constexpr bool NSRangeFits(NSRange range, NSUInteger count) {
   return range.location <= count && range.length <= count - range.location;
 }
 
+/// `NSMaxRange`, or the largest index where that would overflow.
+constexpr NSUInteger NSClampedMaxRange(NSRange range) {
+  return range.location + std::min(range.length, NSUIntegerMax - range.location);
+}
+
 /// What both ranges hold; {0, 0} when they share nothing.
 constexpr NSRange NSIntersectionRange(NSRange a, NSRange b) {
   const NSUInteger start = std::max(a.location, b.location);
-  const NSUInteger end = std::min(NSMaxRange(a), NSMaxRange(b));
+  const NSUInteger end = std::min(NSClampedMaxRange(a), NSClampedMaxRange(b));
   return start < end ? NSRange{start, end - start} : NSRange{};
 }
 
 /// The shortest range that holds both and whatever lies between them.
 constexpr NSRange NSUnionRange(NSRange a, NSRange b) {
   const NSUInteger start = std::min(a.location, b.location);
-  return {start, std::max(NSMaxRange(a), NSMaxRange(b)) - start};
+  return {start, std::max(NSClampedMaxRange(a), NSClampedMaxRange(b)) - start};
 }
 
 /// Prints "{location, length}".

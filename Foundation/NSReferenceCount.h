@@ -10,7 +10,7 @@ class NSReferenceCount {
  public:
   NSReferenceCount() noexcept = default;
   NSReferenceCount(const NSReferenceCount& /*other*/) noexcept {}
-  NSReferenceCount& operator=(const NSReferenceCount& /*other*/) noexcept { return *this; }
+  NSReferenceCount& operator=(const NSReferenceCount&) = delete;
   ~NSReferenceCount() = default;
 
   void retain() const noexcept {

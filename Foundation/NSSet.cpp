@@ -51,8 +51,10 @@ NSRef<NSString> NSSet::description() const {
 }
 
 NSRef<NSObject> NSSet::valueForKey(const NSRef<NSString>& key) const {
-  auto values = NSMake<NSMutableSet>(count());
-  for (const auto& object : _members) {
+  // Of its own: what a member answers may change the set.
+  const auto snapshot = copy();
+  auto values = NSMake<NSMutableSet>(snapshot->count());
+  for (const auto& object : *snapshot) {
     if (const auto value = object->valueForKey(key)) values->addObject(value);
   }
   return values;

@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 #include <unordered_set>
+#include <utility>
 
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
@@ -57,8 +58,8 @@ class NS_EXPORT NSSet : public NSObject {
   Members _members;
 };
 
-/// A set that may be changed. Belongs to one thread at a time. A change that raises leaves it as it
-/// was.
+/// A set that may be changed. Belongs to one thread at a time. A change that raises because of nil
+/// leaves it as it was.
 class NS_EXPORT NSMutableSet : public NSSet {
  public:
   using NSSet::NSSet;
@@ -68,8 +69,10 @@ class NS_EXPORT NSMutableSet : public NSSet {
   /// Does nothing when the set has an equal member.
   void addObject(const NSRef<NSObject>& anObject) { insert("addObject:", anObject); }
   /// Does nothing when the set has no equal member.
-  void removeObject(const NSRef<NSObject>& object) { members().erase(object); }
-  void removeAllObjects() noexcept { members().clear(); }
+  void removeObject(const NSRef<NSObject>& object) {
+    const auto removed = members().extract(object);
+  }
+  void removeAllObjects() noexcept { const auto removed = std::exchange(members(), {}); }
   /// Adds the other set's members; nil has none.
   void unionSet(const NSRef<NSSet>& other);
 

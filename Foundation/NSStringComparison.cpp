@@ -1,7 +1,8 @@
 #include "Foundation/NSStringComparison.h"
 
+#include "Foundation/NSICU.h"
+
 #include <algorithm>
-#include <new>
 
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
@@ -39,8 +40,8 @@ NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
   UErrorCode status = U_ZERO_ERROR;
   const auto compare = isLiteral ? u_strCaseCompare : unorm_compare;
   const std::uint32_t mode = foldsCase ? U_COMPARE_IGNORE_CASE : U_FOLD_CASE_DEFAULT;
-  const std::int32_t sign = compare(a.data(), static_cast<std::int32_t>(a.size()), b.data(),
-                                    static_cast<std::int32_t>(b.size()), mode, &status);
-  if (U_FAILURE(status)) throw std::bad_alloc();  // The only failure that is left to it.
+  const std::int32_t sign =
+      compare(NSICUText(a), NSICULength(a), NSICUText(b), NSICULength(b), mode, &status);
+  NSCheckICU(status);
   return resultOf(sign);
 }

@@ -1,12 +1,12 @@
 #include "Foundation/NSStringSearch.h"
 
+#include "Foundation/NSICU.h"
 #include "Foundation/NSUnicode.h"
 #include "Foundation/NSUnitMembership.h"
 #include "Foundation/NSUnitSearch.h"
 
 #include <algorithm>
 #include <array>
-#include <new>
 #include <span>
 #include <string>
 #include <vector>
@@ -19,26 +19,19 @@ namespace {
 
 constexpr std::size_t none = std::u16string_view::npos;
 
-void check(UErrorCode status) {
-  // Only memory can run out: the arguments are right and ICU's data are there.
-  if (U_FAILURE(status)) throw std::bad_alloc();
-}
-
 const UNormalizer2* composition() {
   UErrorCode status = U_ZERO_ERROR;
   const UNormalizer2* const instance = unorm2_getNFCInstance(&status);
-  check(status);
+  NSCheckICU(status);
   return instance;
 }
 
 const UNormalizer2* decomposition() {
   UErrorCode status = U_ZERO_ERROR;
   const UNormalizer2* const instance = unorm2_getNFDInstance(&status);
-  check(status);
+  NSCheckICU(status);
   return instance;
 }
-
-std::int32_t lengthOf(std::u16string_view text) { return static_cast<std::int32_t>(text.size()); }
 
 char32_t characterAt(std::u16string_view text, std::size_t at) {
   std::u16string_view rest = text.substr(at);
@@ -120,17 +113,17 @@ struct Normalized {
 std::u16string decomposed(std::u16string_view text) {
   UErrorCode status = U_ZERO_ERROR;
   std::u16string result(text.size() * 4, u'\0');
-  auto capacity = lengthOf(result);
-  auto length = unorm2_normalize(decomposition(), text.data(), lengthOf(text), result.data(),
+  auto capacity = NSICULength(result);
+  auto length = unorm2_normalize(decomposition(), NSICUText(text), NSICULength(text), result.data(),
                                  capacity, &status);
   if (status == U_BUFFER_OVERFLOW_ERROR) {
     status = U_ZERO_ERROR;
     result.resize(static_cast<std::size_t>(length));
     capacity = length;
-    length = unorm2_normalize(decomposition(), text.data(), lengthOf(text), result.data(), capacity,
-                              &status);
+    length = unorm2_normalize(decomposition(), NSICUText(text), NSICULength(text), result.data(),
+                              capacity, &status);
   }
-  check(status);
+  NSCheckICU(status);
   result.resize(static_cast<std::size_t>(length));
   return result;
 }
@@ -139,9 +132,9 @@ std::u16string folded(std::u16string_view text) {
   // No unit's default folding is longer than three.
   std::u16string result(text.size() * 3, u'\0');
   UErrorCode status = U_ZERO_ERROR;
-  const auto length = u_strFoldCase(result.data(), lengthOf(result), text.data(), lengthOf(text),
-                                    U_FOLD_CASE_DEFAULT, &status);
-  if (status != U_STRING_NOT_TERMINATED_WARNING) check(status);
+  const auto length = u_strFoldCase(result.data(), NSICULength(result), NSICUText(text),
+                                    NSICULength(text), U_FOLD_CASE_DEFAULT, &status);
+  if (status != U_STRING_NOT_TERMINATED_WARNING) NSCheckICU(status);
   result.resize(static_cast<std::size_t>(length));
   return result;
 }
@@ -246,8 +239,8 @@ bool isBelow(std::u16string_view text, char16_t bound) {
 bool isComposed(std::u16string_view text) {
   if (isBelow(text, firstMark)) return true;
   UErrorCode status = U_ZERO_ERROR;
-  const auto result = unorm2_quickCheck(composition(), text.data(), lengthOf(text), &status);
-  check(status);
+  const auto result = unorm2_quickCheck(composition(), NSICUText(text), NSICULength(text), &status);
+  NSCheckICU(status);
   return result == UNORM_YES;
 }
 

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Foundation/NSUnitSearch.cpp"
@@ -17,6 +18,25 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 struct AsTheyAre {
+  // By the C library's two-way search, over bytes: it may come upon odd ones.
+  static std::size_t findLinearly(const std::uint16_t* text, std::size_t place, std::size_t count,
+                                  const std::uint16_t* needle, std::size_t length,
+                                  std::span<std::size_t> places, std::size_t found) {
+    const auto* const start = reinterpret_cast<const char*>(text);
+    const auto* const end = reinterpret_cast<const char*>(text + count + length - 1);
+    const char* at = start + place * sizeof(*text);
+    while (found < places.size() && at < end) {
+      const void* const match =
+          memmem(at, static_cast<std::size_t>(end - at), needle, length * sizeof(*needle));
+      if (match == nullptr) break;
+      at = static_cast<const char*>(match);
+      const auto offset = static_cast<std::size_t>(at - start);
+      const bool isAligned = offset % sizeof(*text) == 0;
+      if (isAligned) places[found++] = offset / sizeof(*text);
+      at += isAligned ? length * sizeof(*needle) : 1;
+    }
+    return found;
+  }
   static std::uint16_t caseBit(std::uint16_t /*unit*/) { return 0; }
   static bool areEqual(const std::uint16_t* a, const std::uint16_t* b, std::size_t length) {
     return *a == *b && std::memcmp(a, b, length * sizeof(*a)) == 0;
@@ -24,6 +44,22 @@ struct AsTheyAre {
 };
 
 struct ASCIIFolded {
+  // The same on folded copies.
+  static std::size_t findLinearly(const std::uint16_t* text, std::size_t place, std::size_t count,
+                                  const std::uint16_t* needle, std::size_t length,
+                                  std::span<std::size_t> places, std::size_t found) {
+    const auto folded = [](const std::uint16_t* units, std::size_t size) {
+      std::vector<std::uint16_t> copy(units, units + size);
+      for (std::uint16_t& unit : copy) {
+        if (unit >= 'A' && unit <= 'Z') unit |= 0x20;
+      }
+      return copy;
+    };
+    const auto foldedText = folded(text, count + length - 1);
+    const auto foldedNeedle = folded(needle, length);
+    return AsTheyAre::findLinearly(foldedText.data(), place, count, foldedNeedle.data(), length,
+                                   places, found);
+  }
   static std::uint16_t caseBit(std::uint16_t unit) {
     const std::uint16_t lower = unit | 0x20;
     return lower >= 'a' && lower <= 'z' ? 0x20 : 0;
@@ -54,11 +90,16 @@ HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std:
   std::size_t place = 0;
   // The first place that does not overlap what has been found.
   std::size_t earliest = 0;
+  // Units that may be compared in vain before a search takes over that never does so twice.
+  std::size_t budget = 4 * count + 1024;
   const auto take = [&](std::size_t candidate) {
     if (candidate < earliest) return;
-    if (!letters.areEqual(text + candidate, needle, length)) return;
-    places[found++] = candidate;
-    earliest = candidate + length;
+    if (letters.areEqual(text + candidate, needle, length)) {
+      places[found++] = candidate;
+      earliest = candidate + length;
+    } else {
+      budget -= std::min(budget, length);
+    }
   };
 
   for (; place + lanes <= count; place += lanes) {
@@ -66,6 +107,7 @@ HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std:
     const auto atLast = hn::Eq(hn::Or(hn::LoadU(tag, text + place + length - 1), lastCase), last);
     const auto candidates = hn::And(atFirst, atLast);
     if (hn::AllFalse(tag, candidates)) continue;
+    static_assert(std::endian::native == std::endian::little, "the first byte holds the low bits");
     std::array<std::uint8_t, 8> stored{};
     hn::StoreMaskBits(tag, candidates, stored.data());
     std::uint64_t bits = 0;
@@ -73,6 +115,10 @@ HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std:
     for (; bits != 0; bits &= bits - 1) {
       take(place + static_cast<std::size_t>(std::countr_zero(bits)));
       if (found == places.size()) return found;
+    }
+    if (budget == 0) {
+      const std::size_t next = std::max(place + lanes, earliest);
+      return letters.findLinearly(text, next, count, needle, length, places, found);
     }
   }
   for (; place < count && found < places.size(); ++place) {
@@ -102,8 +148,9 @@ HWY_EXPORT(findFolded);
 namespace {
 
 std::size_t findWith(auto find, std::u16string_view text, std::u16string_view needle,
-                     std::size_t from, std::span<std::size_t> places) noexcept {
-  if (needle.empty() || from > text.size() || needle.size() > text.size() - from) return 0;
+                     std::size_t from, std::span<std::size_t> places) {
+  if (places.empty() || needle.empty() || from > text.size() || needle.size() > text.size() - from)
+    return 0;
   const std::size_t count = text.size() - from - needle.size() + 1;
   // Highway has no lanes of char16_t; its units are the same 16 bits.
   const auto* const units = reinterpret_cast<const std::uint16_t*>(text.data()) + from;
@@ -116,12 +163,12 @@ std::size_t findWith(auto find, std::u16string_view text, std::u16string_view ne
 }  // namespace
 
 std::size_t NSFindUnits(std::u16string_view text, std::u16string_view needle, std::size_t from,
-                        std::span<std::size_t> places) noexcept {
+                        std::span<std::size_t> places) {
   return findWith(HWY_DYNAMIC_DISPATCH(findUnits), text, needle, from, places);
 }
 
 std::size_t NSFindASCIIFolded(std::u16string_view text, std::u16string_view needle,
-                              std::size_t from) noexcept {
+                              std::size_t from) {
   std::size_t place = 0;
   const auto find = HWY_DYNAMIC_DISPATCH(findFolded);
   return findWith(find, text, needle, from, {&place, 1}) == 0 ? std::u16string_view::npos : place;

@@ -20,7 +20,7 @@ const NSRef<NSCharacterSet>& controlAndAttachmentCharacterSet() {
   static const NSNeverDestroyed<NSRef<NSCharacterSet>> set([] {
     auto united = NSCharacterSet::controlCharacterSet()->mutableCopy();
     united->formUnionWithCharacterSet(attachmentCharacterSet());
-    return united->NSCharacterSet::copy();
+    return united->copy();
   }());
   return *set;
 }

@@ -24,7 +24,8 @@ ZK_EXPORT NSRef<NSBundle> bundle(const NSRef<NSObject>& object);
 /// What a key-value read of an unpublished key gives: nil, after one log line,
 /// "KVO/Undefined Key: " with the key, " class:" and the name of the object's class. Loading the
 /// library makes this the answer of every object, in place of the platform's exception; a class
-/// that overrides `NSObject::valueForUndefinedKey` keeps its own.
+/// that overrides `NSObject::valueForUndefinedKey` keeps its own answer, and so does a program that
+/// sets another `NSUndefinedKeyHandler`.
 ZK_EXPORT NSRef<NSObject> valueForUndefinedKey(const NSRef<NSObject>& object,
                                                const NSRef<NSString>& key);
 

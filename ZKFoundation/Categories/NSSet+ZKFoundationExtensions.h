@@ -6,9 +6,11 @@
 
 namespace ZKFoundationExtensions {
 
-/// Calls the block with each element, in no particular order. A nil block raises
-/// `NSInvalidArgumentException` with the reason "aBlock is nil (in 'makeObjectsPerformBlock:')".
+/// Calls the block with each element, in no particular order, and a flag that ends the walk once it
+/// is set; a block may take the element alone. The walk is over the elements that there are at its
+/// beginning. A nil block raises `NSInvalidArgumentException` with the reason "aBlock is nil (in
+/// 'makeObjectsPerformBlock:')".
 ZK_EXPORT void makeObjectsPerformBlock(const NSRef<NSSet>& set,
-                                       NSBlockRef<void(const NSRef<NSObject>&)> aBlock);
+                                       NSBlockRef<void(const NSRef<NSObject>&, bool&)> aBlock);
 
 }  // namespace ZKFoundationExtensions

@@ -199,7 +199,7 @@ NSRef<NSString> stringByRemovingSuffix(const NSRef<NSString>& string,
 bool hasCaseInsensitivePrefix(const NSRef<NSString>& string, const NSRef<NSString>& prefix) {
   if (!prefix || prefix->length() > string->length()) return false;
   return NSCompareUnits(string->view().substr(0, prefix->length()), prefix->view(),
-                        NSCaseInsensitiveSearch) == NSOrderedSame;
+                        NSCaseInsensitiveSearch | NSLiteralSearch) == NSOrderedSame;
 }
 
 NSRef<NSString> stringByRemovingString(const NSRef<NSString>& string,

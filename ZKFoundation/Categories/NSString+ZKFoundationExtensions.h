@@ -74,8 +74,8 @@ ZK_EXPORT NSRef<NSString> stringByRemovingPrefix(const NSRef<NSString>& string,
 ZK_EXPORT NSRef<NSString> stringByRemovingSuffix(const NSRef<NSString>& string,
                                                  const NSRef<NSString>& suffix);
 
-/// Whether the string's first units, as many as the prefix has, are the prefix up to letter case
-/// and canonical equivalence. True for an empty prefix, false for nil or a longer one.
+/// Whether the string's first units, as many as the prefix has, are the prefix up to letter case.
+/// Composed and decomposed letters differ. True for an empty prefix, false for nil or a longer one.
 ZK_EXPORT bool hasCaseInsensitivePrefix(const NSRef<NSString>& string,
                                         const NSRef<NSString>& prefix);
 

@@ -44,6 +44,7 @@ TEST(NSCharacterSet, CombinesMembers) {
   EXPECT_EQ(inverse->invertedSet()->hash(), set->hash());
 
   const auto copy = set->copy();
+  EXPECT_TRUE(copy->isMemberOfClass(NSClass::of<NSCharacterSet>()));
   set->formUnionWithCharacterSet(inverse);
   EXPECT_TRUE(set->isEqual(NSMake<NSCharacterSet>()->invertedSet()));
   set->invert();

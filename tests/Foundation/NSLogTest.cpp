@@ -1,19 +1,29 @@
 #include "tests/Support.h"
 
+#include <cstdarg>
 #include <mutex>
 #include <regex>
 #include <set>
 
+#include <syslog.h>
+
+// Stands in for the C library's in the whole process.
+extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format,
+                                                              ...);
+
 namespace {
 
-TEST(NSLog, WritesOneLineToStandardError) {
+std::vector<std::string> systemLines;
+
+TEST(NSLog, WritesOneLineToStandardErrorAndTheSystemLog) {
   testing::internal::CaptureStderr();
-  NSLog(u"100 %@ of %s, Grüße"_ns);
+  NSLog(u"100 %@ of %s,\nGrüße"_ns);
   NSLog(nullptr);
   const std::string written = testing::internal::GetCapturedStderr();
   const std::regex expected(
-      R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} zk_tests\[\d+:\d+\] 100 %@ of %s, Grüße\n[^\n]*\] \(null\)\n)");
+      R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} zk_tests\[\d+:\d+\] 100 %@ of %s,\\x0AGrüße\n[^\n]*\] \(null\)\n)");
   EXPECT_TRUE(std::regex_match(written, expected)) << written;
+  EXPECT_EQ(systemLines, (std::vector<std::string>{"100 %@ of %s,\\x0AGrüße", "(null)"}));
 }
 
 TEST(NSLog, HandsEveryLineToTheSinkFromAnyThread) {
@@ -32,3 +42,12 @@ TEST(NSLog, HandsEveryLineToTheSinkFromAnyThread) {
 }
 
 }  // namespace
+
+void syslog(int priority, const char* format, ...) {
+  EXPECT_EQ(priority, LOG_USER | LOG_NOTICE);
+  EXPECT_STREQ(format, "%s");
+  va_list arguments;
+  va_start(arguments, format);
+  systemLines.emplace_back(va_arg(arguments, const char*));
+  va_end(arguments);
+}

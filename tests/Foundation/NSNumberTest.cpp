@@ -99,6 +99,7 @@ TEST(NSRange, ComputesWithoutOverflow) {
   EXPECT_EQ(NSIntersectionRange({0, 5}, {3, 9}), (NSRange{3, 2}));
   EXPECT_EQ(NSIntersectionRange({0, 3}, {3, 9}), (NSRange{0, 0}));
   EXPECT_EQ(NSUnionRange({7, 2}, {1, 1}), (NSRange{1, 8}));
+  EXPECT_EQ(NSIntersectionRange({1, NSUIntegerMax}, {0, 5}), (NSRange{1, 4}));
 }
 
 }  // namespace

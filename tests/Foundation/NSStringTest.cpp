@@ -72,6 +72,51 @@ TEST(NSString, FindsWhatAOneLoopSearchFinds) {
   });
 }
 
+TEST(NSString, FindsInTextsThatAlmostMatchEverywhere) {
+  const std::u16string text(20'000, u'a');
+  std::u16string needle(2'000, u'a');
+  needle[1'998] = u'b';
+  for (const NSUInteger extra : {NSUInteger{0}, NSUInteger{NSCaseInsensitiveSearch}}) {
+    const auto find = [&](const std::u16string& in) {
+      return NSMake<NSString>(in)->rangeOfString_options(NSMake<NSString>(needle),
+                                                         NSLiteralSearch | extra);
+    };
+    EXPECT_EQ(find(text), NSNotFoundRange);
+    EXPECT_EQ(find(text + needle + text), (NSRange{20'000, 2'000}));
+  }
+}
+
+TEST(NSString, ComparesByTheOptions) {
+  struct Row {
+    const char16_t* a;
+    const char16_t* b;
+    NSUInteger options;
+    NSComparisonResult expected;
+  };
+  const NSUInteger folds = NSCaseInsensitiveSearch;
+  const std::vector<Row> rows = {
+      {u"a", u"b", 0, NSOrderedAscending},
+      {u"a", u"B", 0, NSOrderedDescending},
+      {u"a", u"B", folds, NSOrderedAscending},
+      {u"ab", u"A", folds, NSOrderedDescending},
+      {u"a", u"aB", folds, NSOrderedAscending},
+      {u"aB", u"Ab", folds, NSOrderedSame},
+      {u"", u"\u00E9", 0, NSOrderedAscending},
+      {u"e\u0301", u"\u00E9", 0, NSOrderedSame},
+      {u"e\u0301", u"\u00C9", folds, NSOrderedSame},
+      {u"e\u0301", u"\u00C9", 0, NSOrderedDescending},
+      {u"e\u0301", u"\u00E9", NSLiteralSearch, NSOrderedAscending},
+      {u"e\u0301", u"\u00E9", folds | NSLiteralSearch, NSOrderedAscending},
+      {u"\u00DF", u"SS", folds | NSLiteralSearch, NSOrderedSame},
+  };
+  for (const auto& [a, b, options, expected] : rows) {
+    EXPECT_EQ(NSCompareUnits(a, b, options), expected)
+        << NSMake<NSString>(a) << " and " << NSMake<NSString>(b) << ' ' << options;
+    EXPECT_EQ(NSCompareUnits(b, a, options), -expected);
+  }
+  EXPECT_EQ(NSCompareUnits({}, u"\u00E9", 0), NSOrderedAscending);
+}
+
 TEST(NSString, JoinsWhatItSeparated) {
   expectProperty("separating and joining is the identity", [] {
     const auto text = *textOver(u"ab,,");

@@ -14,6 +14,7 @@ struct Stubborn : NSObject {
 TEST(NSObjectExtensions, EveryObjectAndItsClassHaveOneBundle) {
   EXPECT_EQ(bundle(NSMake<Page>()), bundle<Page>());
   EXPECT_EQ(bundle<Page>(), NSBundle::mainBundle());
+  EXPECT_EQ(NSMake<Page>()->valueForKey(u"bundle"_ns), NSBundle::mainBundle());
   const auto library = bundle<ZKFoundation>();
   EXPECT_EQ(bundle(NSMake<ZKFoundation>()), library);
   EXPECT_NE(library, NSBundle::mainBundle());
@@ -47,12 +48,32 @@ TEST(NSArrayExtensions, PerformsABlockWithEachElement) {
   EXPECT_EQ(text, "abcd");
 }
 
+TEST(NSArrayExtensions, TellsTheIndexAndStopsWhenAsked) {
+  auto array = NSMake<NSMutableArray>({u"a"_ns, u"b"_ns, u"c"_ns});
+  std::vector<NSUInteger> indexes;
+  // The block drops the array and changes it on the way.
+  makeObjectsPerformBlock(array, [&](const auto&, NSUInteger index, bool& stop) {
+    indexes.push_back(index);
+    if (array) array->removeAllObjects();
+    array = nullptr;
+    stop = index == 1;
+  });
+  EXPECT_EQ(indexes, (std::vector<NSUInteger>{0, 1}));
+  int calls = 0;
+  const auto set = NSMake<NSSet>({u"a"_ns, u"b"_ns, u"c"_ns});
+  makeObjectsPerformBlock(set, [&](const auto&, bool& stop) { stop = ++calls == 2; });
+  EXPECT_EQ(calls, 2);
+}
+
 void countCall(const NSRef<NSObject>& object) { object.as<NSMutableString>()->appendUnits(u"!"); }
 
 TEST(NSArrayExtensions, TakesEveryCallableAndRaisesForNoBlock) {
   const auto string = NSMake<NSMutableString>();
   const auto array = NSMake<NSArray>({string});
   std::function<void(NSRef<NSObject>)> function = countCall;
+  int calls = 0;
+  makeObjectsPerformBlock(array, [&](const auto&) { return ++calls; });
+  EXPECT_EQ(calls, 1);
   makeObjectsPerformBlock(array, countCall);
   makeObjectsPerformBlock(array, &countCall);
   makeObjectsPerformBlock(array, function);

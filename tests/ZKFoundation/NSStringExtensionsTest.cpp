@@ -4,7 +4,6 @@
 #include <cinttypes>
 #include <clocale>
 #include <cstdio>
-#include <cwctype>
 #include <mutex>
 #include <regex>
 #include <set>
@@ -116,8 +115,8 @@ TEST(NSStringExtensions, ReadsHexadecimalText) {
       {u"+-1", 0, 0},
       {u"- 1", 0, 0},
       {u"\t\n\v\f\r7", 7, 7},
-      {u"\u20071", std::iswspace(0x2007) != 0 ? 1U : 0U, 0},
-      {u"\u30001", 1, 0},  // The ideographic space, white in C.UTF-8.
+      {u"\u20071", 0, 0},  // The figure space is white in no C locale,
+      {u"\u30001", 1, 0},  // the ideographic space is in C.UTF-8.
       {u"12\xD800", 0, 18},
       {u"FFFFFFFFF", 0xFFFF'FFFF, 0xF'FFFF'FFFF},
       {u"100000000", 0, 0x1'0000'0000},
@@ -131,14 +130,42 @@ TEST(NSStringExtensions, ReadsHexadecimalText) {
       {std::u16string(39, u' ') + u"0x5", 0, 5},
       {u"0000000000" + forty, 0, 0x1234'5678},
   };
-  std::setlocale(LC_CTYPE, "C.UTF-8");
+  const std::string former = std::setlocale(LC_CTYPE, nullptr);
+  ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
   for (const auto& [text, lenient, strict] : rows) {
     const auto string = NSMake<NSString>(text);
     EXPECT_EQ(hexValue(string), lenient) << '"' << string << '"';
     EXPECT_EQ(maxHexValue(string), strict) << '"' << string << '"';
   }
+  std::setlocale(LC_CTYPE, former.c_str());
   expectRaises(NSInvalidArgumentException, "NSString is nil where an object is needed",
                [] { (void)hexValue(nullptr); });
+}
+
+// The rules one by one, in the "C" locale.
+std::uint32_t lenientModel(std::u16string_view text) {
+  text = text.substr(0, 40);
+  const auto isSpace = [](char16_t unit) {
+    return unit != 0 && std::u16string_view(u" \t\n\v\f\r").find(unit) != std::u16string_view::npos;
+  };
+  while (!text.empty() && isSpace(text[0])) text.remove_prefix(1);
+  if (text.starts_with(u"0x")) text.remove_prefix(2);
+  std::uint64_t value = 0;
+  for (const char16_t unit : text) {
+    const auto digit = std::u16string_view(u"0123456789abcdefABCDEF").find(unit);
+    if (digit == std::u16string_view::npos && !isSpace(unit)) return 0;
+    if (digit != std::u16string_view::npos) value = value << 4 | (digit < 16 ? digit : digit - 6);
+  }
+  return static_cast<std::uint32_t>(value);
+}
+
+TEST(NSStringExtensions, ReadsLenientlyByItsRules) {
+  expectProperty("the rules one by one", [] {
+    const auto digits = rc::gen::scale(0.6, textOver(u"0123456789abcdefABCDEF"));
+    const auto noise = rc::gen::scale(0.03, textOver(u"09:/@AFG`afg 0x\t\u0130\u2041\uFF11"));
+    const auto text = *noise + *digits + *noise + *digits;
+    RC_ASSERT(hexValue(NSMake<NSString>(text)) == lenientModel(text));
+  });
 }
 
 TEST(NSStringExtensions, ReadsTheWidestNumbersAsTheCLibrary) {
@@ -156,6 +183,10 @@ TEST(NSStringExtensions, RemovesOnePrefixOrSuffix) {
   EXPECT_TRUE(stringByRemovingSuffix(string, u"bcc"_ns) == u"aab");
   EXPECT_TRUE(stringByRemovingPrefix(string, string) == u"");
   EXPECT_TRUE(stringByRemovingSuffix(string, u"aabbcc"_ns) == u"");
+  EXPECT_TRUE(stringByRemovingPrefix(u"e\u0301"_ns, u"e"_ns) == u"\u0301");
+  EXPECT_TRUE(stringByRemovingPrefix(u"e\u0301"_ns, u"é"_ns) == u"e\u0301");
+  const auto changeable = NSMake<NSMutableString>(u"x");
+  EXPECT_EQ(stringByRemovingPrefix(changeable, u"y"_ns), changeable);
   for (const auto& none : {NSRef<NSString>(), u""_ns, u"A"_ns, u"C"_ns, u"aabbccd"_ns}) {
     EXPECT_EQ(stringByRemovingPrefix(string, none), string);
     EXPECT_EQ(stringByRemovingSuffix(string, none), string);
@@ -181,9 +212,11 @@ TEST(NSStringExtensions, ComparesPrefixesWithoutCase) {
       {u"\u00C4x", u"a\u0308", false},   // Two units of the prefix meet "Äx".
       {u"a\u0308x", u"\u00C4x", false},  // Two meet the letter alone.
       {u"A\u0308x", u"a\u0308", true},
-      {u"\u212Bngström", u"\u00E5N", true},  // Canonically equivalent: Angstrom sign and å.
+      {u"\u212Bngström", u"\u00E5N", true},  // The Angstrom sign folds to å.
       {u"straSSe", u"straß", false},         // As many units of the text: "straS".
       {u"\u1E9E!", u"ß!", true},
+      {u"\u2329x", u"\u3008", false},  // Equivalent brackets.
+      {u"a\u0301\u0323", u"a\u0323\u0301", false},
   };
   for (const auto& [text, prefix, expected] : rows) {
     EXPECT_EQ(hasCaseInsensitivePrefix(NSMake<NSString>(text), NSMake<NSString>(prefix)), expected)

@@ -1,0 +1,428 @@
+#include "benchmarks/Support.h"
+
+#include <bitset>
+#include <memory>
+#include <vector>
+
+#include <unicode/brkiter.h>
+#include <unicode/casemap.h>
+#include <unicode/edits.h>
+#include <unicode/uniset.h>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+#ifdef ZK_HAS_QT
+#include <QRegularExpression>
+#include <QString>
+#include <QStringList>
+#endif
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+constexpr std::size_t lineLength = 60;
+constexpr std::size_t longLength = std::size_t{1} << 20U;
+
+// English-like words of 2 to 9 letters, from a fixed seed; `member` stands in place of every n-th
+// unit, of none when n is 0.
+std::u16string makeText(std::size_t length, std::size_t every, char16_t member) {
+  std::u16string text;
+  std::uint32_t seed = 1;
+  while (text.size() < length) {
+    seed = seed * 1664525U + 1013904223U;
+    const std::size_t word = 2 + (seed >> 16U) % 8;
+    for (std::size_t k = 0; k < word; ++k) {
+      seed = seed * 1664525U + 1013904223U;
+      text += u"etaoinshrdlucmfwypvbgkqjxz"[(seed >> 16U) % 26];
+    }
+    text += member == u' ' ? u'_' : u' ';
+  }
+  text.resize(length);
+  for (std::size_t k = every; every != 0 && k < length; k += every) text[k] = member;
+  return text;
+}
+
+// What an expert would write: one bit a unit.
+class Bitmap {
+ public:
+  explicit Bitmap(const NSRef<NSCharacterSet>& set) {
+    for (std::size_t k = 0; k < 0x10000; ++k) {
+      _bits[k] = set->characterIsMember(static_cast<char16_t>(k));
+    }
+  }
+  bool operator[](char16_t unit) const { return _bits[unit]; }
+
+ private:
+  std::bitset<0x10000> _bits;
+};
+
+struct Case {
+  std::string name;
+  std::u16string text;
+  NSRef<NSCharacterSet> set;
+  std::shared_ptr<const Bitmap> bitmap;
+  std::shared_ptr<const icu::UnicodeSet> icuSet;
+};
+
+// One set of every kind with the text it is used on; edited at three densities.
+std::vector<Case> editingCases() {
+  struct Kind {
+    const char* name;
+    NSRef<NSCharacterSet> set;
+    const char16_t* pattern;
+    char16_t member;
+  };
+  const std::vector<Kind> kinds = {
+      {"ascii", NSMake<NSCharacterSet>(u",;:"_ns), u"[,;:]", u','},
+      {"white", NSCharacterSet::whitespaceCharacterSet(), u"[[:Zs:]\\t]", u' '},
+      {"control", controlAndAttachmentCharacterSet(), u"[[:Cc:][:Cf:]\\uFFFC]", u'\uFFFC'},
+  };
+  struct Density {
+    const char* name;
+    std::size_t every;
+  };
+  std::vector<Case> cases;
+  for (const Kind& kind : kinds) {
+    UErrorCode status = U_ZERO_ERROR;
+    auto icuSet = std::make_shared<icu::UnicodeSet>(icu::UnicodeString(kind.pattern), status);
+    icuSet->freeze();
+    for (const Density& density : {Density{"none", 0}, {"sparse", 200}, {"dense", 3}}) {
+      for (const std::size_t length : {lineLength, longLength}) {
+        cases.push_back({std::string(kind.name) + '_' + density.name +
+                             (length == lineLength ? "_line" : "_1Mi"),
+                         makeText(length, density.every, kind.member), kind.set,
+                         std::make_shared<Bitmap>(kind.set), icuSet});
+      }
+    }
+  }
+  return cases;
+}
+
+std::u16string replacedByBitmap(const Bitmap& bitmap, std::u16string_view text,
+                                std::u16string_view replacement) {
+  std::u16string result;
+  result.reserve(text.size());
+  for (const char16_t unit : text) {
+    if (bitmap[unit]) {
+      result += replacement;
+    } else {
+      result += unit;
+    }
+  }
+  return result;
+}
+
+std::u16string replacedByICU(const icu::UnicodeSet& set, const std::u16string& text,
+                             std::u16string_view replacement) {
+  std::u16string result;
+  result.reserve(text.size());
+  const auto length = static_cast<std::int32_t>(text.size());
+  for (std::int32_t at = 0; at < length;) {
+    const std::int32_t end = at + set.span(text.data() + at, length - at, USET_SPAN_NOT_CONTAINED);
+    result.append(text.data() + at, static_cast<std::size_t>(end - at));
+    if (end == length) break;
+    result += replacement;
+    at = end + 1;
+  }
+  return result;
+}
+
+// Every row edits a fresh copy, as an application edits a text that it keeps.
+void addEditing(const Case& example) {
+  for (const std::u16string replacement : {u"", u"; "}) {
+    const std::string row =
+        (replacement.empty() ? "Remove/" : "ReplaceByTwo/") + example.name + '/';
+    const auto& [name, text, set, bitmap, icuSet] = example;
+    const std::u16string expected = replacedByBitmap(*bitmap, text, replacement);
+    const auto isRight = [=](const std::u16string& result) { return result == expected; };
+    const auto substitute = NSMake<NSString>(replacement);
+    addRow(
+        row + "ZK",
+        [string = NSMake<NSString>(text), set = set, substitute] {
+          auto copy = string->mutableCopy();
+          ZKReplaceCharactersInCharacterSet(copy, set, substitute);
+          return copy;
+        },
+        [=](const auto& result) { return result == expected; });
+    addRow(
+        row + "bitmap",
+        [text = text, bitmap = bitmap, replacement] {
+          return replacedByBitmap(*bitmap, text, replacement);
+        },
+        isRight);
+    addRow(
+        row + "ICU",
+        [text = text, icuSet = icuSet, replacement] {
+          return replacedByICU(*icuSet, text, replacement);
+        },
+        isRight);
+#ifdef ZK_HAS_QT
+    if (replacement.empty()) {
+      addRow(
+          row + "Qt",
+          [text = QString::fromStdU16String(text), bitmap = bitmap] {
+            QString copy = text;
+            copy.removeIf([&](QChar unit) { return (*bitmap)[unit.unicode()]; });
+            return copy;
+          },
+          [=](const QString& result) { return result.toStdU16String() == expected; });
+    }
+#endif
+  }
+}
+
+void addSplitting(const std::string& name, const std::u16string& text, bool trims) {
+  const std::string row = "Split/" + name + (trims ? "_trimmed/" : "/");
+  const auto comma = NSMake<NSCharacterSet>(u","_ns);
+  const auto count = static_cast<std::size_t>(
+      componentsSeparatedByCharactersInSet_trimWhitespace(NSMake<NSString>(text), comma, trims)
+          ->count());
+  addRow(
+      row + "ZK",
+      [=, string = NSMake<NSString>(text)] {
+        return componentsSeparatedByCharactersInSet_trimWhitespace(string, comma, trims);
+      },
+      [=](const auto& result) { return result->count() == count; });
+  const Bitmap commaBits(comma);
+  const Bitmap blankBits(NSCharacterSet::whitespaceCharacterSet());
+  const auto byBitmap = [=, commas = std::make_shared<Bitmap>(commaBits),
+                         blanks = std::make_shared<Bitmap>(blankBits)] {
+    std::vector<std::u16string> result;
+    std::size_t start = 0;
+    for (std::size_t k = 0; k <= text.size(); ++k) {
+      if (k < text.size() && !(*commas)[text[k]]) continue;
+      std::u16string_view piece = std::u16string_view(text).substr(start, k - start);
+      start = k + 1;
+      if (piece.empty()) continue;
+      while (trims && !piece.empty() && (*blanks)[piece.front()]) piece.remove_prefix(1);
+      while (trims && !piece.empty() && (*blanks)[piece.back()]) piece.remove_suffix(1);
+      result.emplace_back(piece);
+    }
+    return result;
+  };
+  addRow(row + "bitmap", byBitmap, [=](const auto& result) { return result.size() == count; });
+#ifdef ZK_HAS_QT
+  addRow(
+      row + "Qt",
+      [=, string = QString::fromStdU16String(text)] {
+        QStringList pieces = string.split(u',', Qt::SkipEmptyParts);
+        if (trims) {
+          for (QString& piece : pieces) piece = piece.trimmed();
+        }
+        return pieces;
+      },
+      [=](const QStringList& result) { return static_cast<std::size_t>(result.size()) == count; });
+#endif
+}
+
+void addTrimming(const std::string& name, std::size_t length) {
+  const std::u16string text = u" \t  " + makeText(length - 8, 0, 0) + u" \t  ";
+  const std::string row = "Trim/" + name + '/';
+  addRow(
+      row + "ZK",
+      [string = NSMake<NSString>(text)] { return stringByRemovingSurroundingWhitespace(string); },
+      [=](const auto& result) { return result->length() == length - 8; });
+  const auto blanks = std::make_shared<Bitmap>(NSCharacterSet::whitespaceCharacterSet());
+  addRow(
+      row + "bitmap",
+      [=] {
+        std::u16string_view view = text;
+        while (!view.empty() && (*blanks)[view.front()]) view.remove_prefix(1);
+        while (!view.empty() && (*blanks)[view.back()]) view.remove_suffix(1);
+        return std::u16string(view);
+      },
+      [=](const auto& result) { return result.size() == length - 8; });
+#ifdef ZK_HAS_QT
+  addRow(
+      row + "Qt", [string = QString::fromStdU16String(text)] { return string.trimmed(); },
+      [=](const QString& result) { return result.size() == std::ptrdiff_t(length) - 8; });
+#endif
+}
+
+void addSearching(const std::string& name, std::size_t length) {
+  std::u16string text = makeText(length, 0, 0);
+  const std::u16string needle = u"NEEDLE";
+  const std::size_t place = length - 20;
+  text.replace(place, needle.size() + 2, u" Needle ");
+  const auto string = NSMake<NSString>(text);
+  const auto wanted = NSMake<NSString>(needle);
+  const auto isRight = [=](auto found) { return static_cast<std::size_t>(found) == place + 1; };
+  // From a selection behind the needle, so that the search wraps around.
+  const NSRange selection = {length - 5, 2};
+  addRow(
+      "FindWrapped/" + name + "/ZK",
+      [=] {
+        return findString_selectedRange_options_wrap(string, wanted, selection,
+                                                     NSCaseInsensitiveSearch, true)
+            .location;
+      },
+      isRight);
+  addRow(
+      "FindWholeWord/" + name + "/ZK",
+      [=] {
+        return findString_searchRange_options_wordCompareOption(
+                   string, wanted, {0, string->length()}, NSCaseInsensitiveSearch,
+                   ZKWordCompareWhole)
+            .location;
+      },
+      isRight);
+  const auto lower = [](char16_t unit) {
+    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
+  };
+  const auto byLoop = [=] {
+    const auto same = [=](char16_t a, char16_t b) { return lower(a) == lower(b); };
+    return std::search(text.begin(), text.end(), needle.begin(), needle.end(), same) - text.begin();
+  };
+  addRow("FindWrapped/" + name + "/search", byLoop, isRight);
+  addRow("FindWholeWord/" + name + "/search", byLoop, isRight);
+#ifdef ZK_HAS_QT
+  const QString qtText = QString::fromStdU16String(text);
+  const QString qtNeedle = QString::fromStdU16String(needle);
+  addRow(
+      "FindWrapped/" + name + "/Qt",
+      [=] {
+        const auto found = qtText.indexOf(qtNeedle, qtText.size() - 3, Qt::CaseInsensitive);
+        return found >= 0 ? found : qtText.indexOf(qtNeedle, 0, Qt::CaseInsensitive);
+      },
+      isRight);
+  const QRegularExpression word(QStringLiteral("\\b") + qtNeedle + QStringLiteral("\\b"),
+                                QRegularExpression::CaseInsensitiveOption);
+  addRow(
+      "FindWholeWord/" + name + "/Qt", [=] { return qtText.indexOf(word); }, isRight);
+#endif
+}
+
+void addWords() {
+  const std::u16string text = makeText(lineLength, 0, 0);
+  const auto string = NSMake<NSString>(text);
+  const NSRange expected = rangeOfWordsIntersectingRange(string, {20, 15});
+  addRow(
+      "WordRange/line/ZK",
+      [=] {
+        return rangeOfWordsIntersectingRange(string, {20, 15});
+      },
+      [=](NSRange range) { return range == expected; });
+  const auto boundaries = std::make_shared<Bitmap>(wordBoundariesCharacterSet());
+  addRow(
+      "WordRange/line/bitmap",
+      [=] {
+        std::size_t start = 20;
+        std::size_t end = 34;
+        const bool first = (*boundaries)[text[start]];
+        const bool last = (*boundaries)[text[end]];
+        while (start > 0 && (*boundaries)[text[start - 1]] == first) --start;
+        while (end < text.size() && (*boundaries)[text[end]] == last) ++end;
+        return NSRange{start, end - start};
+      },
+      [=](NSRange range) { return range == expected; });
+}
+
+void addTitles(const std::string& name, std::size_t length) {
+  const std::u16string text = makeText(length, 0, 0);
+  const auto string = NSMake<NSString>(text);
+  const NSUInteger expected = titlecaseString(string)->length();
+  addRow(
+      "TitleCase/" + name + "/ZK", [=] { return titlecaseString(string); },
+      [=](const auto& result) { return result->length() == expected; });
+  UErrorCode status = U_ZERO_ERROR;
+  const std::shared_ptr<icu::BreakIterator> words(
+      icu::BreakIterator::createWordInstance(icu::Locale::getDefault(), status));
+  addRow(
+      "TitleCase/" + name + "/ICU",
+      [=] {
+        UErrorCode error = U_ZERO_ERROR;
+        std::u16string result(text.size() + 16, u'\0');
+        icu::UnicodeString source(false, text.data(), static_cast<std::int32_t>(text.size()));
+        words->setText(source);
+        const auto count = icu::CaseMap::toTitle(
+            "", 0, words.get(), text.data(), static_cast<std::int32_t>(text.size()), result.data(),
+            static_cast<std::int32_t>(result.size()), nullptr, error);
+        result.resize(static_cast<std::size_t>(count));
+        return result;
+      },
+      [=](const auto& result) { return result.size() >= expected; });
+}
+
+void addNormalizing(const std::string& name, std::size_t length) {
+  const std::u16string text = makeText(length, 50, u'\uFFFC');
+  const auto string = NSMake<NSString>(text);
+  const auto set = controlAndAttachmentCharacterSet();
+  const auto bitmap = std::make_shared<Bitmap>(set);
+  const std::u16string expected = replacedByBitmap(*bitmap, text, u"");
+  addRow(
+      "Normalized/" + name + "/ZK",
+      [=] {
+        NSRange selection = {string->length() / 2, 10};
+        return normalizedSubStringWithRange_selectedRange(string, {0, string->length()},
+                                                          &selection);
+      },
+      [=](const auto& result) { return result == expected; });
+  addRow(
+      "Normalized/" + name + "/bitmap",
+      [=] {
+        std::u16string result;
+        result.reserve(text.size());
+        std::size_t start = text.size() / 2;
+        for (std::size_t k = 0; k < text.size(); ++k) {
+          if ((*bitmap)[text[k]]) {
+            start -= k < text.size() / 2 ? 1U : 0U;
+          } else {
+            result += text[k];
+          }
+        }
+        benchmark::DoNotOptimize(start);
+        return result;
+      },
+      [=](const auto& result) { return result == expected; });
+}
+
+void addNumbers() {
+  struct Style {
+    const char* name;
+    NSUInteger type;
+    const char16_t* expected;
+  };
+  for (const Style& style :
+       {Style{"decimal", 0, u"1888"}, {"letters", 1, u"BTP"}, {"roman", 3, u"MDCCCDXXXVIII"}}) {
+    addRow(
+        std::string("NumberToText/") + style.name + "/ZK",
+        [type = style.type] { return ZKBinToStr(1888, type); },
+        [=](const auto& result) { return result == style.expected; });
+  }
+#ifdef ZK_HAS_QT
+  addRow(
+      "NumberToText/decimal/Qt", [] { return QString::number(1888); },
+      [](const QString& result) { return result == QStringLiteral("1888"); });
+#endif
+  const auto byLoop = [] {
+    std::u16string text;
+    for (std::uint64_t value = 1888; value != 0; value = (value - 1) / 26) {
+      text.insert(text.begin(), static_cast<char16_t>(u'A' + (value - 1) % 26));
+    }
+    return text;
+  };
+  addRow("NumberToText/letters/loop", byLoop, [](const auto& result) { return result == u"BTP"; });
+}
+
+const bool registered = [] {
+  for (const Case& example : editingCases()) addEditing(example);
+  for (const bool trims : {false, true}) {
+    addSplitting("line", makeText(lineLength, 12, u','), trims);
+    addSplitting("1Mi_sparse", makeText(longLength, 200, u','), trims);
+    addSplitting("100000_fields", makeText(600'000, 6, u','), trims);
+  }
+  addTrimming("line", lineLength);
+  addTrimming("1Mi", longLength);
+  addSearching("line", lineLength);
+  addSearching("1Mi", longLength);
+  addWords();
+  addTitles("line", lineLength);
+  addTitles("100Ki", 100 * 1024);
+  addNormalizing("line", lineLength);
+  addNormalizing("1Mi", longLength);
+  addNumbers();
+  return true;
+}();
+
+}  // namespace
