@@ -69,8 +69,15 @@ class NSRef {
 
   /// The same object as a `U`, or nil when it is none.
   template <class U>
-  [[nodiscard]] NSRef<U> as() const noexcept {
+  [[nodiscard]] NSRef<U> as() const& noexcept {
     return NSRef<U>::share(dynamic_cast<U*>(_object));
+  }
+  template <class U>
+  [[nodiscard]] NSRef<U> as() && noexcept {
+    U* const object = dynamic_cast<U*>(_object);
+    if (object == nullptr) return nullptr;
+    (void)leak();
+    return NSRef<U>::adopt(object);
   }
 
   template <class U>

@@ -314,15 +314,29 @@ NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text, NSUI
   return {place, splitsPair(text, place + 1) ? 2U : 1U};
 }
 
+NSRange NSRunWithoutMembers(const NSCharacterSet& set, std::u16string_view text,
+                            std::size_t index) {
+  constexpr auto characters = NSMembership::characters;
+  const std::size_t start = NSEndOfLastMember(set, text.substr(0, index), characters);
+  const std::size_t after = NSFirstMember(set, text.substr(index), 0, characters);
+  const std::size_t end = after == none ? text.size() : index + after;
+  return {start, end - start};
+}
+
 std::size_t NSCountMembersAtEnd(const NSCharacterSet& set, std::u16string_view text,
                                 NSUInteger options) {
-  const std::size_t length = text.size();
-  while (const NSUInteger width = NSSearchMember(set, text, options | NSAnchoredSearch).length) {
-    if ((options & NSBackwardsSearch) != 0) {
-      text.remove_suffix(width);
-    } else {
-      text.remove_prefix(width);
-    }
+  const bool isBackwards = (options & NSBackwardsSearch) != 0;
+  std::size_t count = 0;
+  while (count < text.size()) {
+    const std::size_t at = isBackwards ? text.size() - 1 - count : count;
+    const bool isHalf = (text[at] & 0xF800U) == 0xD800U;
+    if (!isHalf && !set.characterIsMember(text[at])) break;
+    const std::u16string_view rest =
+        isBackwards ? text.substr(0, text.size() - count) : text.substr(count);
+    const NSUInteger width =
+        isHalf ? NSSearchMember(set, rest, options | NSAnchoredSearch).length : 1;
+    if (width == 0) break;
+    count += width;
   }
-  return length - text.size();
+  return count;
 }

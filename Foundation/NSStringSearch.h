@@ -30,6 +30,11 @@ class NSCharacterSet;
 NS_EXPORT NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text,
                                  NSUInteger options);
 
+/// The units around the index, from behind the last member before it to the first one at or behind
+/// it. A pair that the index divides counts as two halves.
+NS_EXPORT NSRange NSRunWithoutMembers(const NSCharacterSet& set, std::u16string_view text,
+                                      std::size_t index);
+
 /// How many units the members of the set take up that the text begins with, or ends with when
 /// `options` hold `NSBackwardsSearch`.
 NS_EXPORT std::size_t NSCountMembersAtEnd(const NSCharacterSet& set, std::u16string_view text,

@@ -126,17 +126,22 @@ bool isPair(std::u16string_view text, std::size_t high) {
          NSIsLowSurrogate(text[high + 1]);
 }
 
-bool isMember(const NSCharacterSet& set, std::u16string_view text, std::size_t at,
-              NSMembership membership) {
-  const char16_t unit = text[at];
-  if (membership == NSMembership::characters && (unit & 0xF800U) == 0xD800U) {
+// Calls `use` with the question for one unit, so that its loops are compiled for either kind.
+template <class Use>
+auto withMembership(const NSCharacterSet& set, std::u16string_view text, NSMembership membership,
+                    Use use) {
+  const auto isMemberUnit = [bitmap = set.unitBitmap(), units = text.data()](std::size_t at) {
+    const char16_t unit = units[at];
+    return (bitmap[unit / wordSize] >> (unit % wordSize) & 1U) != 0;
+  };
+  if (membership == NSMembership::units) return use(isMemberUnit);
+  return use([&](std::size_t at) {
+    if ((text[at] & 0xF800U) != 0xD800U) return isMemberUnit(at);
     const bool isSecond = at > 0 && isPair(text, at - 1);
-    if (isSecond || isPair(text, at)) {
-      std::u16string_view pair = text.substr(isSecond ? at - 1 : at);
-      return set.longCharacterIsMember(NSTakeCharacter(pair));
-    }
-  }
-  return set.characterIsMember(unit);
+    if (!isSecond && !isPair(text, at)) return isMemberUnit(at);
+    std::u16string_view pair = text.substr(isSecond ? at - 1 : at);
+    return set.longCharacterIsMember(NSTakeCharacter(pair));
+  });
 }
 
 }  // namespace
@@ -156,25 +161,28 @@ void NSFindMembers(const NSCharacterSet& set, std::u16string_view text, std::siz
     others[whole] &= lowBits(rest);
   }
   const std::size_t used = whole + (rest != 0 ? 1 : 0);
-  for (std::size_t word = 0; word < used; ++word) {
-    for (std::uint64_t other = others[word]; other != 0; other &= other - 1) {
-      const std::size_t at = word * wordSize + static_cast<std::size_t>(std::countr_zero(other));
-      if (isMember(set, text, from + at, membership)) bits.words[word] |= other & -other;
+  withMembership(set, text, membership, [&](auto isMember) {
+    for (std::size_t word = 0; word < used; ++word) {
+      for (std::uint64_t other = others[word]; other != 0; other &= other - 1) {
+        const auto bit = static_cast<std::size_t>(std::countr_zero(other));
+        bits.words[word] |= std::uint64_t{isMember(from + word * wordSize + bit)} << bit;
+      }
     }
-  }
+  });
   std::fill(bits.words.begin() + static_cast<std::ptrdiff_t>(used), bits.words.end(), 0);
 }
 
 // Words and fields are short: most searches end within the first few units, for which the vectors
 // are not worth setting up.
-constexpr std::size_t unitsByHand = 16;
+constexpr std::size_t unitsByHand = 8;
 
 std::size_t NSFirstMember(const NSCharacterSet& set, std::u16string_view text, std::size_t from,
                           NSMembership membership) noexcept {
   const std::size_t near = std::min(text.size(), from + unitsByHand);
-  for (; from < near; ++from) {
-    if (isMember(set, text, from, membership)) return from;
-  }
+  withMembership(set, text, membership, [&](auto isMember) {
+    while (from < near && !isMember(from)) ++from;
+  });
+  if (from < near) return from;
   NSMemberBits bits;
   for (; from < text.size(); from += NSMemberBits::unitCount) {
     NSFindMembers(set, text, from, membership, bits);
@@ -190,9 +198,10 @@ std::size_t NSEndOfLastMember(const NSCharacterSet& set, std::u16string_view tex
                               NSMembership membership) noexcept {
   std::size_t end = text.size();
   const std::size_t near = end - std::min(end, unitsByHand);
-  for (; end > near; --end) {
-    if (isMember(set, text, end - 1, membership)) return end;
-  }
+  withMembership(set, text, membership, [&](auto isMember) {
+    while (end > near && !isMember(end - 1)) --end;
+  });
+  if (end > near) return end;
   NSMemberBits bits;
   while (end > 0) {
     const std::size_t from = end - std::min(end, NSMemberBits::unitCount);

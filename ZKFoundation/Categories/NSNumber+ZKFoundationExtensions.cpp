@@ -1,9 +1,20 @@
 #include "ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <string_view>
+#include <utility>
 
 namespace {
+
+NSRef<NSString> decimal(std::int64_t value) {
+  std::array<char, 20> digits;  // "-9223372036854775808"
+  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  std::array<char16_t, digits.size()> text;
+  const char16_t* const textEnd = std::copy(std::as_const(digits).data(), end, text.data());
+  return NSMake<NSString>(std::u16string_view(text.data(), textEnd));
+}
 
 // The longest letters, of 2^63 - 1, are 14.
 constexpr std::size_t mostLetters = 14;
@@ -68,7 +79,7 @@ NSRef<NSString> ZKBinToStr(std::uint64_t value, NSUInteger type) {
   if (value == 0) return u"NUL"_ns;
   switch (type) {
     case ZKNumberDecimal:
-      return NSMake<NSNumber>(static_cast<NSInteger>(value))->stringValue();
+      return decimal(static_cast<std::int64_t>(value));
     case ZKNumberUpperCaseLetters:
       return letters(value, u'A');
     case ZKNumberLowerCaseLetters:

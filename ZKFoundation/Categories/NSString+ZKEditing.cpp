@@ -4,20 +4,22 @@
 #include "ZKFoundation/Categories/NSString+ZKEditing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace {
 
 constexpr auto units = NSMembership::units;
 
-// Copies a run that is mostly short: whole blocks, as far as both sides have room for them.
-char16_t* copyRun(std::u16string_view text, std::size_t start, std::size_t end, char16_t* out,
-                  const char16_t* outLimit) {
-  constexpr std::size_t block = 16;
-  const std::size_t count = end - start;
-  if (count <= block && text.size() - start >= block && outLimit - out >= 16) {
-    std::memcpy(out, text.data() + start, block * sizeof(char16_t));
+// How much more than a run `copyRun` may write.
+constexpr std::size_t slack = 16;
+
+// Copies a run that is mostly short, a whole block where the text has one.
+char16_t* copyRun(std::u16string_view text, std::size_t start, std::size_t count, char16_t* out) {
+  if (count <= slack && text.size() - start >= slack) {
+    std::memcpy(out, text.data() + start, slack * sizeof(char16_t));
     return out + count;
   }
   return std::copy_n(text.data() + start, count, out);
@@ -29,16 +31,24 @@ void replaceMembers(NSUnitBuffer& buffer, const NSCharacterSet& set,
   std::size_t members = 0;
   NSForEachMember(set, text, units, [&](std::size_t) { ++members; });
 
+  const std::size_t length = text.size() + members * (replacement.size() - 1);
   NSUnitBuffer result;
-  char16_t* out = result.extend(text.size() + members * replacement.size() - members);
-  const char16_t* const limit = out + result.size();
+  char16_t* out = result.extend(length + slack);
+  // A short replacement, filled up to a block.
+  std::array<char16_t, slack> padded{};
+  std::u16string_view substitute = replacement;
+  if (replacement.size() <= slack) {
+    std::ranges::copy(replacement, padded.begin());
+    substitute = {padded.data(), padded.size()};
+  }
   std::size_t start = 0;
   NSForEachMember(set, text, units, [&](std::size_t place) {
-    out = copyRun(text, start, place, out, limit);
-    out = copyRun(replacement, 0, replacement.size(), out, limit);
+    out = copyRun(text, start, place - start, out);
+    out = copyRun(substitute, 0, replacement.size(), out);
     start = place + 1;
   });
-  copyRun(text, start, text.size(), out, limit);
+  copyRun(text, start, text.size() - start, out);
+  result.truncate(length);
   buffer = std::move(result);
 }
 
@@ -86,13 +96,13 @@ NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitesp
     while (!component.empty() && isBlank(component.front())) component.remove_prefix(1);
     while (!component.empty() && isBlank(component.back())) component.remove_suffix(1);
   };
-  auto result = NSMake<NSMutableArray>();
-  result->reserve(components.size());
+  std::vector<NSRef<NSObject>> strings;
+  strings.reserve(components.size());
   for (std::u16string_view component : components) {
     if (trimsWhitespace) trim(component);
-    result->addObject(NSMake<NSString>(component));
+    strings.emplace_back(NSMake<NSString>(component));
   }
-  return result;
+  return NSMake<NSMutableArray>(std::move(strings));
 }
 
 namespace ZKFoundationExtensions {
@@ -165,13 +175,7 @@ NSRange rangeWithoutCharactersFromSet_atIndex(const NSRef<NSString>& string,
   if (index > string->length()) {
     NSRaiseIndexOutOfBounds("rangeWithoutCharactersFromSet:atIndex:", index, string->length());
   }
-  const NSRange after = string->rangeOfCharacterFromSet_options_range(
-      set, NSLiteralSearch, {index, string->length() - index});
-  const NSRange before = string->rangeOfCharacterFromSet_options_range(
-      set, NSLiteralSearch | NSBackwardsSearch, {0, index});
-  const NSUInteger start = before.length == 0 ? 0 : NSMaxRange(before);
-  const NSUInteger end = after.length == 0 ? string->length() : after.location;
-  return {start, end - start};
+  return set ? NSRunWithoutMembers(*set, string->view(), index) : NSRange{0, string->length()};
 }
 
 }  // namespace ZKFoundationExtensions

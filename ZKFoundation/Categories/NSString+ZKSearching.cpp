@@ -1,7 +1,6 @@
 #include "Foundation/NSCapitalization.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSNeverDestroyed.h"
-#include "Foundation/NSStringSearch.h"
 #include "Foundation/NSUnitMembership.h"
 #include "ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h"
 #include "ZKFoundation/Categories/NSString+ZKEditing.h"
@@ -11,6 +10,7 @@
 #include <array>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -166,15 +166,26 @@ NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NS
   const auto& set = controlAndAttachmentCharacterSet();
   NSRange selection = {selectedRange->location - range.location, selectedRange->length};
 
+  std::vector<NSRange> removed;
+  NSForEachMember(*set, text, NSMembership::characters, [&](std::size_t place) {
+    const bool isSecondHalf =
+        place > 0 && NSIsLowSurrogate(text[place]) && NSIsHighSurrogate(text[place - 1]);
+    if (isSecondHalf) {
+      removed.back().length = 2;
+    } else {
+      removed.push_back({place, 1});
+    }
+  });
+  NSUnitBuffer result;
+  result.truncate(
+      NSCopyNonMembers(*set, text, NSMembership::characters, result.extend(text.size())));
   // From the last to the first, so that what has been removed moves nothing that is still to go.
-  std::u16string_view rest = text;
-  for (NSRange found; (found = NSSearchMember(*set, rest, NSBackwardsSearch)).length != 0;) {
-    removeFromSelection(found, selection);
-    rest = rest.substr(0, found.location);
+  for (auto last = removed.rbegin(); last != removed.rend(); ++last) {
+    removeFromSelection(*last, selection);
   }
-  auto result = stringByRemovingCharactersInSet(NSMake<NSString>(text), set);
+  auto normalized = NSMake<NSMutableString>(std::move(result));
   *selectedRange = selection;
-  return result;
+  return normalized;
 }
 
 NSRef<NSString> titlecaseString(const NSRef<NSString>& string) {
