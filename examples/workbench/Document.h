@@ -13,6 +13,7 @@ class Document : public NSObject {
 
   explicit Document(NSRef<NSString> text);
 
+  const NSRef<NSString>& text() const { return _text; }
   /// A fresh one for every reading.
   const NSRef<NSString>& identifier() const { return _identifier; }
   /// The first heading, or the first comment of a source, without its markers; empty without one.

@@ -1,5 +1,6 @@
 #include "examples/workbench/Document.h"
 #include "examples/workbench/Table.h"
+#include "examples/workbench/TextReport.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -60,34 +61,53 @@ NSRef<NSString> valuesText(const std::vector<NSRef<NSString>>& words) {
   return text;
 }
 
-void report(const fs::path& directory) {
-  Table table(
-      {{"file", 60, "36"}, {"title", 48, "0"}, {"ids", 48, "33"}, {"document id", 36, "2"}});
+std::vector<NamedDocument> readDocuments(const fs::path& directory) {
+  std::vector<NamedDocument> documents;
   const auto files = filesBelow(directory);
-  std::size_t count = 0;
   for (std::size_t k = 0; k < files.size(); ++k) {
-    if (const auto document = Document::read(files[k])) {
-      const auto name = NSMake<NSString>(fs::relative(files[k], directory).native());
-      const auto title = document->title();
-      table.addRow({name, isEmptyString(title) ? emdashString() : title,
-                    valuesText(document->hexadecimalWords()), document->identifier()});
-      ++count;
+    if (auto document = Document::read(files[k])) {
+      documents.push_back(
+          {NSMake<NSString>(fs::relative(files[k], directory).native()), std::move(document)});
     }
     showProgress(k + 1, files.size());
   }
-  table.print(std::cout, isatty(STDOUT_FILENO) != 0);
-  std::cout << '\n' << count << " text files in " << directory.string() << '\n';
+  return documents;
+}
+
+void printDocuments(const std::vector<NamedDocument>& documents, bool isColoured) {
+  Table table(
+      {{"file", 60, "36"}, {"title", 48, "0"}, {"ids", 48, "33"}, {"document id", 36, "2"}});
+  for (const auto& [name, document] : documents) {
+    const auto title = document->title();
+    table.addRow({name, isEmptyString(title) ? emdashString() : title,
+                  valuesText(document->hexadecimalWords()), document->identifier()});
+  }
+  table.print(std::cout, isColoured);
+}
+
+void report(const fs::path& directory, const NSRef<NSString>& term) {
+  const bool isColoured = isatty(STDOUT_FILENO) != 0;
+  const auto documents = readDocuments(directory);
+  std::cout << documents.size() << " text files in " << directory.string() << "\n\n";
+  printDocuments(documents, isColoured);
+  std::cout << "\nTexts\n\n";
+  printTextStatistics(std::cout, documents, isColoured);
+  std::cout << "\nSections\n\n";
+  printOutlines(std::cout, documents);
+  std::cout << "\nSearching " << leftPointingDoubleAngleQuotationMarkString() << term
+            << rightPointingDoubleAngleQuotationMarkString() << " from the middle around\n\n";
+  printHits(std::cout, documents, term, isColoured);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::cerr << "usage: workbench DIRECTORY\n";
+  if (argc != 2 && argc != 3) {
+    std::cerr << "usage: workbench DIRECTORY [TERM]\n";
     return 2;
   }
   try {
-    report(argv[1]);
+    report(argv[1], NSMake<NSString>(argc == 3 ? argv[2] : "string"));
   } catch (const std::exception& error) {
     std::cerr << "workbench: " << error.what() << '\n';
     return 1;
