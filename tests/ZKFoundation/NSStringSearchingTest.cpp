@@ -53,19 +53,49 @@ NSRange searchModel(std::u16string_view text, std::u16string_view needle, NSUInt
 }
 
 TEST(NSStringSearch, FindsWhatTryingEverySliceFinds) {
-  // Letters that fold and decompose into each other, marks in either order, the Kelvin and Angstrom
-  // signs, sharp s, a dotted capital I, and a pair.
-  const std::u16string tricky =
-      u"aAk\u212A\u00C5\u00E5\u212B\u0041\u030A\u0061\u030A\u0323\u00DFsS\u017F\u0130i\u0307";
+  // Pieces that fold and decompose into each other, marks in either order, a pair, and halves.
+  const std::vector<std::u16string> tricky = {u"a",
+                                              u"A",
+                                              u"e\u0301",
+                                              u"\u00E9",
+                                              u"E\u0301",
+                                              u"\u00C9",
+                                              u"\u00C5",
+                                              u"A\u030A",
+                                              u"\u212B",
+                                              u"\u00E5\u0323",
+                                              u"a\u0323\u030A",
+                                              u"a\u030A\u0323",
+                                              u"\u00DF",
+                                              u"s",
+                                              u"SS",
+                                              u"\u017F",
+                                              u"\u212A",
+                                              u"k",
+                                              u"\u0130",
+                                              u"i\u0307",
+                                              u"\U0001F600",
+                                              std::u16string(1, 0xD83D)};
+  const std::vector<std::u16string> plain = {u"a", u"A", u"b", u"B", u"\u00C4", u"\u00E4"};
+  const auto joined = [](const std::vector<std::u16string>& pieces) {
+    std::u16string text;
+    for (const auto& piece : pieces) text += piece;
+    return text;
+  };
+  const auto texts = [&](const auto& pieces, int most) {
+    return rc::gen::map(rc::gen::resize(most, rc::gen::container<std::vector<std::u16string>>(
+                                                  rc::gen::elementOf(pieces))),
+                        joined);
+  };
   expectProperty("the same range", [&] {
-    const auto texts = rc::gen::oneOf(textOver(u"aAbB"), textOver(u"aA\u00C4\u00E4"),
-                                      textOver(tricky + u"\U0001F600"));
-    const auto text = *rc::gen::scale(0.3, texts);
-    const NSRange slice = anyRange(text.size());
-    const auto needle = *rc::gen::oneOf(rc::gen::scale(0.05, texts),
-                                        rc::gen::just(text.substr(slice.location, slice.length)));
-    const auto options = *rc::gen::inRange<NSUInteger>(0, 16);
-    const NSRange range = anyRange(text.size());
+    const auto& pieces = *rc::gen::arbitrary<bool>() ? tricky : plain;
+    const auto text = *texts(pieces, 16);
+    const auto needle = *rc::gen::elementOf(pieces) + *texts(pieces, 1);
+    const auto options = *rc::gen::weightedOneOf<NSUInteger>(
+        {{3, rc::gen::inRange<NSUInteger>(0, NSAnchoredSearch)},
+         {1, rc::gen::inRange<NSUInteger>(NSAnchoredSearch, 16)}});
+    const NSRange range =
+        *rc::gen::arbitrary<bool>() ? NSRange{0, text.size()} : anyRange(text.size());
     const auto found = NSMake<NSString>(text)->rangeOfString_options_range(NSMake<NSString>(needle),
                                                                            options, range);
     RC_ASSERT(found == searchModel(text, needle, options, range));
