@@ -55,6 +55,8 @@ class NS_EXPORT NSObject {
   /// A copy that may be changed; classes without one raise `NSInvalidArgumentException`.
   virtual NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const;
 
+  NSObject& operator=(const NSObject&) = delete;
+
   void retain() const noexcept { _count.retain(); }
   void release() const noexcept {
     if (_count.release()) delete this;
@@ -65,7 +67,6 @@ class NS_EXPORT NSObject {
  protected:
   NSObject() noexcept = default;
   NSObject(const NSObject&) noexcept = default;
-  NSObject& operator=(const NSObject&) = delete;
 
   /// A strong reference to this object as the class that asks for it. Only for objects that were
   /// made by `NSMake`, and not before their constructor has returned.

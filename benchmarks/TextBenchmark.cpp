@@ -347,7 +347,7 @@ void addTitles(const std::string& name, std::size_t length) {
 void addNormalizing(const std::string& name, std::size_t length) {
   const std::u16string text = makeText(length, 50, u'\uFFFC');
   const auto string = NSMake<NSString>(text);
-  const auto set = controlAndAttachmentCharacterSet();
+  const auto& set = controlAndAttachmentCharacterSet();
   const auto bitmap = std::make_shared<Bitmap>(set);
   const std::u16string expected = replacedByBitmap(*bitmap, text, u"");
   addRow(
@@ -418,7 +418,7 @@ const bool registered = [] {
   addSearching("1Mi", longLength);
   addWords();
   addTitles("line", lineLength);
-  addTitles("100Ki", 100 * 1024);
+  addTitles("100Ki", std::size_t{100} * 1024);
   addNormalizing("line", lineLength);
   addNormalizing("1Mi", longLength);
   addNumbers();

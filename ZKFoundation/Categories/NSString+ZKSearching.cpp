@@ -180,9 +180,8 @@ NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NS
   result.truncate(
       NSCopyNonMembers(*set, text, NSMembership::characters, result.extend(text.size())));
   // From the last to the first, so that what has been removed moves nothing that is still to go.
-  for (auto last = removed.rbegin(); last != removed.rend(); ++last) {
-    removeFromSelection(*last, selection);
-  }
+  std::ranges::reverse(removed);
+  for (const NSRange next : removed) removeFromSelection(next, selection);
   auto normalized = NSMake<NSMutableString>(std::move(result));
   *selectedRange = selection;
   return normalized;

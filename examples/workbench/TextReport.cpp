@@ -78,11 +78,11 @@ void printTextStatistics(std::ostream& out, const std::vector<NamedDocument>& do
   for (const auto& [name, document] : documents) {
     const auto& text = document->text();
     const Words words = wordsOf(text);
-    const NSUInteger lines = text->componentsSeparatedByString(u"\n"_ns)->count() -
-                             (text->hasSuffix(u"\n"_ns) ? 1 : 0);
+    const NSUInteger lines =
+        text->componentsSeparatedByString(u"\n"_ns)->count() - (text->hasSuffix(u"\n"_ns) ? 1 : 0);
     const auto headline = stringByRemovingSurroundingWhitespace(titlecaseString(document->title()));
-    table.addRow({name, textOf(lines), textOf(words.count),
-                  text->substringWithRange(words.longest), headline});
+    table.addRow({name, textOf(lines), textOf(words.count), text->substringWithRange(words.longest),
+                  headline});
   }
   table.print(out, isColoured);
 }

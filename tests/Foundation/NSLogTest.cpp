@@ -7,10 +7,6 @@
 
 #include <syslog.h>
 
-// Stands in for the C library's in the whole process.
-extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format,
-                                                              ...);
-
 namespace {
 
 std::vector<std::string> systemLines;
@@ -43,7 +39,9 @@ TEST(NSLog, HandsEveryLineToTheSinkFromAnyThread) {
 
 }  // namespace
 
-void syslog(int priority, const char* format, ...) {
+// Stands in for the C library's in the whole process.
+extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format,
+                                                              ...) {
   EXPECT_EQ(priority, LOG_USER | LOG_NOTICE);
   EXPECT_STREQ(format, "%s");
   va_list arguments;
