@@ -75,7 +75,7 @@ class NS_EXPORT NSString : public NSObject {
   NSRef<NSString> stringByAppendingString(const NSRef<NSString>& string) const;
   /// The string without the members of the set at its beginning and end; nil has no members.
   NSRef<NSString> stringByTrimmingCharactersInSet(const NSRef<NSCharacterSet>& set) const;
-  /// The first letter of each word in upper case, the others in lower case, by the rules of the
+  /// The first letter of each word in title case, the others in lower case, by the rules of the
   /// current locale, which the environment gives. Words are Unicode's: "they're" is one, "jean-luc"
   /// two.
   NSRef<NSString> localizedCapitalizedString() const;

@@ -1,6 +1,7 @@
 #include "Foundation/NSStringSearch.h"
 
 #include "Foundation/NSICU.h"
+#include "Foundation/NSLinearSearch.h"
 #include "Foundation/NSUnicode.h"
 #include "Foundation/NSUnitMembership.h"
 #include "Foundation/NSUnitSearch.h"
@@ -89,10 +90,10 @@ std::size_t findPlace(std::u16string_view text, std::u16string_view needle, NSUI
     return matches(place) ? place : none;
   }
   if (isBackwards) {
-    for (std::size_t place = last + 1; place-- > 0;) {
-      if (matches(place)) return place;
-    }
-    return none;
+    const NSLinearSearch search(needle.rbegin(), needle.rend(), Matcher::isEqual);
+    const std::size_t fromEnd = search.find(
+        text.rbegin(), text.rend(), [&](std::size_t offset) { return accept(last - offset); });
+    return fromEnd == text.size() ? none : last - fromEnd;
   }
   std::size_t place = Matcher::find(text, needle, 0);
   while (place != none && !accept(place)) place = Matcher::find(text, needle, place + 1);
@@ -146,7 +147,9 @@ std::u16string normalForm(std::u16string_view text, NSUInteger options) {
   return isLiteral ? folded(text) : decomposed(folded(decomposed(text)));
 }
 
-Normalized normalized(std::u16string_view text, NSUInteger options, NSRange range) {
+// Pieces that begin in the range; those from `limit` on only as far as they give `margin` units.
+Normalized normalized(std::u16string_view text, NSUInteger options, NSRange range,
+                      std::size_t limit, std::size_t margin) {
   const bool isLiteral = (options & NSLiteralSearch) != 0;
   const auto begins = [&](std::size_t at) {
     return isLiteral ? !splitsPair(text, at) : isBoundary(text, at);
@@ -157,7 +160,12 @@ Normalized normalized(std::u16string_view text, NSUInteger options, NSRange rang
   result.form.reserve(range.length);
   std::size_t start = range.location;
   while (start < end && !begins(start)) ++start;
+  std::size_t formAtLimit = none;
   while (start < end) {
+    if (start >= limit) {
+      formAtLimit = std::min(formAtLimit, result.form.size());
+      if (result.form.size() - formAtLimit >= margin) break;
+    }
     std::size_t next = start + 1;
     while (next < text.size() && !begins(next)) ++next;
     if (next > end) break;
@@ -174,18 +182,18 @@ Normalized normalized(std::u16string_view text, NSUInteger options, NSRange rang
 }
 
 // Searches the forms of a text and a needle, for matches that begin and end with pieces of the
-// text.
+// text: for all in the range that begin before the limit.
 class FormSearch {
  public:
   FormSearch(std::u16string_view text, std::u16string_view needle, NSUInteger options,
-             NSRange range)
-      : _source(normalized(text, options, range)),
-        _wanted(normalForm(needle, options)),
+             NSRange range, std::size_t limit)
+      : _wanted(normalForm(needle, options)),
+        _source(normalized(text, options, range, limit, _wanted.size())),
         _options(options),
         _range(range) {}
 
   NSRange find() const {
-    const auto isWhole = [&](std::size_t place) { return !!rangeAt(place).length; };
+    const auto isWhole = [&](std::size_t place) { return rangeAt(place).length != 0; };
     const std::size_t place = findPlace<LiteralMatcher>(_source.form, _wanted, _options, isWhole);
     return place == none ? NSNotFoundRange : rangeAt(place);
   }
@@ -219,8 +227,8 @@ class FormSearch {
     return {start->source, end->source - start->source};
   }
 
-  Normalized _source;
   std::u16string _wanted;
+  Normalized _source;
   NSUInteger _options;
   NSRange _range;
 };
@@ -244,50 +252,82 @@ bool isComposed(std::u16string_view text) {
   return result == UNORM_YES;
 }
 
+bool isWithoutForms(std::u16string_view text, NSUInteger options) {
+  if ((options & NSCaseInsensitiveSearch) != 0) return isBelow(text, 0x80);
+  return (options & NSLiteralSearch) != 0 || isComposed(text);
+}
+
+// Searches a part of the range for matches that begin before the limit; those that begin behind it
+// may be found too. The part ends between composed characters, at least a needle's length behind
+// the limit or with the range.
+NSRange searchPart(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+                   NSRange range, NSRange part, std::size_t limit) {
+  const std::u16string_view units = text.substr(part.location, part.length);
+  if (!isWithoutForms(needle, options) || !isWithoutForms(units, options)) {
+    const NSUInteger rest = NSMaxRange(range) - part.location;
+    return FormSearch(text, needle, options, {part.location, rest}, limit).find();
+  }
+  const auto accept = [&](std::size_t place) {
+    if ((options & NSLiteralSearch) != 0) return true;
+    const std::size_t start = part.location + place;
+    return isBoundary(text, start) && isBoundary(text, start + needle.size());
+  };
+  const std::size_t place = (options & NSCaseInsensitiveSearch) != 0
+                                ? findPlace<FoldedMatcher>(units, needle, options, accept)
+                                : findPlace<LiteralMatcher>(units, needle, options, accept);
+  return place == none ? NSNotFoundRange : NSRange{part.location + place, needle.size()};
+}
+
 }  // namespace
 
 NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUInteger options,
                       NSRange range) {
   if (needle.empty()) return NSNotFoundRange;
-  const std::u16string_view part = text.substr(range.location, range.length);
-  const bool isLiteral = (options & NSLiteralSearch) != 0;
-  const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
-  if (foldsCase) {
-    if (!isBelow(needle, 0x80) || !isBelow(part, 0x80)) {
-      return FormSearch(text, needle, options, range).find();
-    }
-  } else if (!isLiteral && !(isComposed(needle) && isComposed(part))) {
-    return FormSearch(text, needle, options, range).find();
+  const NSUInteger end = NSMaxRange(range);
+  if ((options & (NSBackwardsSearch | NSAnchoredSearch)) != 0) {
+    return searchPart(text, needle, options, range, range, end);
   }
-  const auto accept = [&](std::size_t place) {
-    const std::size_t start = range.location + place;
-    return isLiteral || (isBoundary(text, start) && isBoundary(text, start + needle.size()));
+  // Part by part, each twice as long as the one before, so that a search costs what lies in front
+  // of its match, not what lies behind it.
+  NSUInteger size = 1024;
+  const auto boundaryFrom = [&](NSUInteger at) {
+    while (at < end && !isBoundary(text, at)) ++at;
+    return at;
   };
-  const std::size_t place = foldsCase ? findPlace<FoldedMatcher>(part, needle, options, accept)
-                                      : findPlace<LiteralMatcher>(part, needle, options, accept);
-  return place == none ? NSNotFoundRange : NSRange{range.location + place, needle.size()};
+  for (NSUInteger start = range.location; start < end; size *= 2) {
+    const NSUInteger limit = boundaryFrom(start + std::min(size, end - start));
+    const NSUInteger stop =
+        boundaryFrom(limit + std::min<NSUInteger>(needle.size() - 1, end - limit));
+    const NSRange found = searchPart(text, needle, options, range, {start, stop - start}, limit);
+    if (found.length != 0) return found;
+    start = limit;
+  }
+  return NSNotFoundRange;
 }
 
 void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle,
                          NSBlockRef<void(NSRange)> visit) {
+  if (needle.empty()) return;
+  if (!isComposed(needle) || !isComposed(text)) {
+    FormSearch(text, needle, 0, {0, text.size()}, text.size()).forEach(visit);
+    return;
+  }
+  const NSLinearSearch linear(needle.begin(), needle.end(), LiteralMatcher::isEqual);
+  std::array<std::size_t, 64> places;
   std::size_t from = 0;
-  if (isComposed(needle) && isComposed(text)) {
-    std::array<std::size_t, 64> places;
-    for (std::size_t found = places.size(); found == places.size();) {
-      found = NSFindUnits(text, needle, from, places);
-      for (const std::size_t place : std::span(places).first(found)) {
-        // A place that cuts a composed character is no match, and none of its units is used up.
-        from = place + 1;
-        if (!isBoundary(text, place) || !isBoundary(text, place + needle.size())) {
-          found = places.size();
-          break;
-        }
+  for (std::size_t found = places.size(); found == places.size();) {
+    found = NSFindUnits(text, needle, from, places);
+    for (const std::size_t place : std::span(places).first(found)) {
+      from = place + needle.size();
+      if (isBoundary(text, place) && isBoundary(text, from)) {
         visit({place, needle.size()});
-        from = place + needle.size();
+      } else if (linear.overlapsItself()) {
+        // A place that cuts a composed character is no match, but one that overlaps it may be.
+        from = place + 1;
+        found = places.size();
+        break;
       }
     }
-  } else if (!needle.empty()) {
-    FormSearch(text, needle, 0, {0, text.size()}).forEach(visit);
   }
 }
 

@@ -1,11 +1,12 @@
 #include "Foundation/NSUnitSearch.h"
 
+#include "Foundation/NSLinearSearch.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Foundation/NSUnitSearch.cpp"
@@ -18,59 +19,43 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 struct AsTheyAre {
-  // By the C library's two-way search, over bytes: it may come upon odd ones.
-  static std::size_t findLinearly(const std::uint16_t* text, std::size_t place, std::size_t count,
-                                  const std::uint16_t* needle, std::size_t length,
-                                  std::span<std::size_t> places, std::size_t found) {
-    const auto* const start = reinterpret_cast<const char*>(text);
-    const auto* const end = reinterpret_cast<const char*>(text + count + length - 1);
-    const char* at = start + place * sizeof(*text);
-    while (found < places.size() && at < end) {
-      const void* const match =
-          memmem(at, static_cast<std::size_t>(end - at), needle, length * sizeof(*needle));
-      if (match == nullptr) break;
-      at = static_cast<const char*>(match);
-      const auto offset = static_cast<std::size_t>(at - start);
-      const bool isAligned = offset % sizeof(*text) == 0;
-      if (isAligned) places[found++] = offset / sizeof(*text);
-      at += isAligned ? length * sizeof(*needle) : 1;
-    }
-    return found;
-  }
   static std::uint16_t caseBit(std::uint16_t /*unit*/) { return 0; }
+  static bool areSame(std::uint16_t a, std::uint16_t b) { return a == b; }
   static bool areEqual(const std::uint16_t* a, const std::uint16_t* b, std::size_t length) {
     return *a == *b && std::memcmp(a, b, length * sizeof(*a)) == 0;
   }
 };
 
 struct ASCIIFolded {
-  // The same on folded copies.
-  static std::size_t findLinearly(const std::uint16_t* text, std::size_t place, std::size_t count,
-                                  const std::uint16_t* needle, std::size_t length,
-                                  std::span<std::size_t> places, std::size_t found) {
-    const auto folded = [](const std::uint16_t* units, std::size_t size) {
-      std::vector<std::uint16_t> copy(units, units + size);
-      for (std::uint16_t& unit : copy) {
-        if (unit >= 'A' && unit <= 'Z') unit |= 0x20;
-      }
-      return copy;
-    };
-    const auto foldedText = folded(text, count + length - 1);
-    const auto foldedNeedle = folded(needle, length);
-    return AsTheyAre::findLinearly(foldedText.data(), place, count, foldedNeedle.data(), length,
-                                   places, found);
-  }
   static std::uint16_t caseBit(std::uint16_t unit) {
     const std::uint16_t lower = unit | 0x20;
     return lower >= 'a' && lower <= 'z' ? 0x20 : 0;
   }
+  static bool areSame(std::uint16_t a, std::uint16_t b) {
+    const std::uint16_t bit = caseBit(b);
+    return (a | bit) == (b | bit);
+  }
   static bool areEqual(const std::uint16_t* a, const std::uint16_t* b, std::size_t length) {
-    return std::equal(a, a + length, b, [](std::uint16_t x, std::uint16_t y) {
-      const std::uint16_t bit = caseBit(y);
-      return (x | bit) == (y | bit);
-    });
+    return std::equal(a, a + length, b, areSame);
   }
 };
+
+// Goes on from a place, behind `found` places, in time that is linear in the text.
+template <class Letters>
+std::size_t findLinearly(Letters letters, const std::uint16_t* text, std::size_t place,
+                         std::size_t count, const std::uint16_t* needle, std::size_t length,
+                         std::span<std::size_t> places, std::size_t found) {
+  const auto areSame = [=](std::uint16_t a, std::uint16_t b) { return letters.areSame(a, b); };
+  const NSLinearSearch search(needle, needle + length, areSame);
+  std::size_t earliest = place;
+  search.find(text + place, text + count + length - 1, [&](std::size_t offset) {
+    if (place + offset < earliest) return false;
+    places[found++] = place + offset;
+    earliest = place + offset + length;
+    return found == places.size();
+  });
+  return found;
+}
 
 // Looks for places where the needle's first and last units stand the right way apart, a vector of
 // them at once, and compares the rest only there. After W. Muła, "SIMD-friendly algorithms for
@@ -118,7 +103,8 @@ HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std:
     }
     if (budget == 0) {
       const std::size_t next = std::max(place + lanes, earliest);
-      return letters.findLinearly(text, next, count, needle, length, places, found);
+      if (next >= count) return found;
+      return findLinearly(letters, text, next, count, needle, length, places, found);
     }
   }
   for (; place < count && found < places.size(); ++place) {

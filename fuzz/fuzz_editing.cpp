@@ -32,7 +32,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const auto& component : *components) require(component.as<NSString>()->length() != 0);
   require(componentsSeparatedByCharactersInSet_trimWhitespace(string, set, true)->count() ==
           components->count());
-  require(stringByRemovingCharactersInSet(string, set)->rangeOfCharacterFromSet(set).length == 0 ||
-          members != 0);
+
+  // Of characters, the search for them tells which.
+  std::u16string kept;
+  NSUInteger at = 0;
+  for (NSRange found;
+       (found = string->rangeOfCharacterFromSet_options_range(set, 0, {at, text.size() - at}))
+           .length != 0;
+       at = NSMaxRange(found)) {
+    kept += text.substr(at, found.location - at);
+  }
+  kept += text.substr(at);
+  require(stringByRemovingCharactersInSet(string, set) == kept);
   return 0;
 }

@@ -15,7 +15,7 @@ inline rc::Gen<std::u16string> mixedTexts() {
   const std::u16string halves = {0xD83D, 0xDE00, 0xDE00, 0xDBFF};
   return rc::gen::oneOf(textOver(u"ab,, \t\n"), rc::gen::scale(20, textOver(u"ab, ")),
                         textOver(u"aé\u0301\u00A0\u3000\u2028\u0001\u200B\uFFFC, " + halves),
-                        rc::gen::scale(10, textOver(u"abcdefgh\U0001F600\uFFFC \u0416" + halves)));
+                        rc::gen::scale(30, textOver(u"abcdefgh\U0001F600\uFFFC \u0416" + halves)));
 }
 
 inline rc::Gen<NSRef<NSCharacterSet>> mixedSets() {

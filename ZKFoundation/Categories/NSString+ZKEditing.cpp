@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -31,7 +33,10 @@ void replaceMembers(NSUnitBuffer& buffer, const NSCharacterSet& set,
   std::size_t members = 0;
   NSForEachMember(set, text, units, [&](std::size_t) { ++members; });
 
-  const std::size_t length = text.size() + members * (replacement.size() - 1);
+  std::size_t added = 0;
+  if (__builtin_mul_overflow(members, replacement.size() - 1, &added)) throw std::bad_alloc();
+  if (added > PTRDIFF_MAX) throw std::bad_alloc();
+  const std::size_t length = text.size() + added;
   NSUnitBuffer result;
   char16_t* out = result.extend(length + slack);
   // A short replacement, filled up to a block.

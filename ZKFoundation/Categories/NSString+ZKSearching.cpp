@@ -92,8 +92,15 @@ NSRange findString_searchRange_options_wordCompareOption(const NSRef<NSString>& 
   const NSUInteger anyBit = ZKWordCompareAny;
   if ((wordCompareOption & ~anyBit) == 0) return match;
   const NSUInteger end = NSMaxRange(searchRange);
+  NSRange word;
   while (match.length != 0) {
-    const NSRange word = rangeOfWordContainingCharacter(string, match.location);
+    // Matches in one long word are judged by it without walking it again. Halves of pairs are
+    // judged by themselves.
+    const char16_t unit = string->view()[match.location];
+    if (!NSLocationInRange(match.location, word) || (unit & 0xF800U) == 0xD800U ||
+        wordBoundariesCharacterSet()->characterIsMember(unit)) {
+      word = rangeOfWordContainingCharacter(string, match.location);
+    }
     if (isAccepted(match, word, wordCompareOption)) return word;
     const NSUInteger next = NSMaxRange(match);
     match = string->rangeOfString_options_range(needle, options, {next, end - next});
@@ -159,6 +166,7 @@ NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NS
   const char* const operation = "normalizedSubStringWithRange:selectedRange:";
   NSCheckRange(operation, range, string->length());
   if (selectedRange == nullptr) NSRaiseNilArgument("selectedRange", operation);
+  NSCheckRange(operation, *selectedRange, string->length());
   if (selectedRange->location < range.location) {
     NSRaiseRangeOutOfBounds(operation, *selectedRange, string->length());
   }

@@ -79,8 +79,8 @@ ZK_EXPORT NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSS
                                                                  NSUInteger trimOptions);
 
 /// The substring without control characters and attachments. The selected range is made relative to
-/// it and follows what is removed; one that does not lie behind the range's start raises
-/// `NSRangeException`, null `NSInvalidArgumentException`.
+/// it and follows what is removed; one that starts before the range or does not fit the string
+/// raises `NSRangeException`, null `NSInvalidArgumentException`.
 ZK_EXPORT NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(
     const NSRef<NSString>& string, NSRange range, NSRange* selectedRange);
 

@@ -73,19 +73,26 @@ TEST(NSString, FindsWhatAOneLoopSearchFinds) {
 }
 
 TEST(NSString, FindsInTextsThatAlmostMatchEverywhere) {
-  const std::u16string text(20'000, u'a');
-  std::u16string needle(2'000, u'a');
+  // Enough vain comparisons for the linear search to take over; cases alternate.
+  std::u16string text;
+  for (int k = 0; k < 10'000; ++k) text += u"aA";
+  std::u16string needle = text.substr(0, 2'000);
   needle[1'998] = u'b';
-  for (const NSUInteger extra : {NSUInteger{0}, NSUInteger{NSCaseInsensitiveSearch}}) {
-    const auto find = [&](const std::u16string& in) {
-      return NSMake<NSString>(in)->rangeOfString_options(NSMake<NSString>(needle),
-                                                         NSLiteralSearch | extra);
-    };
-    EXPECT_EQ(find(text), NSNotFoundRange);
+  const NSUInteger literal = NSLiteralSearch;
+  const NSUInteger folded = NSLiteralSearch | NSCaseInsensitiveSearch;
+  for (const NSUInteger options : {literal, folded, literal | NSBackwardsSearch}) {
+    const auto wanted = NSMake<NSString>(needle);
+    EXPECT_EQ(NSMake<NSString>(text)->rangeOfString_options(wanted, options), NSNotFoundRange);
     std::u16string around = text;
     around.append(needle).append(text);
-    EXPECT_EQ(find(around), (NSRange{20'000, 2'000}));
+    if (options == folded) around[20'001] = u'a';
+    const auto string = NSMake<NSString>(around);
+    EXPECT_EQ(string->rangeOfString_options(wanted, options), (NSRange{20'000, 2'000}));
   }
+  std::vector<std::size_t> places(5);
+  const std::u16string end = needle + needle + u"a" + needle;
+  EXPECT_EQ(NSFindUnits(text + end, needle, 0, places), 3U);
+  EXPECT_EQ(places, (std::vector<std::size_t>{20'000, 22'000, 24'001, 0, 0}));
 }
 
 TEST(NSString, ComparesByTheOptions) {

@@ -178,6 +178,36 @@ TEST(NSStringEditing, FindsMembersFromEitherEnd) {
   });
 }
 
+TEST(NSStringEditing, FindsASoleMemberWhereverItStands) {
+  const auto set = NSMake<NSCharacterSet>(u"x\U0001F600"_ns);
+  constexpr NSUInteger length = 6000;
+  forEachVectorTarget([&] {
+    for (const NSUInteger place :
+         std::vector<NSUInteger>{0, 7, 8, 63, 64, 1022, 1023, 1024, 4999, 5997, 5998}) {
+      for (const std::u16string member : {u"x", u"\U0001F600"}) {
+        std::u16string text(length, u'a');
+        text.replace(place, member.size(), member);
+        const auto string = NSMake<NSString>(text);
+        const NSRange expected = {place, member.size()};
+        EXPECT_EQ(string->rangeOfCharacterFromSet(set), expected);
+        EXPECT_EQ(string->rangeOfCharacterFromSet_options(set, NSBackwardsSearch), expected);
+        EXPECT_EQ(stringByRemovingCharactersInSet(string, set)->length(), length - member.size());
+      }
+    }
+  });
+}
+
+TEST(NSStringEditing, AsksAboutPairsInOnePlaceAndHalvesInTheOther) {
+  const auto emoji = u"\U0001F600"_ns;
+  const auto pairs = NSMake<NSCharacterSet>(emoji);
+  const auto halves = NSMake<NSCharacterSet>(NSRange{0xDE00, 1});
+  // The pair is found, but none of its units is a member.
+  const auto copy = stringByReplacingCharactersInSet_withString(emoji, pairs, u"x"_ns);
+  EXPECT_NE(copy, emoji);
+  EXPECT_TRUE(copy->isEqualToString(emoji));
+  EXPECT_EQ(stringByReplacingCharactersInSet_withString(emoji, halves, u"x"_ns), emoji);
+}
+
 TEST(NSStringEditing, FindsTheRunAroundAnIndex) {
   expectProperty("between the members on either side", [] {
     const auto text = *mixedTexts();

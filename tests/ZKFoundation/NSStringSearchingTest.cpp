@@ -114,12 +114,37 @@ TEST(NSStringSearch, KnowsComposedCharacters) {
   EXPECT_EQ(find(u"\u1112\u1161\u11ABab"_ns, u"\uD55C"_ns, 0), (NSRange{0, 3}));
   EXPECT_EQ(find(u"\u1112\u1161\u11ABab"_ns, u"\u1112\u1161"_ns, 0), NSNotFoundRange);
   EXPECT_EQ(find(u"a"_ns, nullptr, 0), NSNotFoundRange);
+  EXPECT_EQ(find(u"\u0915\u093E\u0915"_ns, u"\u0915"_ns, 0), (NSRange{2, 1}));
+  // What overlaps a place that cuts a character may be a match: behind "aa" with a mark, "aa".
+  EXPECT_EQ(find(u"\u0915\u0915\u0915\u093E\u0915\u0915"_ns, u"\u0915\u0915"_ns, 0),
+            (NSRange{0, 2}));
+  EXPECT_TRUE(stringByRemovingString(u"aa\u0334aa"_ns, u"aa"_ns) == u"aa\u0334");
+  EXPECT_TRUE(stringByRemovingString(u"aaa\u0334aaa"_ns, u"aa"_ns) == u"a\u0334a");
   EXPECT_TRUE(stringByRemovingString(u"e\u0301te\u0301"_ns, u"é"_ns) == u"t");
   EXPECT_TRUE(stringByRemovingString(u"aae\u0301a"_ns, u"a"_ns) == u"e\u0301");
   expectRaises(NSRangeException,
                "range {1, 3} beyond bounds [0, 3) (in 'rangeOfString:options:range:')", [] {
                  (void)u"abc"_ns->rangeOfString_options_range(u"a"_ns, 0, {1, 3});
                });
+}
+
+TEST(NSStringSearch, FindsBehindLongTextsOfOtherKinds) {
+  // The match stands at every place around the ends of the parts that are searched one by one.
+  const std::u16string composed = u"\u00E9";
+  for (const std::u16string filling : {u"a", u"\u0416", u"e\u0323"}) {
+    for (NSUInteger count = 1000; count < 1060; ++count) {
+      std::u16string text;
+      for (NSUInteger k = 0; k < count; ++k) text += filling;
+      const NSUInteger place = text.size();
+      text += u"e\u0301 and more";
+      const auto string = NSMake<NSString>(text);
+      const auto needle = NSMake<NSString>(composed);
+      ASSERT_EQ(string->rangeOfString(needle), (NSRange{place, 2})) << count;
+      ASSERT_EQ(string->rangeOfString_options(needle, NSBackwardsSearch), (NSRange{place, 2}));
+      ASSERT_EQ(string->rangeOfString_options(u"E\u0301 AND"_ns, NSCaseInsensitiveSearch),
+                (NSRange{place, 6}));
+    }
+  }
 }
 
 TEST(NSStringSearch, FoldsLongASCIITextsInEveryVector) {
@@ -287,6 +312,42 @@ TEST(NSStringSearching, TrimsRanges) {
   }
 }
 
+TEST(NSStringSearching, RaisesForRangesThatDoNotFit) {
+  const auto string = u"ab"_ns;
+  NSRange selection = {1, 1};
+  const std::vector<std::pair<std::string, std::function<void()>>> rows = {
+      {"trimRange:prefixRange:postfixRange:trimOptions:",
+       [&] {
+         (void)trimRange_prefixRange_postfixRange_trimOptions(string, {1, 2}, &selection, nullptr,
+                                                              3);
+       }},
+      {"rangeOfWordsIntersectingRange:",
+       [&] {
+         (void)rangeOfWordsIntersectingRange(string, {1, 2});
+       }},
+      {"findString:searchRange:options:wordCompareOption:",
+       [&] {
+         (void)findString_searchRange_options_wordCompareOption(string, string, {1, 2}, 0, 1);
+       }},
+      {"normalizedSubStringWithRange:selectedRange:",
+       [&] {
+         (void)normalizedSubStringWithRange_selectedRange(string, {1, 2}, &selection);
+       }},
+      {"rangeOfCharacterFromSet:options:range:",
+       [&] {
+         (void)string->rangeOfCharacterFromSet_options_range(nullptr, 0, {1, 2});
+       }},
+  };
+  for (const auto& [operation, action] : rows) {
+    expectRaises(NSRangeException, "range {1, 2} beyond bounds [0, 2) (in '" + operation + "')",
+                 action);
+  }
+  EXPECT_EQ(selection, (NSRange{1, 1}));
+  expectRaises(NSRangeException,
+               "index 3 beyond bounds [0, 2) (in 'rangeOfCharactersAtIndex:delimitedBy:')",
+               [&] { (void)rangeOfCharactersAtIndex_delimitedBy(string, 3, nullptr); });
+}
+
 TEST(NSStringSearching, NormalizesAndKeepsTheSelection) {
   expectProperty("removing one by one from the end", [] {
     const auto text = *textOver(u"ab\u0001\uFFFC\u200B");
@@ -315,12 +376,23 @@ TEST(NSStringSearching, NormalizesAndKeepsTheSelection) {
   NSRange selection = {1, 1};
   EXPECT_TRUE(normalizedSubStringWithRange_selectedRange(tagged, {0, 4}, &selection) == u"ab");
   EXPECT_EQ(selection, (NSRange{1, 0}));
+  selection = {1, 1};
+  EXPECT_TRUE(normalizedSubStringWithRange_selectedRange(u"\U000E0001b"_ns, {0, 3}, &selection) ==
+              u"b");
+  EXPECT_EQ(selection, (NSRange{0, 1}));
   selection = {0, 2};
   const char* const operation = "(in 'normalizedSubStringWithRange:selectedRange:')";
   expectRaises(NSRangeException, std::string("range {0, 2} beyond bounds [0, 4) ") + operation,
                [&] {
                  (void)normalizedSubStringWithRange_selectedRange(tagged, {1, 2}, &selection);
                });
+  selection = {1, NSUIntegerMax};
+  expectRaises(NSRangeException,
+               std::string("range {1, 18446744073709551615} beyond bounds [0, 4) ") + operation,
+               [&] {
+                 (void)normalizedSubStringWithRange_selectedRange(tagged, {1, 2}, &selection);
+               });
+  EXPECT_EQ(selection, (NSRange{1, NSUIntegerMax}));
   expectRaises(NSInvalidArgumentException, std::string("selectedRange is nil ") + operation, [&] {
     (void)normalizedSubStringWithRange_selectedRange(tagged, {1, 2}, nullptr);
   });
