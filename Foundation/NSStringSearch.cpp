@@ -244,13 +244,15 @@ bool isBelow(std::u16string_view text, char16_t bound) {
   return true;
 }
 
-bool isComposed(std::u16string_view text) {
-  if (isBelow(text, firstMark)) return true;
+bool isComposed(std::u16string_view text, bool hasNoMarks) {
+  if (hasNoMarks) return true;
   UErrorCode status = U_ZERO_ERROR;
   const auto result = unorm2_quickCheck(composition(), NSICUText(text), NSICULength(text), &status);
   NSCheckICU(status);
   return result == UNORM_YES;
 }
+
+bool isComposed(std::u16string_view text) { return isComposed(text, isBelow(text, firstMark)); }
 
 bool isWithoutForms(std::u16string_view text, NSUInteger options) {
   if ((options & NSCaseInsensitiveSearch) != 0) return isBelow(text, 0x80);
@@ -305,22 +307,26 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
   return NSNotFoundRange;
 }
 
-void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle,
-                         NSBlockRef<void(NSRange)> visit) {
+void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
+                        NSBlockRef<void(std::span<const NSRange>)> visit) {
   if (needle.empty()) return;
-  if (!isComposed(needle) || !isComposed(text)) {
-    FormSearch(text, needle, 0, {0, text.size()}, text.size()).forEach(visit);
+  const bool hasNoMarks = isBelow(text, firstMark);
+  if (!isComposed(needle) || !isComposed(text, hasNoMarks)) {
+    const FormSearch search(text, needle, 0, {0, text.size()}, text.size());
+    search.forEach([&](NSRange found) { visit({&found, 1}); });
     return;
   }
   const NSLinearSearch linear(needle.begin(), needle.end(), LiteralMatcher::isEqual);
   std::array<std::size_t, 64> places;
+  std::array<NSRange, places.size()> ranges;
   std::size_t from = 0;
   for (std::size_t found = places.size(); found == places.size();) {
     found = NSFindUnits(text, needle, from, places);
+    std::size_t count = 0;
     for (const std::size_t place : std::span(places).first(found)) {
       from = place + needle.size();
-      if (isBoundary(text, place) && isBoundary(text, from)) {
-        visit({place, needle.size()});
+      if (hasNoMarks || (isBoundary(text, place) && isBoundary(text, from))) {
+        ranges[count++] = {place, needle.size()};
       } else if (linear.overlapsItself()) {
         // A place that cuts a composed character is no match, but one that overlaps it may be.
         from = place + 1;
@@ -328,6 +334,7 @@ void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle,
         break;
       }
     }
+    visit(std::span(ranges).first(count));
   }
 }
 

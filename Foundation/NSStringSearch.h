@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include <Foundation/NSBlock.h>
@@ -18,10 +19,18 @@
 NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
                                 NSUInteger options, NSRange range);
 
-/// Calls `visit` with the range of every occurrence that `rangeOfString` finds from left to right,
-/// each search starting where the last match ended.
-NS_EXPORT void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle,
-                                   NSBlockRef<void(NSRange)> visit);
+/// Calls `visit`, with some at a time, for the occurrences that `rangeOfString` finds from left to
+/// right, each search starting where the last match ended.
+NS_EXPORT void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
+                                  NSBlockRef<void(std::span<const NSRange>)> visit);
+
+/// The same, one at a time.
+template <class Visit>
+void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle, Visit visit) {
+  NSVisitOccurrences(text, needle, [&](std::span<const NSRange> ranges) {
+    for (const NSRange range : ranges) visit(range);
+  });
+}
 
 class NSCharacterSet;
 
