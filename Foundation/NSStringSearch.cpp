@@ -286,12 +286,13 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
                       NSRange range) {
   if (needle.empty()) return NSNotFoundRange;
   const NSUInteger end = NSMaxRange(range);
-  if ((options & (NSBackwardsSearch | NSAnchoredSearch)) != 0) {
+  if ((options & NSBackwardsSearch) != 0) {
     return searchPart(text, needle, options, range, range, end);
   }
   // Part by part, each twice as long as the one before, so that a search costs what lies in front
-  // of its match, not what lies behind it.
-  NSUInteger size = 1024;
+  // of its match, not what lies behind it. An anchored one looks at the start alone.
+  const bool isAnchored = (options & NSAnchoredSearch) != 0;
+  NSUInteger size = isAnchored ? 1 : 1024;
   const auto boundaryFrom = [&](NSUInteger at) {
     while (at < end && !isBoundary(text, at)) ++at;
     return at;
@@ -301,7 +302,7 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
     const NSUInteger stop =
         boundaryFrom(limit + std::min<NSUInteger>(needle.size() - 1, end - limit));
     const NSRange found = searchPart(text, needle, options, range, {start, stop - start}, limit);
-    if (found.length != 0) return found;
+    if (found.length != 0 || isAnchored) return found;
     start = limit;
   }
   return NSNotFoundRange;

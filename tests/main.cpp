@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <cstdlib>
+
+#include <gtest/gtest.h>
 
 // Far from the time zone and the language that a developer has, unless the caller asks for others:
 // tests must not care. Properties are tested with as many cases as the build says.
