@@ -45,6 +45,12 @@ TEST(NSStringExtensions, ConstantsAreOneObjectForAllThreads) {
     (void)NSCharacterSet::alphanumericCharacterSet();
     (void)NSCharacterSet::decimalDigitCharacterSet();
     (void)NSNull::null();
+    EXPECT_TRUE(controlAndAttachmentCharacterSet()->characterIsMember(0xFFFC));
+    (void)wordBoundariesCharacterSet();
+    const NSRange all = {0, 2};
+    EXPECT_EQ(trimRange_prefixRange_postfixRange_trimOptions(u" a"_ns, all, nullptr, nullptr, 3),
+              (NSRange{1, 1}));
+    EXPECT_TRUE(titlecaseString(u"to be"_ns) == u"To Be");
   });
   EXPECT_EQ(seen.size(), constantRows.size());
   for (const auto& [operation, text] : constantRows) {
