@@ -12,7 +12,8 @@
 /// A change that runs out of memory throws `std::bad_alloc` and leaves the text as it was.
 class NS_EXPORT NSUnitBuffer {
  public:
-  static constexpr std::size_t inlineCapacity = 8;
+  /// Words and short titles; with it a string still fits the allocator's block of 96 bytes.
+  static constexpr std::size_t inlineCapacity = 24;
 
   NSUnitBuffer() noexcept : _units(_inline.data()) {}
   explicit NSUnitBuffer(std::u16string_view text) : NSUnitBuffer() { append(text); }

@@ -176,9 +176,9 @@ TEST(NSMutableString, EditsAsAStandardStringDoes) {
 }
 
 TEST(NSMutableString, AppendsAndReplacesPartsOfItself) {
-  const auto string = NSMake<NSMutableString>(u"abcdefgh");
-  string->appendUnits(string->view().substr(2, 6));
-  EXPECT_TRUE(string == u"abcdefghcdefgh");
+  const auto string = NSMake<NSMutableString>(u"abcdefghijklmnopqrstuvwx");
+  string->appendUnits(string->view().substr(18, 6));
+  EXPECT_TRUE(string == u"abcdefghijklmnopqrstuvwxstuvwx");
   string->setString(nullptr);
   EXPECT_EQ(string->length(), 0U);
 }
@@ -196,7 +196,7 @@ TEST(NSMutableString, CopiesAreIndependent) {
 }
 
 TEST(NSUnitBuffer, MovesShortAndLongTexts) {
-  for (const std::size_t length : {0U, 8U, 9U, 1000U}) {
+  for (const std::size_t length : {0U, 24U, 25U, 1000U}) {
     const std::u16string text(length, u'x');
     NSUnitBuffer buffer(text);
     NSUnitBuffer moved(std::move(buffer));
