@@ -12,7 +12,7 @@ using NSLogSink = std::function<void(const NSRef<NSString>& text)>;
 
 /// Writes one line to the sink; by default to the system log (as a notice) and, with the time, the
 /// program's name and its process and thread numbers, to standard error. The text is no format: a
-/// percent sign is a percent sign. Control characters are written as "\\x0A", so that the line
+/// percent sign is a percent sign. Control characters are written as "\x0A", so that the line
 /// stays one. Nil writes "(null)". May be called from any thread.
 NS_EXPORT void NSLog(const NSRef<NSString>& text);
 

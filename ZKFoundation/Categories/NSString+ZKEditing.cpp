@@ -18,7 +18,7 @@ constexpr auto units = NSMembership::units;
 // How much more than a run `copyRun` may write.
 constexpr std::size_t slack = 16;
 
-// Copies a run that is mostly short, a whole block where the text has one.
+// Copies a run that is mostly short: as a whole block, where the text goes on for one.
 char16_t* copyRun(std::u16string_view text, std::size_t start, std::size_t count, char16_t* out) {
   if (count <= slack && text.size() - start >= slack) {
     std::memcpy(out, text.data() + start, slack * sizeof(char16_t));
