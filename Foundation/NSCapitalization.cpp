@@ -27,23 +27,23 @@ class Capitalizer {
 
   const std::string& locale() const { return _locale; }
 
-  NSUnitBuffer capitalize(std::u16string_view text) {
-    NSUnitBuffer result;
+  void append(std::u16string_view text, NSUnitBuffer& result) {
+    const std::size_t start = result.size();
     UErrorCode status = U_ZERO_ERROR;
-    std::int32_t length = map(text, result, text.size(), status);
+    // Few letters become two.
+    std::int32_t length = map(text, result, text.size() + 16, status);
     if (status == U_BUFFER_OVERFLOW_ERROR) {
       status = U_ZERO_ERROR;
+      result.truncate(start);
       length = map(text, result, static_cast<std::size_t>(length), status);
     }
     NSCheckICU(status);
-    result.truncate(static_cast<std::size_t>(length));
-    return result;
+    result.truncate(start + static_cast<std::size_t>(length));
   }
 
  private:
   std::int32_t map(std::u16string_view text, NSUnitBuffer& result, std::size_t room,
                    UErrorCode& status) {
-    result.truncate(0);
     char16_t* const out = result.extend(room);
     return ucasemap_toTitle(_map.get(), out, static_cast<std::int32_t>(room), NSICUText(text),
                             NSICULength(text), &status);
@@ -58,11 +58,11 @@ class Capitalizer {
 
 }  // namespace
 
-NSUnitBuffer NSCapitalizeUnits(std::u16string_view text) {
+void NSAppendCapitalized(std::u16string_view text, NSUnitBuffer& result) {
   thread_local std::unique_ptr<Capitalizer> capitalizer;
   const char* const locale = uloc_getDefault();
   if (!capitalizer || capitalizer->locale() != locale) {
     capitalizer = std::make_unique<Capitalizer>(locale);
   }
-  return capitalizer->capitalize(text);
+  capitalizer->append(text, result);
 }

@@ -5,6 +5,6 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSUnitBuffer.h>
 
-/// The text with the first letter of each word in title case and the others in lower case, by the
-/// current locale's rules.
-NS_EXPORT NSUnitBuffer NSCapitalizeUnits(std::u16string_view text);
+/// Appends the text with the first letter of each word in title case and the others in lower case,
+/// by the current locale's rules.
+NS_EXPORT void NSAppendCapitalized(std::u16string_view text, NSUnitBuffer& result);

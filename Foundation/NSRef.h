@@ -70,11 +70,11 @@ class NSRef {
   /// The same object as a `U`, or nil when it is none.
   template <class U>
   [[nodiscard]] NSRef<U> as() const& noexcept {
-    return NSRef<U>::share(dynamic_cast<U*>(_object));
+    return NSRef<U>::share(cast<U>());
   }
   template <class U>
   [[nodiscard]] NSRef<U> as() && noexcept {
-    U* const object = dynamic_cast<U*>(_object);
+    U* const object = cast<U>();
     if (object == nullptr) return nullptr;
     (void)leak();
     return NSRef<U>::adopt(object);
@@ -90,6 +90,14 @@ class NSRef {
   void retain() const noexcept {
     if (_object != nullptr) _object->retain();
   }
+  template <class U>
+  U* cast() const noexcept {
+    // Mostly it is exactly a U, for which the type need not be searched.
+    if constexpr (requires { static_cast<U*>(_object); }) {
+      if (_object != nullptr && typeid(*_object) == typeid(U)) return static_cast<U*>(_object);
+    }
+    return dynamic_cast<U*>(_object);
+  }
   T* checked() const {
     if (_object == nullptr) [[unlikely]] {
       NSRaiseNilDereference(typeid(T));
@@ -100,10 +108,19 @@ class NSRef {
   T* _object = nullptr;
 };
 
-/// Makes an object with the arguments of one of its constructors.
+/// Makes an object with the arguments of one of its constructors, or of one of its `makeCompact`,
+/// by which a class puts an object and its contents into one block of memory.
 template <class T, class... Arguments>
 [[nodiscard]] NSRef<T> NSMake(Arguments&&... arguments) {
-  return NSRef<T>::adopt(new T(std::forward<Arguments>(arguments)...));
+  if constexpr (requires {
+                  {
+                    T::makeCompact(std::forward<Arguments>(arguments)...)
+                    } -> std::same_as<NSRef<T>>;
+                }) {
+    return T::makeCompact(std::forward<Arguments>(arguments)...);
+  } else {
+    return NSRef<T>::adopt(new T(std::forward<Arguments>(arguments)...));
+  }
 }
 
 /// Makes a collection from a list: `NSMake<NSArray>({a, b})`, `NSMake<NSDictionary>({{k, v}})`.

@@ -17,6 +17,24 @@ NSRef<NSString> operator""_ns(const char* utf8, std::size_t length) {
   return NSMake<NSString>(std::string_view(utf8, length));
 }
 
+namespace {
+
+// The most units that a mutable string keeps behind itself: it cannot give them back when it grows.
+constexpr std::size_t largestRoom = 512;
+
+// Up to so many bytes of UTF-8 are decoded into the room behind a string, which is as long as all
+// of them were ASCII.
+constexpr std::size_t shortUTF8 = 256;
+
+}  // namespace
+
+NSRef<NSString> NSString::makeCompact(std::string_view utf8) {
+  if (utf8.size() > shortUTF8) return NSRef<NSString>::adopt(new NSString(utf8));
+  auto result = makeWithRoom<NSString>(utf8.size());
+  NSAppendUTF8(utf8, result->_text);
+  return result;
+}
+
 unichar NSString::characterAtIndex(NSUInteger index) const {
   NSCheckIndex("characterAtIndex:", index, length());
   return view()[index];
@@ -92,11 +110,10 @@ NSRef<NSString> NSString::substringWithRange(NSRange range) const {
 
 NSRef<NSString> NSString::stringByAppendingString(const NSRef<NSString>& string) const {
   const std::u16string_view tail = NSViewOf(string);
-  NSUnitBuffer result;
-  result.reserve(length() + tail.size());
-  result.append(view());
-  result.append(tail);
-  return NSMake<NSString>(std::move(result));
+  auto result = makeWithRoom<NSString>(length() + tail.size());
+  result->_text.append(view());
+  result->_text.append(tail);
+  return result;
 }
 
 NSRef<NSString> NSString::stringByTrimmingCharactersInSet(const NSRef<NSCharacterSet>& set) const {
@@ -109,7 +126,10 @@ NSRef<NSString> NSString::stringByTrimmingCharactersInSet(const NSRef<NSCharacte
 }
 
 NSRef<NSString> NSString::localizedCapitalizedString() const {
-  return NSMake<NSString>(NSCapitalizeUnits(view()));
+  NSUnitBuffer result;
+  NSAppendCapitalized(view(), result);
+  result.shrink();
+  return NSMake<NSString>(std::move(result));
 }
 
 NSRef<NSArray> NSString::componentsSeparatedByString(const NSRef<NSString>& separator) const {
@@ -139,6 +159,27 @@ NSRef<NSMutableString> NSString::mutableCopy() const {
 
 NSRef<NSObject> NSString::mutableCopyWithZone(NSZone* /*zone*/) const {
   return NSMake<NSMutableString>(view());
+}
+
+NSRef<NSMutableString> NSMutableString::stringWithCapacity(NSUInteger units) {
+  auto result = makeWithRoom<NSMutableString>(units <= largestRoom ? units : 0);
+  if (units > largestRoom) result->reserve(units);
+  return result;
+}
+
+NSRef<NSMutableString> NSMutableString::makeCompact(std::u16string_view units) {
+  // Most are made to be edited: a short one gets room to grow.
+  const std::size_t room = units.size() + units.size() / 4;
+  auto result = stringWithCapacity(room <= largestRoom ? room : units.size());
+  result->appendUnits(units);
+  return result;
+}
+
+NSRef<NSMutableString> NSMutableString::makeCompact(std::string_view utf8) {
+  if (utf8.size() > shortUTF8) return NSRef<NSMutableString>::adopt(new NSMutableString(utf8));
+  auto result = stringWithCapacity(utf8.size());
+  NSAppendUTF8(utf8, result->text());
+  return result;
 }
 
 void NSMutableString::appendString(const NSRef<NSString>& string) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <compare>
+#include <new>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -20,7 +22,7 @@ class NSMutableString;
 ///
 /// The units are contiguous: `view()` costs nothing. UTF-8 that is not well-formed becomes U+FFFD
 /// (one for each maximal broken part) on the way in, lone surrogate halves on the way out; as units
-/// they are kept.
+/// they are kept. `NSMake` puts a string and its units into one block of memory.
 class NS_EXPORT NSString : public NSObject {
  public:
   NSString() noexcept = default;
@@ -28,7 +30,16 @@ class NS_EXPORT NSString : public NSObject {
   /// From UTF-8, of which ASCII is a part.
   explicit NSString(std::string_view utf8) : _text(NSUnitsFromUTF8(utf8)) {}
   /// Takes the units over.
-  explicit NSString(NSUnitBuffer&& units) noexcept : _text(std::move(units)) {}
+  explicit NSString(NSUnitBuffer&& units) : _text(std::move(units)) {}
+
+  static NSRef<NSString> makeCompact(std::u16string_view units) {
+    auto result = makeWithRoom<NSString>(units.size());
+    result.get()->_text.append(units);
+    return result;
+  }
+  static NSRef<NSString> makeCompact(std::string_view utf8);
+  /// Strings are made with room behind them, so that their size is not that of their class.
+  static void operator delete(void* string) noexcept { ::operator delete(string); }
 
   std::u16string_view view() const noexcept { return _text.view(); }
   NSUInteger length() const noexcept { return _text.size(); }
@@ -93,6 +104,15 @@ class NS_EXPORT NSString : public NSObject {
   NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
+  explicit NSString(std::span<char16_t> room) noexcept : _text(room) {}
+  /// An empty string and room for so many units in one block.
+  template <class String>
+  static NSRef<String> makeWithRoom(std::size_t units) {
+    static_assert(sizeof(String) == sizeof(NSString));
+    void* const block = ::operator new(sizeof(String) + units * sizeof(char16_t));
+    auto* const room = reinterpret_cast<char16_t*>(static_cast<String*>(block) + 1);
+    return NSRef<String>::adopt(::new (block) String(std::span(room, units)));
+  }
   NSUnitBuffer& text() noexcept { return _text; }
 
  private:
@@ -104,6 +124,12 @@ class NS_EXPORT NSString : public NSObject {
 class NS_EXPORT NSMutableString : public NSString {
  public:
   using NSString::NSString;
+
+  /// An empty string that takes up to so many units without another allocation.
+  static NSRef<NSMutableString> stringWithCapacity(NSUInteger units);
+  static NSRef<NSMutableString> makeCompact() { return stringWithCapacity(24); }
+  static NSRef<NSMutableString> makeCompact(std::u16string_view units);
+  static NSRef<NSMutableString> makeCompact(std::string_view utf8);
 
   /// Nil appends nothing.
   void appendString(const NSRef<NSString>& string);

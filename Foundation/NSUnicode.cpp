@@ -102,11 +102,14 @@ char* putUTF8(char32_t character, char* out) {
 
 NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8) {
   NSUnitBuffer buffer;
-  char16_t* const start = buffer.extend(utf8.size());
-  const char16_t* const end = decode(utf8, start);
-  buffer.truncate(static_cast<std::size_t>(end - start));
+  NSAppendUTF8(utf8, buffer);
   buffer.shrink();
   return buffer;
+}
+
+void NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text) {
+  const char16_t* const end = decode(utf8, text.extend(utf8.size()));
+  text.truncate(static_cast<std::size_t>(end - text.data()));
 }
 
 std::string NSUTF8FromUnits(std::u16string_view text) {

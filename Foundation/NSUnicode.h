@@ -13,6 +13,8 @@
 
 /// The text of UTF-8 bytes.
 NS_EXPORT NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8);
+/// Puts it behind a text. Needs room for as many units as there are bytes.
+NS_EXPORT void NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text);
 
 /// The UTF-8 bytes of a text.
 NS_EXPORT std::string NSUTF8FromUnits(std::u16string_view text);

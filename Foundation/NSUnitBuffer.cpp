@@ -23,65 +23,54 @@ void moveUnits(char16_t* to, const char16_t* from, std::size_t count) {
 
 }  // namespace
 
-NSUnitBuffer& NSUnitBuffer::operator=(NSUnitBuffer other) noexcept {
-  if (!isInline()) std::free(_units);
-  takeOver(other);
+NSUnitBuffer& NSUnitBuffer::operator=(const NSUnitBuffer& other) {
+  replace(0, _size, other.view());
   return *this;
 }
 
-NSUnitBuffer::~NSUnitBuffer() {
-  if (!isInline()) std::free(_units);
-}
-
-// Overwrites the storage without freeing it and leaves the other buffer empty.
-void NSUnitBuffer::takeOver(NSUnitBuffer& other) noexcept {
-  _size = std::exchange(other._size, 0);
-  _capacity = std::exchange(other._capacity, inlineCapacity);
-  if (other.isInline()) {
-    _units = _inline.data();
-    copyUnits(_units, other._units, _size);
-  } else {
-    _units = std::exchange(other._units, other._inline.data());
+NSUnitBuffer& NSUnitBuffer::operator=(NSUnitBuffer&& other) {
+  if (this == &other) return *this;
+  if (other._isLent) {
+    replace(0, _size, other.view());
+    other._size = 0;
+    return *this;
   }
+  giveBack();
+  _units = std::exchange(other._units, nullptr);
+  _size = std::exchange(other._size, 0);
+  _capacity = other._capacity;
+  _isLent = false;
+  other._capacity = 0;
+  return *this;
 }
 
 void NSUnitBuffer::reserve(std::size_t capacity) {
   if (capacity <= _capacity) return;
   if (capacity > maxUnits) throw std::bad_alloc();
-  void* const old = isInline() ? nullptr : _units;
+  void* const old = _isLent ? nullptr : _units;
   auto* const units = static_cast<char16_t*>(std::realloc(old, capacity * sizeof(char16_t)));
   if (units == nullptr) throw std::bad_alloc();
-  if (old == nullptr) copyUnits(units, _inline.data(), _size);
+  if (old == nullptr) copyUnits(units, _units, _size);
   _units = units;
-  _capacity = capacity;
+  _capacity = capacity & largest;
+  _isLent = false;
 }
 
-// At least half as much again, so that appending costs constant time on the average.
-void NSUnitBuffer::grow(std::size_t needed) {
-  if (needed <= _capacity) return;
-  reserve(std::max(needed, std::min(_capacity + _capacity / 2, maxUnits)));
-}
-
-char16_t* NSUnitBuffer::extend(std::size_t count) {
+void NSUnitBuffer::makeRoom(std::size_t count) {
   if (count > maxUnits - _size) throw std::bad_alloc();
-  // The first extension gets what it asks for: most texts never grow again.
-  if (_size == 0) {
-    reserve(count);
-  } else {
-    grow(_size + count);
-  }
-  char16_t* const start = _units + _size;
-  _size += count;
-  return start;
+  // The first text gets what it asks for, as most never grow again. Later at least half as much is
+  // added again, so that appending costs constant time on the average.
+  const std::size_t grown = std::min<std::size_t>(_capacity + _capacity / 2, maxUnits);
+  reserve(_size == 0 ? count : std::max(_size + count, grown));
 }
 
 void NSUnitBuffer::shrink() noexcept {
-  if (isInline() || _size > _capacity - _capacity / 4) return;
+  if (_isLent || _size > _capacity - _capacity / 4) return;
   const std::size_t wanted = std::max<std::size_t>(_size, 1);
   auto* const units = static_cast<char16_t*>(std::realloc(_units, wanted * sizeof(char16_t)));
   if (units == nullptr) return;
   _units = units;
-  _capacity = wanted;
+  _capacity = wanted & largest;
 }
 
 void NSUnitBuffer::replace(std::size_t position, std::size_t count, std::u16string_view text) {

@@ -1,26 +1,32 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
 #include <string_view>
+#include <utility>
 
 #include <Foundation/NSExport.h>
 
 /// Contiguous, growable UTF-16 storage: what a `std::u16string` is, with growth that does not fill
-/// new units first. Short texts (up to `inlineCapacity` units) are kept without an allocation.
+/// new units first, and with short texts wherever their owner has room for them.
 ///
 /// A change that runs out of memory throws `std::bad_alloc` and leaves the text as it was.
 class NS_EXPORT NSUnitBuffer {
  public:
-  /// Words and short titles; with it a string still fits the allocator's block of 96 bytes.
-  static constexpr std::size_t inlineCapacity = 24;
-
-  NSUnitBuffer() noexcept : _units(_inline.data()) {}
-  explicit NSUnitBuffer(std::u16string_view text) : NSUnitBuffer() { append(text); }
+  NSUnitBuffer() noexcept = default;
+  /// Starts in memory that is lent to it and outlives it. A text that needs more moves out.
+  explicit NSUnitBuffer(std::span<char16_t> lent) noexcept
+      : _units(lent.data()), _capacity(lent.size() & largest), _isLent(true) {}
+  explicit NSUnitBuffer(std::u16string_view text) { append(text); }
   NSUnitBuffer(const NSUnitBuffer& other) : NSUnitBuffer(other.view()) {}
-  NSUnitBuffer(NSUnitBuffer&& other) noexcept : NSUnitBuffer() { takeOver(other); }
-  NSUnitBuffer& operator=(NSUnitBuffer other) noexcept;
-  ~NSUnitBuffer();
+  /// Copies a text that stands in lent memory, and takes any other over. The other buffer is empty
+  /// afterwards.
+  NSUnitBuffer(NSUnitBuffer&& other) { *this = std::move(other); }  // NOLINT(*-noexcept-move*)
+  NSUnitBuffer& operator=(const NSUnitBuffer& other);
+  NSUnitBuffer& operator=(NSUnitBuffer&& other);  // NOLINT(*-noexcept-move*): may copy.
+  ~NSUnitBuffer() { giveBack(); }
 
   std::u16string_view view() const noexcept { return {_units, _size}; }
   char16_t* data() noexcept { return _units; }
@@ -31,7 +37,12 @@ class NS_EXPORT NSUnitBuffer {
   /// Makes room for a text of `capacity` units altogether.
   void reserve(std::size_t capacity);
   /// Appends `count` units whose values are the caller's to write, and gives the first of them.
-  char16_t* extend(std::size_t count);
+  char16_t* extend(std::size_t count) {
+    if (count > _capacity - _size) makeRoom(count);
+    char16_t* const start = _units + _size;
+    _size += count;
+    return start;
+  }
   /// Cuts the text off behind `size` units, at most its present size.
   void truncate(std::size_t size) noexcept { _size = size; }
   /// Gives back memory when much of it is unused. Never fails.
@@ -47,12 +58,15 @@ class NS_EXPORT NSUnitBuffer {
   void replace(std::size_t position, std::size_t count, std::u16string_view text);
 
  private:
-  bool isInline() const noexcept { return _units == _inline.data(); }
-  void takeOver(NSUnitBuffer& other) noexcept;
-  void grow(std::size_t needed);
+  static constexpr std::size_t largest = SIZE_MAX / 2;
 
-  std::array<char16_t, inlineCapacity> _inline {};
-  char16_t* _units;
+  void giveBack() noexcept {
+    if (!_isLent) std::free(_units);
+  }
+  void makeRoom(std::size_t count);
+
+  char16_t* _units = nullptr;
   std::size_t _size = 0;
-  std::size_t _capacity = inlineCapacity;
+  std::size_t _capacity : 63 = 0;
+  bool _isLent : 1 = false;
 };

@@ -68,7 +68,8 @@ void appendDigit(const Place& place, std::size_t digit, NSUnitBuffer& output) {
 
 NSRef<NSString> romanNumeral(std::uint64_t value, const std::array<Place, 4>& places) {
   if (value >= 5000) return u"NUL"_ns;
-  NSUnitBuffer output;
+  std::array<char16_t, 16> room;  // The longest is "MMMDCCCDXXXVIII".
+  NSUnitBuffer output{std::span(room)};
   for (const Place& place : places) appendDigit(place, value / place.divisor % 10, output);
   return NSMake<NSString>(std::move(output));
 }
@@ -98,7 +99,8 @@ void roman_digit(const NSRef<NSString>& one, const NSRef<NSString>& five,
   if (digit < 0 || digit > 9) return;
   const Place place = {1, NSViewOf(one), NSViewOf(five), NSViewOf(ten)};
   // Collected first: the texts may be the output itself.
-  NSUnitBuffer text;
+  std::array<char16_t, 16> room;
+  NSUnitBuffer text{std::span(room)};
   appendDigit(place, static_cast<std::size_t>(digit), text);
   output->appendUnits(text.view());
 }

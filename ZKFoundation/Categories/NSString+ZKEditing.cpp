@@ -27,18 +27,20 @@ char16_t* copyRun(std::u16string_view text, std::size_t start, std::size_t count
   return std::copy_n(text.data() + start, count, out);
 }
 
-void replaceMembers(NSUnitBuffer& buffer, const NSCharacterSet& set,
-                    std::u16string_view replacement) {
-  const std::u16string_view text = buffer.view();
+std::size_t lengthOfReplaced(std::u16string_view text, const NSCharacterSet& set,
+                             std::u16string_view replacement) {
   std::size_t members = 0;
   NSForEachMember(set, text, units, [&](std::size_t) { ++members; });
-
   std::size_t added = 0;
   if (__builtin_mul_overflow(members, replacement.size() - 1, &added)) throw std::bad_alloc();
   if (added > PTRDIFF_MAX) throw std::bad_alloc();
-  const std::size_t length = text.size() + added;
-  NSUnitBuffer result;
-  char16_t* out = result.extend(length + slack);
+  return text.size() + added;
+}
+
+// Writes the text with the members replaced to `out`, which has room for it and for `slack` units.
+// Gives the end of it.
+char16_t* copyReplaced(std::u16string_view text, const NSCharacterSet& set,
+                       std::u16string_view replacement, char16_t* out) {
   // A short replacement, filled up to a block.
   std::array<char16_t, slack> padded{};
   std::u16string_view substitute = replacement;
@@ -52,7 +54,22 @@ void replaceMembers(NSUnitBuffer& buffer, const NSCharacterSet& set,
     out = copyRun(substitute, 0, replacement.size(), out);
     start = place + 1;
   });
-  copyRun(text, start, text.size() - start, out);
+  return copyRun(text, start, text.size() - start, out);
+}
+
+void replaceMembers(NSUnitBuffer& buffer, const NSCharacterSet& set,
+                    std::u16string_view replacement) {
+  const std::u16string_view text = buffer.view();
+  // A line is put together beside the string and copied back: it mostly fits where it stood.
+  std::array<char16_t, 512> line;
+  if (text.size() <= (line.size() - slack) / replacement.size()) {
+    const char16_t* const end = copyReplaced(text, set, replacement, line.data());
+    buffer.replace(0, text.size(), {line.data(), end});
+    return;
+  }
+  const std::size_t length = lengthOfReplaced(text, set, replacement);
+  NSUnitBuffer result;
+  copyReplaced(text, set, replacement, result.extend(length + slack));
   result.truncate(length);
   buffer = std::move(result);
 }
@@ -132,11 +149,12 @@ NSRef<NSMutableString> stringByRemovingCharactersInSet_options(const NSRef<NSStr
     text.remove_prefix(NSCountMembersAtEnd(*set, text, 0));
     return NSMake<NSMutableString>(text);
   }
-  NSUnitBuffer result;
-  char16_t* const out = result.extend(text.size());
-  result.truncate(NSCopyNonMembers(*set, text, NSMembership::characters, out));
-  result.shrink();
-  return NSMake<NSMutableString>(std::move(result));
+  auto result = NSMutableString::stringWithCapacity(text.size());
+  NSUnitBuffer& kept = result->units();
+  char16_t* const out = kept.extend(text.size());
+  kept.truncate(NSCopyNonMembers(*set, text, NSMembership::characters, out));
+  kept.shrink();
+  return result;
 }
 
 NSRef<NSMutableString> stringByRemovingCharactersInSet(const NSRef<NSString>& string,

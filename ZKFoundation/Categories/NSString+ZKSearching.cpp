@@ -1,6 +1,7 @@
 #include "Foundation/NSCapitalization.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSNeverDestroyed.h"
+#include "Foundation/NSStringSearch.h"
 #include "Foundation/NSUnitMembership.h"
 #include "ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h"
 #include "ZKFoundation/Categories/NSString+ZKEditing.h"
@@ -8,6 +9,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <memory_resource>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -20,6 +23,12 @@ const NSRef<NSCharacterSet>& nonWhitespace() {
   static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
       NSCharacterSet::whitespaceAndNewlineCharacterSet()->invertedSet());
   return *set;
+}
+
+// What ends the run of word characters, or of others, that the index stands in.
+const NSCharacterSet& delimitersAt(std::u16string_view text, NSUInteger index) {
+  const auto& boundaries = *ZKFoundationExtensions::wordBoundariesCharacterSet();
+  return boundaries.characterIsMember(text[index]) ? *alphanumerics() : boundaries;
 }
 
 bool isAccepted(NSRange match, NSRange word, NSUInteger condition) {
@@ -118,18 +127,17 @@ NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string, NSUI
 
 NSRange rangeOfWordContainingCharacter(const NSRef<NSString>& string, NSUInteger index) {
   NSCheckIndex("rangeOfWordContainingCharacter:", index, string->length());
-  const auto& boundaries = wordBoundariesCharacterSet();
-  const bool isBoundary = boundaries->characterIsMember(string->view()[index]);
-  return rangeOfCharactersAtIndex_delimitedBy(string, index,
-                                              isBoundary ? alphanumerics() : boundaries);
+  const std::u16string_view text = string->view();
+  return NSRunWithoutMembers(delimitersAt(text, index), text, index);
 }
 
 NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange range) {
   NSCheckRange("rangeOfWordsIntersectingRange:", range, string->length());
   if (range.length == 0) return {0, 0};
-  const NSRange first = rangeOfWordContainingCharacter(string, range.location);
-  const NSRange last = rangeOfWordContainingCharacter(string, NSMaxRange(range) - 1);
-  return {first.location, NSMaxRange(last) - first.location};
+  const std::u16string_view text = string->view();
+  const NSUInteger last = NSMaxRange(range) - 1;
+  const NSUInteger start = NSStartOfRun(delimitersAt(text, range.location), text, range.location);
+  return {start, NSEndOfRun(delimitersAt(text, last), text, last) - start};
 }
 
 NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSString>& string, NSRange range,
@@ -174,7 +182,9 @@ NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NS
   const auto& set = controlAndAttachmentCharacterSet();
   NSRange selection = {selectedRange->location - range.location, selectedRange->length};
 
-  std::vector<NSRange> removed;
+  std::array<std::byte, 512> room;
+  std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
+  std::pmr::vector<NSRange> removed(&memory);
   NSForEachMember(*set, text, NSMembership::characters, [&](std::size_t place) {
     const bool isSecondHalf =
         place > 0 && NSIsLowSurrogate(text[place]) && NSIsHighSurrogate(text[place - 1]);
@@ -184,21 +194,25 @@ NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NS
       removed.push_back({place, 1});
     }
   });
-  NSUnitBuffer result;
-  result.truncate(
-      NSCopyNonMembers(*set, text, NSMembership::characters, result.extend(text.size())));
+  auto normalized = NSMutableString::stringWithCapacity(text.size());
+  NSUnitBuffer& kept = normalized->units();
+  char16_t* const out = kept.extend(text.size());
+  kept.truncate(NSCopyNonMembers(*set, text, NSMembership::characters, out));
   // From the last to the first, so that what has been removed moves nothing that is still to go.
   std::ranges::reverse(removed);
   for (const NSRange next : removed) removeFromSelection(next, selection);
-  auto normalized = NSMake<NSMutableString>(std::move(result));
   *selectedRange = selection;
   return normalized;
 }
 
 NSRef<NSString> titlecaseString(const NSRef<NSString>& string) {
-  const NSUnitBuffer capitalized = NSCapitalizeUnits(string->view());
+  std::array<char16_t, 256> line;
+  NSUnitBuffer capitalized{std::span(line)};
+  NSAppendCapitalized(string->view(), capitalized);
   const std::u16string_view text = capitalized.view();
-  NSUnitBuffer result;
+  // Titles of a line are put together beside the string, so that it gets the memory it needs.
+  std::array<char16_t, 256> shortened;
+  NSUnitBuffer result{std::span(shortened)};
   result.reserve(text.size());
   std::u16string_view firstWord;
   std::size_t start = 0;

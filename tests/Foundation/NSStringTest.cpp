@@ -183,6 +183,28 @@ TEST(NSMutableString, AppendsAndReplacesPartsOfItself) {
   EXPECT_EQ(string->length(), 0U);
 }
 
+TEST(NSMutableString, GrowsOutOfAnyRoom) {
+  for (const NSUInteger capacity : {0U, 1U, 24U, 512U, 513U}) {
+    const auto string = NSMutableString::stringWithCapacity(capacity);
+    std::u16string model;
+    for (int k = 0; k < 300; ++k) {
+      string->insertString_atIndex(u"abc"_ns, static_cast<NSUInteger>(k));
+      model.insert(static_cast<std::size_t>(k), u"abc");
+    }
+    EXPECT_EQ(string->view(), model);
+    EXPECT_EQ(string->copy()->view(), model);
+  }
+  // Subclasses are made with storage of their own.
+  struct Tagged : NSMutableString {
+    using NSMutableString::NSMutableString;
+    int tag = 7;
+  };
+  const auto tagged = NSMake<Tagged>(u"text");
+  tagged->appendString(u" and more"_ns);
+  EXPECT_TRUE(tagged == u"text and more");
+  EXPECT_EQ(tagged->tag, 7);
+}
+
 TEST(NSMutableString, CopiesAreIndependent) {
   const auto string = NSMake<NSMutableString>(u"short");
   const auto copy = string->copy();
@@ -195,17 +217,28 @@ TEST(NSMutableString, CopiesAreIndependent) {
   EXPECT_TRUE(copy->isMemberOfClass(NSClass::of<NSString>()));
 }
 
-TEST(NSUnitBuffer, MovesShortAndLongTexts) {
-  for (const std::size_t length : {0U, 24U, 25U, 1000U}) {
+TEST(NSUnitBuffer, MovesTextsInItsOwnAndInLentMemory) {
+  std::array<char16_t, 25> room;
+  std::array<char16_t, 25> otherRoom;
+  for (const std::size_t length : {0U, 24U, 25U, 26U, 1000U}) {
     const std::u16string text(length, u'x');
-    NSUnitBuffer buffer(text);
-    NSUnitBuffer moved(std::move(buffer));
-    EXPECT_EQ(moved.view(), text);
-    EXPECT_EQ(buffer.size(), 0U);  // NOLINT: a moved buffer is empty.
-    buffer.append(u"again");
-    buffer = moved;
-    EXPECT_EQ(buffer.view(), text);
-    EXPECT_EQ(moved.view(), text);
+    for (const bool lends : {false, true}) {
+      NSUnitBuffer buffer = lends ? NSUnitBuffer(std::span(room)) : NSUnitBuffer();
+      buffer.append(text);
+      NSUnitBuffer moved(std::move(buffer));
+      EXPECT_EQ(moved.view(), text);
+      EXPECT_EQ(buffer.size(), 0U);  // NOLINT: a moved buffer is empty.
+      buffer.append(u"again");
+      EXPECT_EQ(buffer.view(), u"again");
+      buffer = moved;
+      NSUnitBuffer lent{std::span(otherRoom)};
+      lent = std::move(moved);
+      EXPECT_EQ(lent.view(), text);
+      EXPECT_EQ(buffer.view(), text);
+      buffer = std::move(lent);
+      buffer.append(u"y");
+      EXPECT_EQ(buffer.view(), text + u"y");
+    }
   }
 }
 
