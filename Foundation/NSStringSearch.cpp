@@ -233,13 +233,14 @@ class FormSearch {
   NSRange _range;
 };
 
+// Whether all units are below a power of two.
 bool isBelow(std::u16string_view text, char16_t bound) {
   // Without an early end the loop becomes vector code.
   constexpr std::size_t block = 256;
   for (std::size_t at = 0; at < text.size(); at += block) {
-    char16_t highest = 0;
-    for (const char16_t unit : text.substr(at, block)) highest = std::max(highest, unit);
-    if (highest >= bound) return false;
+    char16_t bits = 0;
+    for (const char16_t unit : text.substr(at, block)) bits |= unit;
+    if (bits >= bound) return false;
   }
   return true;
 }
@@ -252,7 +253,10 @@ bool isComposed(std::u16string_view text, bool hasNoMarks) {
   return result == UNORM_YES;
 }
 
-bool isComposed(std::u16string_view text) { return isComposed(text, isBelow(text, firstMark)); }
+// Below the first combining mark; a power of two is tested fastest.
+bool isWithoutMarks(std::u16string_view text) { return isBelow(text, 0x200); }
+
+bool isComposed(std::u16string_view text) { return isComposed(text, isWithoutMarks(text)); }
 
 bool isWithoutForms(std::u16string_view text, NSUInteger options) {
   if ((options & NSCaseInsensitiveSearch) != 0) return isBelow(text, 0x80);
@@ -311,7 +315,7 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
 void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
                         NSBlockRef<void(std::span<const NSRange>)> visit) {
   if (needle.empty()) return;
-  const bool hasNoMarks = isBelow(text, firstMark);
+  const bool hasNoMarks = isWithoutMarks(text);
   if (!isComposed(needle) || !isComposed(text, hasNoMarks)) {
     const FormSearch search(text, needle, 0, {0, text.size()}, text.size());
     search.forEach([&](NSRange found) { visit({&found, 1}); });
@@ -362,27 +366,30 @@ NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text, NSUI
   return {place, splitsPair(text, place + 1) ? 2U : 1U};
 }
 
-NSRange NSRunWithoutMembers(const NSCharacterSet& set, std::u16string_view text,
-                            std::size_t index) {
-  constexpr auto characters = NSMembership::characters;
-  const std::size_t start = NSEndOfLastMember(set, text.substr(0, index), characters);
-  const std::size_t after = NSFirstMember(set, text.substr(index), 0, characters);
-  const std::size_t end = after == none ? text.size() : index + after;
-  return {start, end - start};
+std::size_t NSStartOfRun(const NSCharacterSet& set, std::u16string_view text, std::size_t index) {
+  return NSEndOfLastMember(set, text.substr(0, index), NSMembership::characters);
+}
+
+std::size_t NSEndOfRun(const NSCharacterSet& set, std::u16string_view text, std::size_t index) {
+  const std::size_t after = NSFirstMember(set, text.substr(index), 0, NSMembership::characters);
+  return after == none ? text.size() : index + after;
 }
 
 std::size_t NSCountMembersAtEnd(const NSCharacterSet& set, std::u16string_view text,
                                 NSUInteger options) {
   const bool isBackwards = (options & NSBackwardsSearch) != 0;
+  const std::uint64_t* const bitmap = set.unitBitmap();
   std::size_t count = 0;
   while (count < text.size()) {
-    const std::size_t at = isBackwards ? text.size() - 1 - count : count;
-    const bool isHalf = (text[at] & 0xF800U) == 0xD800U;
-    if (!isHalf && !set.characterIsMember(text[at])) break;
+    const char16_t unit = text[isBackwards ? text.size() - 1 - count : count];
+    if ((unit & 0xF800U) != 0xD800U) {
+      if ((bitmap[unit / 64] >> (unit % 64) & 1U) == 0) break;
+      ++count;
+      continue;
+    }
     const std::u16string_view rest =
         isBackwards ? text.substr(0, text.size() - count) : text.substr(count);
-    const NSUInteger width =
-        isHalf ? NSSearchMember(set, rest, options | NSAnchoredSearch).length : 1;
+    const NSUInteger width = NSSearchMember(set, rest, options | NSAnchoredSearch).length;
     if (width == 0) break;
     count += width;
   }

@@ -39,10 +39,17 @@ class NSCharacterSet;
 NS_EXPORT NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text,
                                  NSUInteger options);
 
-/// The units around the index, from behind the last member before it to the first one at or behind
-/// it. A pair that the index divides counts as two halves.
-NS_EXPORT NSRange NSRunWithoutMembers(const NSCharacterSet& set, std::u16string_view text,
-                                      std::size_t index);
+/// The units around the index without members of the set: from behind the last member before it to
+/// the first one at or behind it. A pair that the index divides counts as two halves.
+NS_EXPORT std::size_t NSStartOfRun(const NSCharacterSet& set, std::u16string_view text,
+                                   std::size_t index);
+NS_EXPORT std::size_t NSEndOfRun(const NSCharacterSet& set, std::u16string_view text,
+                                 std::size_t index);
+inline NSRange NSRunWithoutMembers(const NSCharacterSet& set, std::u16string_view text,
+                                   std::size_t index) {
+  const std::size_t start = NSStartOfRun(set, text, index);
+  return {start, NSEndOfRun(set, text, index) - start};
+}
 
 /// How many units the members of the set take up that the text begins with, or ends with when
 /// `options` hold `NSBackwardsSearch`.

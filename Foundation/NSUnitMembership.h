@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include <Foundation/NSCharacterSet.h>
@@ -18,15 +19,20 @@ enum class NSMembership : std::uint8_t {
   characters,
 };
 
-/// Which units of a text are members, in bits: bit `k % 64` of word `k / 64` stands for the unit
-/// `from + k`. Bits behind the text are 0.
+/// Room for which units of a part of a text are members, in bits: bit `k % 64` of word `k / 64`
+/// stands for the k-th unit of the part.
 struct NSMemberBits {
   static constexpr std::size_t unitCount = 1024;
-  std::array<std::uint64_t, unitCount / 64> words;
+  // The bits of a part that fills the room are followed by an empty word.
+  std::array<std::uint64_t, unitCount / 64 + 1> words;
 };
 
-NS_EXPORT void NSFindMembers(const NSCharacterSet& set, std::u16string_view text, std::size_t from,
-                             NSMembership membership, NSMemberBits& bits) noexcept;
+/// Marks the members among the `NSMemberBits::unitCount` units from `from` on, or those that there
+/// are. Gives the words in use; bits behind the text are 0.
+NS_EXPORT std::span<const std::uint64_t> NSFindMembers(const NSCharacterSet& set,
+                                                       std::u16string_view text, std::size_t from,
+                                                       NSMembership membership,
+                                                       NSMemberBits& bits) noexcept;
 
 /// The first member at or behind `from`; `npos` when there is none.
 NS_EXPORT std::size_t NSFirstMember(const NSCharacterSet& set, std::u16string_view text,
@@ -47,14 +53,12 @@ void NSForEachMember(const NSCharacterSet& set, std::u16string_view text, NSMemb
                      Visit visit) {
   NSMemberBits bits;
   for (std::size_t from = 0; from < text.size(); from += NSMemberBits::unitCount) {
-    NSFindMembers(set, text, from, membership, bits);
     std::size_t at = from;
-    for (std::uint64_t word : bits.words) {
+    for (std::uint64_t word : NSFindMembers(set, text, from, membership, bits)) {
       for (; word != 0; word &= word - 1) {
         visit(at + static_cast<std::size_t>(std::countr_zero(word)));
       }
       at += 64;
-      if (at >= text.size()) break;
     }
   }
 }

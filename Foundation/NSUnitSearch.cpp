@@ -65,7 +65,8 @@ template <class Letters>
 HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std::size_t count,
                                 const std::uint16_t* needle, std::size_t length,
                                 std::span<std::size_t> places) {
-  const hn::CappedTag<std::uint16_t, 64> tag;
+  // No wider, so that lines fill some.
+  const hn::CappedTag<std::uint16_t, 16> tag;
   const std::size_t lanes = hn::Lanes(tag);
   // What two cases of a unit differ in is set in both before they are compared.
   const auto firstCase = hn::Set(tag, letters.caseBit(needle[0]));
@@ -88,22 +89,31 @@ HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std:
     }
   };
 
-  for (; place + lanes <= count; place += lanes) {
-    const auto atFirst = hn::Eq(hn::Or(hn::LoadU(tag, text + place), firstCase), first);
-    const auto atLast = hn::Eq(hn::Or(hn::LoadU(tag, text + place + length - 1), lastCase), last);
+  const auto candidatesAt = [&](std::size_t at) HWY_ATTR {
+    const auto atFirst = hn::Eq(hn::Or(hn::LoadU(tag, text + at), firstCase), first);
+    const auto atLast = hn::Eq(hn::Or(hn::LoadU(tag, text + at + length - 1), lastCase), last);
     const auto candidates = hn::And(atFirst, atLast);
-    if (hn::AllFalse(tag, candidates)) continue;
+    std::uint64_t bits = 0;
+    if (hn::AllFalse(tag, candidates)) return bits;
     static_assert(std::endian::native == std::endian::little, "the first byte holds the low bits");
     std::array<std::uint8_t, 8> stored{};
     hn::StoreMaskBits(tag, candidates, stored.data());
-    std::uint64_t bits = 0;
     std::memcpy(&bits, stored.data(), sizeof(bits));
-    for (; bits != 0; bits &= bits - 1) {
+    return bits;
+  };
+
+  while (place < count && count >= lanes) {
+    // The last vector overlaps the one before it.
+    const std::size_t done = place;
+    place = std::min(place, count - lanes);
+    for (std::uint64_t bits = candidatesAt(place) >> (done - place) << (done - place); bits != 0;
+         bits &= bits - 1) {
       take(place + static_cast<std::size_t>(std::countr_zero(bits)));
       if (found == places.size()) return found;
     }
+    place += lanes;
     if (budget == 0) {
-      const std::size_t next = std::max(place + lanes, earliest);
+      const std::size_t next = std::max(place, earliest);
       if (next >= count) return found;
       return findLinearly(letters, text, next, count, needle, length, places, found);
     }

@@ -27,4 +27,7 @@ function(zk_configure_library target)
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation>)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zk_build_options>)
+  # Calls within the library are direct: nobody replaces its functions by their own.
+  target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+  target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
 endfunction()
