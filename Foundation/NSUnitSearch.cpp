@@ -61,12 +61,11 @@ std::size_t findLinearly(Letters letters, const std::uint16_t* text, std::size_t
 // Looks for places where the needle's first and last units stand the right way apart, a vector of
 // them at once, and compares the rest only there. After W. Muła, "SIMD-friendly algorithms for
 // substring searching". Gives how many of the `count` places fit.
-template <class Letters>
-HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std::size_t count,
-                                const std::uint16_t* needle, std::size_t length,
-                                std::span<std::size_t> places) {
-  // No wider, so that lines fill some.
-  const hn::CappedTag<std::uint16_t, 16> tag;
+template <std::size_t widest, class Letters>
+HWY_ATTR std::size_t findPlacesBy(Letters letters, const std::uint16_t* text, std::size_t count,
+                                  const std::uint16_t* needle, std::size_t length,
+                                  std::span<std::size_t> places) {
+  const hn::CappedTag<std::uint16_t, widest> tag;
   const std::size_t lanes = hn::Lanes(tag);
   // What two cases of a unit differ in is set in both before they are compared.
   const auto firstCase = hn::Set(tag, letters.caseBit(needle[0]));
@@ -93,7 +92,7 @@ HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std:
     const auto atFirst = hn::Eq(hn::Or(hn::LoadU(tag, text + at), firstCase), first);
     const auto atLast = hn::Eq(hn::Or(hn::LoadU(tag, text + at + length - 1), lastCase), last);
     const auto candidates = hn::And(atFirst, atLast);
-    std::uint64_t bits = 0;
+    std::uint32_t bits = 0;
     if (hn::AllFalse(tag, candidates)) return bits;
     static_assert(std::endian::native == std::endian::little, "the first byte holds the low bits");
     std::array<std::uint8_t, 8> stored{};
@@ -101,27 +100,45 @@ HWY_ATTR std::size_t findPlaces(Letters letters, const std::uint16_t* text, std:
     std::memcpy(&bits, stored.data(), sizeof(bits));
     return bits;
   };
-
-  while (place < count && count >= lanes) {
-    // The last vector overlaps the one before it.
-    const std::size_t done = place;
-    place = std::min(place, count - lanes);
-    for (std::uint64_t bits = candidatesAt(place) >> (done - place) << (done - place); bits != 0;
-         bits &= bits - 1) {
-      take(place + static_cast<std::size_t>(std::countr_zero(bits)));
-      if (found == places.size()) return found;
+  // Whether there is no room for more places.
+  const auto takeAll = [&](std::size_t at, std::uint32_t bits) {
+    for (; bits != 0; bits &= bits - 1) {
+      take(at + static_cast<std::size_t>(std::countr_zero(bits)));
+      if (found == places.size()) return true;
     }
-    place += lanes;
+    return false;
+  };
+
+  for (; place + lanes <= count; place += lanes) {
+    const std::uint32_t bits = candidatesAt(place);
+    if (bits == 0) continue;
+    if (takeAll(place, bits)) return found;
     if (budget == 0) {
-      const std::size_t next = std::max(place, earliest);
+      const std::size_t next = std::max(place + lanes, earliest);
       if (next >= count) return found;
       return findLinearly(letters, text, next, count, needle, length, places, found);
     }
+  }
+  if (place < count && count >= lanes) {
+    // The last vector overlaps the one before it.
+    const std::size_t at = count - lanes;
+    const auto done = static_cast<std::uint32_t>(place - at);
+    takeAll(at, candidatesAt(at) >> done << done);
+    return found;
   }
   for (; place < count && found < places.size(); ++place) {
     take(place);
   }
   return found;
+}
+
+template <class Letters>
+std::size_t findPlaces(Letters letters, const std::uint16_t* text, std::size_t count,
+                       const std::uint16_t* needle, std::size_t length,
+                       std::span<std::size_t> places) {
+  // The widest vector that the text fills.
+  return count < 32 ? findPlacesBy<8>(letters, text, count, needle, length, places)
+                    : findPlacesBy<32>(letters, text, count, needle, length, places);
 }
 
 std::size_t findUnits(const std::uint16_t* text, std::size_t count, const std::uint16_t* needle,
