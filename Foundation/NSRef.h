@@ -67,6 +67,15 @@ class NSRef {
   T& operator*() const { return *checked(); }
   T* operator->() const { return checked(); }
 
+  /// The object as a `U` without a reference of its own, or null when it is none.
+  template <class U>
+  U* cast() const noexcept {
+    // Mostly it is exactly a U, for which the type need not be searched.
+    if constexpr (requires { static_cast<U*>(_object); }) {
+      if (_object != nullptr && typeid(*_object) == typeid(U)) return static_cast<U*>(_object);
+    }
+    return dynamic_cast<U*>(_object);
+  }
   /// The same object as a `U`, or nil when it is none.
   template <class U>
   [[nodiscard]] NSRef<U> as() const& noexcept {
@@ -89,14 +98,6 @@ class NSRef {
  private:
   void retain() const noexcept {
     if (_object != nullptr) _object->retain();
-  }
-  template <class U>
-  U* cast() const noexcept {
-    // Mostly it is exactly a U, for which the type need not be searched.
-    if constexpr (requires { static_cast<U*>(_object); }) {
-      if (_object != nullptr && typeid(*_object) == typeid(U)) return static_cast<U*>(_object);
-    }
-    return dynamic_cast<U*>(_object);
   }
   T* checked() const {
     if (_object == nullptr) [[unlikely]] {

@@ -6,6 +6,8 @@
 #include <Foundation/Foundation.h>
 #include <ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSGeometry+ZKRectangles.h>
 #include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h>

@@ -4,6 +4,8 @@ target_compile_options(zk_build_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
   -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough
   $<$<BOOL:${ZK_WARNINGS_AS_ERRORS}>:-Werror>)
+# A product and a sum are two operations that round by themselves on every processor.
+target_compile_options(zk_build_options INTERFACE -ffp-contract=off)
 
 if(ZK_SANITIZE)
   target_compile_options(zk_build_options INTERFACE

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <Foundation/NSGeometry.h>
+#include <ZKFoundation/ZKExport.h>
+
+// Points, lines, angles and Bezier curves. Nothing here fails: what the arithmetic makes of
+// degenerate input is given, except where a guard is named. "Float precision" is that of the
+// single-precision `atan2f` and `hypotf`, about seven digits, behind differences that are taken in
+// double and then rounded.
+
+extern "C" {
+
+/// What `ZKPointIntersection2` gives when there is no intersection: (-10000000.2, -999999.6).
+ZK_EXPORT extern const NSPoint ZKNotFoundPoint;
+
+/// The multiple of 45 degrees, below 360, that is nearest to an angle of 0 to 360 degrees; half way
+/// the lower one. Below 0 it is 0, and so it is above 337.5 and for NaN.
+ZK_EXPORT double ZKSnapAngleToStandardAngles(double angle);
+
+/// The direction from a to b in radians, -π to π, in float precision. An angle, not dy/dx.
+ZK_EXPORT CGFloat ZKSlope(NSPoint a, NSPoint b);
+/// The distance from a to p as a fraction of the length from a to b; 0 when a and b coincide. In
+/// float precision.
+ZK_EXPORT CGFloat ZKRelPoint(NSPoint p, NSPoint a, NSPoint b);
+/// The distance from a to b, in float precision.
+ZK_EXPORT CGFloat ZKLineLength(NSPoint a, NSPoint b);
+/// The point half way from a to b.
+ZK_EXPORT NSPoint ZKBisectLine(NSPoint a, NSPoint b);
+/// The point at a + (b - a) t; t is not clamped.
+ZK_EXPORT NSPoint ZKInterpolate(NSPoint a, NSPoint b, double t);
+
+/// |v|²
+ZK_EXPORT CGFloat ZKSquaredLength(NSPoint v);
+/// a - b
+ZK_EXPORT NSPoint ZKDiffPoint(NSPoint a, NSPoint b);
+/// |a - b|²
+ZK_EXPORT CGFloat ZKDiffPointSquaredLength(NSPoint a, NSPoint b);
+/// a + b
+ZK_EXPORT NSPoint ZKSumPoint(NSPoint a, NSPoint b);
+/// a · b
+ZK_EXPORT CGFloat ZKDotProduct(NSPoint a, NSPoint b);
+
+/// Where the lines y = m x + k through a and through c meet, with the directions of a to b and of c
+/// to d in radians (`ZKSlope`) as m: near the true intersection for almost level lines only;
+/// `ZKPointIntersection2` gives it for all. Lines of the same direction give infinities or NaN.
+ZK_EXPORT NSPoint ZKPointIntersection(NSPoint a, NSPoint b, NSPoint c, NSPoint d);
+/// Where the segment from a to b crosses the infinite line through c and d. `ZKNotFoundPoint` when
+/// it does not, when the two are parallel, and for NaN.
+ZK_EXPORT NSPoint ZKPointIntersection2(NSPoint a, NSPoint b, NSPoint c, NSPoint d);
+
+/// The direction of a to b minus that of b to c: radians in float precision, -2π to 2π.
+ZK_EXPORT CGFloat ZKAngleBetween(NSPoint a, NSPoint b, NSPoint c);
+/// The point of the segment from a to b that is nearest to p, with the length of the segment in
+/// float precision; a when float sees no length.
+ZK_EXPORT NSPoint ZKNearestPointOnLine(NSPoint p, NSPoint a, NSPoint b);
+
+/// Whether neither coordinate differs by more than the tolerance; NaN differs by no more.
+ZK_EXPORT bool ZKAreSimilarPoints(NSPoint a, NSPoint b, double tolerance);
+/// The same for width and height.
+ZK_EXPORT bool ZKAreSimilarSizes(NSSize a, NSSize b, double tolerance);
+
+/// The centre of the circle through three points; infinities or NaN when they lie on a line.
+ZK_EXPORT NSPoint ZKCenterOfCircleFromThreePoints(NSPoint a, NSPoint b, NSPoint c);
+
+/// The point at t of the Bezier curve of a degree of 0 to 5 with the degree + 1 control points, by
+/// de Casteljau's method; t is not clamped. When `left` and `right` are not null, the control
+/// points of the curve's two parts before and behind t are stored there, degree + 1 each; either
+/// may be `points` itself. Any other degree stores nothing and gives (0, 0).
+ZK_EXPORT NSPoint ZKBezier(const NSPoint* points, int degree, double t, NSPoint* left,
+                           NSPoint* right);
+
+/// The direction of the tangent of a cubic (4 control points) at t, which is clamped to 0 to 1, in
+/// radians; 0 where the curve stands still.
+ZK_EXPORT double ZKBezierSlope(const NSPoint* points, double t);
+
+/// The point of a cubic (4 control points) that is nearest to p; its parameter is stored at t
+/// unless that is null. At equal distances the smallest parameter is taken. Coordinates that are
+/// infinite or NaN, or whose products overflow, give some point that the arithmetic leads to.
+///
+/// The answer is that of P. Schneider's "Solving the Nearest-Point-on-Curve Problem" (Graphics
+/// Gems, 1990) bit for bit, whose search stops at a fixed flatness: its parameter is exact to about
+/// 2e-6 of a curve of size 1000, but grows coarse with the drawing's scale and is off by a
+/// hundredth at a million. `ZKNearestPointOnCurveRefined` is exact at every scale.
+ZK_EXPORT NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p);
+
+/// The same to the precision of doubles at any scale: the distance is the smallest there is but for
+/// a few units in the last place of the coordinates' differences, and the parameter is as exact as
+/// the curve allows.
+ZK_EXPORT NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p);
+
+/// The roots of a polynomial of degree 5 in Bezier form, in increasing order: stores up to five
+/// parameters at t and gives their number. The polynomial is the six points' y over their x, which
+/// are evenly spaced; a root is a change between y below 0 and y of 0 or more.
+///
+/// Recursive subdivision, where it is sure of one root, ends when that is found as exactly as
+/// `ZKNearestPointOnCurve` says, or 64 levels down; `depth`, 0 for a whole search, is the level it
+/// starts at. Roots that coincide take as many levels as doubles can tell them apart, at most some
+/// 2,200: heights that are infinite could go on for ever, and what is still divided there has no
+/// root. Heights next to the smallest double may round to more roots than there are; when six turn
+/// up in one half of the curve, the process ends with an assertion message.
+ZK_EXPORT int ZKFindRoots(const NSPoint* points, double* t, int depth);
+
+}  // extern "C"
