@@ -1,0 +1,120 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include <Foundation/NSGeometry.h>
+
+/// The nearest-point method as it is published, level by level, with a bound on what it may take.
+class BezierModel {
+ public:
+  static NSPoint bezier(const NSPoint* points, int degree, double t, NSPoint* left,
+                        NSPoint* right) {
+    std::array<std::array<NSPoint, 6>, 6> table;
+    std::copy_n(points, degree + 1, table[0].begin());
+    for (std::size_t i = 1; i <= std::size_t(degree); ++i) {
+      for (std::size_t j = 0; j <= std::size_t(degree) - i; ++j) {
+        const NSPoint a = table[i - 1][j], b = table[i - 1][j + 1];
+        table[i][j] = {(1 - t) * a.x + t * b.x, (1 - t) * a.y + t * b.y};
+      }
+    }
+    for (std::size_t j = 0; j <= std::size_t(degree); ++j) {
+      if (left != nullptr) left[j] = table[j][0];
+      if (right != nullptr) right[j] = table[std::size_t(degree) - j][j];
+    }
+    return table[std::size_t(degree)][0];
+  }
+
+  /// Whether the last search came to its end by itself, and in order.
+  bool hasEnded() const { return !_isLost; }
+
+  int findRoots(const NSPoint* w, double* t, int depth) {
+    _isLost = false;
+    _calls = 0;
+    return search(w, t, depth, 0);
+  }
+
+  NSPoint nearestPoint(const NSPoint* v, double* t, NSPoint p) {
+    constexpr double z[3][4] = {{1, 0.6, 0.3, 0.1}, {0.4, 0.6, 0.6, 0.4}, {0.1, 0.3, 0.6, 1}};
+    constexpr double x[6] = {0, 0.2, 0.4, 0.6, 0.8, 1.0};
+    std::array<NSPoint, 6> w;
+    for (int k = 0; k <= 5; ++k) {
+      w[std::size_t(k)] = {x[k], 0};
+      for (int i = std::max(0, k - 2); i <= std::min(k, 3); ++i) {
+        const int j = k - i;
+        const NSPoint c = {v[i].x - p.x, v[i].y - p.y};
+        const NSPoint d = {3 * (v[j + 1].x - v[j].x), 3 * (v[j + 1].y - v[j].y)};
+        w[std::size_t(k)].y += (d.x * c.x + d.y * c.y) * z[j][i];
+      }
+    }
+    std::array<double, 10> roots;
+    const int count = findRoots(w.data(), roots.data(), 0);
+    const auto distance = [p](NSPoint q) {
+      return (q.x - p.x) * (q.x - p.x) + (q.y - p.y) * (q.y - p.y);
+    };
+    double least = distance(v[0]);
+    *t = 0;
+    for (int k = 0; k < count; ++k) {
+      const double other = distance(bezier(v, 3, roots[std::size_t(k)], nullptr, nullptr));
+      if (other < least) {
+        least = other;
+        *t = roots[std::size_t(k)];
+      }
+    }
+    if (distance(v[3]) < least) *t = 1;
+    return bezier(v, 3, *t, nullptr, nullptr);
+  }
+
+ private:
+  static bool isFlat(const NSPoint* w) {
+    const double a = w[0].y - w[5].y, b = w[5].x - w[0].x;
+    const double c = w[0].x * w[5].y - w[5].x * w[0].y;
+    const double ab2 = a * a + b * b;
+    double above = 0, below = 0;
+    for (int i = 1; i <= 4; ++i) {
+      const double v = a * w[i].x + b * w[i].y + c;
+      const double squared = v > 0 ? v * v / ab2 : v < 0 ? -(v * v / ab2) : 0;
+      if (squared > above) above = squared;
+      if (squared < below) below = squared;
+    }
+    const double inverse = 1 / (0 * b - a * 1);
+    const double i1 = (1 * (c + above) - b * 0) * inverse;
+    const double i2 = (1 * (c + below) - b * 0) * inverse;
+    return 0.5 * (std::max(i1, i2) - std::min(i1, i2)) < std::ldexp(1.0, -65);
+  }
+
+  int search(const NSPoint* w, double* t, int depth, int level) {
+    if (_isLost || level > 2150 || ++_calls > 15000) {
+      _isLost = true;
+      return 0;
+    }
+    int crossings = 0;
+    for (int k = 1; k <= 5; ++k) crossings += (w[k - 1].y < 0) != (w[k].y < 0) ? 1 : 0;
+    if (crossings == 0) return 0;
+    if (crossings == 1 && depth >= 64) {
+      t[0] = (w[0].x + w[5].x) * 0.5;
+      return 1;
+    }
+    if (crossings == 1 && isFlat(w)) {
+      const double width = w[5].x - w[0].x, height = w[5].y - w[0].y;
+      t[0] = (width * w[0].y - height * w[0].x) / (width * 0 - height);
+      return 1;
+    }
+    NSPoint left[6], right[6];
+    bezier(w, 5, 0.5, left, right);
+    std::array<double, 12> leftRoots, rightRoots;
+    const int leftCount = search(left, leftRoots.data(), depth + 1, level + 1);
+    const int rightCount = search(right, rightRoots.data(), depth + 1, level + 1);
+    if (_isLost || leftCount >= 6 || rightCount >= 6) {
+      _isLost = true;
+      return 0;
+    }
+    std::copy_n(leftRoots.begin(), leftCount, t);
+    std::copy_n(rightRoots.begin(), rightCount, t + leftCount);
+    return leftCount + rightCount;
+  }
+
+  bool _isLost = false;
+  int _calls = 0;
+};
