@@ -113,27 +113,42 @@ NSPoint ZKCenterOfCircleFromThreePoints(NSPoint a, NSPoint b, NSPoint c) {
 
 namespace {
 
-// ZKBezier of degree 3.
-NSPoint cubicAt(const NSPoint* points, double t) {
-  const ZKPair a = ZKBetween(points[0], points[1], t);
-  const ZKPair b = ZKBetween(points[1], points[2], t);
-  const ZKPair c = ZKBetween(points[2], points[3], t);
-  return ZKBetween(ZKBetween(a, b, t), ZKBetween(b, c, t), t).point();
+// For each degree compiled by itself, so that its loops are unrolled.
+template <std::size_t degree>
+NSPoint bezier(const NSPoint* points, double t, NSPoint* left, NSPoint* right) {
+  std::array<ZKPair, degree + 1> row;
+  std::copy_n(points, row.size(), row.begin());
+  for (std::size_t step = 0; step < degree; ++step) {
+    if (left != nullptr) left[step] = row[0].point();
+    if (right != nullptr) right[degree - step] = row[degree - step].point();
+    for (std::size_t k = 0; k < degree - step; ++k) row[k] = ZKBetween(row[k], row[k + 1], t);
+  }
+  const NSPoint point = row[0].point();
+  if (left != nullptr) left[degree] = point;
+  if (right != nullptr) right[0] = point;
+  return point;
 }
+
+NSPoint cubicAt(const NSPoint* points, double t) { return bezier<3>(points, t, nullptr, nullptr); }
 
 }  // namespace
 
 NSPoint ZKBezier(const NSPoint* points, int degree, double t, NSPoint* left, NSPoint* right) {
-  constexpr int highest = 5;
-  if (degree < 0 || degree > highest) return {0, 0};
-  const auto last = static_cast<std::size_t>(degree);
-  std::array<ZKPair, highest + 1> row;
-  for (std::size_t k = 0; k <= last; ++k) row[k] = points[k];
-  for (std::size_t step = 0;; ++step) {
-    if (left != nullptr) left[step] = row[0].point();
-    if (right != nullptr) right[last - step] = row[last - step].point();
-    if (step == last) return row[0].point();
-    for (std::size_t k = 0; k < last - step; ++k) row[k] = ZKBetween(row[k], row[k + 1], t);
+  switch (degree) {
+    case 0:
+      return bezier<0>(points, t, left, right);
+    case 1:
+      return bezier<1>(points, t, left, right);
+    case 2:
+      return bezier<2>(points, t, left, right);
+    case 3:
+      return bezier<3>(points, t, left, right);
+    case 4:
+      return bezier<4>(points, t, left, right);
+    case 5:
+      return bezier<5>(points, t, left, right);
+    default:
+      return {0, 0};
   }
 }
 

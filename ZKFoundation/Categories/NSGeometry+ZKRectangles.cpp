@@ -261,7 +261,9 @@ bool ZKPointInRects(const NSRef<NSArray>& rects, NSPoint p) {
       NSException::raise(NSInvalidArgumentException,
                          "an element is not an NSValue (in 'ZKPointInRects')");
     }
-    return NSPointInRect(p, value->rectValue());
+    const NSRect* const rect = value->get<NSRect>();
+    // What is no rectangle raises.
+    return NSPointInRect(p, rect != nullptr ? *rect : value->rectValue());
   };
   return std::ranges::any_of(held->objects(), contains);
 }
