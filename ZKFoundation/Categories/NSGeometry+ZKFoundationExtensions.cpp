@@ -6,7 +6,6 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
-#include <source_location>
 #include <span>
 
 // The checks of the root search are made in every build.
@@ -166,9 +165,9 @@ double ZKBezierSlope(const NSPoint* points, double t) {
 namespace {
 
 // Ends the process as a failed assert does, in every build.
-void require(bool holds, const char* expression,
-             const std::source_location& place = std::source_location::current()) {
-  if (!holds) __assert_fail(expression, place.file_name(), place.line(), "ZKFindRoots");
+void require(bool holds, const char* expression, const char* file = __builtin_FILE(),
+             unsigned line = __builtin_LINE()) {
+  if (!holds) __assert_fail(expression, file, line, "ZKFindRoots");
 }
 
 void requireFewRoots(int left_count, int right_count) {

@@ -77,10 +77,10 @@ ZK_EXPORT double ZKBezierSlope(const NSPoint* points, double t);
 /// unless that is null. At equal distances the smallest parameter is taken. Coordinates that are
 /// infinite or NaN, or whose products overflow, give some point that the arithmetic leads to.
 ///
-/// The answer is that of P. Schneider's "Solving the Nearest-Point-on-Curve Problem" (Graphics
-/// Gems, 1990) bit for bit, whose search stops at a fixed flatness: its parameter is exact to about
-/// 2e-6 of a curve of size 1000, but grows coarse with the drawing's scale and is off by a
-/// hundredth at a million. `ZKNearestPointOnCurveRefined` is exact at every scale.
+/// The answer is bit for bit that of the method in the first volume of "Graphics Gems" (1990),
+/// whose search stops at a fixed flatness: the distance is exact to about a millionth of the
+/// curve's size for curves of a size of 1e-3 to 1e3, and coarser for others, up to some hundredths
+/// at 1e6. `ZKNearestPointOnCurveRefined` is exact at every scale.
 ZK_EXPORT NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p);
 
 /// The same to the precision of doubles at any scale: the distance is the smallest there is but for

@@ -1,0 +1,121 @@
+#include "examples/gallery/Pictures.h"
+
+#include <array>
+#include <cmath>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+namespace {
+
+using Cubic = std::array<NSPoint, 4>;
+
+Cubic moved(const Cubic& curve, NSPoint by) {
+  Cubic result;
+  for (std::size_t k = 0; k < curve.size(); ++k) result[k] = ZKSumPoint(curve[k], by);
+  return result;
+}
+
+constexpr Cubic arch = {{{30, 40}, {60, 190}, {200, 210}, {230, 70}}};
+constexpr Cubic loop = {{{50, 50}, {300, 200}, {-40, 200}, {210, 50}}};
+constexpr Cubic cusp = {{{50, 50}, {210, 200}, {50, 200}, {210, 50}}};
+
+Drawing subdivision() {
+  Drawing drawing({270, 240});
+  Cubic left;
+  Cubic right;
+  const NSPoint middle = ZKBezier(arch.data(), 3, 0.4, left.data(), right.data());
+  drawing.polygon(arch, {.stroke = givenColor, .dash = "3 2"});
+  drawing.polygon(left, {.stroke = resultColor});
+  drawing.polygon(right, {.stroke = otherColor});
+  drawing.cubic(left, {.stroke = resultColor, .width = 3});
+  drawing.cubic(right, {.stroke = otherColor, .width = 3});
+  for (const NSPoint point : left) drawing.dot(point, resultColor);
+  for (const NSPoint point : right) drawing.dot(point, otherColor);
+  drawing.dot(middle, "black", 4);
+  return drawing;
+}
+
+Drawing tangents() {
+  Drawing drawing({540, 240});
+  for (const Cubic& curve : {arch, moved(loop, {270, 0})}) {
+    drawing.cubic(curve, {.stroke = givenColor, .width = 2});
+    for (int k = 0; k <= 12; ++k) {
+      const double t = k / 12.0;
+      const NSPoint point = ZKBezier(curve.data(), 3, t, nullptr, nullptr);
+      const double direction = ZKBezierSlope(curve.data(), t);
+      drawing.arrow(point, ZKSumPoint(point, {28 * std::cos(direction), 28 * std::sin(direction)}),
+                    {.stroke = resultColor});
+    }
+  }
+  return drawing;
+}
+
+Drawing nearestPoints() {
+  Drawing drawing({780, 240});
+  double x = 0;
+  for (const Cubic& curve : {arch, loop, cusp}) {
+    const Cubic here = moved(curve, {x, 0});
+    for (double column = 10; column < 260; column += 16) {
+      for (double row = 10; row < 240; row += 16) {
+        const NSPoint p = {x + column, row};
+        drawing.line(p, ZKNearestPointOnCurve(here.data(), nullptr, p),
+                     {.stroke = resultColor, .width = 0.5});
+        drawing.dot(p, resultColor, 1);
+      }
+    }
+    drawing.cubic(here, {.stroke = otherColor, .width = 2});
+    x += 260;
+  }
+  return drawing;
+}
+
+// The same drawing at several scales, seen from so far that it looks the same each time.
+Drawing scales() {
+  Drawing drawing({1040, 260});
+  struct Scale {
+    double factor;
+    std::string_view name;
+  };
+  double x = 0;
+  for (const Scale& scale : {Scale{1e-9, "a billionth of it"},
+                             {1, "as drawn"},
+                             {1e4, "10,000 times as large"},
+                             {1e6, "1,000,000 times as large"}}) {
+    Cubic scaled;
+    for (std::size_t k = 0; k < arch.size(); ++k) {
+      scaled[k] = {arch[k].x * scale.factor, arch[k].y * scale.factor};
+    }
+    const auto nearest = [&](auto find, NSPoint p) {
+      const NSPoint found = find(scaled.data(), nullptr, {p.x * scale.factor, p.y * scale.factor});
+      return NSPoint{x + found.x / scale.factor, found.y / scale.factor};
+    };
+    drawing.cubic(moved(arch, {x, 0}), {.stroke = givenColor, .width = 2});
+    for (double column = 60; column < 240; column += 20) {
+      const NSPoint p = {column, 225};
+      const NSPoint here = {x + p.x, p.y};
+      drawing.line(here, nearest(&ZKNearestPointOnCurve, p), {.stroke = otherColor, .width = 1.5});
+      drawing.line(here, nearest(&ZKNearestPointOnCurveRefined, p), {.stroke = resultColor});
+      drawing.dot(here, "black", 1.5);
+    }
+    drawing.text({x + 130, 15}, scale.name);
+    x += 260;
+  }
+  return drawing;
+}
+
+}  // namespace
+
+std::vector<Picture> picturesOfCurves() {
+  return {
+      {"subdivision", "A cubic divided at t = 0.4, with the control points of its parts.",
+       subdivision().svg()},
+      {"tangents", "Tangent directions at thirteen parameters.", tangents().svg()},
+      {"nearest", "The nearest points of an arch, a loop and a cusp from a grid of points.",
+       nearestPoints().svg()},
+      {"scales",
+       "The nearest points of one curve at four scales: blue by ZKNearestPointOnCurveRefined, "
+       "orange by ZKNearestPointOnCurve, which stops too early in very small and in large "
+       "drawings.",
+       scales().svg()},
+  };
+}
