@@ -24,11 +24,12 @@ void moveUnits(char16_t* to, const char16_t* from, std::size_t count) {
 }  // namespace
 
 NSUnitBuffer& NSUnitBuffer::operator=(const NSUnitBuffer& other) {
-  replace(0, _size, other.view());
+  if (this != &other) replace(0, _size, other.view());
   return *this;
 }
 
-NSUnitBuffer& NSUnitBuffer::operator=(NSUnitBuffer&& other) {
+NSUnitBuffer& NSUnitBuffer::operator=(
+    NSUnitBuffer&& other) {  // NOLINT(*-noexcept-move*): may copy.
   if (this == &other) return *this;
   if (other._isLent) {
     replace(0, _size, other.view());
@@ -36,11 +37,12 @@ NSUnitBuffer& NSUnitBuffer::operator=(NSUnitBuffer&& other) {
     return *this;
   }
   giveBack();
-  _units = std::exchange(other._units, nullptr);
+  _units = std::exchange(other._units, &_nothing);
   _size = std::exchange(other._size, 0);
   _capacity = other._capacity;
   _isLent = false;
   other._capacity = 0;
+  other._isLent = true;
   return *this;
 }
 

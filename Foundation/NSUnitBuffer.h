@@ -18,7 +18,7 @@ class NS_EXPORT NSUnitBuffer {
   NSUnitBuffer() noexcept = default;
   /// Starts in memory that is lent to it and outlives it. A text that needs more moves out.
   explicit NSUnitBuffer(std::span<char16_t> lent) noexcept
-      : _units(lent.data()), _capacity(lent.size() & largest), _isLent(true) {}
+      : _units(lent.data()), _capacity(lent.size() & largest) {}
   explicit NSUnitBuffer(std::u16string_view text) { append(text); }
   NSUnitBuffer(const NSUnitBuffer& other) : NSUnitBuffer(other.view()) {}
   /// Copies a text that stands in lent memory, and takes any other over. The other buffer is empty
@@ -65,8 +65,11 @@ class NS_EXPORT NSUnitBuffer {
   }
   void makeRoom(std::size_t count);
 
-  char16_t* _units = nullptr;
+  // What a buffer without memory is lent.
+  inline static char16_t _nothing = 0;
+
+  char16_t* _units = &_nothing;
   std::size_t _size = 0;
   std::size_t _capacity : 63 = 0;
-  bool _isLent : 1 = false;
+  bool _isLent : 1 = true;
 };

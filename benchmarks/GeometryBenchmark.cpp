@@ -289,8 +289,8 @@ void addRectangles() {
   std::vector<NSRect> rects;
   std::vector<NSRef<NSObject>> values;
   for (int k = 0; k < 10'000; ++k) {
-    rects.push_back({{k * 3.0, k % 7 * 10.0}, {5, 5}});
-    values.push_back(NSMake<NSValue>(rects.back()));
+    rects.push_back(NSMakeRect(k * 3.0, k % 7 * 10.0, 5, 5));
+    values.emplace_back(NSMake<NSValue>(rects.back()));
   }
   // In the last one alone.
   const NSPoint p = {rects.back().origin.x + 4, rects.back().origin.y + 4};

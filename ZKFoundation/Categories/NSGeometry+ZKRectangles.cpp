@@ -252,18 +252,17 @@ NSRect ZKScaleRectToFitInRect(NSUInteger scaling, NSUInteger alignment, NSRect a
 }
 
 bool ZKPointInRects(const NSRef<NSArray>& rects, NSPoint p) {
+  if (!rects) return false;
   // Held while it is walked, whoever else lets go of it.
-  const NSRef<NSArray> held = rects;
-  if (!held) return false;
-  const auto contains = [&](const NSRef<NSObject>& element) {
+  const auto held = NSRef<NSArray>::share(rects.get());
+  return std::ranges::any_of(held->objects(), [&](const NSRef<NSObject>& element) {
     const auto* const value = element.cast<NSValue>();
     if (value == nullptr) {
       NSException::raise(NSInvalidArgumentException,
                          "an element is not an NSValue (in 'ZKPointInRects')");
     }
-    const NSRect* const rect = value->get<NSRect>();
+    const auto* const rect = value->get<NSRect>();
     // What is no rectangle raises.
     return NSPointInRect(p, rect != nullptr ? *rect : value->rectValue());
-  };
-  return std::ranges::any_of(held->objects(), contains);
+  });
 }

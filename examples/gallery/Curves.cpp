@@ -55,13 +55,10 @@ Drawing nearestPoints() {
   double x = 0;
   for (const Cubic& curve : {arch, loop, cusp}) {
     const Cubic here = moved(curve, {x, 0});
-    for (double column = 10; column < 260; column += 16) {
-      for (double row = 10; row < 240; row += 16) {
-        const NSPoint p = {x + column, row};
-        drawing.line(p, ZKNearestPointOnCurve(here.data(), nullptr, p),
-                     {.stroke = resultColor, .width = 0.5});
-        drawing.dot(p, resultColor, 1);
-      }
+    for (const NSPoint p : Drawing::grid({{x + 10, 10}, {244, 224}}, 16)) {
+      drawing.line(p, ZKNearestPointOnCurve(here.data(), nullptr, p),
+                   {.stroke = resultColor, .width = 0.5});
+      drawing.dot(p, resultColor, 1);
     }
     drawing.cubic(here, {.stroke = otherColor, .width = 2});
     x += 260;
@@ -90,8 +87,7 @@ Drawing scales() {
       return NSPoint{x + found.x / scale.factor, found.y / scale.factor};
     };
     drawing.cubic(moved(arch, {x, 0}), {.stroke = givenColor, .width = 2});
-    for (double column = 60; column < 240; column += 20) {
-      const NSPoint p = {column, 225};
+    for (const NSPoint p : Drawing::grid({{60, 225}, {160, 0}}, 20)) {
       const NSPoint here = {x + p.x, p.y};
       drawing.line(here, nearest(&ZKNearestPointOnCurve, p), {.stroke = otherColor, .width = 1.5});
       drawing.line(here, nearest(&ZKNearestPointOnCurveRefined, p), {.stroke = resultColor});

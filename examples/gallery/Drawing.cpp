@@ -73,14 +73,26 @@ void Drawing::text(NSPoint center, std::string_view text, std::string_view color
           << "\" fill=\"" << color << "\">" << text << "</text>\n";
 }
 
+std::vector<NSPoint> Drawing::grid(NSRect area, double pitch) {
+  std::vector<NSPoint> points;
+  const int columns = static_cast<int>(area.size.width / pitch);
+  const int rows = static_cast<int>(area.size.height / pitch);
+  for (int column = 0; column <= columns; ++column) {
+    for (int row = 0; row <= rows; ++row) {
+      points.push_back(ZKSumPoint(area.origin, {column * pitch, row * pitch}));
+    }
+  }
+  return points;
+}
+
 std::string Drawing::svg() const {
   const std::string width = number(_size.width);
   const std::string height = number(_size.height);
   std::ostringstream out;
-  out << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << width << ' ' << height
-      << "\" width=\"" << width << "\" height=\"" << height
-      << "\" font-family=\"sans-serif\" font-size=\"11\" text-anchor=\"middle\">\n"
-      << "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n"
+  out << "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 " << width << ' ' << height
+      << "' width='" << width << "' height='" << height
+      << "' font-family='sans-serif' font-size='11' text-anchor='middle'>\n"
+      << "<rect width='100%' height='100%' fill='white'/>\n"
       << _shapes.str() << "</svg>\n";
   return out.str();
 }

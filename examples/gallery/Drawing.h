@@ -4,6 +4,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <Foundation/NSGeometry.h>
 
@@ -29,6 +30,9 @@ class Drawing {
   void cubic(std::span<const NSPoint, 4> points, const Style& style);
   /// Centred on the point.
   void text(NSPoint center, std::string_view text, std::string_view color = "#333");
+
+  /// Points so far apart in rows and columns.
+  static std::vector<NSPoint> grid(NSRect area, double pitch);
 
   /// The picture as a document.
   std::string svg() const;

@@ -68,12 +68,9 @@ Drawing nearestOnLine() {
   Drawing drawing({300, 220});
   const NSPoint a = {80, 70};
   const NSPoint b = {220, 150};
-  for (double x = 20; x <= 280; x += 26) {
-    for (double y = 20; y <= 200; y += 26) {
-      drawing.line({x, y}, ZKNearestPointOnLine({x, y}, a, b),
-                   {.stroke = resultColor, .width = 0.5});
-      drawing.dot({x, y}, resultColor, 1.5);
-    }
+  for (const NSPoint p : Drawing::grid({{20, 20}, {260, 182}}, 26)) {
+    drawing.line(p, ZKNearestPointOnLine(p, a, b), {.stroke = resultColor, .width = 0.5});
+    drawing.dot(p, resultColor, 1.5);
   }
   drawing.line(a, b, {.stroke = otherColor, .width = 2});
   return drawing;

@@ -76,8 +76,10 @@ Drawing alignments() {
       ZKAlignTopLeft, ZKAlignTop,        ZKAlignTopRight, ZKAlignLeft,       ZKAlignCenter,
       ZKAlignRight,   ZKAlignBottomLeft, ZKAlignBottom,   ZKAlignBottomRight};
   for (std::size_t k = 0; k < codes.size(); ++k) {
+    const std::size_t row = k / 3;
+    const std::size_t column = k % 3;
     const NSRect frame = {
-        {15 + 125.0 * static_cast<double>(k % 3), 230 - 105.0 * static_cast<double>(k / 3)},
+        {15 + 125.0 * static_cast<double>(column), 230 - 105.0 * static_cast<double>(row)},
         {110, 85}};
     NSRect image = {{0, 0}, {36, 26}};
     image.origin = ZKAlignRectangles(codes[k], image, frame);

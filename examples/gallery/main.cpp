@@ -24,15 +24,17 @@ int main(int argumentCount, char** arguments) {
   try {
     const std::filesystem::path directory = arguments[1];
     std::filesystem::create_directories(directory);
-    std::string page =
-        "<!DOCTYPE html>\n<html lang=\"en\"><meta charset=\"utf-8\"><title>Geometry</title>\n"
-        "<style>body { font-family: sans-serif; margin: 2em; max-width: 60em }\n"
-        "img { border: 1px solid #ddd; max-width: 100% }</style>\n<h1>Geometry</h1>\n";
+    std::string page = R"(<!DOCTYPE html>
+<html lang="en"><meta charset="utf-8"><title>Geometry</title>
+<style>body { font-family: sans-serif; margin: 2em; max-width: 60em }
+img { border: 1px solid #ddd; max-width: 100% }</style>
+<h1>Geometry</h1>
+)";
     std::size_t count = 0;
     for (const auto& pictures : {picturesOfLines(), picturesOfCurves(), picturesOfRectangles()}) {
       for (const Picture& picture : pictures) {
         write(directory / (picture.name + ".svg"), picture.svg);
-        page += "<figure><img src=\"" + picture.name + ".svg\" alt=\"\"><figcaption>" +
+        page += "<figure><img src='" + picture.name + ".svg' alt=''><figcaption>" +
                 picture.caption + "</figcaption></figure>\n";
         ++count;
       }
