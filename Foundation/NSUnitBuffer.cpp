@@ -28,8 +28,8 @@ NSUnitBuffer& NSUnitBuffer::operator=(const NSUnitBuffer& other) {
   return *this;
 }
 
-NSUnitBuffer& NSUnitBuffer::operator=(
-    NSUnitBuffer&& other) {  // NOLINT(*-noexcept-move*): may copy.
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): may copy.
+NSUnitBuffer& NSUnitBuffer::operator=(NSUnitBuffer&& other) {
   if (this == &other) return *this;
   if (other._isLent) {
     replace(0, _size, other.view());

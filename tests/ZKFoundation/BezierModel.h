@@ -36,16 +36,17 @@ class BezierModel {
   }
 
   NSPoint nearestPoint(const NSPoint* v, double* t, NSPoint p) {
-    constexpr double z[3][4] = {{1, 0.6, 0.3, 0.1}, {0.4, 0.6, 0.6, 0.4}, {0.1, 0.3, 0.6, 1}};
-    constexpr double x[6] = {0, 0.2, 0.4, 0.6, 0.8, 1.0};
+    constexpr std::array<std::array<double, 4>, 3> z = {
+        {{1, 0.6, 0.3, 0.1}, {0.4, 0.6, 0.6, 0.4}, {0.1, 0.3, 0.6, 1}}};
+    constexpr std::array<double, 6> x = {0, 0.2, 0.4, 0.6, 0.8, 1.0};
     std::array<NSPoint, 6> w;
-    for (int k = 0; k <= 5; ++k) {
-      w[std::size_t(k)] = {x[k], 0};
-      for (int i = std::max(0, k - 2); i <= std::min(k, 3); ++i) {
-        const int j = k - i;
+    for (std::size_t k = 0; k <= 5; ++k) {
+      w[k] = {x[k], 0};
+      for (std::size_t i = k < 2 ? 0 : k - 2; i <= std::min<std::size_t>(k, 3); ++i) {
+        const std::size_t j = k - i;
         const NSPoint c = {v[i].x - p.x, v[i].y - p.y};
         const NSPoint d = {3 * (v[j + 1].x - v[j].x), 3 * (v[j + 1].y - v[j].y)};
-        w[std::size_t(k)].y += (d.x * c.x + d.y * c.y) * z[j][i];
+        w[k].y += (d.x * c.x + d.y * c.y) * z[j][i];
       }
     }
     std::array<double, 10> roots;
@@ -101,11 +102,11 @@ class BezierModel {
       t[0] = (width * w[0].y - height * w[0].x) / (width * 0 - height);
       return 1;
     }
-    NSPoint left[6], right[6];
-    bezier(w, 5, 0.5, left, right);
+    std::array<NSPoint, 6> left, right;
+    bezier(w, 5, 0.5, left.data(), right.data());
     std::array<double, 12> leftRoots, rightRoots;
-    const int leftCount = search(left, leftRoots.data(), depth + 1, level + 1);
-    const int rightCount = search(right, rightRoots.data(), depth + 1, level + 1);
+    const int leftCount = search(left.data(), leftRoots.data(), depth + 1, level + 1);
+    const int rightCount = search(right.data(), rightRoots.data(), depth + 1, level + 1);
     if (_isLost || leftCount >= 6 || rightCount >= 6) {
       _isLost = true;
       return 0;

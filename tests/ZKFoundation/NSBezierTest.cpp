@@ -227,9 +227,11 @@ class ExactCurve {
   }
 
   long double least() const {
-    constexpr long double step = 1 / 400.0L;
+    constexpr int steps = 400;
+    constexpr long double step = 1.0L / steps;
     long double best = std::min(distance(0), distance(1));
-    for (long double t = 0; t < 1; t += step) {
+    for (int k = 0; k < steps; ++k) {
+      const long double t = k * step;
       if (distance(t) > best + step * size()) continue;
       long double low = t - step;
       long double high = t + step;

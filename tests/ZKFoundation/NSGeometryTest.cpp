@@ -144,8 +144,10 @@ TEST(NSRect, ContainsItsMinEdgesAndOverlapsByArea) {
   expectProperty("a rectangle is the unit cells that begin in it", [] {
     const NSRect a = anyRect(-2), b = anyRect(-2);
     bool overlaps = false;
-    for (double x = -12; x < 24; ++x) {
-      for (double y = -12; y < 24; ++y) {
+    for (int column = -12; column < 24; ++column) {
+      for (int row = -12; row < 24; ++row) {
+        const double x = column;
+        const double y = row;
         const auto holds = [&](const NSRect& rect) {
           return x >= rect.origin.x && x + 1 <= rect.origin.x + rect.size.width &&
                  y >= rect.origin.y && y + 1 <= rect.origin.y + rect.size.height;
