@@ -20,8 +20,26 @@ struct Nearest {
 // A cubic seen from the point, and what its distance depends on at a parameter.
 class Distance {
  public:
-  explicit Distance(const ZKCubic& curve) : _curve(curve) {}
+  Distance(const ZKCubic& curve, const std::array<ZKPair, 3>& derivative) : _curve(curve) {
+    double fastest = 0;
+    for (const ZKPair v : derivative) fastest = std::max(fastest, dot(v, v));
+    _leastBend = 0x1p-20 * std::sqrt(fastest);
+  }
 
+  // Adds the point between low and high where the slope, which may be zero at either end too,
+  // changes its sign.
+  void addRoot(double low, double high, double guess, bool startsBelow, Nearest& nearest) const {
+    addStationary(findRoot(low, high, guess, startsBelow), nearest);
+  }
+
+  // Adds a point where the distance may be least, and those that it hides.
+  void addStationary(double t, Nearest& nearest) const {
+    const Value value = at(t);
+    nearest.consider(t, value.squared);
+    if (std::abs(value.bend) < _leastBend) addAround(t, value, nearest);
+  }
+
+ private:
   struct Value {
     double squared;
     // Half the first and second derivatives of it.
@@ -41,29 +59,51 @@ class Distance {
     return {dot(point, point), dot(point, first), dot(first, first) + dot(point, second)};
   }
 
-  // Adds the point between low and high where the slope, which may be zero at either end too,
-  // changes its sign: Newton's method, which halves the bracket where it would leave it or where
-  // its steps do not become shorter fast enough.
-  void addRoot(double low, double high, double guess, bool startsBelow, Nearest& nearest) const {
+  // Newton's method, which halves the bracket where it would leave it or where its steps do not
+  // become shorter fast enough.
+  double findRoot(double low, double high, double guess, bool startsBelow) const {
     double t = guess > low && guess < high ? guess : 0.5 * (low + high);
     double former = high - low;
-    Value value = at(t);
-    while (value.slope != 0) {
+    for (;;) {
+      const Value value = at(t);
+      if (value.slope == 0) return t;
       ((value.slope < 0) == startsBelow ? low : high) = t;
       double next = t - value.slope / value.bend;
       const bool isGood = next > low && next < high && std::abs(next - t) <= 0.5 * former;
       if (!isGood) next = 0.5 * (low + high);
-      if (!(next > low && next < high)) break;
+      if (!(next > low && next < high)) return t;
       former = std::abs(next - t);
       t = next;
-      value = at(t);
-      if (isGood && former <= 0x1p-40 * t) break;
+      if (isGood && former <= 0x1p-40 * t) return t;
     }
-    nearest.consider(t, value.squared);
   }
 
- private:
+  // Where the curve all but stands still, as at a cusp in front of the point, roots of the slope
+  // are so near to each other that they drown in the rounding of its polynomial, but not in that of
+  // the curve itself. Looks for them at growing distances.
+  void addAround(double center, const Value& centerValue, Nearest& nearest) const {
+    for (const double direction : {-1.0, 1.0}) {
+      double former = center;
+      double formerSlope = direction * centerValue.slope;
+      for (double step = 0x1p-50; step <= 0x1p-8; step *= 2) {
+        const double t = std::clamp(center + direction * step, 0.0, 1.0);
+        if (t == former) continue;
+        const double slope = direction * at(t).slope;
+        if (formerSlope < 0 && slope >= 0) {
+          const double low = std::min(t, former);
+          const double high = std::max(t, former);
+          const double root = findRoot(low, high, 0.5 * (low + high), true);
+          nearest.consider(root, at(root).squared);
+        }
+        former = t;
+        formerSlope = slope;
+      }
+    }
+  }
+
   const ZKCubic& _curve;
+  // A bend that is less may hide roots.
+  double _leastBend;
 };
 
 bool isMonotone(const ZKPolygon& w) {
@@ -85,7 +125,7 @@ void searchRoots(const Distance& distance, const ZKPolygon& w, double low, doubl
     return distance.addRoot(low, high, guess, w[0].y() < 0, nearest);
   }
   const double middle = 0.5 * (low + high);
-  if (high - low <= 0x1p-52) return nearest.consider(middle, distance.at(middle).squared);
+  if (high - low <= 0x1p-52) return distance.addStationary(middle, nearest);
   ZKPolygon left;
   ZKPolygon right;
   ZKSplit(w, left, right);
@@ -106,9 +146,11 @@ NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p
 
   const std::array<ZKPair, 3> derivative = {(curve[1] - curve[0]) * 3, (curve[2] - curve[1]) * 3,
                                             (curve[3] - curve[2]) * 3};
+  const Distance distance(curve, derivative);
   Nearest nearest = {0, dot(curve[0], curve[0])};
-  searchRoots(Distance(curve), ZKDistanceQuintic(curve, derivative), 0, 1, nearest);
-  nearest.consider(1, dot(curve[3], curve[3]));
+  distance.addStationary(0, nearest);
+  searchRoots(distance, ZKDistanceQuintic(curve, derivative), 0, 1, nearest);
+  distance.addStationary(1, nearest);
   if (t != nullptr) *t = nearest.t;
   return ZKBezier(points, 3, nearest.t, nullptr, nullptr);
 }

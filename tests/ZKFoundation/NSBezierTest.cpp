@@ -274,10 +274,16 @@ TEST(NSBezier, RefinesToTheTrueNearestPointAtAnyScale) {
       if (kind == 2) v = {v[0], v[0], v[3], v[3]};
       if (kind == 3) std::ranges::for_each(v, [](NSPoint& point) { point.y = 0.5 * point.x; });
       if (kind == 4) p = ZKBezier(v.data(), 3, 0.3, nullptr, nullptr);
-      // A loop, and a cusp with the point above it; both have ties along x = 0.
+      // A loop and a cusp; both have ties along x = 0.
       if (kind == 5) v = {{{-scale, 0}, {2 * scale, scale}, {-2 * scale, scale}, {scale, 0}}};
       if (kind == 6) v = {{{-scale, 0}, {scale, scale}, {-scale, scale}, {scale, 0}}};
       if (kind >= 5 && k % 2 == 0) p.x = 0;
+      // Close to where the curve stands still: at the cusp, at an end, at the tip of a fold.
+      const double near = std::ldexp(scale, -static_cast<int>(cases.draw(60)));
+      if (kind == 6 && k % 4 == 1) p = {near * cases.number() / 100, 0.75 * scale - near};
+      if (kind == 1 && k % 2 == 0) p = {v[0].x + near / scale * (v[2].x - v[0].x), v[0].y};
+      if (kind == 7) v = {{{0, 0}, {-9 * scale, 0}, {2 * scale, 0}, {3 * scale, 0}}};
+      if (kind == 7) p = {-3.5160623391752877 * scale + (k % 2) * near, 0};
       double t = 7;
       const NSPoint found = ZKNearestPointOnCurveRefined(v.data(), &t, p);
       ASSERT_EQ(found, ZKBezier(v.data(), 3, t, nullptr, nullptr));
