@@ -70,17 +70,18 @@ ZK_EXPORT NSPoint ZKBezier(const NSPoint* points, int degree, double t, NSPoint*
                            NSPoint* right);
 
 /// The direction of the tangent of a cubic (4 control points) at t, which is clamped to 0 to 1, in
-/// radians; 0 where the curve stands still.
+/// radians. A curve that stands still has none: at t = 0 that gives 0, elsewhere what rounding
+/// leaves.
 ZK_EXPORT double ZKBezierSlope(const NSPoint* points, double t);
 
 /// The point of a cubic (4 control points) that is nearest to p; its parameter is stored at t
 /// unless that is null. At equal distances the smallest parameter is taken. Coordinates that are
 /// infinite or NaN, or whose products overflow, give some point that the arithmetic leads to.
 ///
-/// The answer is bit for bit that of the method in the first volume of "Graphics Gems" (1990),
-/// whose search stops at a fixed flatness: the distance is exact to about a millionth of the
-/// curve's size for curves of a size of 1e-3 to 1e3, and coarser for others, up to some hundredths
-/// at 1e6. `ZKNearestPointOnCurveRefined` is exact at every scale.
+/// The answer is bit for bit that of the method in the first volume of "Graphics Gems" (1990), whose
+/// search stops at a fixed flatness: the distance is exact to about 1e-5 of the curve's size for
+/// curves of a size of 1e-4 to 1e3, and coarser for others, up to some hundredths at 1e6.
+/// `ZKNearestPointOnCurveRefined` is exact at every scale.
 ZK_EXPORT NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p);
 
 /// The same to the precision of doubles at any scale: the distance is the smallest there is but for
