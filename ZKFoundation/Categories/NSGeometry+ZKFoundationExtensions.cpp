@@ -233,7 +233,8 @@ class RootSearch {
   // Stores the roots and gives their number.
   int run(const ZKPolygon& polygon, int depth, Roots& roots) {
     _polygon = polygon;
-    _node.depth = depth;
+    // Deeper makes no difference, and must not overflow.
+    _node.depth = std::min(depth, deepest);
     _node.crossings = ZKCrossings(polygon);
     for (;;) {
       if (_node.crossings > 1 ? enterHalves() : !findRoot(roots) && enterHalves()) continue;

@@ -169,6 +169,11 @@ TEST(NSBezier, EndsWhateverItIsGiven) {
   const int count = model.findRoots(touching.data(), expected.data(), 0);
   EXPECT_TRUE(model.hasEnded());
   EXPECT_EQ(ZKFindRoots(touching.data(), roots.data(), 0), count);
+  for (const int depth : {64, std::numeric_limits<int>::max()}) {
+    EXPECT_EQ(ZKFindRoots(overUnitInterval({-1, 2, -1, 2, 2, 2}).data(), roots.data(), depth),
+              model.findRoots(overUnitInterval({-1, 2, -1, 2, 2, 2}).data(), expected.data(), 64));
+    EXPECT_EQ(roots[0], expected[0]);
+  }
   // Levels without end.
   for (const int depth : {0, -1'000'000'000}) {
     for (const double rest : {nan, infinity, -infinity, 1.0}) {
