@@ -201,7 +201,8 @@ bool isFlat(const ZKPolygon& w) {
   const double below = belowOrNaN > 0 ? -belowOrNaN : 0;
   const double inverse = 1 / -a;
   const double error = 0.5 * std::abs((c + above) * inverse - (c + below) * inverse);
-  return error < 0x1p-65;
+  // A width without bounds leaves no error that could be compared.
+  return error < 0x1p-65 && std::isfinite(b);
 }
 
 double chordCrossing(const ZKPolygon& w) {

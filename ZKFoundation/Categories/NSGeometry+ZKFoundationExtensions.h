@@ -41,8 +41,9 @@ ZK_EXPORT NSPoint ZKSumPoint(NSPoint a, NSPoint b);
 ZK_EXPORT CGFloat ZKDotProduct(NSPoint a, NSPoint b);
 
 /// Where the lines y = m x + k through a and through c meet, with the directions of a to b and of c
-/// to d in radians (`ZKSlope`) as m: near the true intersection for almost level lines only;
-/// `ZKPointIntersection2` gives it for all. Lines of the same direction give infinities or NaN.
+/// to d in radians (`ZKSlope`) as m: near the true intersection only for lines that run to the
+/// right and are almost level; `ZKPointIntersection2` gives it for all. Lines of the same direction
+/// give infinities or NaN.
 ZK_EXPORT NSPoint ZKPointIntersection(NSPoint a, NSPoint b, NSPoint c, NSPoint d);
 /// Where the segment from a to b crosses the infinite line through c and d. `ZKNotFoundPoint` when
 /// it does not, when the two are parallel, and for NaN.
@@ -78,15 +79,16 @@ ZK_EXPORT double ZKBezierSlope(const NSPoint* points, double t);
 /// unless that is null. At equal distances the smallest parameter is taken. Coordinates that are
 /// infinite or NaN, or whose products overflow, give some point that the arithmetic leads to.
 ///
-/// The answer is bit for bit that of the method in the first volume of "Graphics Gems" (1990), whose
-/// search stops at a fixed flatness: the distance is exact to about 1e-5 of the curve's size for
-/// curves of a size of 1e-4 to 1e3, and coarser for others, up to some hundredths at 1e6.
+/// The answer is bit for bit that of the method in the first volume of "Graphics Gems" (1990),
+/// whose search stops at a fixed flatness: the distance is exact to about 1e-5 of the curve's size
+/// for curves of a size of 1e-4 to 1e3, and coarser for others, up to some hundredths at 1e6.
 /// `ZKNearestPointOnCurveRefined` is exact at every scale.
 ZK_EXPORT NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p);
 
 /// The same to the precision of doubles at any scale: the distance is the smallest there is but for
 /// a few units in the last place of the coordinates' differences, and the parameter is as exact as
-/// the curve allows.
+/// the curve allows. Never ends the process. Coordinates whose differences are infinite or NaN get
+/// the answer of `ZKNearestPointOnCurve`.
 ZK_EXPORT NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p);
 
 /// The roots of a polynomial of degree 5 in Bezier form, in increasing order: stores up to five
@@ -96,9 +98,12 @@ ZK_EXPORT NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t,
 /// Recursive subdivision, where it is sure of one root, ends when that is found as exactly as
 /// `ZKNearestPointOnCurve` says, or 64 levels down; `depth`, 0 for a whole search, is the level it
 /// starts at. Roots that coincide take as many levels as doubles can tell them apart, at most some
-/// 2,200: heights that are infinite could go on for ever, and what is still divided there has no
-/// root. Heights next to the smallest double may round to more roots than there are; when six turn
-/// up in one half of the curve, the process ends with an assertion message.
+/// 2,200: heights that are infinite could go on for ever, and what still crosses the axis more than
+/// once there has no root.
+///
+/// Heights next to the smallest double may round to more roots than there are: of six to ten the
+/// first five are given, and when six turn up in one half of the curve, the process ends with an
+/// assertion message.
 ZK_EXPORT int ZKFindRoots(const NSPoint* points, double* t, int depth);
 
 }  // extern "C"

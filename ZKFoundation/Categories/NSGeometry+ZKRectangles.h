@@ -104,8 +104,8 @@ ZK_EXPORT CGFloat ZKCoordinateForRectEdge(NSUInteger edge, NSRect rect);
 /// The origin that places a rectangle of a's size in b (`ZKRectAlignment`); any other code centres.
 ZK_EXPORT NSPoint ZKAlignRectangles(NSUInteger alignment, NSRect a, NSRect b);
 /// a scaled (`ZKRectScaling`; any other mode takes b's size) and aligned in b; a itself when the
-/// two are equal. A width or height of zero in a makes the result infinite or NaN where it is
-/// scaled proportionally.
+/// two are equal. Without width and height, a cannot be scaled proportionally: the result is
+/// infinite or NaN.
 ZK_EXPORT NSRect ZKScaleRectToFitInRect(NSUInteger scaling, NSUInteger alignment, NSRect a,
                                         NSRect b);
 

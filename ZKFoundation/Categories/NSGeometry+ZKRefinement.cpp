@@ -23,7 +23,7 @@ class Distance {
   Distance(const ZKCubic& curve, const std::array<ZKPair, 3>& derivative) : _curve(curve) {
     double fastest = 0;
     for (const ZKPair v : derivative) fastest = std::max(fastest, dot(v, v));
-    _leastBend = 0x1p-20 * std::sqrt(fastest);
+    _standstill = 0x1p-20 * fastest;
   }
 
   // Adds the point between low and high where the slope, which may be zero at either end too,
@@ -36,7 +36,7 @@ class Distance {
   void addStationary(double t, Nearest& nearest) const {
     const Value value = at(t);
     nearest.consider(t, value.squared);
-    if (std::abs(value.bend) < _leastBend) addAround(t, value, nearest);
+    if (value.speed <= _standstill) addAround(t, value, nearest);
   }
 
  private:
@@ -45,6 +45,8 @@ class Distance {
     // Half the first and second derivatives of it.
     double slope;
     double bend;
+    // The square of the curve's derivative.
+    double speed;
   };
   Value at(double t) const {
     const auto& [v0, v1, v2, v3] = _curve;
@@ -56,7 +58,8 @@ class Distance {
     const ZKPair point = ZKBetween(v012, v123, t);
     const ZKPair first = (v123 - v012) * 3;
     const ZKPair second = (v23 - v12 - (v12 - v01)) * 6;
-    return {dot(point, point), dot(point, first), dot(first, first) + dot(point, second)};
+    const double speed = dot(first, first);
+    return {dot(point, point), dot(point, first), speed + dot(point, second), speed};
   }
 
   // Newton's method, which halves the bracket where it would leave it or where its steps do not
@@ -71,7 +74,7 @@ class Distance {
       double next = t - value.slope / value.bend;
       const bool isGood = next > low && next < high && std::abs(next - t) <= 0.5 * former;
       if (!isGood) next = 0.5 * (low + high);
-      if (!(next > low && next < high)) return t;
+      if (!(next > low && next < high) || high - low <= 0x1p-60) return t;
       former = std::abs(next - t);
       t = next;
       if (isGood && former <= 0x1p-40 * t) return t;
@@ -80,12 +83,13 @@ class Distance {
 
   // Where the curve all but stands still, as at a cusp in front of the point, roots of the slope
   // are so near to each other that they drown in the rounding of its polynomial, but not in that of
-  // the curve itself. Looks for them at growing distances.
+  // the curve itself. Looks for them at growing distances: nearer ones differ by less than
+  // rounding, farther ones show in the polynomial.
   void addAround(double center, const Value& centerValue, Nearest& nearest) const {
     for (const double direction : {-1.0, 1.0}) {
       double former = center;
       double formerSlope = direction * centerValue.slope;
-      for (double step = 0x1p-50; step <= 0x1p-8; step *= 2) {
+      for (double step = 0x1p-28; step <= 0x1p-12; step *= 1.125) {
         const double t = std::clamp(center + direction * step, 0.0, 1.0);
         if (t == former) continue;
         const double slope = direction * at(t).slope;
@@ -102,8 +106,8 @@ class Distance {
   }
 
   const ZKCubic& _curve;
-  // A bend that is less may hide roots.
-  double _leastBend;
+  // The square of a speed that counts as none.
+  double _standstill;
 };
 
 bool isMonotone(const ZKPolygon& w) {

@@ -35,7 +35,7 @@ void drawDrag(Drawing& drawing, NSPoint corner, NSUInteger handle, NSPoint by) {
   const NSPoint start = ZKGetPointOfRect(handle, rect);
   const NSPoint end = ZKSumPoint(start, by);
   drawing.rect(rect, {.stroke = givenColor, .dash = "3 2"});
-  // The comparisons of the drag take y edges for x edges: near the origin they are what they seem.
+  // Moved to the origin, as the answers depend on where the rectangle stands.
   NSRect moved = NSOffsetRect(rect, -rect.origin.x, -rect.origin.y);
   const NSUInteger becomes = ZKMovePointTo(&moved, handle, ZKDiffPoint(end, rect.origin));
   rect = NSOffsetRect(moved, rect.origin.x, rect.origin.y);

@@ -174,11 +174,21 @@ TEST(NSBezier, EndsWhateverItIsGiven) {
               model.findRoots(overUnitInterval({-1, 2, -1, 2, 2, 2}).data(), expected.data(), 64));
     EXPECT_EQ(roots[0], expected[0]);
   }
+  // A width that overflows makes no polygon flat.
+  Polygon wide = overUnitInterval({1, 1, 1, -1, -1, -1});
+  for (NSPoint& point : wide) point.x = 1e308 * (2 * point.x - 1);
+  EXPECT_EQ(ZKFindRoots(wide.data(), roots.data(), 0),
+            model.findRoots(wide.data(), expected.data(), 0));
+  EXPECT_EQ(roots[0], expected[0]);
   // Levels without end.
   for (const int depth : {0, -1'000'000'000}) {
     for (const double rest : {nan, infinity, -infinity, 1.0}) {
       const Polygon polygon = overUnitInterval({0, -infinity, rest, rest, -infinity, 0});
-      EXPECT_LE(ZKFindRoots(polygon.data(), roots.data(), depth), 5);
+      const int found = ZKFindRoots(polygon.data(), roots.data(), depth);
+      for (int root = 0; root < found; ++root) {
+        const double t = roots[static_cast<std::size_t>(root)];
+        EXPECT_TRUE(t >= 0 && t <= 1) << t;
+      }
     }
   }
   const Cubic curve = {{{0, 0}, {10, 0}, {-10, 0}, {30, 0}}};
@@ -324,6 +334,10 @@ TEST(NSBezier, TurnsWithTheDrawing) {
                          distance) < 1e-7);
       const NSPoint back = nearest(reversed.data(), &other, p);
       RC_ASSERT(std::abs(std::hypot(back.x - p.x, back.y - p.y) - distance) < 1e-7);
+      // The same point but for ties: t becomes 1 - t.
+      const bool isTie = std::hypot(back.x - found.x, back.y - found.y) > 1e-2;
+      const NSPoint mirrored = ZKBezier(v.data(), 3, 1 - other, nullptr, nullptr);
+      RC_ASSERT(isTie || std::hypot(mirrored.x - found.x, mirrored.y - found.y) < 1e-2);
     }
   });
 }

@@ -46,6 +46,11 @@ TEST(NSGeometry, MeasuresInFloatPrecision) {
   EXPECT_EQ(ZKLineLength({16777217, 0}, {16777219, 0}), 2);
   EXPECT_EQ(ZKRelPoint({1, 0}, {0, 0}, {3, 0}), 1.0 / 3.0);
   EXPECT_EQ(ZKRelPoint({5, 5}, {1, 1}, {1, 1}), 0);
+  EXPECT_EQ(ZKRelPoint({5, 5}, {0, 0}, {1e-50, 0}), 0);
+  // Not known to the compiler, which rounds better than the library does.
+  const volatile float x = -4.5F;
+  const volatile float y = -9.625F;
+  EXPECT_EQ(ZKSlope({0, 0}, {-4.5, -9.625}), static_cast<double>(std::atan2(y, x)));
   const double right = ZKSlope({0, 0}, {0, 1});
   EXPECT_EQ(ZKAngleBetween({0, 0}, {1, 0}, {1, 1}), -right);
   EXPECT_EQ(ZKAngleBetween({0, 0}, {0, 1}, {0, 0}), 2 * right);
@@ -97,6 +102,8 @@ TEST(NSGeometry, FindsTheNearestPointOfASegment) {
   EXPECT_EQ(ZKNearestPointOnLine({5, 5}, {1, 2}, {1, 2}), NSMakePoint(1, 2));
   EXPECT_EQ(ZKNearestPointOnLine({9, 0}, {1, 0}, {4, 0}), NSMakePoint(4, 0));
   EXPECT_EQ(ZKNearestPointOnLine({2, 7}, {0, 0}, {4, 0}), NSMakePoint(2, 0));
+  EXPECT_EQ(ZKNearestPointOnLine({-3, 1}, {0, 0}, {4, 0}), NSMakePoint(0, 0));
+  EXPECT_EQ(ZKNearestPointOnLine({1, 1}, {0, 0}, {1e-50, 0}), NSMakePoint(0, 0));
   expectProperty("no other point of the segment is nearer", [] {
     const NSPoint p = anyPoint(), a = anyPoint(), b = anyPoint();
     const double found = distance(p, ZKNearestPointOnLine(p, a, b));
@@ -239,6 +246,9 @@ TEST(NSRect, DragsHandlesByTheTable) {
       {9, wide, {30, -5}, wide, 9},
       {~NSUInteger{0}, wide, {30, -5}, wide, ~NSUInteger{0}},
   };
+  NSRect uneven = {{0.1, 0.1}, {0.2, 0.2}};
+  ZKMovePointTo(&uneven, ZKHandleMaxXMaxY, {0.7, 0.9});
+  EXPECT_EQ(uneven.size.width, 0.2 + (0.7 - (0.1 + 0.2)));
   for (const Row& row : rows) {
     NSRect rect = row.rect;
     EXPECT_EQ(ZKMovePointTo(&rect, row.handle, row.to), row.result)
@@ -292,7 +302,16 @@ TEST(NSRect, IsAlignedAndScaled) {
     EXPECT_EQ(ZKScaleRectToFitInRect(row.mode, ZKAlignBottomLeft, {{3, 3}, row.size}, b),
               row.scaled);
   }
-  EXPECT_EQ(ZKScaleRectToFitInRect(1, ZKAlignTopRight, b, b), b);
+  EXPECT_EQ(ZKScaleRectToFitInRect(1, ZKAlignTopRight, {{0, 0}, {4, 2}}, b),
+            NSMakeRect(10, 25, 10, 5));
+  EXPECT_EQ(ZKScaleRectToFitInRect(0, ZKAlignTopRight, a, b), NSMakeRect(18, 26, 2, 4));
+  // Equal rectangles are neither scaled nor aligned.
+  for (const NSRect same : {b, {{1, 2}, {0, 5}}, {{1, 2}, {0.1, 0.3}}}) {
+    EXPECT_EQ(ZKScaleRectToFitInRect(1, ZKAlignTopRight, same, same), same);
+  }
+  // (x + width) - width of the other, not x + (width - width of the other).
+  EXPECT_EQ(ZKAlignRectangles(ZKAlignRight, {{0, 0}, {0.1, 0}}, {{0.3, 0}, {0.7, 0}}).x,
+            0.3 + 0.7 - 0.1);
   EXPECT_FALSE(std::isfinite(ZKScaleRectToFitInRect(1, 0, {{0, 0}, {0, 0}}, b).size.width));
 }
 
