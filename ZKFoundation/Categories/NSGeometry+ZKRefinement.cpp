@@ -89,7 +89,9 @@ class Distance {
     for (const double direction : {-1.0, 1.0}) {
       double former = center;
       double formerSlope = direction * centerValue.slope;
-      for (double step = 0x1p-28; step <= 0x1p-12; step *= 1.125) {
+      double step = 0x1p-28;
+      // To 2^-12.
+      for (int k = 0; k < 95; ++k, step *= 1.125) {
         const double t = std::clamp(center + direction * step, 0.0, 1.0);
         if (t == former) continue;
         const double slope = direction * at(t).slope;
