@@ -39,6 +39,8 @@ class Distance {
     if (value.speed <= _standstill) addAround(t, value, nearest);
   }
 
+  bool standsStill(ZKPair derivative) const { return dot(derivative, derivative) <= _standstill; }
+
  private:
   struct Value {
     double squared;
@@ -154,9 +156,10 @@ NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p
                                             (curve[3] - curve[2]) * 3};
   const Distance distance(curve, derivative);
   Nearest nearest = {0, dot(curve[0], curve[0])};
-  distance.addStationary(0, nearest);
+  if (distance.standsStill(derivative[0])) distance.addStationary(0, nearest);
   searchRoots(distance, ZKDistanceQuintic(curve, derivative), 0, 1, nearest);
-  distance.addStationary(1, nearest);
+  nearest.consider(1, dot(curve[3], curve[3]));
+  if (distance.standsStill(derivative[2])) distance.addStationary(1, nearest);
   if (t != nullptr) *t = nearest.t;
   return ZKBezier(points, 3, nearest.t, nullptr, nullptr);
 }
