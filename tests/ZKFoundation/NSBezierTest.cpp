@@ -293,9 +293,11 @@ TEST(NSBezier, RefinesToTheTrueNearestPointAtAnyScale) {
       if (kind == 5) v = {{{-scale, 0}, {2 * scale, scale}, {-2 * scale, scale}, {scale, 0}}};
       if (kind == 6) v = {{{-scale, 0}, {scale, scale}, {-scale, scale}, {scale, 0}}};
       if (kind >= 5 && k % 2 == 0) p.x = 0;
-      // Close to where the curve stands still: at the cusp, at an end, at the tip of a fold.
+      // Close to where the curve stands still, or almost: at the cusp, at an end, at the tip of a
+      // fold.
       const double near = std::ldexp(scale, -static_cast<int>(cases.draw(60)));
-      if (kind == 6 && k % 4 == 1) p = {near * cases.number() / 100, 0.75 * scale - near};
+      if (kind == 6 && k % 4 == 3) v[3].x += near;
+      if (kind == 6 && k % 2 == 1) p = {near * cases.number() / 100, 0.75 * scale - near};
       if (kind == 1 && k % 2 == 0) p = {v[0].x + near / scale * (v[2].x - v[0].x), v[0].y};
       if (kind == 7) v = {{{0, 0}, {-9 * scale, 0}, {2 * scale, 0}, {3 * scale, 0}}};
       if (kind == 7) p = {-3.5160623391752877 * scale + (k % 2) * near, 0};
