@@ -3,7 +3,7 @@
 #include <Foundation/NSGeometry.h>
 #include <ZKFoundation/ZKExport.h>
 
-// Points, lines, angles and Bezier curves. Nothing here fails: what the arithmetic makes of
+// Points, lines, angles and Bezier curves. Nothing here raises: what the arithmetic makes of
 // degenerate input is given, except where a guard is named. "Float precision" is that of the
 // single-precision `atan2f` and `hypotf`, about seven digits, behind differences that are taken in
 // double and then rounded.
@@ -78,6 +78,8 @@ ZK_EXPORT double ZKBezierSlope(const NSPoint* points, double t);
 /// The point of a cubic (4 control points) that is nearest to p; its parameter is stored at t
 /// unless that is null. At equal distances the smallest parameter is taken. Coordinates that are
 /// infinite or NaN, or whose products overflow, give some point that the arithmetic leads to.
+/// Differences of about 1e-160, whose products are next to the smallest double, can end the process
+/// with the assertion message of `ZKFindRoots`.
 ///
 /// The answer is bit for bit that of the method in the first volume of "Graphics Gems" (1990),
 /// whose search stops at a fixed flatness: the distance is exact to about 1e-5 of the curve's size
@@ -87,8 +89,8 @@ ZK_EXPORT NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoin
 
 /// The same to the precision of doubles at any scale: the distance is the smallest there is but for
 /// a few units in the last place of the coordinates' differences, and the parameter is as exact as
-/// the curve allows. Never ends the process. Coordinates whose differences are infinite or NaN get
-/// the answer of `ZKNearestPointOnCurve`.
+/// the curve allows. Coordinates whose differences are infinite or NaN get the answer of
+/// `ZKNearestPointOnCurve`; no others can end the process.
 ZK_EXPORT NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p);
 
 /// The roots of a polynomial of degree 5 in Bezier form, in increasing order: stores up to five
