@@ -12,12 +12,17 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSGeometry.h>
+#include <Foundation/NSIndexSet.h>
 #include <Foundation/NSKeyValueCoding.h>
 #include <Foundation/NSLog.h>
+#include <Foundation/NSMapTable.h>
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSNull.h>
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/NSOrderedSet.h>
+#include <Foundation/NSPointerArray.h>
+#include <Foundation/NSPredicate.h>
 #include <Foundation/NSRange.h>
 #include <Foundation/NSRef.h>
 #include <Foundation/NSSet.h>

@@ -1,42 +1,65 @@
 #include "Foundation/NSArray.h"
 
+#include "Foundation/NSCollectionWalks.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSNull.h"
+#include "Foundation/NSPredicate.h"
 #include "Foundation/NSString.h"
 
 #include <algorithm>
 #include <utility>
 
-NSArray::NSArray(std::vector<NSRef<NSObject>> elements) : _objects(std::move(elements)) {
-  if (std::ranges::find(_objects, nullptr) != _objects.end()) {
+namespace {
+
+// Elements that are handed in, of which none may be nil.
+template <class Objects>
+NSElements checkedElements(Objects&& objects) {
+  if (std::ranges::find(objects, nullptr) != objects.end()) {
     NSRaiseNilArgument("an element", "initWithObjects:");
   }
+  return NSElements(std::forward<Objects>(objects));
 }
+
+template <class Predicate>
+NSUInteger indexWhere(std::span<const NSRef<NSObject>> objects, Predicate predicate) {
+  const auto found = std::ranges::find_if(objects, predicate);
+  return found == objects.end() ? NSNotFound : static_cast<NSUInteger>(found - objects.begin());
+}
+
+}  // namespace
+
+NSArray::NSArray(std::span<const NSRef<NSObject>> elements)
+    : _elements(checkedElements(std::move(elements))) {}
+
+NSArray::NSArray(std::vector<NSRef<NSObject>>&& elements)
+    : _elements(checkedElements(std::move(elements))) {}
 
 NSRef<NSObject> NSArray::objectAtIndex(NSUInteger index) const {
   NSCheckIndex("objectAtIndex:", index, count());
-  return _objects[index];
+  return _elements[index];
 }
 
 NSUInteger NSArray::indexOfObject(const NSRef<NSObject>& object) const {
   if (!object) return NSNotFound;
-  const auto isEqual = [&](const auto& element) { return NSEqualObjects{}(element, object); };
-  const auto found = std::ranges::find_if(_objects, isEqual);
-  return found == _objects.end() ? NSNotFound : static_cast<NSUInteger>(found - _objects.begin());
+  const NSElements held = _elements;
+  return indexWhere(held.view(),
+                    [&](const auto& element) { return NSEqualObjects{}(element, object); });
+}
+
+NSUInteger NSArray::indexOfObjectIdenticalTo(const NSRef<NSObject>& object) const noexcept {
+  return indexWhere(objects(), [&](const auto& element) { return element == object; });
 }
 
 NSRef<NSString> NSArray::componentsJoinedByString(const NSRef<NSString>& separator) const {
   NSUnitBuffer text;
-  for (const auto& object : _objects) {
-    if (&object != _objects.data()) text.append(NSViewOf(separator));
-    const auto* const string = dynamic_cast<const NSString*>(object.get());
-    text.append(string != nullptr ? string->view() : NSViewOf(object->description()));
-  }
+  NSAppendDescriptions(text, *this, NSViewOf(separator));
   return NSMake<NSString>(std::move(text));
 }
 
 bool NSArray::isEqualToArray(const NSRef<NSArray>& other) const {
-  return other && std::ranges::equal(_objects, other->_objects, NSEqualObjects{});
+  if (!other || other->count() != count()) return false;
+  const NSElements theirs = other->_elements;
+  return std::ranges::equal(*this, theirs.view(), NSEqualObjects{});
 }
 
 bool NSArray::isEqual(const NSRef<NSObject>& other) const {
@@ -46,27 +69,35 @@ bool NSArray::isEqual(const NSRef<NSObject>& other) const {
 // Equal arrays need equal hashes and nothing more; the ends and the count tell most arrays apart at
 // a cost that does not grow with them.
 NSUInteger NSArray::hash() const {
-  if (_objects.empty()) return 0;
-  return count() + 31 * (_objects.front()->hash() + 31 * _objects.back()->hash());
+  if (count() == 0) return 0;
+  return count() + 31 * (firstObject()->hash() + 31 * lastObject()->hash());
 }
 
-NSRef<NSString> NSArray::description() const {
-  NSUnitBuffer text(u"(");
-  text.append(componentsJoinedByString(u", "_ns)->view());
-  text.append(u")");
-  return NSMake<NSString>(std::move(text));
-}
+NSRef<NSString> NSArray::description() const { return NSDescribeObjects(u"(", *this, u")"); }
 
 NSRef<NSObject> NSArray::valueForKey(const NSRef<NSString>& key) const {
-  // Of its own: what an element answers may change the array.
-  const auto snapshot = copy();
-  std::vector<NSRef<NSObject>> values;
-  values.reserve(snapshot->count());
-  for (const auto& object : *snapshot) {
+  NSElements values;
+  values.reserve(count());
+  for (const auto& object : *this) {
     auto value = object->valueForKey(key);
-    values.push_back(value ? std::move(value) : NSNull::null());
+    values.append(value ? std::move(value) : NSNull::null());
   }
   return NSMake<NSArray>(std::move(values));
+}
+
+void NSArray::enumerateObjectsUsingBlock(
+    NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) const {
+  if (!aBlock) NSRaiseNilArgument("aBlock", "enumerateObjectsUsingBlock:");
+  NSEnumerateWithIndexes(*this, aBlock);
+}
+
+NSRef<NSArray> NSArray::filteredArrayUsingPredicate(const NSRef<NSPredicate>& predicate) const {
+  if (!predicate) NSRaiseNilArgument("predicate", "filteredArrayUsingPredicate:");
+  NSElements filtered;
+  for (const auto& object : *this) {
+    if (predicate->evaluateWithObject(object)) filtered.append(object);
+  }
+  return NSMake<NSArray>(std::move(filtered));
 }
 
 NSRef<NSArray> NSArray::copy() const { return copyWithZone(nullptr).as<NSArray>(); }
@@ -78,44 +109,71 @@ NSRef<NSMutableArray> NSArray::mutableCopy() const {
 }
 
 NSRef<NSObject> NSArray::mutableCopyWithZone(NSZone* /*zone*/) const {
-  return NSMake<NSMutableArray>(_objects);
+  return NSMake<NSMutableArray>(_elements);
 }
 
 void NSMutableArray::addObject(const NSRef<NSObject>& anObject) {
   if (!anObject) NSRaiseNilArgument("anObject", "addObject:");
-  elements().push_back(anObject);
+  changing().append(anObject);
+}
+
+void NSMutableArray::addObjectsFromArray(const NSRef<NSArray>& other) {
+  if (other) insertElements_atIndex(other->elements(), count());
 }
 
 void NSMutableArray::insertObject_atIndex(const NSRef<NSObject>& anObject, NSUInteger index) {
   if (!anObject) NSRaiseNilArgument("anObject", "insertObject:atIndex:");
   if (index > count()) NSRaiseIndexOutOfBounds("insertObject:atIndex:", index, count());
-  elements().insert(elements().begin() + static_cast<std::ptrdiff_t>(index), anObject);
+  changing().insert(index, anObject);
+}
+
+void NSMutableArray::insertElements_atIndex(const NSElements& elements, NSUInteger index) {
+  if (index > count()) NSRaiseIndexOutOfBounds("insertElements:atIndex:", index, count());
+  if (elements.size() == 0) return;
+  // They may be this array's own.
+  const NSElements inserted = elements;
+  changing().insert(index, inserted.view());
 }
 
 void NSMutableArray::replaceObjectAtIndex_withObject(NSUInteger index,
                                                      const NSRef<NSObject>& anObject) {
   if (!anObject) NSRaiseNilArgument("anObject", "replaceObjectAtIndex:withObject:");
   NSCheckIndex("replaceObjectAtIndex:withObject:", index, count());
-  elements()[index] = anObject;
+  const auto replaced = changing().replace(index, anObject);
 }
 
 void NSMutableArray::removeObjectAtIndex(NSUInteger index) {
   NSCheckIndex("removeObjectAtIndex:", index, count());
-  // Dies when the array is in order again: its destructor may look at it.
-  const NSRef<NSObject> removed = std::move(elements()[index]);
-  elements().erase(elements().begin() + static_cast<std::ptrdiff_t>(index));
+  const auto removed = changing().remove(index);
 }
 
-void NSMutableArray::removeLastObject() noexcept {
-  if (elements().empty()) return;
-  const NSRef<NSObject> removed = std::move(elements().back());
-  elements().pop_back();
+void NSMutableArray::removeObject(const NSRef<NSObject>& anObject) {
+  removeObjectsWhere([&](const auto& object) { return NSEqualObjects{}(object, anObject); });
+}
+
+void NSMutableArray::removeObjectsWhere(NSBlockRef<bool(const NSRef<NSObject>&)> isRemoved) {
+  std::vector<bool> marks;
+  marks.reserve(count());
+  for (const auto& object : *this) marks.push_back(isRemoved(object));
+  if (std::ranges::find(marks, true) == marks.end()) return;
+  const auto removed = changing().removeMarked(marks);
+}
+
+void NSMutableArray::filterUsingPredicate(const NSRef<NSPredicate>& predicate) {
+  if (!predicate) NSRaiseNilArgument("predicate", "filterUsingPredicate:");
+  removeObjectsWhere([&](const auto& object) { return !predicate->evaluateWithObject(object); });
+}
+
+void NSMutableArray::removeLastObject() {
+  if (count() == 0) return;
+  const auto removed = changing().remove(count() - 1);
 }
 
 void NSMutableArray::removeAllObjects() noexcept {
-  const auto removed = std::exchange(elements(), {});
+  if (count() == 0) return;
+  const auto removed = std::exchange(changing(), {});
 }
 
 NSRef<NSObject> NSMutableArray::copyWithZone(NSZone* /*zone*/) const {
-  return NSMake<NSArray>(std::vector(begin(), end()));
+  return NSMake<NSArray>(elements());
 }

@@ -4,10 +4,14 @@
 #include <span>
 #include <vector>
 
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSElements.h>
+#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
 class NSMutableArray;
+class NSPredicate;
 class NSString;
 
 /// An ordered sequence of objects. An index that does not fit raises `NSRangeException`, nil as an
@@ -17,27 +21,43 @@ class NS_EXPORT NSArray : public NSObject {
   using Elements = std::initializer_list<NSRef<NSObject>>;
 
   NSArray() noexcept = default;
-  explicit NSArray(Elements elements) : NSArray(std::vector<NSRef<NSObject>>(elements)) {}
-  explicit NSArray(std::vector<NSRef<NSObject>> elements);
+  explicit NSArray(Elements elements) : NSArray(std::span(elements.begin(), elements.size())) {}
+  explicit NSArray(std::span<const NSRef<NSObject>> elements);
+  explicit NSArray(std::vector<NSRef<NSObject>>&& elements);
+  /// Of elements that are known not to be nil.
+  explicit NSArray(NSElements elements) noexcept : _elements(std::move(elements)) {}
 
-  NSUInteger count() const noexcept { return _objects.size(); }
+  NSUInteger count() const noexcept { return _elements.size(); }
   NSRef<NSObject> objectAtIndex(NSUInteger index) const;
   /// Nil when the array is empty.
-  NSRef<NSObject> firstObject() const { return _objects.empty() ? nullptr : _objects.front(); }
-  NSRef<NSObject> lastObject() const { return _objects.empty() ? nullptr : _objects.back(); }
+  NSRef<NSObject> firstObject() const { return count() == 0 ? nullptr : _elements[0]; }
+  NSRef<NSObject> lastObject() const { return count() == 0 ? nullptr : _elements[count() - 1]; }
 
   /// The first index whose element is equal, or `NSNotFound`.
   NSUInteger indexOfObject(const NSRef<NSObject>& object) const;
+  /// The first index whose element is this very object, or `NSNotFound`.
+  NSUInteger indexOfObjectIdenticalTo(const NSRef<NSObject>& object) const noexcept;
   bool containsObject(const NSRef<NSObject>& object) const {
     return indexOfObject(object) != NSNotFound;
   }
   /// The descriptions of the elements with the separator between them; nil separates by nothing.
   NSRef<NSString> componentsJoinedByString(const NSRef<NSString>& separator) const;
 
+  /// Calls the block with each element, its index and a flag that ends the walk once it is set; a
+  /// block may take the element alone. Raises as range-for does, and for a nil block
+  /// `NSInvalidArgumentException`.
+  void enumerateObjectsUsingBlock(
+      NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) const;
+  /// The elements for which the predicate holds, in their order. A nil predicate raises
+  /// `NSInvalidArgumentException`.
+  NSRef<NSArray> filteredArrayUsingPredicate(const NSRef<NSPredicate>& predicate) const;
+
   /// The elements in place; valid until the array changes.
-  std::span<const NSRef<NSObject>> objects() const noexcept { return _objects; }
-  auto begin() const noexcept { return _objects.begin(); }
-  auto end() const noexcept { return _objects.end(); }
+  std::span<const NSRef<NSObject>> objects() const noexcept { return _elements.view(); }
+  /// The same, to be kept while the array may change: it goes on as it was.
+  const NSElements& elements() const noexcept { return _elements; }
+  auto begin() const noexcept { return NSEnumeration(_elements, {self(), _mutations}); }
+  static std::default_sentinel_t end() noexcept { return {}; }
 
   /// As many elements, equal one by one.
   bool isEqualToArray(const NSRef<NSArray>& other) const;
@@ -56,10 +76,15 @@ class NS_EXPORT NSArray : public NSObject {
   NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
-  std::vector<NSRef<NSObject>>& elements() noexcept { return _objects; }
+  /// The elements, which are about to be changed.
+  NSElements& changing() noexcept {
+    ++_mutations;
+    return _elements;
+  }
 
  private:
-  std::vector<NSRef<NSObject>> _objects;
+  NSElements _elements;
+  NSMutationCount _mutations;
 };
 
 /// An array that may be changed. Belongs to one thread at a time. A change that raises leaves it as
@@ -69,14 +94,26 @@ class NS_EXPORT NSMutableArray : public NSArray {
   using NSArray::NSArray;
 
   void addObject(const NSRef<NSObject>& anObject);
+  /// Nil has no elements; the array itself may be the other one.
+  void addObjectsFromArray(const NSRef<NSArray>& other);
   void insertObject_atIndex(const NSRef<NSObject>& anObject, NSUInteger index);
+  /// Inserts them one behind the other.
+  void insertElements_atIndex(const NSElements& elements, NSUInteger index);
   void replaceObjectAtIndex_withObject(NSUInteger index, const NSRef<NSObject>& anObject);
   void removeObjectAtIndex(NSUInteger index);
+  /// Removes every element that is equal.
+  void removeObject(const NSRef<NSObject>& anObject);
+  /// Removes the elements for which the callable holds, in one pass. A callable that throws or
+  /// changes the array ends it before any is removed.
+  void removeObjectsWhere(NSBlockRef<bool(const NSRef<NSObject>&)> isRemoved);
+  /// Removes the elements for which the predicate does not hold. A nil predicate raises
+  /// `NSInvalidArgumentException`.
+  void filterUsingPredicate(const NSRef<NSPredicate>& predicate);
   /// Does nothing when the array is empty.
-  void removeLastObject() noexcept;
+  void removeLastObject();
   void removeAllObjects() noexcept;
   /// Makes room for so many elements altogether.
-  void reserve(NSUInteger count) { elements().reserve(count); }
+  void reserve(NSUInteger count) { changing().reserve(count); }
 
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };

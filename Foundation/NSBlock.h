@@ -20,6 +20,16 @@ inline constexpr bool NSIsStandardFunction = false;
 template <class Signature>
 inline constexpr bool NSIsStandardFunction<std::function<Signature>> = true;
 
+/// Whether a callable is none: a null pointer or an empty `std::function`.
+template <class F>
+constexpr bool NSIsNilCallable(const F& callable) noexcept {
+  if constexpr (std::is_pointer_v<F> || std::is_member_pointer_v<F> || NSIsStandardFunction<F>) {
+    return !callable;
+  } else {
+    return false;
+  }
+}
+
 template <class Result, class First, class... Rest>
 class NSBlockRef<Result(First, Rest...)> {
  public:
@@ -30,11 +40,7 @@ class NSBlockRef<Result(First, Rest...)> {
            (std::is_invocable_r_v<Result, F&, First, Rest...> ||
             std::is_invocable_r_v<Result, F&, First>)) constexpr NSBlockRef(F&& callable) noexcept {
     using Callable = std::remove_reference_t<F>;
-    using Plain = std::remove_cv_t<Callable>;
-    if constexpr (std::is_pointer_v<Plain> || std::is_member_pointer_v<Plain> ||
-                  NSIsStandardFunction<Plain>) {
-      if (!callable) return;
-    }
+    if (NSIsNilCallable(callable)) return;
     if constexpr (std::is_function_v<Callable>) {
       _callable = reinterpret_cast<const void*>(&callable);
       _call = [](const void* pointer, First first, Rest... rest) -> Result {

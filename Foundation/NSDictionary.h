@@ -1,9 +1,11 @@
 #pragma once
 
 #include <initializer_list>
-#include <unordered_map>
 #include <utility>
 
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSEntries.h>
+#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
@@ -16,23 +18,28 @@ class NSString;
 class NS_EXPORT NSDictionary : public NSObject {
  public:
   using Elements = std::initializer_list<std::pair<NSRef<NSObject>, NSRef<NSObject>>>;
-  using Map = std::unordered_map<NSRef<NSObject>, NSRef<NSObject>, NSHashObject, NSEqualObjects>;
 
-  NSDictionary() = default;
+  NSDictionary() noexcept = default;
   /// Of entries with equal keys the last one stays.
   explicit NSDictionary(Elements entries);
   /// The entries of another dictionary; nil has none.
   explicit NSDictionary(const NSRef<NSDictionary>& other);
 
-  NSUInteger count() const noexcept { return _map.size(); }
+  NSUInteger count() const noexcept { return _entries.size(); }
   /// Nil when there is no entry for the key, or the key is nil.
   NSRef<NSObject> objectForKey(const NSRef<NSObject>& key) const;
   NSRef<NSArray> allKeys() const;
   NSRef<NSArray> allValues() const;
 
   /// Entries as pairs of key and object: `for (const auto& [key, object] : *dictionary)`.
-  auto begin() const noexcept { return _map.begin(); }
-  auto end() const noexcept { return _map.end(); }
+  auto begin() const noexcept {
+    return NSEnumeration(_entries.list(), {self(), _entries.mutations()});
+  }
+  static std::default_sentinel_t end() noexcept { return {}; }
+  /// Calls the block with each key, its object and a flag that ends the walk once it is set. Raises
+  /// as range-for does, and for a nil block `NSInvalidArgumentException`.
+  void enumerateKeysAndObjectsUsingBlock(
+      NSBlockRef<void(const NSRef<NSObject>&, const NSRef<NSObject>&, bool&)> aBlock) const;
 
   bool isEqualToDictionary(const NSRef<NSDictionary>& other) const;
   bool isEqual(const NSRef<NSObject>& other) const override;
@@ -50,12 +57,12 @@ class NS_EXPORT NSDictionary : public NSObject {
   NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
-  Map& map() noexcept { return _map; }
+  NSEntries& entries() noexcept { return _entries; }
   void setEntry(const char* operation, const NSRef<NSObject>& anObject,
                 const NSRef<NSObject>& aKey);
 
  private:
-  Map _map;
+  NSEntries _entries;
 };
 
 /// A dictionary that may be changed. Belongs to one thread at a time. A change that raises leaves
@@ -68,8 +75,8 @@ class NS_EXPORT NSMutableDictionary : public NSDictionary {
     setEntry("setObject:forKey:", anObject, aKey);
   }
   /// Does nothing when there is no such entry, or the key is nil.
-  void removeObjectForKey(const NSRef<NSObject>& key);
-  void removeAllObjects() noexcept { const auto removed = std::exchange(map(), {}); }
+  void removeObjectForKey(const NSRef<NSObject>& key) { entries().remove(key); }
+  void removeAllObjects() noexcept { entries().removeAll(); }
 
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };

@@ -61,6 +61,8 @@ class NS_EXPORT NSObject {
   void release() const noexcept {
     if (_count.release()) delete this;
   }
+  /// Whether the caller holds the only reference.
+  bool isUniquelyReferenced() const noexcept { return _count.isSole(); }
   /// For tests and debuggers.
   std::uint32_t retainCount() const noexcept { return _count.value(); }
 

@@ -109,6 +109,18 @@ class NSRef {
   T* _object = nullptr;
 };
 
+/// Range-for over the collection that a reference refers to, also over one that a call has just
+/// returned: `for (const auto& object : set->allObjects())`. Nil raises
+/// `NSInvalidArgumentException`.
+template <class T>
+auto begin(const NSRef<T>& collection) -> decltype(collection->begin()) {
+  return collection->begin();
+}
+template <class T>
+auto end(const NSRef<T>& collection) -> decltype(collection->end()) {
+  return collection->end();
+}
+
 /// Makes an object with the arguments of one of its constructors, or of one of its `makeCompact`,
 /// by which a class puts an object and its contents into one block of memory.
 template <class T, class... Arguments>

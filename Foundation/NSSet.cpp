@@ -1,11 +1,12 @@
 #include "Foundation/NSSet.h"
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSCollectionWalks.h"
 #include "Foundation/NSException.h"
+#include "Foundation/NSPredicate.h"
 #include "Foundation/NSString.h"
 
 #include <algorithm>
-#include <vector>
 
 NSSet::NSSet(Elements elements) {
   for (const auto& object : elements) insert("initWithObjects:", object);
@@ -16,23 +17,42 @@ NSSet::NSSet(const NSRef<NSArray>& array) {
   for (const auto& object : *array) insert("initWithArray:", object);
 }
 
+NSSet::NSSet(const NSRef<NSSet>& other) : _members(other ? other->_members : NSUniqueElements()) {}
+
 void NSSet::insert(const char* operation, const NSRef<NSObject>& anObject) {
   if (!anObject) NSRaiseNilArgument("anObject", operation);
-  _members.insert(anObject);
+  _members.append(anObject);
 }
 
 NSRef<NSObject> NSSet::member(const NSRef<NSObject>& object) const {
-  const auto found = _members.find(object);
-  return found == _members.end() ? nullptr : *found;
+  const std::size_t position = _members.find(object);
+  return position == NSUniqueElements::notFound ? nullptr : _members[position];
 }
 
-NSRef<NSArray> NSSet::allObjects() const {
-  return NSMake<NSArray>(std::vector<NSRef<NSObject>>(begin(), end()));
-}
+NSRef<NSArray> NSSet::allObjects() const { return NSMake<NSArray>(_members.elements()); }
 
 bool NSSet::isSubsetOfSet(const NSRef<NSSet>& other) const {
   return std::ranges::all_of(
-      _members, [&](const auto& object) { return other && other->containsObject(object); });
+      *this, [&](const auto& object) { return other && other->containsObject(object); });
+}
+
+void NSSet::enumerateObjectsUsingBlock(
+    NSBlockRef<void(const NSRef<NSObject>&, bool&)> aBlock) const {
+  if (!aBlock) NSRaiseNilArgument("aBlock", "enumerateObjectsUsingBlock:");
+  bool stop = false;
+  for (const auto& object : *this) {
+    aBlock(object, stop);
+    if (stop) return;
+  }
+}
+
+NSRef<NSSet> NSSet::filteredSetUsingPredicate(const NSRef<NSPredicate>& predicate) const {
+  if (!predicate) NSRaiseNilArgument("predicate", "filteredSetUsingPredicate:");
+  auto filtered = NSMake<NSSet>();
+  for (const auto& object : *this) {
+    if (predicate->evaluateWithObject(object)) filtered->_members.append(object);
+  }
+  return filtered;
 }
 
 bool NSSet::isEqualToSet(const NSRef<NSSet>& other) const {
@@ -45,16 +65,11 @@ bool NSSet::isEqual(const NSRef<NSObject>& other) const {
 
 NSUInteger NSSet::hash() const { return count(); }
 
-NSRef<NSString> NSSet::description() const {
-  const std::string members = allObjects()->description()->utf8();
-  return NSMake<NSString>("{" + members + "}");
-}
+NSRef<NSString> NSSet::description() const { return NSDescribeObjects(u"{(", *this, u")}"); }
 
 NSRef<NSObject> NSSet::valueForKey(const NSRef<NSString>& key) const {
-  // Of its own: what a member answers may change the set.
-  const auto snapshot = copy();
-  auto values = NSMake<NSMutableSet>(snapshot->count());
-  for (const auto& object : *snapshot) {
+  auto values = NSMake<NSMutableSet>(count());
+  for (const auto& object : *this) {
     if (const auto value = object->valueForKey(key)) values->addObject(value);
   }
   return values;
@@ -69,13 +84,22 @@ NSRef<NSMutableSet> NSSet::mutableCopy() const {
 }
 
 NSRef<NSObject> NSSet::mutableCopyWithZone(NSZone* /*zone*/) const {
-  return NSMake<NSMutableSet>(allObjects());
+  return NSMake<NSMutableSet>(_members);
 }
 
+void NSMutableSet::removeObject(const NSRef<NSObject>& object) {
+  const std::size_t position = members().find(object);
+  if (position == NSUniqueElements::notFound) return;
+  const auto removed = members().replaceByLast(position);
+}
+
+void NSMutableSet::removeAllObjects() noexcept { const auto removed = members().removeAll(); }
+
 void NSMutableSet::unionSet(const NSRef<NSSet>& other) {
-  if (other && other.get() != this) members().insert(other->begin(), other->end());
+  if (!other || other.get() == this) return;
+  for (const auto& object : *other) members().append(object);
 }
 
 NSRef<NSObject> NSMutableSet::copyWithZone(NSZone* /*zone*/) const {
-  return NSMake<NSSet>(allObjects());
+  return NSMake<NSSet>(members());
 }

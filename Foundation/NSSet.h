@@ -1,14 +1,16 @@
 #pragma once
 
 #include <initializer_list>
-#include <unordered_set>
-#include <utility>
 
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/NSUniqueElements.h>
 
 class NSArray;
 class NSMutableSet;
+class NSPredicate;
 class NSString;
 
 /// Objects of which no two are equal, in no order. Nil as a member raises
@@ -16,13 +18,15 @@ class NSString;
 class NS_EXPORT NSSet : public NSObject {
  public:
   using Elements = std::initializer_list<NSRef<NSObject>>;
-  using Members = std::unordered_set<NSRef<NSObject>, NSHashObject, NSEqualObjects>;
 
-  NSSet() = default;
+  NSSet() noexcept = default;
   /// Of equal objects the first one stays.
   explicit NSSet(Elements elements);
-  /// The members of the array; nil has none.
+  /// The elements of the array; nil has none.
   explicit NSSet(const NSRef<NSArray>& array);
+  /// The members of another set; nil has none.
+  explicit NSSet(const NSRef<NSSet>& other);
+  explicit NSSet(NSUniqueElements members) noexcept : _members(std::move(members)) {}
 
   NSUInteger count() const noexcept { return _members.size(); }
   bool containsObject(const NSRef<NSObject>& object) const { return _members.contains(object); }
@@ -32,8 +36,18 @@ class NS_EXPORT NSSet : public NSObject {
   /// Whether every member is one of the other set's too; nil has none.
   bool isSubsetOfSet(const NSRef<NSSet>& other) const;
 
-  auto begin() const noexcept { return _members.begin(); }
-  auto end() const noexcept { return _members.end(); }
+  /// Calls the block with each member and a flag that ends the walk once it is set; a block may
+  /// take the member alone. Raises as range-for does, and for a nil block
+  /// `NSInvalidArgumentException`.
+  void enumerateObjectsUsingBlock(NSBlockRef<void(const NSRef<NSObject>&, bool&)> aBlock) const;
+  /// The members for which the predicate holds. A nil predicate raises
+  /// `NSInvalidArgumentException`.
+  NSRef<NSSet> filteredSetUsingPredicate(const NSRef<NSPredicate>& predicate) const;
+
+  auto begin() const noexcept {
+    return NSEnumeration(_members.elements(), {self(), _members.mutations()});
+  }
+  static std::default_sentinel_t end() noexcept { return {}; }
 
   bool isEqualToSet(const NSRef<NSSet>& other) const;
   bool isEqual(const NSRef<NSObject>& other) const override;
@@ -51,11 +65,12 @@ class NS_EXPORT NSSet : public NSObject {
   NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
-  Members& members() noexcept { return _members; }
+  NSUniqueElements& members() noexcept { return _members; }
+  const NSUniqueElements& members() const noexcept { return _members; }
   void insert(const char* operation, const NSRef<NSObject>& anObject);
 
  private:
-  Members _members;
+  NSUniqueElements _members;
 };
 
 /// A set that may be changed. Belongs to one thread at a time. A change that raises because of nil
@@ -69,10 +84,8 @@ class NS_EXPORT NSMutableSet : public NSSet {
   /// Does nothing when the set has an equal member.
   void addObject(const NSRef<NSObject>& anObject) { insert("addObject:", anObject); }
   /// Does nothing when the set has no equal member.
-  void removeObject(const NSRef<NSObject>& object) {
-    const auto removed = members().extract(object);
-  }
-  void removeAllObjects() noexcept { const auto removed = std::exchange(members(), {}); }
+  void removeObject(const NSRef<NSObject>& object);
+  void removeAllObjects() noexcept;
   /// Adds the other set's members; nil has none.
   void unionSet(const NSRef<NSSet>& other);
 

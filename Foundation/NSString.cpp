@@ -6,8 +6,9 @@
 #include "Foundation/NSException.h"
 #include "Foundation/NSKeyValueCoding.h"
 #include "Foundation/NSStringSearch.h"
+#include "Foundation/NSUnitHash.h"
 
-#include <functional>
+#include <cstring>
 
 NSRef<NSString> operator""_ns(const char16_t* units, std::size_t length) {
   return NSMake<NSString>(std::u16string_view(units, length));
@@ -25,6 +26,11 @@ constexpr std::size_t largestRoom = 512;
 // Up to so many bytes of UTF-8 are decoded into the room behind a string, which is as long as all
 // of them were ASCII.
 constexpr std::size_t shortUTF8 = 256;
+
+// What the standard library's == does unit by unit.
+bool haveSameUnits(std::u16string_view a, std::u16string_view b) noexcept {
+  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
 
 }  // namespace
 
@@ -46,11 +52,11 @@ bool NSString::isEqualToString(const NSRef<NSString>& other) const noexcept {
 
 bool NSString::isEqual(const NSRef<NSObject>& other) const {
   if (other.get() == this) return true;
-  const auto* const string = dynamic_cast<const NSString*>(other.get());
-  return string != nullptr && string->view() == view();
+  const auto* const string = other.cast<const NSString>();
+  return string != nullptr && haveSameUnits(string->view(), view());
 }
 
-NSUInteger NSString::hash() const { return std::hash<std::u16string_view>{}(view()); }
+NSUInteger NSString::hash() const { return NSHashUnits(view()); }
 
 NSRef<NSString> NSString::description() const { return copy(); }
 

@@ -1,6 +1,8 @@
 #include "Foundation/NSUnitBuffer.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -73,6 +75,13 @@ void NSUnitBuffer::shrink() noexcept {
   if (units == nullptr) return;
   _units = units;
   _capacity = wanted & largest;
+}
+
+void NSUnitBuffer::appendDecimal(std::uint64_t value) {
+  std::array<char, 20> digits;  // "18446744073709551615"
+  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  std::copy(std::as_const(digits).data(), end,
+            extend(static_cast<std::size_t>(end - digits.data())));
 }
 
 void NSUnitBuffer::replace(std::size_t position, std::size_t count, std::u16string_view text) {

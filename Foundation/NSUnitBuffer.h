@@ -54,6 +54,7 @@ class NS_EXPORT NSUnitBuffer {
     std::char_traits<char16_t>::copy(_units + _size, text.data(), text.size());
     _size += text.size();
   }
+  void appendDecimal(std::uint64_t value);
   /// Puts the text in the place of `count` units at `position`; it may be a part of this buffer.
   void replace(std::size_t position, std::size_t count, std::u16string_view text);
 

@@ -5,14 +5,23 @@
 
 #include <Foundation/Foundation.h>
 #include <ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSArray+ZKSorting.h>
 #include <ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSDictionary+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKRectangles.h>
+#include <ZKFoundation/Categories/NSIndexSet+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSMapTable+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSObject+ZKDeepCopying.h>
 #include <ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSOrderedSet+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSPointerArray+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSSet+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSString+ZKEditing.h>
 #include <ZKFoundation/Categories/NSString+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSString+ZKSearching.h>
+#include <ZKFoundation/Classes/ObjectTreeVisitors/ZKGenericVisitor.h>
+#include <ZKFoundation/Classes/ObjectTreeVisitors/ZKObjectVisitor.h>
 #include <ZKFoundation/ZKFoundationClass.h>

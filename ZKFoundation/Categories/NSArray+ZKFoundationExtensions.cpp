@@ -1,17 +1,126 @@
 #include "Foundation/NSException.h"
+#include "Foundation/NSPredicate.h"
+#include "Foundation/NSSet.h"
+#include "Foundation/NSString.h"
 #include "ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h"
+#include "ZKFoundation/Categories/ZKTransformation.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// Whether objects are kind of a class. Classes recur: the answers for some are kept.
+class KindOfClass {
+ public:
+  explicit KindOfClass(NSClass aClass) : _class(aClass) {}
+
+  bool operator()(const NSRef<NSObject>& object) {
+    const std::type_info& type = typeid(*object.get());
+    Answer& answer = _answers[(reinterpret_cast<std::uintptr_t>(&type) / alignof(std::type_info)) %
+                              _answers.size()];
+    if (answer.type != &type) answer = {&type, NSClass(type).isSubclassOfClass(_class)};
+    return answer.isKind;
+  }
+
+ private:
+  struct Answer {
+    const std::type_info* type = nullptr;
+    bool isKind = false;
+  };
+
+  NSClass _class;
+  std::array<Answer, 16> _answers;
+};
+
+template <class Read>
+NSRef<NSMutableArray> elementsMatching(const NSRef<NSArray>& array, const NSRef<NSObject>& matching,
+                                       Read valueOf) {
+  auto result = NSMake<NSMutableArray>();
+  if (!array) return result;
+  result->reserve(10);
+  for (const auto& object : *array) {
+    const NSRef<NSObject> value = valueOf(*object);
+    if (matching && matching->isEqual(value)) result->addObject(object);
+  }
+  return result;
+}
+
+}  // namespace
 
 namespace ZKFoundationExtensions {
 
 void makeObjectsPerformBlock(const NSRef<NSArray>& array,
                              NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) {
   if (!aBlock) NSRaiseNilArgument("aBlock", "makeObjectsPerformBlock:");
-  // Of its own: the block may change the array, or drop the last reference to it.
-  const auto snapshot = array->copy();
-  bool stop = false;
-  for (NSUInteger index = 0; index < snapshot->count() && !stop; ++index) {
-    aBlock(snapshot->objects()[index], index, stop);
+  array->enumerateObjectsUsingBlock(aBlock);
+}
+
+NSRef<NSArray> transformedArrayUsingTransformator(const NSRef<NSArray>& array,
+                                                  ZKTransformator transformator) {
+  return ZKTransformedCollection<NSArray>(array->elements(), transformator);
+}
+
+NSRef<NSArray> arrayWithObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {
+  return array->filteredArrayUsingPredicate(NSPredicate::predicateWithBlock(KindOfClass(aClass)));
+}
+
+NSRef<NSArray> arrayWithObjectsMemberOfClass(const NSRef<NSArray>& array, NSClass aClass) {
+  return array->filteredArrayUsingPredicate(NSPredicate::predicateWithBlock(
+      [=](const NSRef<NSObject>& object) { return object->isMemberOfClass(aClass); }));
+}
+
+bool containObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {
+  return std::ranges::any_of(array->objects(), KindOfClass(aClass));
+}
+
+void removeAllObjectsWhichNotMemberOfClass(const NSRef<NSMutableArray>& array, NSClass aClass) {
+  auto others = NSMake<NSMutableSet>();
+  for (const auto& object : *array) {
+    if (!object->isMemberOfClass(aClass)) others->addObject(object);
   }
+  array->removeObjectsWhere([&](const auto& object) { return others->containsObject(object); });
+}
+
+NSRef<NSMutableArray> arrayFromArray_forKey_matching(const NSRef<NSArray>& array,
+                                                     const NSRef<NSString>& key,
+                                                     const NSRef<NSObject>& matching) {
+  return elementsMatching(array, matching,
+                          [&](const NSObject& object) { return object.valueForKey(key); });
+}
+
+NSRef<NSMutableArray> arrayFromArray_forKeyPath_matching(const NSRef<NSArray>& array,
+                                                         const NSRef<NSString>& keyPath,
+                                                         const NSRef<NSObject>& matching) {
+  return elementsMatching(array, matching,
+                          [&](const NSObject& object) { return object.valueForKeyPath(keyPath); });
+}
+
+bool containsObjectIdenticalTo(const NSRef<NSArray>& array, const NSRef<NSObject>& object) {
+  return array->indexOfObjectIdenticalTo(object) != NSNotFound;
+}
+
+NSRef<NSMutableArray> arrayFromIndexes(const NSRef<NSArray>& array,
+                                       const NSRef<NSIndexSet>& indexes) {
+  auto result = NSMake<NSMutableArray>();
+  if (!indexes) return result;
+  std::array<NSUInteger, 20> found;
+  NSRange range = {0, array->count()};
+  const NSUInteger count =
+      indexes->getIndexes_maxCount_inIndexRange(found.data(), found.size(), &range);
+  for (const NSUInteger index : std::span(found).first(count)) {
+    result->addObject(array->objectAtIndex(index));
+  }
+  return result;
+}
+
+void insertObjectsFromArray_atIndex(const NSRef<NSMutableArray>& array, const NSRef<NSArray>& other,
+                                    NSInteger index) {
+  if (!other || other->count() == 0) return;
+  const auto place = static_cast<NSUInteger>(index);
+  if (place > array->count())
+    NSRaiseIndexOutOfBounds("insertObject:atIndex:", place, array->count());
+  array->insertElements_atIndex(other->elements(), place);
 }
 
 }  // namespace ZKFoundationExtensions

@@ -2,16 +2,62 @@
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSBlock.h>
+#include <Foundation/NSClass.h>
+#include <Foundation/NSIndexSet.h>
 #include <ZKFoundation/ZKExport.h>
+
+/// What makes another object, or nil, of an object.
+using ZKTransformator = NSBlockRef<NSRef<NSObject>(const NSRef<NSObject>& object)>;
 
 namespace ZKFoundationExtensions {
 
 /// Calls the block with each element, in their order, its index and a flag that ends the walk once
-/// it is set; a block may take the element alone. The walk is over the elements that there are at
-/// its beginning. A nil block raises `NSInvalidArgumentException` with the reason "aBlock is nil
-/// (in 'makeObjectsPerformBlock:')".
+/// it is set; a block may take the element alone. A nil block raises `NSInvalidArgumentException`
+/// with the reason "aBlock is nil (in 'makeObjectsPerformBlock:')", an array that has changed when
+/// the next element is due `NSGenericException`.
 ZK_EXPORT void makeObjectsPerformBlock(
     const NSRef<NSArray>& array,
     NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock);
+
+/// What the transformator makes of each element, in their order, `NSNull` where it answers nil. Nil
+/// without a transformator. Changes that the transformator makes to the array do not count.
+ZK_EXPORT NSRef<NSArray> transformedArrayUsingTransformator(const NSRef<NSArray>& array,
+                                                            ZKTransformator transformator);
+
+/// The elements of the class or of one that derives from it, in their order.
+ZK_EXPORT NSRef<NSArray> arrayWithObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass);
+/// The elements of exactly this class, in their order.
+ZK_EXPORT NSRef<NSArray> arrayWithObjectsMemberOfClass(const NSRef<NSArray>& array, NSClass aClass);
+/// Whether there is an element of the class or of one that derives from it.
+ZK_EXPORT bool containObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass);
+/// Removes the elements that are not of exactly this class, and with each of them every element
+/// that is equal to it, whatever class that one has.
+ZK_EXPORT void removeAllObjectsWhichNotMemberOfClass(const NSRef<NSMutableArray>& array,
+                                                     NSClass aClass);
+
+/// A new array of the elements to whose value for the key the matching value is equal, in their
+/// order. Nil matches nothing, not even a nil value; a nil array has no elements.
+ZK_EXPORT NSRef<NSMutableArray> arrayFromArray_forKey_matching(const NSRef<NSArray>& array,
+                                                               const NSRef<NSString>& key,
+                                                               const NSRef<NSObject>& matching);
+/// The same with keys joined by ".".
+ZK_EXPORT NSRef<NSMutableArray> arrayFromArray_forKeyPath_matching(const NSRef<NSArray>& array,
+                                                                   const NSRef<NSString>& keyPath,
+                                                                   const NSRef<NSObject>& matching);
+
+/// Whether this very object is an element.
+ZK_EXPORT bool containsObjectIdenticalTo(const NSRef<NSArray>& array,
+                                         const NSRef<NSObject>& object);
+
+/// A new array of the elements at the first 20 indexes of the set that are below the count; further
+/// indexes are passed over, as is a nil set.
+ZK_EXPORT NSRef<NSMutableArray> arrayFromIndexes(const NSRef<NSArray>& array,
+                                                 const NSRef<NSIndexSet>& indexes);
+
+/// Inserts the other array's elements, in their order, the first of them at the index. Nil and an
+/// empty array change nothing; otherwise an index below 0 or above the count raises
+/// `NSRangeException`.
+ZK_EXPORT void insertObjectsFromArray_atIndex(const NSRef<NSMutableArray>& array,
+                                              const NSRef<NSArray>& other, NSInteger index);
 
 }  // namespace ZKFoundationExtensions

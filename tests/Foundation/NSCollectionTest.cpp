@@ -77,6 +77,80 @@ TEST(NSArray, SharesElementsWithItsCopies) {
   EXPECT_EQ(copy->mutableCopy()->firstObject(), copy->firstObject());
 }
 
+// Insertions and removals anywhere, with copies that are taken on the way and go on as they were.
+template <class Collection>
+void behavesAsAVector(const std::function<void(Collection&, int, NSUInteger)>& insert) {
+  const auto collection = NSMake<Collection>();
+  std::vector<int> model;
+  std::vector<std::pair<NSRef<NSObject>, std::string>> copies;
+  const auto edits = *rc::gen::container<std::vector<std::pair<int, unsigned>>>(
+      rc::gen::pair(rc::gen::inRange(0, 12), rc::gen::arbitrary<unsigned>()));
+  int next = 0;
+  for (const auto& [kind, place] : edits) {
+    const std::size_t index = kind < 2 ? 0 : kind < 4 ? model.size() : place % (model.size() + 1);
+    if (kind < 9) {
+      insert(*collection, next, index);
+      model.insert(model.begin() + static_cast<std::ptrdiff_t>(index), next++);
+    } else if (index < model.size()) {
+      collection->removeObjectAtIndex(index);
+      model.erase(model.begin() + static_cast<std::ptrdiff_t>(index));
+    }
+    if (kind == 8) copies.emplace_back(collection->copy(), collection->description()->utf8());
+  }
+  RC_ASSERT(collection->count() == model.size());
+  for (std::size_t k = 0; k < model.size(); ++k) {
+    RC_ASSERT(collection->objectAtIndex(k)->isEqual(number(model[k])));
+    RC_ASSERT(collection->indexOfObject(number(model[k])) == k);
+  }
+  for (const auto& [copy, text] : copies) RC_ASSERT(copy->description()->utf8() == text);
+}
+
+TEST(NSArray, BehavesAsAVector) {
+  expectProperty("the same elements as a std::vector", [] {
+    behavesAsAVector<NSMutableArray>([](NSMutableArray& array, int value, NSUInteger index) {
+      array.insertObject_atIndex(number(value), index);
+    });
+  });
+}
+
+TEST(NSOrderedSet, BehavesAsAVectorWithoutEquals) {
+  expectProperty("the same elements as a std::vector", [] {
+    behavesAsAVector<NSMutableOrderedSet>([](auto& set, int value, NSUInteger index) {
+      set.insertObject_atIndex(number(value), index);
+      set.addObject(number(value));
+      set.insertObject_atIndex(number(value), 0);
+    });
+  });
+  const auto set = NSMake<NSMutableOrderedSet>({u"b"_ns, u"a"_ns, u"b"_ns});
+  EXPECT_TRUE(set->description() == u"{(b, a)}");
+  EXPECT_TRUE(set->array()->isEqual(NSMake<NSArray>({u"b"_ns, u"a"_ns})));
+  EXPECT_TRUE(set->set()->isEqual(NSMake<NSSet>({u"a"_ns, u"b"_ns})));
+  EXPECT_FALSE(set->isEqual(NSMake<NSOrderedSet>({u"a"_ns, u"b"_ns})));
+  set->removeObject(u"b"_ns);
+  EXPECT_TRUE(set->isEqual(NSMake<NSOrderedSet>(NSMake<NSArray>({u"a"_ns, u"a"_ns}))));
+  EXPECT_TRUE(set->valueForKey(u"length"_ns)->description() == u"{(1)}");
+  EXPECT_EQ(set->lastObject(), set->firstObject());
+}
+
+TEST(NSArray, ReleasesEachElementOnce) {
+  int alive = 0;
+  auto array = NSMake<NSMutableArray>();
+  for (int k = 0; k < 9; ++k)
+    array->insertObject_atIndex(NSMake<Counted>(alive), array->count() / 2);
+  array->addObjectsFromArray(array);
+  array->insertElements_atIndex(array->elements(), 3);
+  EXPECT_EQ(array->count(), 36U);
+  auto copy = array->copy();
+  array->removeObject(array->firstObject());
+  EXPECT_EQ(array->count(), 32U);
+  array->removeObjectAtIndex(0);
+  EXPECT_EQ(alive, 9);
+  copy = nullptr;
+  EXPECT_EQ(alive, 8);
+  array->removeAllObjects();
+  EXPECT_EQ(alive, 0);
+}
+
 TEST(NSDictionary, BehavesAsAMap) {
   expectProperty("the same entries as a std::map", [] {
     std::map<int, int> model;
@@ -135,6 +209,70 @@ TEST(NSSet, BehavesAsASet) {
     for (const int value : others) set->removeObject(number(value));
     for (const int value : others) RC_ASSERT(!set->containsObject(number(value)));
   });
+}
+
+TEST(NSSet, LosesNoMemberWhoseHashHasChanged) {
+  int alive = 0;
+  struct Named : Counted {
+    using Counted::Counted;
+    bool isEqual(const NSRef<NSObject>& other) const override {
+      return other.as<Named>() && other.as<Named>()->name == name;
+    }
+    NSUInteger hash() const override { return name; }
+    NSUInteger name = 0;
+  };
+  const auto set = NSMake<NSMutableSet>();
+  std::vector<NSRef<Named>> members;
+  for (NSUInteger k = 0; k < 100; ++k) {
+    members.push_back(NSMake<Named>(alive));
+    members.back()->name = k;
+    set->addObject(members.back());
+  }
+  for (NSUInteger k = 90; k < 100; ++k) members[k]->name = 1000 + k;
+  for (NSUInteger k = 0; k < 90; ++k) set->removeObject(members[k]);
+  EXPECT_EQ(set->count(), 10U);
+  members.clear();
+  EXPECT_EQ(alive, 10);
+  set->removeAllObjects();
+  EXPECT_EQ(alive, 0);
+}
+
+TEST(NSMapTable, HoldsItsKeysAsTheyAre) {
+  struct Key : NSObject {};
+  const auto key = NSMake<Key>();
+  const auto table = NSMapTable::strongToStrongObjectsMapTable();
+  table->setObject_forKey(u"v"_ns, key);
+  table->setObject_forKey(u"w"_ns, u"k"_ns);
+  EXPECT_EQ(table->allKeys()->firstObject(), key);
+  const auto copy = table->copy().as<NSMapTable>();
+  EXPECT_TRUE(copy->isEqual(table) && copy->hash() == table->hash());
+  table->removeObjectForKey(key);
+  table->removeObjectForKey(nullptr);
+  EXPECT_EQ(table->objectForKey(key), nullptr);
+  EXPECT_TRUE(table->description() == u"{k = w}");
+  EXPECT_FALSE(copy->isEqual(table));
+  EXPECT_TRUE(copy->allValues()->description() == u"(v, w)");
+  expectRaises(NSInvalidArgumentException, "aKey is nil (in 'setObject:forKey:')",
+               [&] { table->setObject_forKey(key, nullptr); });
+}
+
+TEST(NSPointerArray, HoldsAddressesAndNulls) {
+  int x = 0;
+  const auto array = NSMake<NSPointerArray>();
+  array->addPointer(&x);
+  array->insertPointer_atIndex(nullptr, 0);
+  array->replacePointerAtIndex_withPointer(1, nullptr);
+  EXPECT_EQ(array->pointerAtIndex(1), nullptr);
+  EXPECT_TRUE(array->description() == u"((null), (null))");
+  const auto copy = array->copy();
+  EXPECT_TRUE(copy->isEqual(array) && copy->hash() == array->hash());
+  array->removePointerAtIndex(0);
+  EXPECT_FALSE(copy->isEqual(array));
+  expectRaises(NSRangeException, "index 1 beyond bounds [0, 1) (in 'removePointerAtIndex:')",
+               [&] { array->removePointerAtIndex(1); });
+  expectRaises(NSInvalidArgumentException,
+               "options 0 are not supported (in 'pointerArrayWithOptions:')",
+               [] { (void)NSPointerArray::pointerArrayWithOptions(0); });
 }
 
 TEST(NSNull, IsOneObject) {

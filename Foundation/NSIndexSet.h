@@ -1,0 +1,156 @@
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <iterator>
+#include <span>
+#include <vector>
+
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSExport.h>
+#include <Foundation/NSMutationCheck.h>
+#include <Foundation/NSObject.h>
+#include <Foundation/NSRange.h>
+
+class NSMutableIndexSet;
+class NSString;
+
+/// A set of indexes below `NSNotFound`, kept as ranges: a million consecutive indexes cost as much
+/// as one. An index that cannot be one raises `NSRangeException`.
+class NS_EXPORT NSIndexSet : public NSObject {
+ public:
+  using Elements = std::initializer_list<NSUInteger>;
+
+  NSIndexSet() noexcept = default;
+  explicit NSIndexSet(Elements indexes);
+  explicit NSIndexSet(NSUInteger index) { add("initWithIndex:", {index, 1}); }
+  explicit NSIndexSet(NSRange range) { add("initWithIndexesInRange:", range); }
+  /// Of ranges in any order. Takes them as they are when they are runs, as `ranges` gives them.
+  explicit NSIndexSet(std::vector<NSRange> ranges);
+
+  NSUInteger count() const noexcept { return _count; }
+  /// `NSNotFound` when the set is empty.
+  NSUInteger firstIndex() const noexcept;
+  NSUInteger lastIndex() const noexcept;
+  /// The nearest index of the set on that side, or `NSNotFound`.
+  NSUInteger indexGreaterThanIndex(NSUInteger index) const noexcept;
+  NSUInteger indexGreaterThanOrEqualToIndex(NSUInteger index) const noexcept;
+  NSUInteger indexLessThanIndex(NSUInteger index) const noexcept;
+  NSUInteger indexLessThanOrEqualToIndex(NSUInteger index) const noexcept;
+
+  bool containsIndex(NSUInteger index) const noexcept;
+  /// Whether every index of the range is in the set; an empty range is in none. Ranges that would
+  /// pass the largest index end there, here and below.
+  bool containsIndexesInRange(NSRange range) const noexcept;
+  bool intersectsIndexesInRange(NSRange range) const noexcept;
+  NSUInteger countOfIndexesInRange(NSRange range) const noexcept;
+
+  /// Copies up to `maxCount` indexes that lie in the range, or any when it is null, in ascending
+  /// order, and tells how many. Moves the range's location behind the last one given; its end stays
+  /// where it is.
+  NSUInteger getIndexes_maxCount_inIndexRange(NSUInteger* indexes, NSUInteger maxCount,
+                                              NSRange* range) const noexcept;
+
+  /// Calls the block with each index and a flag that ends the walk once it is set. Raises as
+  /// range-for does, and for a nil block `NSInvalidArgumentException`.
+  void enumerateIndexesUsingBlock(NSBlockRef<void(NSUInteger, bool&)> aBlock) const;
+  /// The same with each run of consecutive indexes.
+  void enumerateRangesUsingBlock(NSBlockRef<void(NSRange, bool&)> aBlock) const;
+
+  /// The runs of consecutive indexes, ascending, none empty, with gaps between them; valid until
+  /// the set changes.
+  std::span<const NSRange> ranges() const noexcept { return _ranges; }
+
+  /// Range-for over the indexes; a set that has changed raises `NSGenericException`.
+  class Iterator;
+  Iterator begin() const noexcept;
+  static std::default_sentinel_t end() noexcept { return {}; }
+
+  bool isEqualToIndexSet(const NSRef<NSIndexSet>& other) const noexcept;
+  bool isEqual(const NSRef<NSObject>& other) const override;
+  NSUInteger hash() const override;
+  /// "(1-3 7)"
+  NSRef<NSString> description() const override;
+
+  /// The set itself while it is immutable.
+  NSRef<NSIndexSet> copy() const;
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  NSRef<NSMutableIndexSet> mutableCopy() const;
+  NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
+
+ protected:
+  void add(const char* operation, NSRange range);
+  void remove(NSRange range);
+  void removeAll() noexcept;
+
+ private:
+  std::size_t firstRangeEndingAbove(NSUInteger index) const noexcept;
+  std::size_t firstRangeStartingAt(NSUInteger index) const noexcept;
+  void replaceRanges(std::size_t first, std::size_t end, std::span<const NSRange> by);
+
+  std::vector<NSRange> _ranges;
+  NSUInteger _count = 0;
+  NSMutationCount _mutations;
+};
+
+class NSIndexSet::Iterator {
+ public:
+  using iterator_concept = std::forward_iterator_tag;
+  using iterator_category = std::input_iterator_tag;
+  using difference_type = std::ptrdiff_t;
+  using value_type = NSUInteger;
+  using reference = NSUInteger;
+
+  Iterator() = default;
+  Iterator(std::span<const NSRange> ranges, NSMutationCheck check) noexcept
+      : _ranges(ranges), _check(std::move(check)) {}
+
+  NSUInteger operator*() const noexcept { return _ranges.front().location + _offset; }
+  Iterator& operator++() {
+    _check();
+    if (++_offset == _ranges.front().length) {
+      _ranges = _ranges.subspan(1);
+      _offset = 0;
+    }
+    return *this;
+  }
+  Iterator operator++(int) {
+    auto former = *this;
+    ++*this;
+    return former;
+  }
+  bool operator==(std::default_sentinel_t /*end*/) const {
+    _check();
+    return _ranges.empty();
+  }
+  bool operator==(const Iterator& other) const noexcept {
+    return _ranges.size() == other._ranges.size() && _offset == other._offset;
+  }
+
+ private:
+  std::span<const NSRange> _ranges;
+  NSMutationCheck _check;
+  NSUInteger _offset = 0;
+};
+
+inline NSIndexSet::Iterator NSIndexSet::begin() const noexcept {
+  return {_ranges, {self(), _mutations}};
+}
+
+/// A set of indexes that may be changed. Belongs to one thread at a time. A change that raises
+/// leaves it as it was.
+class NS_EXPORT NSMutableIndexSet : public NSIndexSet {
+ public:
+  using NSIndexSet::NSIndexSet;
+
+  void addIndex(NSUInteger index) { add("addIndex:", {index, 1}); }
+  void addIndexesInRange(NSRange range) { add("addIndexesInRange:", range); }
+  /// Nil has no indexes.
+  void addIndexes(const NSRef<NSIndexSet>& other);
+  void removeIndex(NSUInteger index) { remove({index, 1}); }
+  void removeIndexesInRange(NSRange range) { remove(range); }
+  void removeIndexes(const NSRef<NSIndexSet>& other);
+  void removeAllIndexes() noexcept { removeAll(); }
+
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+};

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include <Foundation/NSEnumeration.h>
+#include <Foundation/NSExport.h>
+#include <Foundation/NSMutationCheck.h>
+#include <Foundation/NSObject.h>
+
+/// How a collection treats the pointers that it holds.
+using NSPointerFunctionsOptions = NSUInteger;
+/// As plain addresses: it neither retains, releases nor clears what they point to.
+inline constexpr NSPointerFunctionsOptions NSPointerFunctionsOpaqueMemory = 2;
+
+/// A sequence of plain pointers, which may be null. It owns nothing of what they point to, and two
+/// are equal when they are the same address. An index that does not fit raises `NSRangeException`.
+/// Belongs to one thread at a time.
+class NS_EXPORT NSPointerArray : public NSObject {
+ public:
+  NSPointerArray() noexcept = default;
+  /// Options other than `NSPointerFunctionsOpaqueMemory` raise `NSInvalidArgumentException`.
+  static NSRef<NSPointerArray> pointerArrayWithOptions(NSPointerFunctionsOptions options);
+
+  /// Nulls count as well.
+  NSUInteger count() const noexcept { return _pointers.size(); }
+  void* pointerAtIndex(NSUInteger index) const;
+  void addPointer(void* pointer);
+  void insertPointer_atIndex(void* pointer, NSUInteger index);
+  void replacePointerAtIndex_withPointer(NSUInteger index, void* pointer);
+  void removePointerAtIndex(NSUInteger index);
+
+  /// In place; valid until the array changes.
+  std::span<void* const> pointers() const noexcept { return _pointers; }
+  auto begin() const noexcept { return NSEnumeration(pointers(), {self(), _mutations}); }
+  static std::default_sentinel_t end() noexcept { return {}; }
+
+  /// The same addresses in the same order.
+  bool isEqual(const NSRef<NSObject>& other) const override;
+  NSUInteger hash() const override;
+  /// "(0x7f00, (null))"
+  NSRef<NSString> description() const override;
+  /// Another array with the same pointers, which may be changed too.
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+
+ private:
+  std::vector<void*> _pointers;
+  NSMutationCount _mutations;
+};

@@ -1,0 +1,53 @@
+#include "Foundation/NSUniqueElements.h"
+
+#include "Foundation/NSException.h"
+
+#include <utility>
+
+std::size_t NSUniqueElements::find(const NSRef<NSObject>& object, NSUInteger hash) const {
+  return _index.find(hash, [&, before = _mutations.value()](std::size_t position) {
+    const bool isSame = NSEqualObjects{}(_elements[position], object);
+    if (_mutations.value() != before) {
+      NSException::raise(NSGenericException, "a collection was mutated while being searched");
+    }
+    return isSame;
+  });
+}
+
+void NSUniqueElements::reserve(std::size_t count) {
+  _elements.reserve(count);
+  _index.reserve(count);
+}
+
+void NSUniqueElements::insert(std::size_t position, const NSRef<NSObject>& object) {
+  const NSUInteger hash = object->hash();
+  if (find(object, hash) == notFound) insertNew(position, object, hash);
+}
+
+void NSUniqueElements::insertNew(std::size_t position, NSRef<NSObject> object, NSUInteger hash) {
+  _index.reserve(size() + 1);
+  _elements.insert(position, std::move(object));
+  _index.insert(position, hash);
+  ++_mutations;
+}
+
+NSRef<NSObject> NSUniqueElements::remove(std::size_t position) {
+  auto removed = _elements.remove(position);
+  _index.remove(position);
+  ++_mutations;
+  return removed;
+}
+
+NSRef<NSObject> NSUniqueElements::replaceByLast(std::size_t position) {
+  auto removed = _elements.remove(size() - 1);
+  if (position != size()) removed = _elements.replace(position, std::move(removed));
+  _index.replaceByLast(position);
+  ++_mutations;
+  return removed;
+}
+
+NSElements NSUniqueElements::removeAll() noexcept {
+  if (size() != 0) ++_mutations;
+  _index = {};
+  return std::exchange(_elements, {});
+}

@@ -1,0 +1,14 @@
+#include "Foundation/NSArray.h"
+#include "ZKFoundation/Categories/NSDictionary+ZKFoundationExtensions.h"
+
+namespace ZKFoundationExtensions {
+
+void addEntriesFromDictionaryIfAbsent(const NSRef<NSMutableDictionary>& dictionary,
+                                      const NSRef<NSDictionary>& other) {
+  if (!other) return;
+  for (const auto& [key, object] : *other) {
+    if (!dictionary->objectForKey(key)) dictionary->setObject_forKey(object, key);
+  }
+}
+
+}  // namespace ZKFoundationExtensions

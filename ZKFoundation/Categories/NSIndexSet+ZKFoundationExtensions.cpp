@@ -1,0 +1,38 @@
+#include "Foundation/NSString.h"
+#include "ZKFoundation/Categories/NSIndexSet+ZKFoundationExtensions.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace ZKFoundationExtensions {
+
+NSRef<NSMutableIndexSet> indexesInRange(const NSRef<NSIndexSet>& indexes, NSRange range) {
+  const auto runs = indexes->ranges();
+  const auto first = std::ranges::upper_bound(runs, range.location, {}, NSMaxRange);
+  const auto end =
+      std::lower_bound(first, runs.end(), NSClampedMaxRange(range),
+                       [](const NSRange& run, NSUInteger index) { return run.location < index; });
+  std::vector<NSRange> part(first, end);
+  if (!part.empty()) {
+    // The run at the one end may begin before the range, that at the other may end behind it.
+    part.front() = NSIntersectionRange(part.front(), range);
+    part.back() = NSIntersectionRange(part.back(), range);
+  }
+  return NSMake<NSMutableIndexSet>(std::move(part));
+}
+
+NSRef<NSString> stringValueWithSeparator(const NSRef<NSIndexSet>& indexes,
+                                         const NSRef<NSString>& separator) {
+  const std::u16string_view between = separator ? separator->view() : u"(null)";
+  NSUnitBuffer text;
+  for (const NSRange& run : indexes->ranges()) {
+    for (NSUInteger index = run.location; index < NSMaxRange(run); ++index) {
+      if (text.size() != 0) text.append(between);
+      text.appendDecimal(index);
+    }
+  }
+  return NSMake<NSString>(std::move(text));
+}
+
+}  // namespace ZKFoundationExtensions

@@ -1,0 +1,10 @@
+#include "ZKFoundation/Categories/NSMapTable+ZKFoundationExtensions.h"
+
+namespace ZKFoundationExtensions {
+
+void setObjectIfAbsent_forKey(const NSRef<NSMapTable>& table, const NSRef<NSObject>& anObject,
+                              const NSRef<NSObject>& aKey) {
+  if (!table->objectForKey(aKey)) table->setObject_forKey(anObject, aKey);
+}
+
+}  // namespace ZKFoundationExtensions

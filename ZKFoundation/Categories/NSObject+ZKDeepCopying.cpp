@@ -1,0 +1,65 @@
+#include "Foundation/NSException.h"
+#include "ZKFoundation/Categories/NSObject+ZKDeepCopying.h"
+
+#include <array>
+#include <new>
+
+namespace {
+
+struct CompoundSpec {
+  ZKCopySpec compound;
+  ZKCopySpec own;
+  ZKCopySpec sub;
+};
+
+constexpr std::array<CompoundSpec, 3> compoundSpecs{{{6, 3, 1}, {7, 0, 3}, {8, 0, 4}}};
+
+const ZKDeepObjectCopyingProtocol& checkedDeepCopyable(const NSRef<NSObject>& object,
+                                                       std::u16string_view exception) {
+  const auto* const copyable = dynamic_cast<const ZKDeepObjectCopyingProtocol*>(&*object);
+  if (copyable == nullptr) {
+    NSException::raise(exception, "object does not support ZKDeepObjectCopyingProtocol");
+  }
+  return *copyable;
+}
+
+NSRef<NSMapTable> referenceTable() {
+  try {
+    return NSMapTable::strongToStrongObjectsMapTable();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+namespace ZKFoundationExtensions {
+
+NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zone,
+                                      ZKCopySpec copySpec) {
+  const auto& copyable =
+      checkedDeepCopyable(object, u"Cannot copy object using copyWithZone:copySpec:");
+  ZKCopySpec sub = copySpec;
+  if (copySpec >= 3 && copySpec <= 5) copySpec = copyable.copySpec(copySpec);
+  const ZKCopySpec own = copySpecForCopySpec_subCopySpec(object, copySpec, &sub);
+  const auto table = referenceTable();
+  if (!table) return nullptr;
+  return copyable.copyWithZone_refTable_copySpec_subCopySpec(zone, table, own, sub);
+}
+
+NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object, ZKCopySpec copySpec) {
+  checkedDeepCopyable(object, u"Cannot copy object using copyWithCopySpec");
+  return copyWithZone_copySpec(object, nullptr, copySpec);
+}
+
+ZKCopySpec copySpecForCopySpec_subCopySpec(const NSRef<NSObject>& /*object*/, ZKCopySpec copySpec,
+                                           ZKCopySpec* subCopySpec) {
+  for (const auto& [compound, own, sub] : compoundSpecs) {
+    if (compound != copySpec) continue;
+    if (subCopySpec != nullptr) *subCopySpec = sub;
+    return own;
+  }
+  return copySpec;
+}
+
+}  // namespace ZKFoundationExtensions

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <Foundation/NSMapTable.h>
+#include <Foundation/NSObject.h>
+#include <ZKFoundation/ZKExport.h>
+
+/// How deeply and in what manner to copy. Classes give the numbers their meaning; the library knows
+/// only that 3, 4 and 5 are put to the object before they are used, and that 6, 7 and 8 stand for
+/// pairs.
+using ZKCopySpec = NSInteger;
+
+/// What a class implements whose objects are copied together with the objects that they refer to.
+///
+/// A copy notes itself in the reference table before it copies what it refers to, and whoever is
+/// asked for a copy looks there first. So an object that is reached twice, or through a cycle, is
+/// copied once. `docs/object-graphs.md` shows a whole class.
+class ZK_EXPORT ZKDeepObjectCopyingProtocol {
+ public:
+  virtual ~ZKDeepObjectCopyingProtocol() = default;
+
+  /// A copy under `copySpec`; what the object refers to is copied under `subCopySpec`. The table is
+  /// the same one throughout a copy: objects by the originals that they are copies of. The zone is
+  /// handed through.
+  virtual NSRef<NSObject> copyWithZone_refTable_copySpec_subCopySpec(
+      NSZone* zone, const NSRef<NSMapTable>& refTable, ZKCopySpec copySpec,
+      ZKCopySpec subCopySpec) const = 0;
+
+  /// The specification that the object really wants where 3, 4 or 5 is asked for.
+  virtual ZKCopySpec copySpec(ZKCopySpec requested) const = 0;
+
+ protected:
+  ZKDeepObjectCopyingProtocol() = default;
+  ZKDeepObjectCopyingProtocol(const ZKDeepObjectCopyingProtocol&) = default;
+  ZKDeepObjectCopyingProtocol& operator=(const ZKDeepObjectCopyingProtocol&) = default;
+};
+
+namespace ZKFoundationExtensions {
+
+/// A copy of the object under the specification, with a reference table of its own. The object is
+/// asked for its own `copySpec` first when the specification is 3, 4 or 5, and the result is split
+/// by `copySpecForCopySpec_subCopySpec`; one that is not split leaves what was requested as the
+/// specification for the objects referred to.
+///
+/// An object whose class does not implement `ZKDeepObjectCopyingProtocol` raises "Cannot copy
+/// object using copyWithZone:copySpec:". Nil when there is no memory for the table. A nil object
+/// raises `NSInvalidArgumentException`.
+ZK_EXPORT NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zone,
+                                                ZKCopySpec copySpec);
+
+/// The same with no zone. The exception is "Cannot copy object using copyWithCopySpec".
+ZK_EXPORT NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object, ZKCopySpec copySpec);
+
+/// Splits a specification: gives the object's own and sets the one for the objects that it refers
+/// to. 6 is 3 and 1, 7 is 0 and 3, 8 is 0 and 4; any other is given back and sets nothing. A null
+/// pointer is not set.
+ZK_EXPORT ZKCopySpec copySpecForCopySpec_subCopySpec(const NSRef<NSObject>& object,
+                                                     ZKCopySpec copySpec, ZKCopySpec* subCopySpec);
+
+}  // namespace ZKFoundationExtensions

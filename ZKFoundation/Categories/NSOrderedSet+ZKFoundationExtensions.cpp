@@ -1,0 +1,18 @@
+#include "Foundation/NSException.h"
+#include "ZKFoundation/Categories/NSOrderedSet+ZKFoundationExtensions.h"
+#include "ZKFoundation/Categories/ZKTransformation.h"
+
+namespace ZKFoundationExtensions {
+
+void makeObjectsPerformBlock(const NSRef<NSOrderedSet>& set,
+                             NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) {
+  if (!aBlock) NSRaiseNilArgument("aBlock", "makeObjectsPerformBlock:");
+  set->enumerateObjectsUsingBlock(aBlock);
+}
+
+NSRef<NSOrderedSet> transformedOrderedSetUsingTransformator(const NSRef<NSOrderedSet>& set,
+                                                            ZKTransformator transformator) {
+  return ZKTransformedCollection<NSOrderedSet>(set->elements(), transformator);
+}
+
+}  // namespace ZKFoundationExtensions

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <Foundation/NSPointerArray.h>
+#include <ZKFoundation/ZKExport.h>
+
+namespace ZKFoundationExtensions {
+
+/// A new pointer array that neither retains nor releases what it points to, and does not notice
+/// when that dies.
+ZK_EXPORT NSRef<NSPointerArray> zk_pointerArrayWithWeakObjects();
+
+/// The last pointer; null when the array is empty.
+ZK_EXPORT void* lastPointer(const NSRef<NSPointerArray>& array);
+
+/// Removes the last occurrence of the pointer, which may be null; false when there is none.
+ZK_EXPORT bool removePointerIdenticalTo(const NSRef<NSPointerArray>& array, const void* pointer);
+
+/// Whether the pointer, which may be null, is an element.
+ZK_EXPORT bool containsPointer(const NSRef<NSPointerArray>& array, const void* pointer);
+
+/// Appends the other array's pointers in their order, nulls too. A nil array has none; the other
+/// array may be the same.
+ZK_EXPORT void addPointersFromPointerArray(const NSRef<NSPointerArray>& array,
+                                           const NSRef<NSPointerArray>& other);
+
+}  // namespace ZKFoundationExtensions

@@ -1,0 +1,569 @@
+#include "benchmarks/Support.h"
+
+#include <algorithm>
+#include <charconv>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <set>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+#ifdef ZK_HAS_QT
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <QSharedPointer>
+#include <QString>
+#include <QStringList>
+#endif
+#ifdef ZK_HAS_GLIB
+#include <glib.h>
+#endif
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+struct Key : NSObject {
+  explicit Key(NSInteger aValue) : value(aValue) {}
+  NSInteger compare(const Key& other) const { return value - other.value; }
+  NSInteger value;
+  NSRef<NSObject> partner;
+};
+
+Key* keyOf(const NSRef<NSObject>& object) { return static_cast<Key*>(object.get()); }
+
+NSInteger compareKeys(const NSRef<NSObject>& object, const NSRef<NSObject>& element,
+                      void* /*context*/) {
+  return keyOf(object)->value - keyOf(element)->value;
+}
+
+bool isLess(const Key* a, const Key* b) { return a->value < b->value; }
+
+struct Keys {
+  std::vector<NSRef<NSObject>> shuffled;
+  std::vector<Key*> sorted;
+  NSRef<NSArray> array;
+};
+
+std::vector<NSInteger> shuffledNumbers(std::size_t count) {
+  std::vector<NSInteger> numbers(count);
+  std::iota(numbers.begin(), numbers.end(), 0);
+  std::ranges::shuffle(numbers, std::mt19937(7));
+  return numbers;
+}
+
+// Made in shuffled order: neighbours by value lie anywhere in memory.
+const Keys& keys(std::size_t count) {
+  static std::unordered_map<std::size_t, Keys> made;
+  Keys& result = made[count];
+  if (!result.shuffled.empty()) return result;
+  for (const NSInteger value : shuffledNumbers(count)) {
+    result.shuffled.push_back(NSMake<Key>(value));
+    result.sorted.push_back(keyOf(result.shuffled.back()));
+  }
+  for (std::size_t k = 0; k < count; ++k) {
+    keyOf(result.shuffled[k])->partner = result.shuffled[(k + 1) % count];
+  }
+  std::ranges::sort(result.sorted, isLess);
+  auto array = NSMake<NSMutableArray>();
+  for (Key* const key : result.sorted) array->addObject(NSRef<Key>::share(key));
+  result.array = array->copy();
+  return result;
+}
+
+#ifdef ZK_HAS_GLIB
+gint compareInSequence(gconstpointer a, gconstpointer b, gpointer /*data*/) {
+  const auto order = static_cast<const Key*>(a)->value - static_cast<const Key*>(b)->value;
+  return order < 0 ? -1 : order > 0 ? 1 : 0;
+}
+using Sequence = std::unique_ptr<GSequence, decltype(&g_sequence_free)>;
+Sequence makeSequence() { return {g_sequence_new(nullptr), &g_sequence_free}; }
+#endif
+
+void addInsertions() {
+  constexpr std::size_t count = 20000;
+  const std::string name = "Sorted/Insert20000/";
+  const auto isSorted = [](const auto& array) {
+    return static_cast<std::size_t>(array->count()) == count &&
+           std::ranges::is_sorted(array->objects(), [](const auto& a, const auto& b) {
+             return isLess(keyOf(a), keyOf(b));
+           });
+  };
+  addRow(
+      name + "ZK",
+      [] {
+        auto array = NSMake<NSMutableArray>();
+        for (const auto& key : keys(count).shuffled) {
+          insertObject_inArraySortedUsingFunction_context(array, key, compareKeys, nullptr);
+        }
+        return array;
+      },
+      isSorted);
+  addRow(
+      name + "ZKmethod",
+      [] {
+        auto array = NSMake<NSMutableArray>();
+        for (const auto& key : keys(count).shuffled) {
+          insertObject_inArraySortedUsingSelector(array, key, &Key::compare);
+        }
+        return array;
+      },
+      isSorted);
+  const auto insertAll = [](auto& list) {
+    for (const auto& key : keys(count).shuffled) {
+      list.insert(std::lower_bound(list.begin(), list.end(), keyOf(key), isLess), keyOf(key));
+    }
+  };
+  const auto isSortedList = [](const auto& list) {
+    return static_cast<std::size_t>(list.size()) == count && std::ranges::is_sorted(list, isLess);
+  };
+  addRow(
+      name + "vector",
+      [=] {
+        std::vector<Key*> list;
+        insertAll(list);
+        return list;
+      },
+      isSortedList);
+#ifdef ZK_HAS_QT
+  addRow(
+      name + "QList",
+      [=] {
+        QList<Key*> list;
+        insertAll(list);
+        return list;
+      },
+      isSortedList);
+#endif
+#ifdef ZK_HAS_GLIB
+  addRow(
+      name + "GSequence",
+      [] {
+        auto sequence = makeSequence();
+        for (const auto& key : keys(count).shuffled) {
+          g_sequence_insert_sorted(sequence.get(), key.get(), compareInSequence, nullptr);
+        }
+        return std::shared_ptr<GSequence>(std::move(sequence));
+      },
+      [](const auto& sequence) {
+        return g_sequence_get_length(sequence.get()) == static_cast<gint>(count);
+      });
+#endif
+}
+
+template <class Find>
+void addSearches(const std::string& how, Find find) {
+  constexpr std::size_t count = 1000000;
+  addRow(
+      "Sorted/Find1000000" + how,
+      [=] {
+        const Keys& all = keys(count);
+        NSUInteger sum = 0;
+        for (const auto& key : all.shuffled) sum += find(all, key);
+        return sum;
+      },
+      [](NSUInteger sum) { return sum == count * (count - 1) / 2; }, {.calls = count});
+}
+
+// By a comparison that is behind a pointer, one that the compiler sees, and a method.
+void addSearches() {
+  static const ZKCompareFunction volatile function = compareKeys;
+  addSearches("ByFunction/ZK", [](const Keys& all, const NSRef<NSObject>& key) {
+    return indexWhereObjectWouldBelong_inArraySortedUsingFunction_context(all.array, key, function,
+                                                                          nullptr);
+  });
+  addSearches("ByFunction/lower_bound", [](const Keys& all, const NSRef<NSObject>& key) {
+    const auto objects = all.array->objects();
+    const auto found =
+        std::lower_bound(objects.begin(), objects.end(), key,
+                         [compare = function](const auto& element, const auto& object) {
+                           return compare(element, object, nullptr) < 0;
+                         });
+    return static_cast<NSUInteger>(found - objects.begin());
+  });
+  addSearches("ByCallable/ZK", [](const Keys& all, const NSRef<NSObject>& key) {
+    return indexWhereObjectWouldBelong_inArraySortedUsingFunction(
+        all.array, key, [](const NSRef<NSObject>& a, const NSRef<NSObject>& b) {
+          return compareKeys(a, b, nullptr);
+        });
+  });
+  addSearches("ByCallable/lower_bound", [](const Keys& all, const NSRef<NSObject>& key) {
+    const auto found = std::lower_bound(all.sorted.begin(), all.sorted.end(), keyOf(key), isLess);
+    return static_cast<NSUInteger>(found - all.sorted.begin());
+  });
+  using Method = NSInteger (Key::*)(const Key&) const;
+  static const Method volatile method = &Key::compare;
+  addSearches("ByMethod/ZK", [](const Keys& all, const NSRef<NSObject>& key) {
+    return indexWhereObjectWouldBelong_inArraySortedUsingSelector(all.array, key, Method(method));
+  });
+  addSearches("ByMethod/lower_bound", [](const Keys& all, const NSRef<NSObject>& key) {
+    const auto found = std::lower_bound(all.sorted.begin(), all.sorted.end(), keyOf(key),
+                                        [compare = method](const Key* element, const Key* object) {
+                                          return (element->*compare)(*object) < 0;
+                                        });
+    return static_cast<NSUInteger>(found - all.sorted.begin());
+  });
+#ifdef ZK_HAS_GLIB
+  static const Sequence sequence = [] {
+    auto result = makeSequence();
+    for (Key* const key : keys(1000000).sorted) g_sequence_append(result.get(), key);
+    return result;
+  }();
+  addSearches("ByFunction/GSequence", [](const Keys&, const NSRef<NSObject>& key) {
+    auto* const found = g_sequence_lookup(sequence.get(), key.get(), compareInSequence, nullptr);
+    return static_cast<NSUInteger>(static_cast<const Key*>(g_sequence_get(found))->value);
+  });
+#endif
+}
+
+// The same as shared pointers.
+struct SharedKey {
+  virtual ~SharedKey() = default;
+  std::shared_ptr<SharedKey> partner;
+};
+struct OtherSharedKey : SharedKey {};
+struct OtherObject : NSObject {};
+
+constexpr std::size_t manyKeys = 1000000;
+
+const std::vector<std::shared_ptr<SharedKey>>& sharedKeys() {
+  static const auto sorted = [] {
+    std::vector<std::shared_ptr<SharedKey>> all(manyKeys);
+    std::shared_ptr<SharedKey> former;
+    for (const NSInteger value : shuffledNumbers(manyKeys)) {
+      const auto key =
+          value % 2 == 0 ? std::make_shared<SharedKey>() : std::make_shared<OtherSharedKey>();
+      if (former) former->partner = key;
+      former = all[static_cast<std::size_t>(value)] = key;
+    }
+    return all;
+  }();
+  return sorted;
+}
+
+const NSRef<NSArray>& mixedObjects() {
+  static const auto mixed = [] {
+    std::vector<NSRef<NSObject>> all(manyKeys);
+    for (const NSInteger value : shuffledNumbers(manyKeys)) {
+      all[static_cast<std::size_t>(value)] =
+          value % 2 == 0 ? NSRef<NSObject>(NSMake<Key>(value)) : NSMake<OtherObject>();
+    }
+    return NSMake<NSArray>(std::move(all));
+  }();
+  return mixed;
+}
+
+void addSelections() {
+  addRow(
+      "Array/Transform1000000/ZK",
+      [] {
+        return transformedArrayUsingTransformator(
+            keys(manyKeys).array,
+            [](const NSRef<NSObject>& object) { return keyOf(object)->partner; });
+      },
+      [](const auto& result) { return result->count() == manyKeys; });
+  addRow(
+      "Array/Transform1000000/vector",
+      [] {
+        std::vector<std::shared_ptr<SharedKey>> result;
+        result.reserve(manyKeys);
+        for (const auto& key : sharedKeys()) result.push_back(key->partner);
+        return result;
+      },
+      [](const auto& result) { return result.size() == manyKeys; });
+#ifdef ZK_HAS_QT
+  addRow(
+      "Array/Transform1000000/QList",
+      [] {
+        QList<std::shared_ptr<SharedKey>> result;
+        result.reserve(manyKeys);
+        for (const auto& key : sharedKeys()) result.append(key->partner);
+        return result;
+      },
+      [](const auto& result) { return result.size() == qsizetype{manyKeys}; });
+#endif
+  addRow(
+      "Array/KindOfClass1000000/ZK",
+      [] { return arrayWithObjectsKindOfClass(mixedObjects(), NSClass::of<Key>()); },
+      [](const auto& result) { return result->count() == manyKeys / 2; });
+  addRow(
+      "Array/KindOfClass1000000/dynamic_cast",
+      [] {
+        std::vector<std::shared_ptr<SharedKey>> result;
+        for (const auto& key : sharedKeys()) {
+          if (dynamic_cast<const OtherSharedKey*>(key.get()) != nullptr) result.push_back(key);
+        }
+        return result;
+      },
+      [](const auto& result) { return result.size() == manyKeys / 2; });
+}
+
+void addIndexSets() {
+  static constexpr NSUInteger count = 100000;
+  static const auto indexes = [] {
+    auto set = NSMake<NSMutableIndexSet>();
+    for (NSUInteger k = 0; k < count; ++k) set->addIndex(3 * k);
+    return set;
+  }();
+  static const auto plain = [] {
+    std::vector<NSUInteger> all;
+    for (const NSUInteger index : *indexes) all.push_back(index);
+    return all;
+  }();
+  static const std::set<NSUInteger> tree(plain.begin(), plain.end());
+  addRow(
+      "IndexSet/Text100000/ZK", [] { return stringValueWithSeparator(indexes, u", "_ns); },
+      [](const auto& text) { return text->hasSuffix(u"299994, 299997"_ns); });
+  addRow(
+      "IndexSet/Text100000/to_chars",
+      [] {
+        std::u16string text;
+        std::array<char, 20> digits;
+        for (const NSUInteger index : plain) {
+          if (!text.empty()) text += u", ";
+          const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), index).ptr;
+          text.append(digits.data(), end);
+        }
+        return text;
+      },
+      [](const auto& text) { return text.ends_with(u"299994, 299997"); });
+#ifdef ZK_HAS_QT
+  addRow(
+      "IndexSet/Text100000/Qt",
+      [] {
+        QStringList words;
+        for (const NSUInteger index : plain) words.append(QString::number(index));
+        return words.join(QStringLiteral(", "));
+      },
+      [](const auto& text) { return text.endsWith(QStringLiteral("299994, 299997")); });
+#endif
+  addRow(
+      "IndexSet/InRange50000/ZK",
+      [] {
+        return indexesInRange(indexes, {count, 3 * count / 2});
+      },
+      [](const auto& part) { return part->count() == count / 2; });
+  addRow(
+      "IndexSet/InRange50000/vector",
+      [] {
+        return std::vector<NSUInteger>(std::ranges::lower_bound(plain, count),
+                                       std::ranges::lower_bound(plain, 5 * count / 2));
+      },
+      [](const auto& part) { return part.size() == count / 2; });
+  addRow(
+      "IndexSet/InRange50000/set",
+      [] { return std::set<NSUInteger>(tree.lower_bound(count), tree.lower_bound(5 * count / 2)); },
+      [](const auto& part) { return part.size() == count / 2; });
+}
+
+struct Words {
+  explicit Words(std::size_t count) {
+    for (std::size_t k = 0; k < count; ++k) {
+      const auto word = NSMake<NSString>("chapter " + std::to_string(k));
+      ns.push_back(word);
+      plain.emplace_back(word->view());
+#ifdef ZK_HAS_QT
+      qt.append(QString::fromStdU16String(plain.back()));
+#endif
+#ifdef ZK_HAS_GLIB
+      narrow.push_back(g_strdup(word->utf8().c_str()));
+#endif
+    }
+  }
+  std::vector<NSRef<NSObject>> ns;
+  std::vector<std::u16string> plain;
+#ifdef ZK_HAS_QT
+  QList<QString> qt;
+#endif
+#ifdef ZK_HAS_GLIB
+  std::vector<char*> narrow;
+#endif
+};
+
+// Asks for words that are equal to the entered ones, not the same, in a mixed order.
+template <class Find>
+void addLookUps(const std::string& kind, std::size_t count, const char* who, Find find) {
+  addRow(
+      kind + "/LookUp" + std::to_string(count) + "/" + who,
+      [=] {
+        std::size_t found = 0;
+        for (std::size_t k = 0; k < count; ++k) found += find(k * 7919 % count) ? 1U : 0U;
+        return found;
+      },
+      [=](std::size_t found) { return found == count; },
+      {.calls = benchmark::IterationCount(count)});
+}
+
+void addLookUps(std::size_t count) {
+  const auto words = std::make_shared<Words>(count);
+  const auto asked = std::make_shared<Words>(count);
+  const auto set = NSMake<NSSet>(NSMake<NSArray>(std::span(words->ns)));
+  addLookUps("Set", count, "ZK", [=](std::size_t k) { return set->containsObject(asked->ns[k]); });
+  const auto plain = std::make_shared<std::unordered_set<std::u16string>>(words->plain.begin(),
+                                                                          words->plain.end());
+  addLookUps("Set", count, "unordered_set",
+             [=](std::size_t k) { return plain->contains(asked->plain[k]); });
+  const auto dictionary = NSMake<NSMutableDictionary>();
+  for (const auto& word : words->ns) dictionary->setObject_forKey(word, word);
+  addLookUps("Dictionary", count, "ZK",
+             [=](std::size_t k) { return dictionary->objectForKey(asked->ns[k]) != nullptr; });
+  const auto map = std::make_shared<std::unordered_map<std::u16string, std::size_t>>();
+  for (const auto& word : words->plain) map->emplace(word, 1);
+  addLookUps("Dictionary", count, "unordered_map",
+             [=](std::size_t k) { return map->find(asked->plain[k])->second == 1; });
+#ifdef ZK_HAS_QT
+  const QSet<QString> qtSet(words->qt.begin(), words->qt.end());
+  addLookUps("Set", count, "QSet",
+             [=](std::size_t k) { return qtSet.contains(asked->qt[static_cast<qsizetype>(k)]); });
+  QHash<QString, int> qtHash;
+  for (const auto& word : words->qt) qtHash.insert(word, 1);
+  addLookUps("Dictionary", count, "QHash", [=](std::size_t k) {
+    return *qtHash.constFind(asked->qt[static_cast<qsizetype>(k)]) == 1;
+  });
+#endif
+#ifdef ZK_HAS_GLIB
+  GHashTable* const table = g_hash_table_new(g_str_hash, g_str_equal);
+  for (char* const word : words->narrow) g_hash_table_add(table, word);
+  addLookUps("Set", count, "GHashTable",
+             [=](std::size_t k) { return g_hash_table_contains(table, asked->narrow[k]) != 0; });
+#endif
+}
+
+// A document's tree: every part knows its parent and shares one of a hundred styles.
+struct Part : NSObject, ZKDeepObjectCopyingProtocol {
+  explicit Part(std::size_t aName) : name(aName) {}
+  NSRef<NSObject> copyWithZone_refTable_copySpec_subCopySpec(
+      NSZone* zone, const NSRef<NSMapTable>& refTable, ZKCopySpec copySpec,
+      ZKCopySpec subCopySpec) const override {
+    auto copy = NSMake<Part>(name);
+    refTable->setObject_forKey(copy, self());
+    copy->links.reserve(links.size());
+    for (const auto& link : links) {
+      auto known = refTable->objectForKey(link);
+      if (!known) {
+        known =
+            link->copyWithZone_refTable_copySpec_subCopySpec(zone, refTable, copySpec, subCopySpec);
+      }
+      copy->links.push_back(NSRef<Part>::share(static_cast<Part*>(known.get())));
+    }
+    return copy;
+  }
+  ZKCopySpec copySpec(ZKCopySpec requested) const override { return requested; }
+  void visit(ZKObjectVisitor& visitor, bool& stop) {
+    const auto object = self();
+    if (stop || !visitor.shouldVisitObject(object)) return;
+    visitor.visitObject_stop(object, stop);
+    for (const auto& link : links) link->visit(visitor, stop);
+  }
+  std::size_t name;
+  std::vector<NSRef<Part>> links;
+};
+
+struct PlainPart {
+  std::size_t name = 0;
+  std::vector<std::shared_ptr<PlainPart>> links;
+};
+using PlainCopies = std::unordered_map<const PlainPart*, std::shared_ptr<PlainPart>>;
+
+std::shared_ptr<PlainPart> copyOf(const std::shared_ptr<PlainPart>& part, PlainCopies& copies) {
+  auto& known = copies[part.get()];
+  if (known) return known;
+  auto copy = known = std::make_shared<PlainPart>();
+  copy->name = part->name;
+  copy->links.reserve(part->links.size());
+  for (const auto& link : part->links) copy->links.push_back(copyOf(link, copies));
+  return copy;
+}
+
+void visit(const std::shared_ptr<PlainPart>& part,
+           std::unordered_set<std::shared_ptr<PlainPart>>& visited) {
+  if (!visited.insert(part).second) return;
+  for (const auto& link : part->links) visit(link, visited);
+}
+
+template <class Ref, class Make>
+Ref makeTree(std::size_t count, Make make) {
+  constexpr std::size_t styles = 100;
+  std::vector<Ref> parts;
+  for (std::size_t k = 0; k < count; ++k) parts.push_back(make(k));
+  for (std::size_t k = styles; k < count; ++k) {
+    const std::size_t parent = k == styles ? styles : (k - styles - 1) / 2 + styles;
+    parts[k]->links.push_back(parts[k % styles]);
+    parts[k]->links.push_back(parts[parent]);
+    if (parent != k) parts[parent]->links.push_back(parts[k]);
+  }
+  return parts[styles];
+}
+
+// Cuts the cycles of a copy, so that it dies: all rows pay the same for it.
+template <class Ref>
+std::size_t dissolve(const Ref& root) {
+  std::vector<Ref> rest = {root};
+  std::size_t count = 0;
+  while (!rest.empty()) {
+    const Ref part = std::move(rest.back());
+    rest.pop_back();
+    if (part->links.empty()) continue;
+    ++count;
+    for (auto& link : part->links) rest.push_back(std::move(link));
+    part->links.clear();
+  }
+  return count;
+}
+
+void addGraphs() {
+  constexpr std::size_t count = 100000;
+  static const auto tree =
+      makeTree<NSRef<Part>>(count, [](std::size_t k) { return NSMake<Part>(k); });
+  static const auto plain = makeTree<std::shared_ptr<PlainPart>>(count, [](std::size_t k) {
+    auto part = std::make_shared<PlainPart>();
+    part->name = k;
+    return part;
+  });
+  const auto isWhole = [](std::size_t parts) { return parts == count - 100; };
+  addRow(
+      "Graph/DeepCopy100000/ZK", [] { return dissolve(copyWithCopySpec(tree, 1).as<Part>()); },
+      isWhole);
+  addRow(
+      "Graph/DeepCopy100000/unordered_map",
+      [] {
+        PlainCopies copies;
+        return dissolve(copyOf(plain, copies));
+      },
+      isWhole);
+  addRow(
+      "Graph/Visit100000/ZK",
+      [] {
+        const auto visitor = NSMake<ZKGenericVisitor>();
+        bool stop = false;
+        tree->visit(*visitor, stop);
+        return visitor->visitedObjects()->count();
+      },
+      [](NSUInteger visited) { return visited == count; });
+  addRow(
+      "Graph/Visit100000/unordered_set",
+      [] {
+        std::unordered_set<std::shared_ptr<PlainPart>> visited;
+        visit(plain, visited);
+        return visited.size();
+      },
+      [](std::size_t visited) { return visited == count; });
+}
+
+const bool registered = [] {
+  addInsertions();
+  addSearches();
+  addSelections();
+  addIndexSets();
+  addLookUps(1000);
+  addLookUps(100000);
+  addGraphs();
+  return true;
+}();
+
+}  // namespace

@@ -1,0 +1,233 @@
+#include "tests/Support.h"
+
+#include <compare>
+#include <deque>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+// A key to sort by; others with the same key order the same and are equal.
+struct Card : Counted {
+  Card(int& aliveCount, int aKey) : Counted(aliveCount), key(aKey) {}
+  NSComparisonResult compare(const NSRef<Card>& other) const {
+    return key < other->key   ? NSOrderedAscending
+           : key > other->key ? NSOrderedDescending
+                              : NSOrderedSame;
+  }
+  virtual std::strong_ordering order(const Card& other) const noexcept { return key <=> other.key; }
+  NSInteger compareObject(const NSRef<NSObject>& other) const {
+    return key - other.as<Card>()->key;
+  }
+  bool isEqual(const NSRef<NSObject>& other) const override {
+    return other.as<Card>() && other.as<Card>()->key == key;
+  }
+  NSUInteger hash() const override { return static_cast<NSUInteger>(key); }
+  int key;
+};
+
+int alive = 0;
+
+NSRef<NSMutableArray> cards(const std::vector<int>& keys) {
+  const auto array = NSMake<NSMutableArray>();
+  for (const int key : keys) array->addObject(NSMake<Card>(alive, key));
+  return array;
+}
+
+std::vector<int> keysOf(const NSRef<NSArray>& array) {
+  std::vector<int> keys;
+  for (const auto& object : *array) keys.push_back(object.as<Card>()->key);
+  return keys;
+}
+
+// Compares and notes the keys that it is asked for.
+NSInteger compareAndNote(const NSRef<NSObject>& object, const NSRef<NSObject>& element,
+                         void* context) {
+  const int key = element.as<Card>()->key;
+  static_cast<std::vector<int>*>(context)->push_back(key);
+  return NSInteger{object.as<Card>()->key - key} * (NSIntegerMax / 16);
+}
+
+// The search as its steps are told: halved powers of two and a last look at the place itself.
+NSUInteger modelPlace(const std::vector<int>& keys, int key, std::vector<int>& looked) {
+  NSUInteger power = 1;
+  while (power <= keys.size()) power *= 2;
+  std::vector<NSUInteger> steps;
+  for (NSUInteger step = power / 2; step > 0; step /= 2) steps.push_back(step);
+  steps.push_back(0);
+  NSUInteger low = 0;
+  for (const NSUInteger step : steps) {
+    if (low + step >= keys.size()) continue;
+    const int other = keys[low + step];
+    looked.push_back(other);
+    if (key == other) return low + step;
+    if (key > other) low += step + 1;
+  }
+  return low;
+}
+
+template <class Action>
+void forEachKeys(std::size_t longest, Action action) {
+  for (std::size_t length = 0; length <= longest; ++length) {
+    std::vector<int> keys(length, 1);
+    for (;;) {
+      action(keys);
+      std::size_t k = 0;
+      while (k < length && keys[k] == 3) keys[k++] = 1;
+      if (k == length) break;
+      ++keys[k];
+    }
+  }
+}
+
+TEST(NSArraySorting, LooksWhereAModelLooksInEveryShortArray) {
+  int mistakes = 0;
+  forEachKeys(8, [&](const std::vector<int>& keys) {
+    const auto array = cards(keys);
+    for (int key = 0; key <= 4; ++key) {
+      const auto object = NSMake<Card>(alive, key);
+      std::vector<int> looked;
+      std::vector<int> modelLooked;
+      const NSUInteger place = modelPlace(keys, key, modelLooked);
+      mistakes += indexWhereObjectWouldBelong_inArraySortedUsingFunction_context(
+                      array, object, compareAndNote, &looked) != place;
+      mistakes += looked != modelLooked;
+      mistakes += indexWhereObjectWouldBelong_inArraySortedUsingSelector(array, object,
+                                                                         &Card::compare) != place;
+      const auto less = [](int a, int b) { return a <=> b; };
+      mistakes += indexWhereObjectWouldBelong_inArraySortedUsingFunction(
+                      std::deque<int>(keys.begin(), keys.end()), key, less) != place;
+      const bool isThere = place < keys.size() && keys[place] == key;
+      mistakes +=
+          indexOfObject_identical_inArraySortedUsingFunction_context(
+              array, object, false, compareAndNote, &looked) != (isThere ? place : NSNotFound);
+      mistakes += indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object,
+                                                                      &Card::order) != NSNotFound;
+    }
+  });
+  EXPECT_EQ(mistakes, 0);
+  EXPECT_EQ(alive, 0);
+}
+
+TEST(NSArraySorting, FindsEveryVeryObjectInEverySortedArray) {
+  int mistakes = 0;
+  forEachKeys(8, [&](const std::vector<int>& keys) {
+    if (!std::ranges::is_sorted(keys)) return;
+    const auto array = cards(keys);
+    std::vector<int> looked;
+    for (NSUInteger k = 0; k < keys.size(); ++k) {
+      const auto object = array->objectAtIndex(k);
+      mistakes += indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object,
+                                                                      &Card::compareObject) != k;
+      mistakes += indexOfObject_identical_inArraySortedUsingFunction_context(
+                      array, object, true, compareAndNote, &looked) != k;
+      const auto rest = array->mutableCopy();
+      removeObjectIdenticalTo_fromArraySortedUsingSelector(rest, object, &Card::order);
+      mistakes += rest->count() + 1 != keys.size() || containsObjectIdenticalTo(rest, object);
+    }
+  });
+  EXPECT_EQ(mistakes, 0);
+}
+
+TEST(NSArraySorting, GivesThePlacesThatAreTold) {
+  struct Row {
+    std::vector<int> keys;
+    int key;
+    NSUInteger place;
+  };
+  const std::vector<Row> rows = {
+      {{}, 1, 0},
+      {{1, 3, 5}, 4, 2},
+      {{1, 3, 5}, 0, 0},
+      {{1, 3, 5}, 6, 3},
+      {{1, 1, 1, 1, 1}, 1, 4},
+      {{0, 1, 1, 1, 2}, 1, 2},
+      {{1, 1}, 1, 1},
+      {{1, 1, 1}, 1, 2},
+      {std::vector<int>(7, 1), 1, 4},
+      {std::vector<int>(8, 1), 1, 4},
+  };
+  for (const auto& [keys, key, place] : rows) {
+    EXPECT_EQ(indexWhereObjectWouldBelong_inArraySortedUsingSelector(
+                  cards(keys), NSMake<Card>(alive, key), &Card::order),
+              place)
+        << key << " among " << testing::PrintToString(keys);
+  }
+}
+
+TEST(NSArraySorting, LooksOneElementPastTheRunForTheVeryObject) {
+  // The object itself does not stand where its key belongs.
+  const auto array = cards({1, 1, 9, 2});
+  const auto object = NSMake<Card>(alive, 2);
+  array->replaceObjectAtIndex_withObject(3, object);
+  EXPECT_EQ(indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object, &Card::order), 3U);
+  array->replaceObjectAtIndex_withObject(1, NSMake<Card>(alive, 9));
+  EXPECT_EQ(indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object, &Card::order),
+            NSNotFound);
+}
+
+TEST(NSArraySorting, InsertsInOrderWithAnyKindOfOrdering) {
+  expectProperty("sorted by insertion", [] {
+    const auto keys = *rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 9));
+    const auto byFunction = NSMake<NSMutableArray>();
+    const auto byMethod = NSMake<NSMutableArray>();
+    const auto byCallable = NSMake<NSMutableArray>();
+    std::vector<NSRef<Card>> plain;
+    std::vector<int> looked;
+    for (const int key : keys) {
+      const auto card = NSMake<Card>(alive, key);
+      insertObject_inArraySortedUsingFunction_context(byFunction, card, compareAndNote, &looked);
+      insertObject_inArraySortedUsingSelector(byMethod, card, &Card::compare);
+      insertObject_inArraySortedUsingFunction(byCallable, card, [](const auto& a, const auto& b) {
+        return a.template as<Card>()->key <=> b.template as<Card>()->key;
+      });
+      insertObject_inArraySortedUsingFunction(plain, card, &Card::compare);
+    }
+    auto sorted = keys;
+    std::ranges::sort(sorted);
+    RC_ASSERT(keysOf(byFunction) == sorted);
+    RC_ASSERT(byMethod->objects().size() == plain.size());
+    for (std::size_t k = 0; k < plain.size(); ++k) {
+      RC_ASSERT(byMethod->objects()[k] == plain[k] && byFunction->objects()[k] == plain[k] &&
+                byCallable->objects()[k] == plain[k]);
+    }
+  });
+  EXPECT_EQ(alive, 0);
+}
+
+TEST(NSArraySorting, AnOrderingThatFailsOrMeddlesHarmsNothing) {
+  auto array = cards({1, 2, 3, 4, 5});
+  const auto object = NSMake<Card>(alive, 3);
+  EXPECT_THROW(insertObject_inArraySortedUsingFunction(
+                   array, object, [](const auto&, const auto&) -> int { throw 1; }),
+               int);
+  EXPECT_EQ(keysOf(array), (std::vector<int>{1, 2, 3, 4, 5}));
+  const auto clearing = [&](const auto&, const NSRef<NSObject>& element) {
+    array->removeAllObjects();
+    return element.as<Card>()->key == 0 ? 0 : 1;
+  };
+  expectRaises(NSRangeException, "index 5 beyond bounds [0, 0) (in 'insertObject:atIndex:')",
+               [&] { insertObject_inArraySortedUsingFunction(array, object, clearing); });
+  EXPECT_EQ(alive, 1);
+
+  const char* const reason = "anObject is nil (in 'insertObject:atIndex:')";
+  array = cards({1});
+  expectRaises(NSInvalidArgumentException, reason,
+               [&] { insertObject_inArraySortedUsingSelector(array, nullptr, &Card::order); });
+  expectRaises(NSInvalidArgumentException, reason, [&] {
+    insertObject_inArraySortedUsingFunction_context(array, nullptr, nullptr, nullptr);
+  });
+  const auto isRefused = [&](const NSRef<NSObject>& searched) {
+    EXPECT_THROW((void)indexWhereObjectWouldBelong_inArraySortedUsingSelector(array, searched,
+                                                                              &Card::compare),
+                 NSException);
+  };
+  isRefused(nullptr);
+  isRefused(u"no card"_ns);
+  array->replaceObjectAtIndex_withObject(0, u"no card"_ns);
+  isRefused(object);
+}
+
+}  // namespace

@@ -1,0 +1,183 @@
+#include "tests/Support.h"
+
+#include <ZKFoundation/ZKFoundation.h>
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+NSRef<NSNumber> number(int value) { return NSMake<NSNumber>(value); }
+
+NSRef<NSMutableArray> numbersTo(int end) {
+  const auto array = NSMake<NSMutableArray>();
+  for (int k = 0; k < end; ++k) array->addObject(number(k));
+  return array;
+}
+
+TEST(NSArrayExtensions, TransformsEveryElement) {
+  const auto array = NSMake<NSMutableArray>({number(1), number(2), number(1)});
+  const auto set = NSMake<NSOrderedSet>(array);
+  const auto text = [](const NSRef<NSObject>& object) { return object->description(); };
+  const auto nothing = [](const NSRef<NSObject>&) { return NSRef<NSObject>(); };
+  EXPECT_TRUE(transformedArrayUsingTransformator(array, text)
+                  ->isEqual(NSMake<NSArray>({u"1"_ns, u"2"_ns, u"1"_ns})));
+  EXPECT_TRUE(transformedArrayUsingTransformator(array, nothing)
+                  ->isEqual(NSMake<NSArray>({NSNull::null(), NSNull::null(), NSNull::null()})));
+  EXPECT_TRUE(transformedOrderedSetUsingTransformator(set, text)->isEqual(
+      NSMake<NSOrderedSet>({u"1"_ns, u"2"_ns})));
+  EXPECT_TRUE(transformedOrderedSetUsingTransformator(set, nothing)
+                  ->isEqual(NSMake<NSOrderedSet>({NSNull::null()})));
+  EXPECT_EQ(transformedArrayUsingTransformator(array, nullptr), nullptr);
+  EXPECT_EQ(transformedOrderedSetUsingTransformator(set, nullptr), nullptr);
+  const auto meddled = transformedArrayUsingTransformator(array, [&](const auto& object) {
+    array->removeAllObjects();
+    return object;
+  });
+  EXPECT_TRUE(meddled->description() == u"(1, 2, 1)");
+}
+
+TEST(NSArrayExtensions, SelectsByClass) {
+  // Numbers and strings of two classes.
+  const auto array =
+      NSMake<NSMutableArray>({u"a"_ns, number(1), NSMake<NSMutableString>(u"b"), u"c"_ns});
+  const auto string = NSClass::of<NSString>();
+  EXPECT_TRUE(arrayWithObjectsKindOfClass(array, string)->description() == u"(a, b, c)");
+  EXPECT_TRUE(arrayWithObjectsMemberOfClass(array, string)->description() == u"(a, c)");
+  EXPECT_TRUE(containObjectsKindOfClass(array, string));
+  EXPECT_FALSE(containObjectsKindOfClass(array, NSClass::of<NSArray>()));
+  EXPECT_FALSE(containObjectsKindOfClass(NSMake<NSArray>(), NSClass::of<NSObject>()));
+}
+
+TEST(NSArrayExtensions, RemovesEqualsOfOtherClassesToo) {
+  const auto array =
+      NSMake<NSMutableArray>({u"a"_ns, NSMake<NSMutableString>(u"b"), u"b"_ns, number(1), u"c"_ns});
+  removeAllObjectsWhichNotMemberOfClass(array, NSClass::of<NSString>());
+  EXPECT_TRUE(array->description() == u"(a, c)");
+  removeAllObjectsWhichNotMemberOfClass(array, NSClass::of<NSNumber>());
+  EXPECT_EQ(array->count(), 0U);
+}
+
+TEST(NSArrayExtensions, SelectsByValue) {
+  const auto row = [](const NSRef<NSObject>& value) {
+    const auto inner = NSMake<NSMutableDictionary>();
+    if (value) inner->setObject_forKey(value, u"size"_ns);
+    return NSMake<NSDictionary>({{u"inner"_ns, inner}});
+  };
+  const auto array =
+      NSMake<NSArray>({row(number(1)), row(nullptr), row(number(2)), row(number(1))});
+  const auto path = u"inner.size"_ns;
+  EXPECT_TRUE(arrayFromArray_forKeyPath_matching(array, path, NSMake<NSNumber>(1.0))
+                  ->isEqual(NSMake<NSArray>({row(number(1)), row(number(1))})));
+  EXPECT_EQ(arrayFromArray_forKeyPath_matching(array, path, nullptr)->count(), 0U);
+  EXPECT_EQ(arrayFromArray_forKey_matching(array, u"none"_ns, nullptr)->count(), 0U);
+  EXPECT_EQ(arrayFromArray_forKey_matching(nullptr, path, path)->count(), 0U);
+  const auto strings = NSMake<NSArray>({u"ab"_ns, u"c"_ns});
+  EXPECT_EQ(arrayFromArray_forKey_matching(strings, u"length"_ns, number(1))->firstObject(),
+            strings->lastObject());
+}
+
+TEST(NSArrayExtensions, TellsIdentityFromEquality) {
+  const auto element = NSMake<NSMutableString>(u"a");
+  const auto array = NSMake<NSArray>({element});
+  EXPECT_TRUE(containsObjectIdenticalTo(array, element));
+  EXPECT_FALSE(containsObjectIdenticalTo(array, u"a"_ns));
+  EXPECT_FALSE(containsObjectIdenticalTo(array, nullptr));
+}
+
+TEST(NSArrayExtensions, TakesTheFirstTwentyIndexesBelowTheCount) {
+  EXPECT_TRUE(arrayFromIndexes(numbersTo(5), NSMake<NSIndexSet>({1, 3, 100}))->description() ==
+              u"(1, 3)");
+  EXPECT_TRUE(
+      arrayFromIndexes(numbersTo(40), NSMake<NSIndexSet>(NSRange{0, 30}))->isEqual(numbersTo(20)));
+  EXPECT_EQ(arrayFromIndexes(numbersTo(5), nullptr)->count(), 0U);
+}
+
+TEST(NSArrayExtensions, InsertsTheElementsOfAnArray) {
+  const auto array = numbersTo(3);
+  insertObjectsFromArray_atIndex(array, NSMake<NSArray>({u"a"_ns, u"b"_ns}), 1);
+  insertObjectsFromArray_atIndex(array, nullptr, 99);
+  insertObjectsFromArray_atIndex(array, NSMake<NSArray>(), -1);
+  insertObjectsFromArray_atIndex(array, array, 5);
+  EXPECT_TRUE(array->description() == u"(0, a, b, 1, 2, 0, a, b, 1, 2)");
+  expectRaises(NSRangeException, "index 11 beyond bounds [0, 10) (in 'insertObject:atIndex:')",
+               [&] { insertObjectsFromArray_atIndex(array, array, 11); });
+  EXPECT_THROW(insertObjectsFromArray_atIndex(array, array, -1), NSException);
+  EXPECT_EQ(array->count(), 10U);
+}
+
+TEST(NSIndexSetExtensions, GivesThePartInARange) {
+  const auto set = NSMake<NSIndexSet>({1, 2, 3, 6, 9, 10});
+  struct Row {
+    NSRange range;
+    std::u16string_view part;
+  };
+  const std::vector<Row> rows = {{{2, 5}, u"(2-3 6)"},
+                                 {{4, 2}, u"()"},
+                                 {{0, 0}, u"()"},
+                                 {{10, NSUIntegerMax}, u"(10)"},
+                                 {{3, NSUIntegerMax}, u"(3 6 9-10)"},
+                                 {{11, 5}, u"()"}};
+  for (const auto& [range, part] : rows) {
+    EXPECT_TRUE(indexesInRange(set, range)->description() == part) << range;
+  }
+}
+
+TEST(NSIndexSetExtensions, WritesItsIndexes) {
+  const auto set = NSMake<NSIndexSet>({2, 5, 6});
+  EXPECT_TRUE(stringValueWithSeparator(set, u", "_ns) == u"2, 5, 6");
+  EXPECT_TRUE(stringValueWithSeparator(set, nullptr) == u"2(null)5(null)6");
+  EXPECT_TRUE(stringValueWithSeparator(NSMake<NSIndexSet>(), u", "_ns) == u"");
+  EXPECT_TRUE(stringValueWithSeparator(NSMake<NSIndexSet>(NSNotFound - 1), nullptr) ==
+              u"9223372036854775806");
+}
+
+TEST(NSDictionaryExtensions, AddsEntries) {
+  const auto source = NSMake<NSDictionary>({{u"a"_ns, number(1)}, {u"b"_ns, number(2)}});
+  const auto target = NSMake<NSMutableDictionary>({{u"a"_ns, number(9)}});
+  addEntriesFromDictionaryIfAbsent(target, source);
+  EXPECT_TRUE(target->isEqual(NSMake<NSDictionary>({{u"a"_ns, number(9)}, {u"b"_ns, number(2)}})));
+  addEntriesFromDictionary_withKeys(target, source, NSMake<NSArray>({u"x"_ns, u"a"_ns}));
+  EXPECT_TRUE(target->isEqual(source));
+  target->removeAllObjects();
+  addEntriesFromDictionary_withKeys(target, source, NSMake<NSSet>({u"b"_ns}));
+  EXPECT_TRUE(target->description() == u"{b = 2}");
+  addEntriesFromDictionary_withKeys(target, source, NSRef<NSOrderedSet>());
+  addEntriesFromDictionary_withKeys(target, nullptr, NSMake<NSArray>({u"a"_ns}));
+  addEntriesFromDictionaryIfAbsent(target, nullptr);
+  addEntriesFromDictionaryIfAbsent(target, target);
+  EXPECT_EQ(target->count(), 1U);
+}
+
+TEST(NSMapTableExtensions, SetsWhatIsAbsent) {
+  const auto table = NSMapTable::strongToStrongObjectsMapTable();
+  setObjectIfAbsent_forKey(table, number(1), u"k"_ns);
+  setObjectIfAbsent_forKey(table, number(2), u"k"_ns);
+  EXPECT_TRUE(table->description() == u"{k = 1}");
+}
+
+TEST(NSPointerArrayExtensions, FindsAndRemovesAddresses) {
+  int p = 0;
+  int q = 0;
+  const auto array = zk_pointerArrayWithWeakObjects();
+  EXPECT_EQ(lastPointer(array), nullptr);
+  EXPECT_FALSE(removePointerIdenticalTo(array, nullptr));
+  for (int* const pointer : {&p, &q, &p}) array->addPointer(pointer);
+  EXPECT_TRUE(removePointerIdenticalTo(array, &p));
+  EXPECT_EQ(lastPointer(array), &q);
+  EXPECT_TRUE(containsPointer(array, &p));
+  EXPECT_FALSE(containsPointer(array, nullptr));
+  array->addPointer(nullptr);
+  addPointersFromPointerArray(array, array);
+  addPointersFromPointerArray(array, nullptr);
+  EXPECT_EQ(array->count(), 6U);
+  EXPECT_TRUE(removePointerIdenticalTo(array, nullptr));
+  EXPECT_EQ(std::vector<void*>(array->pointers().begin(), array->pointers().end()),
+            (std::vector<void*>{&p, &q, nullptr, &p, &q}));
+  int alive = 0;
+  auto object = NSMake<Counted>(alive);
+  array->addPointer(object.get());
+  object = nullptr;
+  EXPECT_EQ(alive, 0);
+}
+
+}  // namespace
