@@ -5,6 +5,7 @@
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSKeyValueCoding.h"
+#include "Foundation/NSStringComparison.h"
 #include "Foundation/NSStringSearch.h"
 #include "Foundation/NSUnitHash.h"
 
@@ -59,6 +60,19 @@ bool NSString::isEqual(const NSRef<NSObject>& other) const {
 NSUInteger NSString::hash() const { return NSHashUnits(view()); }
 
 NSRef<NSString> NSString::description() const { return copy(); }
+
+NSComparisonResult NSString::compare(const NSRef<NSString>& other) const {
+  return compare_options(other, 0);
+}
+
+NSComparisonResult NSString::caseInsensitiveCompare(const NSRef<NSString>& other) const {
+  return compare_options(other, NSCaseInsensitiveSearch);
+}
+
+NSComparisonResult NSString::compare_options(const NSRef<NSString>& other,
+                                             NSUInteger options) const {
+  return NSCompareUnits(view(), other->view(), options);
+}
 
 bool NSString::hasPrefix(const NSRef<NSString>& prefix) const noexcept {
   return prefix && view().starts_with(prefix->view());

@@ -57,6 +57,12 @@ class NS_EXPORT NSString : public NSObject {
   /// The text itself.
   NSRef<NSString> description() const override;
 
+  /// The order of the strings as `NSCompareUnits` tells it; without options by units of the
+  /// canonical decompositions, with letter case. Nil raises `NSInvalidArgumentException`.
+  NSComparisonResult compare(const NSRef<NSString>& other) const;
+  NSComparisonResult caseInsensitiveCompare(const NSRef<NSString>& other) const;
+  NSComparisonResult compare_options(const NSRef<NSString>& other, NSUInteger options) const;
+
   /// Literal and case-sensitive. True for an empty string, false for nil.
   bool hasPrefix(const NSRef<NSString>& prefix) const noexcept;
   bool hasSuffix(const NSRef<NSString>& suffix) const noexcept;

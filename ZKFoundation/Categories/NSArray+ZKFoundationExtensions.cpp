@@ -16,10 +16,11 @@ class KindOfClass {
   explicit KindOfClass(NSClass aClass) : _class(aClass) {}
 
   bool operator()(const NSRef<NSObject>& object) {
-    const std::type_info& type = typeid(*object.get());
+    const NSClass objectClass = object->objectClass();
+    const std::type_info& type = objectClass.typeInfo();
     Answer& answer = _answers[(reinterpret_cast<std::uintptr_t>(&type) / alignof(std::type_info)) %
                               _answers.size()];
-    if (answer.type != &type) answer = {&type, NSClass(type).isSubclassOfClass(_class)};
+    if (answer.type != &type) answer = {&type, objectClass.isSubclassOfClass(_class)};
     return answer.isKind;
   }
 

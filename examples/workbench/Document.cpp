@@ -30,27 +30,62 @@ bool isHexadecimalDigit(char16_t unit) {
   return unit < 0x80 && std::isxdigit(static_cast<unsigned char>(unit)) != 0;
 }
 
-}  // namespace
-
-NSRef<Document> Document::read(const std::filesystem::path& file) {
-  std::ifstream input(file, std::ios::binary);
-  const std::string bytes((std::istreambuf_iterator<char>(input)), {});
-  if (!input || bytes.find('\0') != std::string::npos) return nullptr;
-  return NSMake<Document>(NSMake<NSString>(bytes));
+NSRef<NSArray> linesOf(const NSRef<NSString>& text) {
+  return text->componentsSeparatedByString("\n"_ns);
 }
 
-Document::Document(NSRef<NSString> text) : _text(std::move(text)), _identifier(UUIDString()) {}
-
-NSRef<NSString> Document::title() const {
-  const auto lines = _text->componentsSeparatedByString("\n"_ns);
-  for (const auto& line : *lines) {
-    const auto text = line.as<NSString>();
+NSRef<NSString> titleOf(const NSRef<NSString>& text) {
+  for (const auto& line : linesOf(text)) {
+    const auto heading = line.as<NSString>();
     for (const auto& [before, after] : headingMarkers) {
-      const auto title = stringByRemovingPrefix(text, NSMake<NSString>(before));
-      if (title != text) return stringByRemovingSuffix(title, NSMake<NSString>(after));
+      const auto title = stringByRemovingPrefix(heading, NSMake<NSString>(before));
+      if (title != heading) return stringByRemovingSuffix(title, NSMake<NSString>(after));
     }
   }
   return u""_ns;
+}
+
+}  // namespace
+
+NSRef<Document> Document::read(const std::filesystem::path& file, NSRef<NSString> name) {
+  std::ifstream input(file, std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(input)), {});
+  if (!input || bytes.find('\0') != std::string::npos) return nullptr;
+  return NSMake<Document>(std::move(name), NSMake<NSString>(bytes));
+}
+
+Document::Document(NSRef<NSString> name, NSRef<NSString> text)
+    : _name(std::move(name)),
+      _text(std::move(text)),
+      _identifier(UUIDString()),
+      _title(titleOf(_text)) {}
+
+NSComparisonResult Document::compareTitle(const Document& other) const {
+  return _title->caseInsensitiveCompare(other._title);
+}
+
+NSRef<NSIndexSet> Document::linesWith(const NSRef<NSString>& term) const {
+  auto numbers = NSMake<NSMutableIndexSet>();
+  linesOf(_text)->enumerateObjectsUsingBlock([&](const NSRef<NSObject>& line, NSUInteger index,
+                                                 bool&) {
+    const NSRange found = line.as<NSString>()->rangeOfString_options(term, NSCaseInsensitiveSearch);
+    if (found.length != 0) numbers->addIndex(index + 1);
+  });
+  return numbers;
+}
+
+NSRef<NSObject> Document::copyWithZone_refTable_copySpec_subCopySpec(
+    NSZone* /*zone*/, const NSRef<NSMapTable>& refTable, ZKCopySpec /*copySpec*/,
+    ZKCopySpec /*subCopySpec*/) const {
+  auto copy = NSMake<Document>(_name, _text);
+  refTable->setObject_forKey(copy, self());
+  return copy;
+}
+
+void Document::offerTo(ZKObjectVisitor& visitor, bool& stop) {
+  if (stop || !visitor.shouldVisitObject(self())) return;
+  visitor.visitObject_stop(self(), stop);
+  if (!stop && visitor.shouldVisitObject(_text)) visitor.visitObject_stop(_text, stop);
 }
 
 std::vector<NSRef<NSString>> Document::hexadecimalWords() const {

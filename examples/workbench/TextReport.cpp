@@ -68,14 +68,15 @@ void printHit(std::ostream& out, const NSRef<NSString>& text, NSRange hit, bool 
 
 }  // namespace
 
-void printTextStatistics(std::ostream& out, const std::vector<NamedDocument>& documents,
+void printTextStatistics(std::ostream& out, const std::vector<NSRef<Document>>& documents,
                          bool isColoured) {
   Table table({{"file", 60, "36"},
                {"lines", 8, "0"},
                {"words", 8, "0"},
                {"longest word", 40, "33"},
                {"headline", 60, "0"}});
-  for (const auto& [name, document] : documents) {
+  for (const auto& document : documents) {
+    const auto& name = document->name();
     const auto& text = document->text();
     const Words words = wordsOf(text);
     const NSUInteger lines =
@@ -87,8 +88,9 @@ void printTextStatistics(std::ostream& out, const std::vector<NamedDocument>& do
   table.print(out, isColoured);
 }
 
-void printOutlines(std::ostream& out, const std::vector<NamedDocument>& documents) {
-  for (const auto& [name, document] : documents) {
+void printOutlines(std::ostream& out, const std::vector<NSRef<Document>>& documents) {
+  for (const auto& document : documents) {
+    const auto& name = document->name();
     if (!name->hasSuffix(u".md"_ns)) continue;
     out << name << '\n';
     NSUInteger section = 0;
@@ -99,12 +101,13 @@ void printOutlines(std::ostream& out, const std::vector<NamedDocument>& document
   }
 }
 
-void printHits(std::ostream& out, const std::vector<NamedDocument>& documents,
+void printHits(std::ostream& out, const std::vector<NSRef<Document>>& documents,
                const NSRef<NSString>& term, bool isColoured) {
   constexpr NSUInteger shownDocuments = 3;
   constexpr NSUInteger shownHits = 3;
   NSUInteger documentsWithHits = 0;
-  for (const auto& [name, document] : documents) {
+  for (const auto& document : documents) {
+    const auto& name = document->name();
     const auto& text = document->text();
     const auto findFrom = [&](NSRange selection) {
       return findString_selectedRange_options_wrap(text, term, selection, NSCaseInsensitiveSearch,
@@ -112,7 +115,8 @@ void printHits(std::ostream& out, const std::vector<NamedDocument>& documents,
     };
     const NSRange first = findFrom({text->length() / 2, 0});
     if (first.length == 0) continue;
-    out << "  " << name << '\n';
+    out << "  " << name << ", lines "
+        << stringValueWithSeparator(document->linesWith(term), u", "_ns) << '\n';
     NSRange hit = first;
     for (NSUInteger k = 0; k < shownHits; ++k) {
       printHit(out, text, hit, isColoured);

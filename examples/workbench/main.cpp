@@ -1,4 +1,6 @@
 #include "examples/workbench/Document.h"
+#include "examples/workbench/Folder.h"
+#include "examples/workbench/Shelf.h"
 #include "examples/workbench/Table.h"
 #include "examples/workbench/TextReport.h"
 
@@ -61,28 +63,38 @@ NSRef<NSString> valuesText(const std::vector<NSRef<NSString>>& words) {
   return text;
 }
 
-std::vector<NamedDocument> readDocuments(const fs::path& directory) {
-  std::vector<NamedDocument> documents;
+std::vector<NSRef<Document>> readDocuments(const fs::path& directory) {
+  std::vector<NSRef<Document>> documents;
   const auto files = filesBelow(directory);
   for (std::size_t k = 0; k < files.size(); ++k) {
-    if (auto document = Document::read(files[k])) {
-      documents.push_back(
-          {NSMake<NSString>(fs::relative(files[k], directory).native()), std::move(document)});
-    }
+    const auto name = NSMake<NSString>(fs::relative(files[k], directory).native());
+    if (auto document = Document::read(files[k], name)) documents.push_back(std::move(document));
     showProgress(k + 1, files.size());
   }
   return documents;
 }
 
-void printDocuments(const std::vector<NamedDocument>& documents, bool isColoured) {
+void printDocuments(const std::vector<NSRef<Document>>& documents, bool isColoured) {
   Table table(
       {{"file", 60, "36"}, {"title", 48, "0"}, {"ids", 48, "33"}, {"document id", 36, "2"}});
-  for (const auto& [name, document] : documents) {
-    const auto title = document->title();
-    table.addRow({name, isEmptyString(title) ? emdashString() : title,
+  for (const auto& document : documents) {
+    const auto& title = document->title();
+    table.addRow({document->name(), isEmptyString(title) ? emdashString() : title,
                   valuesText(document->hexadecimalWords()), document->identifier()});
   }
   table.print(std::cout, isColoured);
+}
+
+void printCollections(const std::vector<NSRef<Document>>& documents) {
+  Shelf shelf;
+  const auto root = NSMake<Folder>(u""_ns);
+  for (const auto& document : documents) {
+    shelf.add(document);
+    root->file(document, document->name()->view());
+  }
+  shelf.print(std::cout);
+  std::cout << "\nCopying the tree of folders\n\n";
+  printCopying(std::cout, root);
 }
 
 void report(const fs::path& directory, const NSRef<NSString>& term) {
@@ -90,6 +102,8 @@ void report(const fs::path& directory, const NSRef<NSString>& term) {
   const auto documents = readDocuments(directory);
   std::cout << documents.size() << " text files in " << directory.string() << "\n\n";
   printDocuments(documents, isColoured);
+  std::cout << "\nOn the shelf\n\n";
+  printCollections(documents);
   std::cout << "\nTexts\n\n";
   printTextStatistics(std::cout, documents, isColoured);
   std::cout << "\nSections\n\n";

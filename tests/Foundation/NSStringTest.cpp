@@ -123,6 +123,9 @@ TEST(NSString, ComparesByTheOptions) {
         << NSMake<NSString>(a) << " and " << NSMake<NSString>(b) << ' ' << options;
     EXPECT_EQ(NSCompareUnits(b, a, options), -expected);
   }
+  EXPECT_EQ(u"b"_ns->compare(u"a"_ns), NSOrderedDescending);
+  EXPECT_EQ(u"B"_ns->caseInsensitiveCompare(u"b"_ns), NSOrderedSame);
+  EXPECT_EQ(u"a"_ns->compare_options(u"B"_ns, NSCaseInsensitiveSearch), NSOrderedAscending);
   EXPECT_EQ(NSCompareUnits({}, u"\u00E9", 0), NSOrderedAscending);
 }
 
