@@ -25,7 +25,7 @@ class ZK_EXPORT ZKDeepObjectCopyingProtocol {
       NSZone* zone, const NSRef<NSMapTable>& refTable, ZKCopySpec copySpec,
       ZKCopySpec subCopySpec) const = 0;
 
-  /// The specification that the object really wants where 3, 4 or 5 is asked for.
+  /// The copy spec that the object really wants where 3, 4 or 5 is asked for.
   virtual ZKCopySpec copySpec(ZKCopySpec requested) const = 0;
 
  protected:
@@ -36,10 +36,10 @@ class ZK_EXPORT ZKDeepObjectCopyingProtocol {
 
 namespace ZKFoundationExtensions {
 
-/// A copy of the object under the specification, with a reference table of its own. The object is
-/// asked for its own `copySpec` first when the specification is 3, 4 or 5, and the result is split
-/// by `copySpecForCopySpec_subCopySpec`; one that is not split leaves what was requested as the
-/// specification for the objects referred to.
+/// A copy of the object under the copy spec, with a reference table of its own. A copy spec of 3, 4
+/// or 5 is first put to the object's own `copySpec`. The result is split by
+/// `copySpecForCopySpec_subCopySpec`; where that sets nothing, what the object refers to is copied
+/// under what was asked for at first.
 ///
 /// An object whose class does not implement `ZKDeepObjectCopyingProtocol` raises "Cannot copy
 /// object using copyWithZone:copySpec:". Nil when there is no memory for the table. A nil object
@@ -50,7 +50,7 @@ ZK_EXPORT NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, N
 /// The same with no zone. The exception is "Cannot copy object using copyWithCopySpec".
 ZK_EXPORT NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object, ZKCopySpec copySpec);
 
-/// Splits a specification: gives the object's own and sets the one for the objects that it refers
+/// Splits a copy spec: gives the object's own and sets the one for the objects that it refers
 /// to. 6 is 3 and 1, 7 is 0 and 3, 8 is 0 and 4; any other is given back and sets nothing. A null
 /// pointer is not set.
 ZK_EXPORT ZKCopySpec copySpecForCopySpec_subCopySpec(const NSRef<NSObject>& object,

@@ -9,8 +9,7 @@
 
 /// A folder of the documents' tree. It owns its folders and documents; the folders know it.
 ///
-/// Copied under the sub-specification 3, its contents are copied, too; under any other, the copy
-/// shares them.
+/// With 3 for its contents they are copied, too; with any other copy spec, the copy shares them.
 class Folder : public NSObject, public ZKDeepObjectCopyingProtocol {
  public:
   explicit Folder(NSRef<NSString> name) : _name(std::move(name)) {}
