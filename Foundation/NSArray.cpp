@@ -29,7 +29,7 @@ NSUInteger indexWhere(std::span<const NSRef<NSObject>> objects, Predicate predic
 }  // namespace
 
 NSArray::NSArray(std::span<const NSRef<NSObject>> elements)
-    : _elements(checkedElements(std::move(elements))) {}
+    : _elements(checkedElements(elements)) {}
 
 NSArray::NSArray(std::vector<NSRef<NSObject>>&& elements)
     : _elements(checkedElements(std::move(elements))) {}
@@ -127,12 +127,9 @@ void NSMutableArray::insertObject_atIndex(const NSRef<NSObject>& anObject, NSUIn
   changing().insert(index, anObject);
 }
 
-void NSMutableArray::insertElements_atIndex(const NSElements& elements, NSUInteger index) {
+void NSMutableArray::insertElements_atIndex(NSElements elements, NSUInteger index) {
   if (index > count()) NSRaiseIndexOutOfBounds("insertElements:atIndex:", index, count());
-  if (elements.size() == 0) return;
-  // They may be this array's own.
-  const NSElements inserted = elements;
-  changing().insert(index, inserted.view());
+  if (elements.size() != 0) changing().insert(index, std::move(elements));
 }
 
 void NSMutableArray::replaceObjectAtIndex_withObject(NSUInteger index,

@@ -98,7 +98,7 @@ class NS_EXPORT NSMutableArray : public NSArray {
   void addObjectsFromArray(const NSRef<NSArray>& other);
   void insertObject_atIndex(const NSRef<NSObject>& anObject, NSUInteger index);
   /// Inserts them one behind the other.
-  void insertElements_atIndex(const NSElements& elements, NSUInteger index);
+  void insertElements_atIndex(NSElements elements, NSUInteger index);
   void replaceObjectAtIndex_withObject(NSUInteger index, const NSRef<NSObject>& anObject);
   void removeObjectAtIndex(NSUInteger index);
   /// Removes every element that is equal.

@@ -122,7 +122,8 @@ void NSElements::insert(std::size_t index, NSRef<NSObject> object) {
   ++_block->count;
 }
 
-void NSElements::insert(std::size_t index, std::span<const NSRef<NSObject>> objects) {
+void NSElements::insert(std::size_t index, NSElements&& elements) {
+  const auto objects = elements.view();
   if (objects.empty()) return;
   NSRef<NSObject>* const gap = openGap(index, objects.size());
   std::ranges::uninitialized_copy(objects, std::span(gap, objects.size()));

@@ -48,8 +48,8 @@ class NS_EXPORT NSElements {
   }
   /// The index may be the size. Fails for want of memory alone, and then changes nothing.
   void insert(std::size_t index, NSRef<NSObject> object);
-  /// The same of several; they must not be this sequence's own.
-  void insert(std::size_t index, std::span<const NSRef<NSObject>> objects);
+  /// The same of several.
+  void insert(std::size_t index, NSElements&& elements);
   /// What goes is handed back, so that it dies when the caller's collection is in order again.
   [[nodiscard]] NSRef<NSObject> replace(std::size_t index, NSRef<NSObject> object);
   [[nodiscard]] NSRef<NSObject> remove(std::size_t index);

@@ -131,8 +131,8 @@ void NSIndexSet::enumerateRangesUsingBlock(NSBlockRef<void(NSRange, bool&)> aBlo
   if (!aBlock) NSRaiseNilArgument("aBlock", "enumerateRangesUsingBlock:");
   const NSMutationCheck check(self(), _mutations);
   bool stop = false;
-  for (std::size_t k = 0; k < _ranges.size(); ++k) {
-    aBlock(_ranges[k], stop);
+  for (auto rest = ranges(); !rest.empty(); rest = rest.subspan(1)) {
+    aBlock(rest.front(), stop);
     if (stop) return;
     check();
   }

@@ -59,7 +59,7 @@ void makeObjectsPerformBlock(const NSRef<NSArray>& array,
 
 NSRef<NSArray> transformedArrayUsingTransformator(const NSRef<NSArray>& array,
                                                   ZKTransformator transformator) {
-  return ZKTransformedCollection<NSArray>(array->elements(), transformator);
+  return ZKTransformedCollection<NSArray>(NSElements(array->elements()), transformator);
 }
 
 NSRef<NSArray> arrayWithObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {

@@ -12,7 +12,7 @@ void makeObjectsPerformBlock(const NSRef<NSOrderedSet>& set,
 
 NSRef<NSOrderedSet> transformedOrderedSetUsingTransformator(const NSRef<NSOrderedSet>& set,
                                                             ZKTransformator transformator) {
-  return ZKTransformedCollection<NSOrderedSet>(set->elements(), transformator);
+  return ZKTransformedCollection<NSOrderedSet>(NSElements(set->elements()), transformator);
 }
 
 }  // namespace ZKFoundationExtensions

@@ -8,10 +8,10 @@
 #include <utility>
 
 /// A collection of what the transformator makes of the elements. Nil without a transformator, and
-/// when there is no memory for as many references. The elements are a copy of its own: what the
-/// transformator does to their collection does not count.
+/// when there is no memory for as many references. The elements are a copy of their collection's,
+/// which the transformator may change.
 template <class Collection>
-NSRef<Collection> ZKTransformedCollection(NSElements elements, ZKTransformator transformator) {
+NSRef<Collection> ZKTransformedCollection(NSElements&& elements, ZKTransformator transformator) {
   if (!transformator) return nullptr;
   NSElements results;
   try {

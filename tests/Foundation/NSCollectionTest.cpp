@@ -151,6 +151,20 @@ TEST(NSArray, ReleasesEachElementOnce) {
   EXPECT_EQ(alive, 0);
 }
 
+TEST(NSArray, MayChangeWhileAnotherThreadReadsItsCopy) {
+  const auto array = NSMake<NSMutableArray>();
+  for (int round = 0; round < 100; ++round) {
+    array->addObject(number(round));
+    std::jthread reader(
+        [copy = array->copy(), round] { EXPECT_TRUE(copy->lastObject()->isEqual(number(round))); });
+    array->insertObject_atIndex(number(-1), 0);
+    array->removeObjectAtIndex(0);
+    array->removeLastObject();
+    array->addObject(number(round));
+  }
+  EXPECT_EQ(array->count(), 100U);
+}
+
 TEST(NSDictionary, BehavesAsAMap) {
   expectProperty("the same entries as a std::map", [] {
     std::map<int, int> model;
