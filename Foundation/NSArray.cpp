@@ -52,7 +52,9 @@ NSUInteger NSArray::indexOfObjectIdenticalTo(const NSRef<NSObject>& object) cons
 
 NSRef<NSString> NSArray::componentsJoinedByString(const NSRef<NSString>& separator) const {
   NSUnitBuffer text;
-  NSAppendDescriptions(text, *this, NSViewOf(separator));
+  // Of its own: what an element answers may change the separator.
+  const auto between = separator ? separator->copy() : nullptr;
+  NSAppendDescriptions(text, *this, NSViewOf(between));
   return NSMake<NSString>(std::move(text));
 }
 
@@ -69,8 +71,10 @@ bool NSArray::isEqual(const NSRef<NSObject>& other) const {
 // Equal arrays need equal hashes and nothing more; the ends and the count tell most arrays apart at
 // a cost that does not grow with them.
 NSUInteger NSArray::hash() const {
-  if (count() == 0) return 0;
-  return count() + 31 * (firstObject()->hash() + 31 * lastObject()->hash());
+  const NSElements held = _elements;
+  const auto objects = held.view();
+  if (objects.empty()) return 0;
+  return objects.size() + 31 * (objects.front()->hash() + 31 * objects.back()->hash());
 }
 
 NSRef<NSString> NSArray::description() const { return NSDescribeObjects(u"(", *this, u")"); }
@@ -149,6 +153,7 @@ void NSMutableArray::removeObject(const NSRef<NSObject>& anObject) {
 }
 
 void NSMutableArray::removeObjectsWhere(NSBlockRef<bool(const NSRef<NSObject>&)> isRemoved) {
+  const auto held = self();
   std::vector<bool> marks;
   marks.reserve(count());
   for (const auto& object : *this) marks.push_back(isRemoved(object));

@@ -56,6 +56,8 @@ class NS_EXPORT NSArray : public NSObject {
   std::span<const NSRef<NSObject>> objects() const noexcept { return _elements.view(); }
   /// The same, to be kept while the array may change: it goes on as it was.
   const NSElements& elements() const noexcept { return _elements; }
+  /// Range-for. One that steps on in an array which has changed raises `NSGenericException`; the
+  /// element at hand stays valid.
   auto begin() const noexcept { return NSEnumeration(_elements, {self(), _mutations}); }
   static std::default_sentinel_t end() noexcept { return {}; }
 
@@ -81,6 +83,7 @@ class NS_EXPORT NSArray : public NSObject {
     ++_mutations;
     return _elements;
   }
+  void reserveElements(std::size_t count) { _elements.reserve(count); }
 
  private:
   NSElements _elements;
@@ -113,7 +116,7 @@ class NS_EXPORT NSMutableArray : public NSArray {
   void removeLastObject();
   void removeAllObjects() noexcept;
   /// Makes room for so many elements altogether.
-  void reserve(NSUInteger count) { changing().reserve(count); }
+  void reserve(NSUInteger count) { reserveElements(count); }
 
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };

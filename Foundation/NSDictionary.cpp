@@ -16,7 +16,12 @@ void NSDictionary::setEntry(const char* operation, const NSRef<NSObject>& anObje
                             const NSRef<NSObject>& aKey) {
   if (!anObject) NSRaiseNilArgument("anObject", operation);
   if (!aKey) NSRaiseNilArgument("aKey", operation);
-  if (!_entries.replace(aKey, anObject)) _entries.append(aKey->copy(), anObject);
+  if (_entries.replace(aKey, anObject)) return;
+  const NSUInteger before = _entries.mutations().value();
+  const auto key = aKey->copy();
+  // A key that enters itself while it is copied is there now.
+  const bool isNew = _entries.mutations().value() == before || !_entries.replace(key, anObject);
+  if (isNew) _entries.append(key, anObject);
 }
 
 NSRef<NSObject> NSDictionary::objectForKey(const NSRef<NSObject>& key) const {

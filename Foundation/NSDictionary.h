@@ -31,7 +31,8 @@ class NS_EXPORT NSDictionary : public NSObject {
   NSRef<NSArray> allKeys() const;
   NSRef<NSArray> allValues() const;
 
-  /// Entries as pairs of key and object: `for (const auto& [key, object] : *dictionary)`.
+  /// Entries as pairs of key and object: `for (const auto& [key, object] : dictionary)`. One that
+  /// steps on in a dictionary which has changed raises `NSGenericException`.
   auto begin() const noexcept {
     return NSEnumeration(_entries.list(), {self(), _entries.mutations()});
   }

@@ -61,16 +61,15 @@ void NSElements::moveTo(std::size_t capacity, std::size_t first) {
 }
 
 void NSElements::makeOwn() {
-  if (!_block->isUniquelyReferenced()) moveTo(_block->capacity, _block->first);
+  if (_block && !_block->isUniquelyReferenced()) moveTo(_block->capacity, _block->first);
 }
 
 void NSElements::reserve(std::size_t count) {
   if (_block && count <= _block->capacity - _block->first) {
     makeOwn();
   } else if (count != 0) {
-    const std::size_t first = _block ? _block->first : 0;
     // Half as much again at least: who asks for one more each time pays no more for it.
-    moveTo(first + std::max(count, size() + size() / 2), first);
+    moveTo(std::max(count, size() + size() / 2), 0);
   }
 }
 

@@ -37,6 +37,8 @@ class NS_EXPORT NSElements {
 
   /// Makes room for so many elements altogether: until there are as many, appending cannot fail.
   void reserve(std::size_t count);
+  /// Has a block of its own from now on: until a copy is made, what needs no more room cannot fail.
+  void makeOwn();
   void append(NSRef<NSObject> object) {
     Block* const block = _block.get();
     if (block != nullptr && block->first + block->count < block->capacity &&
@@ -73,7 +75,6 @@ class NS_EXPORT NSElements {
   };
 
   static NSRef<Block> makeBlock(std::size_t capacity);
-  void makeOwn();
   void moveTo(std::size_t capacity, std::size_t first);
   void grow(std::size_t index, std::size_t added);
   NSRef<NSObject>* openGap(std::size_t index, std::size_t width);

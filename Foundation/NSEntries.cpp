@@ -16,14 +16,17 @@ bool NSEntries::replace(const NSRef<NSObject>& key, const NSRef<NSObject>& objec
 }
 
 void NSEntries::append(const NSRef<NSObject>& key, const NSRef<NSObject>& object) {
+  const NSUInteger hash = _keys.hashOf(key);
   _objects.reserve(size() + 1);
-  _keys.appendNew(key);
+  _keys.appendNew(key, hash);
   _objects.append(object);
 }
 
 void NSEntries::remove(const NSRef<NSObject>& key) {
   const std::size_t position = _keys.find(key);
   if (position == NSUniqueElements::notFound) return;
+  _objects.makeOwn();
+  _keys.makeOwn();
   auto object = _objects.remove(size() - 1);
   if (position != _objects.size()) object = _objects.replace(position, std::move(object));
   const auto removedKey = _keys.replaceByLast(position);
@@ -34,7 +37,9 @@ bool NSEntries::isEqual(const NSEntries& other) const {
   const NSEntryList entries = list();
   for (std::size_t k = 0; k < entries.size(); ++k) {
     const auto* const object = other.find(entries.keys[k]);
-    if (object == nullptr || !NSEqualObjects{}(entries.objects[k], *object)) return false;
+    if (object == nullptr) return false;
+    const NSRef<NSObject> theirs = *object;
+    if (!NSEqualObjects{}(entries.objects[k], theirs)) return false;
   }
   return true;
 }

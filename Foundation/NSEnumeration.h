@@ -6,9 +6,10 @@
 
 #include <Foundation/NSMutationCheck.h>
 
-/// The walk of range-for over a collection. It holds the collection and its entries, so that the
-/// entry at hand stays valid whatever happens to the collection; a collection that has changed
-/// raises `NSGenericException` at the next step, also at the one that would end the walk.
+/// The walk of range-for over a collection. It holds the collection and a list of its entries;
+/// where that is a copy, the entry at hand stays valid whatever happens to the collection. A
+/// collection that has changed raises `NSGenericException` at the next step, also at the one that
+/// would end the walk.
 template <class Entries>
 class NSEnumeration {
  public:

@@ -49,13 +49,13 @@ void NSHashIndex::replaceByLast(std::size_t position) noexcept {
 }
 
 std::size_t NSHashIndex::slotOf(std::size_t position) const noexcept {
-  std::size_t at = _hashes[position] & mask();
+  std::size_t at = home(_hashes[position]);
   while (_slots[at].position != position) at = (at + 1) & mask();
   return at;
 }
 
 void NSHashIndex::fill(Slot slot) noexcept {
-  std::size_t at = slot.hash & mask();
+  std::size_t at = home(slot.hash);
   while (_slots[at].position != vacant) at = (at + 1) & mask();
   _slots[at] = slot;
 }
@@ -65,7 +65,7 @@ void NSHashIndex::vacate(std::size_t hole) noexcept {
   const auto distance = [&](std::size_t from, std::size_t to) { return (to - from) & mask(); };
   for (std::size_t at = (hole + 1) & mask(); _slots[at].position != vacant;
        at = (at + 1) & mask()) {
-    if (distance(_slots[at].hash, at) >= distance(hole, at)) {
+    if (distance(home(_slots[at].hash), at) >= distance(hole, at)) {
       _slots[hole] = _slots[at];
       hole = at;
     }

@@ -24,7 +24,7 @@ class NS_EXPORT NSHashIndex {
   std::size_t find(NSUInteger hash, IsSame isSame) const {
     if (_slots.empty()) return notFound;
     const std::uint32_t mixed = mix(hash);
-    for (std::size_t at = mixed & mask();; at = (at + 1) & mask()) {
+    for (std::size_t at = home(mixed);; at = (at + 1) & mask()) {
       const Slot slot = _slots[at];
       if (slot.position == vacant) return notFound;
       if (slot.hash == mixed && isSame(std::size_t{slot.position})) return slot.position;
@@ -48,12 +48,16 @@ class NS_EXPORT NSHashIndex {
     std::uint32_t position = vacant;
   };
 
-  // Classes' own hashes may be small numbers or addresses. A product spreads them, of which every
-  // bit reaches the upper half; the factor is 2^64 over the golden ratio.
+  // Classes' own hashes may be small numbers or addresses. A product spreads them upwards; the
+  // factor is 2^64 over the golden ratio.
   static std::uint32_t mix(NSUInteger hash) noexcept {
     return static_cast<std::uint32_t>((hash * 0x9E3779B97F4A7C15) >> 32);
   }
   std::size_t mask() const noexcept { return _slots.size() - 1; }
+  // By the uppermost bits, to which every bit of a hash contributes.
+  std::size_t home(std::uint32_t mixed) const noexcept {
+    return static_cast<std::size_t>((std::uint64_t{mixed} * _slots.size()) >> 32U);
+  }
   std::size_t slotOf(std::size_t position) const noexcept;
   void fill(Slot slot) noexcept;
   void vacate(std::size_t hole) noexcept;

@@ -10,27 +10,49 @@ namespace {
 
 NSRange rangeBetween(NSUInteger start, NSUInteger end) { return {start, end - start}; }
 
-// Ascending, none empty, with gaps between them.
-bool areRuns(std::span<const NSRange> ranges) {
-  NSUInteger earliest = 0;
+void checkRange(const char* operation, NSRange range) {
+  if (!NSRangeFits(range, NSNotFound)) NSRaiseRangeOutOfBounds(operation, range, NSNotFound);
+}
+
+// Where a range ends, at the latest behind the largest index.
+NSUInteger endOf(NSRange range) { return std::min(NSClampedMaxRange(range), NSNotFound); }
+
+// Makes runs of ranges that ascend: none empty, with gaps between them.
+void join(std::vector<NSRange>& ranges) {
+  std::size_t count = 0;
   for (const NSRange& range : ranges) {
-    if (range.location < earliest || range.length == 0 || !NSRangeFits(range, NSNotFound)) {
-      return false;
+    if (range.length == 0) continue;
+    if (count != 0 && range.location <= NSMaxRange(ranges[count - 1])) {
+      ranges[count - 1] = NSUnionRange(ranges[count - 1], range);
+    } else {
+      ranges[count++] = range;
     }
-    earliest = NSMaxRange(range) + 1;
   }
-  return true;
+  ranges.resize(count);
+}
+
+NSUInteger countOf(std::span<const NSRange> ranges) {
+  NSUInteger count = 0;
+  for (const NSRange& range : ranges) count += range.length;
+  return count;
 }
 
 }  // namespace
 
 NSIndexSet::NSIndexSet(std::vector<NSRange> ranges) {
-  if (!areRuns(ranges)) {
-    for (const NSRange& range : ranges) add("initWithRanges:", range);
-    return;
+  for (const NSRange& range : ranges) checkRange("initWithRanges:", range);
+  if (!std::ranges::is_sorted(ranges, {}, &NSRange::location)) {
+    std::ranges::sort(ranges, {}, &NSRange::location);
   }
+  join(ranges);
+  setRanges(std::move(ranges));
+}
+
+void NSIndexSet::setRanges(std::vector<NSRange>&& ranges) noexcept {
+  const NSUInteger count = countOf(ranges);
+  if (count != _count || ranges != _ranges) ++_mutations;
   _ranges = std::move(ranges);
-  for (const NSRange& range : _ranges) _count += range.length;
+  _count = count;
 }
 
 NSIndexSet::NSIndexSet(Elements indexes) {
@@ -82,7 +104,7 @@ bool NSIndexSet::containsIndexesInRange(NSRange range) const noexcept {
   if (range.length == 0) return false;
   const std::size_t k = firstRangeEndingAbove(range.location);
   return k != _ranges.size() && _ranges[k].location <= range.location &&
-         NSClampedMaxRange(range) <= NSMaxRange(_ranges[k]);
+         endOf(range) <= NSMaxRange(_ranges[k]);
 }
 
 bool NSIndexSet::intersectsIndexesInRange(NSRange range) const noexcept {
@@ -153,7 +175,7 @@ void NSIndexSet::replaceRanges(std::size_t first, std::size_t end, std::span<con
 }
 
 void NSIndexSet::add(const char* operation, NSRange range) {
-  if (!NSRangeFits(range, NSNotFound)) NSRaiseRangeOutOfBounds(operation, range, NSNotFound);
+  checkRange(operation, range);
   if (range.length == 0) return;
   // Mostly they come in ascending order.
   if (_ranges.empty() || NSMaxRange(_ranges.back()) < range.location) {
@@ -231,14 +253,29 @@ NSRef<NSObject> NSIndexSet::mutableCopyWithZone(NSZone* /*zone*/) const {
 
 void NSMutableIndexSet::addIndexes(const NSRef<NSIndexSet>& other) {
   if (!other) return;
-  const auto added = other->copy();
-  for (const NSRange& range : added->ranges()) addIndexesInRange(range);
+  std::vector<NSRange> all(ranges().size() + other->ranges().size());
+  std::ranges::merge(ranges(), other->ranges(), all.begin(), {}, &NSRange::location,
+                     &NSRange::location);
+  join(all);
+  setRanges(std::move(all));
 }
 
 void NSMutableIndexSet::removeIndexes(const NSRef<NSIndexSet>& other) {
   if (!other) return;
-  const auto removed = other->copy();
-  for (const NSRange& range : removed->ranges()) removeIndexesInRange(range);
+  std::vector<NSRange> rest;
+  auto removed = other->ranges();
+  for (const NSRange& run : ranges()) {
+    NSUInteger start = run.location;
+    while (!removed.empty() && removed.front().location < NSMaxRange(run)) {
+      const NSRange gap = removed.front();
+      if (gap.location > start) rest.push_back(rangeBetween(start, gap.location));
+      start = std::max(start, NSMaxRange(gap));
+      if (start >= NSMaxRange(run)) break;
+      removed = removed.subspan(1);
+    }
+    if (start < NSMaxRange(run)) rest.push_back(rangeBetween(start, NSMaxRange(run)));
+  }
+  setRanges(std::move(rest));
 }
 
 NSRef<NSObject> NSMutableIndexSet::copyWithZone(NSZone* /*zone*/) const {

@@ -61,7 +61,8 @@ class NS_EXPORT NSIndexSet : public NSObject {
   /// the set changes.
   std::span<const NSRange> ranges() const noexcept { return _ranges; }
 
-  /// Range-for over the indexes; a set that has changed raises `NSGenericException`.
+  /// Range-for over the indexes. One that steps on in a set which has changed raises
+  /// `NSGenericException`.
   class Iterator;
   Iterator begin() const noexcept;
   static std::default_sentinel_t end() noexcept { return {}; }
@@ -82,6 +83,7 @@ class NS_EXPORT NSIndexSet : public NSObject {
   void add(const char* operation, NSRange range);
   void remove(NSRange range);
   void removeAll() noexcept;
+  void setRanges(std::vector<NSRange>&& ranges) noexcept;
 
  private:
   std::size_t firstRangeEndingAbove(NSUInteger index) const noexcept;
@@ -105,7 +107,10 @@ class NSIndexSet::Iterator {
   Iterator(std::span<const NSRange> ranges, NSMutationCheck check) noexcept
       : _ranges(ranges), _check(std::move(check)) {}
 
-  NSUInteger operator*() const noexcept { return _ranges.front().location + _offset; }
+  NSUInteger operator*() const {
+    _check();
+    return _ranges.front().location + _offset;
+  }
   Iterator& operator++() {
     _check();
     if (++_offset == _ranges.front().length) {

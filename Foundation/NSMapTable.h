@@ -28,7 +28,8 @@ class NS_EXPORT NSMapTable : public NSObject {
   /// The keys and the objects at this moment, in the same order.
   NSRef<NSArray> allKeys() const;
   NSRef<NSArray> allValues() const;
-  /// Entries as pairs of key and object: `for (const auto& [key, object] : *table)`.
+  /// Entries as pairs of key and object: `for (const auto& [key, object] : table)`. One that
+  /// steps on in a table which has changed raises `NSGenericException`.
   auto begin() const noexcept {
     return NSEnumeration(_entries.list(), {self(), _entries.mutations()});
   }

@@ -112,10 +112,21 @@ bool NSNumber::isEqual(const NSRef<NSObject>& other) const {
   return other.get() == this || isEqualToNumber(other.as<NSNumber>());
 }
 
+// Equal numbers of different types hash alike: integral doubles as the integers that they are.
 NSUInteger NSNumber::hash() const {
-  // Equal numbers of different types have the same double, though not the other way round.
-  const double value = doubleValue();
-  return std::isnan(value) ? 0 : std::hash<double>{}(value);
+  const auto hashValue = [](auto value) -> NSUInteger {
+    if constexpr (std::is_floating_point_v<decltype(value)>) {
+      constexpr double twoTo63 = 9223372036854775808.0;
+      if (value >= -twoTo63 && value < twoTo63 && std::trunc(value) == value) {
+        return static_cast<NSUInteger>(static_cast<std::int64_t>(value));
+      }
+      if (value >= twoTo63 && value < 2 * twoTo63) return static_cast<NSUInteger>(value);
+      return std::isnan(value) ? 0 : std::hash<double>{}(value);
+    } else {
+      return static_cast<NSUInteger>(value);
+    }
+  };
+  return std::visit(hashValue, _value);
 }
 
 NSRef<NSString> NSNumber::stringValue() const {

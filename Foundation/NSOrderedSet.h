@@ -27,7 +27,7 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   explicit NSOrderedSet(std::span<const NSRef<NSObject>> elements);
   /// The elements of the array; nil has none.
   explicit NSOrderedSet(const NSRef<NSArray>& array);
-  explicit NSOrderedSet(const NSElements& elements) : NSOrderedSet(elements.view()) {}
+  explicit NSOrderedSet(NSElements&& elements) : NSOrderedSet(elements.view()) {}
   explicit NSOrderedSet(NSUniqueElements members) noexcept : _members(std::move(members)) {}
 
   NSUInteger count() const noexcept { return _members.size(); }
@@ -51,6 +51,8 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   std::span<const NSRef<NSObject>> objects() const noexcept { return _members.elements().view(); }
   /// The same, to be kept while the set may change: it goes on as it was.
   const NSElements& elements() const noexcept { return _members.elements(); }
+  /// Range-for. One that steps on in a set which has changed raises `NSGenericException`; the
+  /// element at hand stays valid.
   auto begin() const noexcept {
     return NSEnumeration(_members.elements(), {self(), _members.mutations()});
   }

@@ -32,7 +32,8 @@ class NS_EXPORT NSPointerArray : public NSObject {
 
   /// In place; valid until the array changes.
   std::span<void* const> pointers() const noexcept { return _pointers; }
-  auto begin() const noexcept { return NSEnumeration(pointers(), {self(), _mutations}); }
+  /// Range-for. One that steps on in an array which has changed raises `NSGenericException`.
+  auto begin() const noexcept { return NSEnumeration(Pointers{_pointers}, {self(), _mutations}); }
   static std::default_sentinel_t end() noexcept { return {}; }
 
   /// The same addresses in the same order.
@@ -44,6 +45,13 @@ class NS_EXPORT NSPointerArray : public NSObject {
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 
  private:
+  // Gives the pointers by value: they may move while one is at hand.
+  struct Pointers {
+    std::size_t size() const noexcept { return all.size(); }
+    void* operator[](std::size_t index) const noexcept { return all[index]; }
+    std::span<void* const> all;
+  };
+
   std::vector<void*> _pointers;
   NSMutationCount _mutations;
 };

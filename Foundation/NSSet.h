@@ -44,6 +44,8 @@ class NS_EXPORT NSSet : public NSObject {
   /// `NSInvalidArgumentException`.
   NSRef<NSSet> filteredSetUsingPredicate(const NSRef<NSPredicate>& predicate) const;
 
+  /// Range-for. One that steps on in a set which has changed raises `NSGenericException`; the
+  /// element at hand stays valid.
   auto begin() const noexcept {
     return NSEnumeration(_members.elements(), {self(), _members.mutations()});
   }

@@ -4,14 +4,25 @@
 
 #include <utility>
 
+void NSUniqueElements::requireUnchanged(NSUInteger mutations) const {
+  if (_mutations.value() != mutations) {
+    NSException::raise(NSGenericException, "a collection was mutated while being searched");
+  }
+}
+
 std::size_t NSUniqueElements::find(const NSRef<NSObject>& object, NSUInteger hash) const {
   return _index.find(hash, [&, before = _mutations.value()](std::size_t position) {
     const bool isSame = NSEqualObjects{}(_elements[position], object);
-    if (_mutations.value() != before) {
-      NSException::raise(NSGenericException, "a collection was mutated while being searched");
-    }
+    requireUnchanged(before);
     return isSame;
   });
+}
+
+NSUInteger NSUniqueElements::hashOf(const NSRef<NSObject>& object) const {
+  const NSUInteger before = _mutations.value();
+  const NSUInteger hash = object->hash();
+  requireUnchanged(before);
+  return hash;
 }
 
 void NSUniqueElements::reserve(std::size_t count) {
@@ -20,7 +31,7 @@ void NSUniqueElements::reserve(std::size_t count) {
 }
 
 void NSUniqueElements::insert(std::size_t position, const NSRef<NSObject>& object) {
-  const NSUInteger hash = object->hash();
+  const NSUInteger hash = hashOf(object);
   if (find(object, hash) == notFound) insertNew(position, object, hash);
 }
 

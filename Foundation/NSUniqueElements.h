@@ -10,7 +10,8 @@
 /// What collections keep objects in of which no two are equal: a sequence that finds them by their
 /// hashes. Counts its changes. Nil is never found.
 ///
-/// An `isEqual` that changes the collection in which it is asked raises `NSGenericException`.
+/// A `hash` or `isEqual` that changes the collection for which it is asked raises
+/// `NSGenericException`, if it leaves its own object and the collection alive.
 class NS_EXPORT NSUniqueElements {
  public:
   static constexpr std::size_t notFound = NSHashIndex::notFound;
@@ -30,11 +31,17 @@ class NS_EXPORT NSUniqueElements {
   bool contains(const NSRef<NSObject>& object) const { return find(object) != notFound; }
 
   void reserve(std::size_t count);
+  /// Until a copy is made, removing cannot fail.
+  void makeOwn() { _elements.makeOwn(); }
+  /// The object's hash, which must not change the collection.
+  NSUInteger hashOf(const NSRef<NSObject>& object) const;
   /// Does nothing when an equal one is there already.
   void insert(std::size_t position, const NSRef<NSObject>& object);
   void append(const NSRef<NSObject>& object) { insert(size(), object); }
-  /// Of one that is known not to be there.
-  void appendNew(const NSRef<NSObject>& object) { insertNew(size(), object, object->hash()); }
+  /// Of one with this hash that is known not to be there.
+  void appendNew(const NSRef<NSObject>& object, NSUInteger hash) {
+    insertNew(size(), object, hash);
+  }
   /// The values of a present one have changed.
   void noteMutation() noexcept { ++_mutations; }
   /// What goes is handed back, so that it dies when the caller's collection is in order again.
@@ -44,6 +51,7 @@ class NS_EXPORT NSUniqueElements {
   [[nodiscard]] NSElements removeAll() noexcept;
 
  private:
+  void requireUnchanged(NSUInteger mutations) const;
   void insertNew(std::size_t position, NSRef<NSObject> object, NSUInteger hash);
 
   NSElements _elements;

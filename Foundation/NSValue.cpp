@@ -9,8 +9,10 @@
 namespace {
 
 NSUInteger mix(NSUInteger seed, NSUInteger value) {
-  // The odd fraction of the golden ratio in 64 bits spreads neighbouring values.
-  return (seed ^ value) * 0x9E3779B97F4A7C15U;
+  // The odd fraction of the golden ratio in 64 bits spreads neighbouring values; two that are the
+  // same do not cancel each other out.
+  constexpr NSUInteger odd = 0x9E3779B97F4A7C15U;
+  return (seed * odd + value) * odd;
 }
 
 NSUInteger hashOf(double value) { return std::hash<double>{}(value); }

@@ -47,9 +47,10 @@ struct Shape : NSObject, ZKDeepObjectCopyingProtocol {
     // Our own meaning of the numbers: 3 copies what a shape refers to, any other makes a shape
     // without parts that shares the style.
     const bool isDeep = subCopySpec == 3;
-    auto copy = NSMake<Shape>(name, isDeep ? copyOf(style, zone, refTable, subCopySpec) : style);
+    auto copy = NSMake<Shape>(name, style);
     refTable->setObject_forKey(copy, self());
     if (!isDeep) return copy;
+    copy->style = copyOf(style, zone, refTable, subCopySpec);
     for (const auto& part : parts) copy->add(copyOf(part, zone, refTable, subCopySpec));
     return copy;
   }

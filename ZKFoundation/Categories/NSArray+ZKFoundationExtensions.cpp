@@ -1,12 +1,13 @@
 #include "Foundation/NSException.h"
+#include "Foundation/NSHashIndex.h"
 #include "Foundation/NSPredicate.h"
-#include "Foundation/NSSet.h"
 #include "Foundation/NSString.h"
 #include "ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h"
 #include "ZKFoundation/Categories/ZKTransformation.h"
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace {
 
@@ -32,6 +33,35 @@ class KindOfClass {
 
   NSClass _class;
   std::array<Answer, 16> _answers;
+};
+
+// Objects by their hashes. Unlike in a set, equals of different classes stay apart, and it is the
+// others that are asked whether they are equal to these: as `removeObject` asks.
+class RemovedObjects {
+ public:
+  void add(const NSRef<NSObject>& object) {
+    const NSUInteger hash = object->hash();
+    const auto isLike = [&](const NSRef<NSObject>& other) {
+      return other->isMemberOfClass(object->objectClass()) && NSEqualObjects{}(object, other);
+    };
+    if (find(hash, isLike)) return;
+    _index.insert(_objects.size(), hash);
+    _objects.push_back(object);
+  }
+  bool haveEqualOf(const NSRef<NSObject>& object) const {
+    return find(object->hash(),
+                [&](const NSRef<NSObject>& other) { return NSEqualObjects{}(object, other); });
+  }
+
+ private:
+  template <class IsWanted>
+  bool find(NSUInteger hash, IsWanted isWanted) const {
+    return _index.find(hash, [&](std::size_t k) { return isWanted(_objects[k]); }) !=
+           NSHashIndex::notFound;
+  }
+
+  std::vector<NSRef<NSObject>> _objects;
+  NSHashIndex _index;
 };
 
 template <class Read>
@@ -76,11 +106,11 @@ bool containObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {
 }
 
 void removeAllObjectsWhichNotMemberOfClass(const NSRef<NSMutableArray>& array, NSClass aClass) {
-  auto others = NSMake<NSMutableSet>();
-  for (const auto& object : *array) {
-    if (!object->isMemberOfClass(aClass)) others->addObject(object);
+  RemovedObjects removed;
+  for (const auto& object : array) {
+    if (!object->isMemberOfClass(aClass)) removed.add(object);
   }
-  array->removeObjectsWhere([&](const auto& object) { return others->containsObject(object); });
+  array->removeObjectsWhere([&](const auto& object) { return removed.haveEqualOf(object); });
 }
 
 NSRef<NSMutableArray> arrayFromArray_forKey_matching(const NSRef<NSArray>& array,

@@ -6,15 +6,16 @@
 #include <Foundation/NSIndexSet.h>
 #include <ZKFoundation/ZKExport.h>
 
-/// What makes another object, or nil, of an object.
+/// What makes another object, or nil, of an object: any callable, for the call that it is passed
+/// to.
 using ZKTransformator = NSBlockRef<NSRef<NSObject>(const NSRef<NSObject>& object)>;
 
 namespace ZKFoundationExtensions {
 
 /// Calls the block with each element, in their order, its index and a flag that ends the walk once
 /// it is set; a block may take the element alone. A nil block raises `NSInvalidArgumentException`
-/// with the reason "aBlock is nil (in 'makeObjectsPerformBlock:')", an array that has changed when
-/// the next element is due `NSGenericException`.
+/// with the reason "aBlock is nil (in 'makeObjectsPerformBlock:')". An array that a block has
+/// changed raises `NSGenericException` behind that block, unless it has set the flag.
 ZK_EXPORT void makeObjectsPerformBlock(
     const NSRef<NSArray>& array,
     NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock);
@@ -31,7 +32,7 @@ ZK_EXPORT NSRef<NSArray> arrayWithObjectsMemberOfClass(const NSRef<NSArray>& arr
 /// Whether there is an element of the class or of one that derives from it.
 ZK_EXPORT bool containObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass);
 /// Removes the elements that are not of exactly this class, and with each of them every element
-/// that is equal to it, whatever class that one has.
+/// that is equal to it, whatever class that one has. Needs the objects' `hash`.
 ZK_EXPORT void removeAllObjectsWhichNotMemberOfClass(const NSRef<NSMutableArray>& array,
                                                      NSClass aClass);
 
@@ -56,7 +57,7 @@ ZK_EXPORT NSRef<NSMutableArray> arrayFromIndexes(const NSRef<NSArray>& array,
 
 /// Inserts the other array's elements, in their order, the first of them at the index. Nil and an
 /// empty array change nothing; otherwise an index below 0 or above the count raises
-/// `NSRangeException`.
+/// `NSRangeException`. The other array may be the same, and is inserted as it was.
 ZK_EXPORT void insertObjectsFromArray_atIndex(const NSRef<NSMutableArray>& array,
                                               const NSRef<NSArray>& other, NSInteger index);
 

@@ -2,12 +2,19 @@
 
 namespace {
 
-struct FunctionOrdering {
-  NSInteger operator()(const NSRef<NSObject>& object, const NSRef<NSObject>& element) const {
-    return compare(object, element, context);
+class FunctionOrdering {
+ public:
+  FunctionOrdering(ZKCompareFunction compare, void* context)
+      : _compare(compare), _context(context) {
+    if (compare == nullptr) NSRaiseNilArgument("compare", "inArraySortedUsingFunction:context:");
   }
-  ZKCompareFunction compare;
-  void* context;
+  NSInteger operator()(const NSRef<NSObject>& object, const NSRef<NSObject>& element) const {
+    return _compare(object, element, _context);
+  }
+
+ private:
+  ZKCompareFunction _compare;
+  void* _context;
 };
 
 }  // namespace
@@ -18,7 +25,7 @@ NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingFunction_context(
     const NSRef<NSArray>& array, const NSRef<NSObject>& object, ZKCompareFunction compare,
     void* context) {
   return indexWhereObjectWouldBelong_inArraySortedUsingFunction(array, object,
-                                                                FunctionOrdering{compare, context});
+                                                                FunctionOrdering(compare, context));
 }
 
 NSUInteger indexOfObject_identical_inArraySortedUsingFunction_context(const NSRef<NSArray>& array,
@@ -27,13 +34,13 @@ NSUInteger indexOfObject_identical_inArraySortedUsingFunction_context(const NSRe
                                                                       ZKCompareFunction compare,
                                                                       void* context) {
   return indexOfObject_identical_inArraySortedUsingFunction(array, object, identical,
-                                                            FunctionOrdering{compare, context});
+                                                            FunctionOrdering(compare, context));
 }
 
 void insertObject_inArraySortedUsingFunction_context(const NSRef<NSMutableArray>& array,
                                                      const NSRef<NSObject>& object,
                                                      ZKCompareFunction compare, void* context) {
-  insertObject_inArraySortedUsingFunction(array, object, FunctionOrdering{compare, context});
+  insertObject_inArraySortedUsingFunction(array, object, FunctionOrdering(compare, context));
 }
 
 }  // namespace ZKFoundationExtensions

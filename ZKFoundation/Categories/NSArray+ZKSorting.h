@@ -29,33 +29,46 @@
 using ZKCompareFunction = NSInteger (*)(const NSRef<NSObject>& object,
                                         const NSRef<NSObject>& element, void* context);
 
+/// The object that a reference or pointer of any kind refers to, or null for a value.
+template <class T>
+auto ZKReferredObject(const T& reference) {
+  if constexpr (std::is_pointer_v<T>) {
+    return reference;
+  } else if constexpr (requires { *reference.get(); }) {
+    return reference.get();
+  } else {
+    return nullptr;
+  }
+}
+
 /// Whether an element of a range and an object are the very same: one object for references and
-/// pointers of any kind, one place in memory for values.
+/// pointers, one place in memory for values.
 template <class T, class U>
 bool ZKIsIdentical(const T& element, const U& object) {
-  if constexpr (requires { element.get() == object.get(); }) {
-    return element.get() == object.get();
-  } else if constexpr (std::is_pointer_v<T> && std::is_pointer_v<U>) {
-    return element == object;
-  } else if constexpr (std::same_as<T, U>) {
-    return std::addressof(element) == std::addressof(object);
+  const auto a = ZKReferredObject(element);
+  const auto b = ZKReferredObject(object);
+  if constexpr (std::is_null_pointer_v<decltype(a)> || std::is_null_pointer_v<decltype(b)>) {
+    return std::is_same_v<T, U> &&
+           static_cast<const void*>(std::addressof(element)) == std::addressof(object);
+  } else if constexpr (requires { a == b; }) {
+    return a == b;
   } else {
     return false;
   }
 }
 
 /// The ordering by a method of the object that is searched for, found once for all comparisons.
-template <class Receiver, class Result, class Argument>
+template <class Receiver, class Argument, class Method>
 class ZKMethodOrdering {
  public:
-  ZKMethodOrdering(const NSRef<NSObject>& object, Result (Receiver::*method)(Argument) const)
-      : _receiver(object.cast<Receiver>()), _method(method) {}
+  ZKMethodOrdering(const NSRef<NSObject>& object, Method method)
+      : _object(object), _receiver(object.cast<Receiver>()), _method(method) {
+    if (method == nullptr) NSRaiseNilArgument("method", "inArraySortedUsingSelector:");
+  }
 
-  Result operator()(const NSRef<NSObject>& /*object*/, const NSRef<NSObject>& element) const {
+  auto operator()(const NSRef<NSObject>& /*object*/, const NSRef<NSObject>& element) const {
     using Plain = std::remove_cvref_t<Argument>;
-    if constexpr (std::derived_from<Plain, NSObject>) {
-      return (checked(_receiver)->*_method)(*checked(element.cast<Plain>()));
-    } else {
+    if constexpr (requires { typename Plain::element_type; }) {
       // Lent for the call, without a count of its own.
       using Other = typename Plain::element_type;
       struct Lent {
@@ -64,6 +77,8 @@ class ZKMethodOrdering {
       };
       const Lent other{NSRef<Other>::adopt(checked(element.cast<Other>()))};
       return (checked(_receiver)->*_method)(other.reference);
+    } else {
+      return (checked(_receiver)->*_method)(*checked(element.cast<Plain>()));
     }
   }
 
@@ -76,9 +91,16 @@ class ZKMethodOrdering {
     return object;
   }
 
-  const Receiver* _receiver;
-  Result (Receiver::*_method)(Argument) const;
+  NSRef<NSObject> _object;
+  Receiver* _receiver;
+  Method _method;
 };
+template <class Receiver, class Result, class Argument>
+ZKMethodOrdering(const NSRef<NSObject>&, Result (Receiver::*)(Argument) const)
+    -> ZKMethodOrdering<Receiver, Argument, Result (Receiver::*)(Argument) const>;
+template <class Receiver, class Result, class Argument>
+ZKMethodOrdering(const NSRef<NSObject>&, Result (Receiver::*)(Argument))
+    -> ZKMethodOrdering<Receiver, Argument, Result (Receiver::*)(Argument)>;
 
 namespace ZKFoundationExtensions {
 
@@ -104,6 +126,10 @@ std::size_t indexWhereObjectWouldBelong_inArraySortedUsingFunction(const Range& 
       const auto& element = elements[static_cast<std::ptrdiff_t>(probe)];
       if (ZKIsIdentical(element, object)) return probe;
       const auto order = std::invoke(compare, object, element);
+      static_assert(
+          requires { order < 0; } && !std::is_unsigned_v<decltype(order)> &&
+              !std::is_same_v<decltype(order), const bool>,
+          "an ordering answers negative, zero or positive");
       if (order == 0) return probe;
       if (order > 0) {
         low = probe + 1;
@@ -189,7 +215,7 @@ void insertObject_inArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
   array->insertObject_atIndex(object, place);
 }
 
-/// With a function and its context.
+/// With a function and its context. A null function raises `NSInvalidArgumentException`.
 ZK_EXPORT NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingFunction_context(
     const NSRef<NSArray>& array, const NSRef<NSObject>& object, ZKCompareFunction compare,
     void* context);
@@ -202,8 +228,9 @@ ZK_EXPORT void insertObject_inArraySortedUsingFunction_context(const NSRef<NSMut
                                                                void* context);
 
 /// With a method of the objects, such as `&NSNumber::compare`: one that takes another object as
-/// `const NSRef<T>&` or as `const T&`. It is resolved once, on the class that declares it. Where an
-/// object or an element is nil or none of that class, it raises `NSInvalidArgumentException`.
+/// `const NSRef<T>&` or as `const T&`. It is resolved once, on the class that declares it. A
+/// comparison in which the object or the element is nil or none of the method's class raises
+/// `NSInvalidArgumentException`, as does a null method.
 template <class Method>
 NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingSelector(const NSRef<NSArray>& array,
                                                                   const NSRef<NSObject>& object,
@@ -235,7 +262,9 @@ void removeObjectIdenticalTo_fromArraySortedUsingSelector(const NSRef<NSMutableA
                                                           Method method) {
   const NSUInteger index =
       indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object, method);
-  if (index != NSNotFound) array->removeObjectAtIndex(index);
+  // A comparison may have changed the array.
+  const auto objects = array->objects();
+  if (index < objects.size() && objects[index] == object) array->removeObjectAtIndex(index);
 }
 
 }  // namespace ZKFoundationExtensions

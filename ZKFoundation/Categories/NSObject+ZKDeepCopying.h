@@ -19,8 +19,8 @@ class ZK_EXPORT ZKDeepObjectCopyingProtocol {
   virtual ~ZKDeepObjectCopyingProtocol() = default;
 
   /// A copy under `copySpec`; what the object refers to is copied under `subCopySpec`. The table is
-  /// the same one throughout a copy: objects by the originals that they are copies of. The zone is
-  /// handed through.
+  /// the same one throughout a copy: copies by their originals, which it compares by `isEqual`, so
+  /// that equal objects count as one. The zone is handed through.
   virtual NSRef<NSObject> copyWithZone_refTable_copySpec_subCopySpec(
       NSZone* zone, const NSRef<NSMapTable>& refTable, ZKCopySpec copySpec,
       ZKCopySpec subCopySpec) const = 0;

@@ -151,6 +151,22 @@ TEST(NSArray, ReleasesEachElementOnce) {
   EXPECT_EQ(alive, 0);
 }
 
+TEST(NSArray, GrowsAtEitherEnd) {
+  const auto array = NSMake<NSMutableArray>();
+  for (int k = 0; k < 2000; ++k) {
+    array->reserve(array->count() + 1);
+    array->addObject(number(k));
+    if (k % 3 != 0) array->removeObjectAtIndex(0);
+  }
+  for (int k = 0; k < 2000; ++k) {
+    array->insertObject_atIndex(number(k), 0);
+    array->addObject(number(-k));
+  }
+  EXPECT_EQ(array->count(), 4667U);
+  EXPECT_TRUE(array->objectAtIndex(2000)->isEqual(number(1333)));
+  EXPECT_THROW(array->reserve(NSUIntegerMax), std::bad_alloc);
+}
+
 TEST(NSArray, MayChangeWhileAnotherThreadReadsItsCopy) {
   const auto array = NSMake<NSMutableArray>();
   for (int round = 0; round < 100; ++round) {

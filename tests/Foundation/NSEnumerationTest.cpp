@@ -118,8 +118,12 @@ struct Meddler : NSObject {
     meddle();
     return false;
   }
-  NSUInteger hash() const override { return 0; }
+  NSUInteger hash() const override {
+    meddleInHash();
+    return 0;
+  }
   std::function<void()> meddle = [] {};
+  std::function<void()> meddleInHash = [] {};
 };
 
 TEST(NSEnumeration, ElementsThatChangeTheirCollectionRaise) {
@@ -137,6 +141,35 @@ TEST(NSEnumeration, ElementsThatChangeTheirCollectionRaise) {
   expectRaises(NSGenericException, "a collection was mutated while being searched",
                [&] { (void)set->containsObject(NSMake<Meddler>()); });
   EXPECT_EQ(array->count() + dictionary->count() + set->count(), 0U);
+
+  const auto ordered = NSMake<NSMutableOrderedSet>({u"a"_ns, u"b"_ns});
+  meddler->meddleInHash = [&] { ordered->removeAllObjects(); };
+  expectRaises(NSGenericException, "a collection was mutated while being searched",
+               [&] { ordered->insertObject_atIndex(meddler, 2); });
+  const auto table = NSMapTable::strongToStrongObjectsMapTable();
+  meddler->meddleInHash = [&] { table->setObject_forKey(u"x"_ns, u"y"_ns); };
+  EXPECT_THROW(table->setObject_forKey(u"v"_ns, meddler), NSException);
+  EXPECT_TRUE(table->description() == u"{y = x}");
+}
+
+TEST(NSEnumeration, WhatIsAtHandMayBeUsedAfterAChange) {
+  int x = 0;
+  const auto pointers = NSMake<NSPointerArray>();
+  pointers->addPointer(&x);
+  for (const auto& pointer : pointers) {
+    for (int k = 0; k < 100; ++k) pointers->addPointer(nullptr);
+    EXPECT_EQ(pointer, &x);
+    break;
+  }
+  const auto indexes = NSMake<NSMutableIndexSet>({1, 3});
+  const auto at = indexes->begin();
+  indexes->removeAllIndexes();
+  EXPECT_THROW((void)*at, NSException);
+  auto array = NSMake<NSMutableArray>({u"a"_ns, u"b"_ns});
+  array->removeObjectsWhere([&](const auto&) {
+    array = nullptr;
+    return true;
+  });
 }
 
 TEST(NSEnumeration, BlocksAreToldTheirPlaceAndMayStop) {

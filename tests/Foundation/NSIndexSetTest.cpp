@@ -80,10 +80,20 @@ TEST(NSIndexSet, BehavesAsASortedSet) {
     const auto other = NSMake<NSMutableIndexSet>(shuffled);
     other->addIndexes(copy);
     RC_ASSERT(other->isEqual(copy));
-    other->addIndex(30);
+    other->addIndex(40);
     RC_ASSERT(!other->isEqual(copy));
-    other->removeIndexes(copy);
-    RC_ASSERT(other->isEqual(NSMake<NSIndexSet>(NSUInteger{30})));
+    // All of one less all of the other, and back.
+    const auto even = NSMake<NSMutableIndexSet>();
+    for (NSUInteger k = 0; k < 30; k += 2) even->addIndex(k);
+    other->removeIndexes(even);
+    for (NSUInteger k = 0; k < 30; k += 2) model.erase(k);
+    model.insert(40);
+    requireSame(other, model);
+    other->addIndexes(even);
+    for (NSUInteger k = 0; k < 30; k += 2) model.insert(k);
+    requireSame(other, model);
+    even->removeIndexes(other);
+    RC_ASSERT(even->count() == 0U);
   });
 }
 
@@ -115,7 +125,10 @@ TEST(NSIndexSet, HoldsWhatIsBelowNotFound) {
                [&] {
                  set->addIndexesInRange({5, NSUIntegerMax});
                });
+  EXPECT_THROW((void)NSMake<NSIndexSet>(std::vector<NSRange>{{5, 1}, {NSNotFound, 1}}),
+               NSException);
   EXPECT_EQ(set->count(), 2U);
+  EXPECT_TRUE(set->containsIndexesInRange({NSNotFound - 2, NSUIntegerMax}));
 }
 
 }  // namespace

@@ -85,6 +85,7 @@ TEST(NSValue, KeepsItsKind) {
   const auto point = NSMake<NSValue>(NSMakePoint(1, 2));
   EXPECT_TRUE(point->isEqual(NSMake<NSValue>(NSMakePoint(1, 2))));
   EXPECT_FALSE(point->isEqual(NSMake<NSValue>(NSMakeSize(1, 2))));
+  EXPECT_NE(NSMake<NSValue>(NSMakePoint(1, 1))->hash(), NSMake<NSValue>(NSMakePoint(2, 2))->hash());
   EXPECT_EQ(NSMake<NSValue>(NSMakePoint(0.0, 1))->hash(),
             NSMake<NSValue>(NSMakePoint(-0.0, 1))->hash());
 }

@@ -2,6 +2,8 @@
 
 #include <compare>
 #include <deque>
+#include <memory>
+#include <span>
 
 #include <ZKFoundation/ZKFoundation.h>
 
@@ -100,9 +102,12 @@ TEST(NSArraySorting, LooksWhereAModelLooksInEveryShortArray) {
       mistakes += indexWhereObjectWouldBelong_inArraySortedUsingFunction(
                       std::deque<int>(keys.begin(), keys.end()), key, less) != place;
       const bool isThere = place < keys.size() && keys[place] == key;
+      if (place < keys.size()) modelLooked.push_back(keys[place]);
+      looked.clear();
       mistakes +=
           indexOfObject_identical_inArraySortedUsingFunction_context(
               array, object, false, compareAndNote, &looked) != (isThere ? place : NSNotFound);
+      mistakes += looked != modelLooked;
       mistakes += indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object,
                                                                       &Card::order) != NSNotFound;
     }
@@ -168,6 +173,44 @@ TEST(NSArraySorting, LooksOneElementPastTheRunForTheVeryObject) {
             NSNotFound);
 }
 
+TEST(NSArraySorting, RecognisesTheVeryObjectWithoutComparing) {
+  const auto array = cards({1, 2, 3});
+  const auto never = [](const auto&, const auto&) -> int { throw 1; };
+  const auto middle = array->objectAtIndex(2);
+  EXPECT_EQ(indexWhereObjectWouldBelong_inArraySortedUsingFunction(array, middle, never), 2U);
+  EXPECT_EQ(indexOfObject_identical_inArraySortedUsingFunction(array, middle, true, never), 2U);
+  const auto stranger = NSMake<Card>(alive, 2);
+  removeObjectIdenticalTo_fromArraySortedUsingSelector(array, stranger, &Card::order);
+  EXPECT_EQ(array->count(), 3U);
+}
+
+TEST(NSArraySorting, SearchesAnyRange) {
+  const auto find = [](const auto& range, const auto& object, auto compare) {
+    return indexOfObject_identical_inArraySortedUsingFunction(range, object, true, compare);
+  };
+  const std::vector<int> values = {1, 2, 2, 2, 3};
+  const auto compareValues = [](int a, int b) { return a <=> b; };
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    EXPECT_EQ(find(std::span(values), values[k], compareValues), k);
+  }
+  EXPECT_EQ(find(values, 2, compareValues), NSNotFound);
+
+  std::vector<std::unique_ptr<int>> owned;
+  const auto compareOwned = [](const auto& a, const auto& b) { return *a - *b; };
+  for (const int value : {3, 1, 2}) {
+    insertObject_inArraySortedUsingFunction(owned, std::make_unique<int>(value), compareOwned);
+  }
+  std::vector<const int*> pointers;
+  for (const auto& pointer : owned) pointers.push_back(pointer.get());
+  for (std::size_t k = 0; k < 3; ++k) {
+    EXPECT_EQ(*owned[k], static_cast<int>(k) + 1);
+    EXPECT_EQ(find(owned, pointers[k], compareOwned), k);
+    EXPECT_EQ(find(pointers, pointers[k], compareOwned), k);
+  }
+  const int stranger = 2;
+  EXPECT_EQ(find(pointers, &stranger, compareOwned), NSNotFound);
+}
+
 TEST(NSArraySorting, InsertsInOrderWithAnyKindOfOrdering) {
   expectProperty("sorted by insertion", [] {
     const auto keys = *rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 9));
@@ -217,8 +260,13 @@ TEST(NSArraySorting, AnOrderingThatFailsOrMeddlesHarmsNothing) {
   expectRaises(NSInvalidArgumentException, reason,
                [&] { insertObject_inArraySortedUsingSelector(array, nullptr, &Card::order); });
   expectRaises(NSInvalidArgumentException, reason, [&] {
-    insertObject_inArraySortedUsingFunction_context(array, nullptr, nullptr, nullptr);
+    insertObject_inArraySortedUsingFunction_context(array, nullptr, compareAndNote, nullptr);
   });
+  expectRaises(
+      NSInvalidArgumentException, "compare is nil (in 'inArraySortedUsingFunction:context:')",
+      [&] { insertObject_inArraySortedUsingFunction_context(array, object, nullptr, nullptr); });
+  NSComparisonResult (Card::*const noMethod)(const NSRef<Card>&) const = nullptr;
+  EXPECT_THROW(insertObject_inArraySortedUsingSelector(array, object, noMethod), NSException);
   const auto isRefused = [&](const NSRef<NSObject>& searched) {
     EXPECT_THROW((void)indexWhereObjectWouldBelong_inArraySortedUsingSelector(array, searched,
                                                                               &Card::compare),

@@ -1,5 +1,7 @@
 #include "tests/Support.h"
 
+#include <utility>
+
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
@@ -34,6 +36,23 @@ TEST(NSArrayExtensions, TransformsEveryElement) {
     return object;
   });
   EXPECT_TRUE(meddled->description() == u"(1, 2, 1)");
+  EXPECT_EQ(transformedArrayUsingTransformator(array, text)->count(), 0U);
+}
+
+struct Third : NSObject {};
+template <int Number>
+struct Kind : std::conditional_t<Number % 3 == 0, Third, NSObject> {};
+
+template <int... Numbers>
+NSRef<NSArray> manyKinds(std::integer_sequence<int, Numbers...> /*numbers*/) {
+  return NSMake<NSArray>({NSMake<Kind<Numbers>>()...});
+}
+
+TEST(NSArrayExtensions, KnowsManyClassesApart) {
+  const auto array = manyKinds(std::make_integer_sequence<int, 60>());
+  const auto found = arrayWithObjectsKindOfClass(array, NSClass::of<Third>());
+  EXPECT_EQ(found->count(), 20U);
+  for (const auto& object : found) EXPECT_NE(object.as<Third>(), nullptr);
 }
 
 TEST(NSArrayExtensions, SelectsByClass) {
@@ -44,6 +63,7 @@ TEST(NSArrayExtensions, SelectsByClass) {
   EXPECT_TRUE(arrayWithObjectsKindOfClass(array, string)->description() == u"(a, b, c)");
   EXPECT_TRUE(arrayWithObjectsMemberOfClass(array, string)->description() == u"(a, c)");
   EXPECT_TRUE(containObjectsKindOfClass(array, string));
+  EXPECT_TRUE(containObjectsKindOfClass(NSMake<NSArray>({NSMake<NSMutableString>()}), string));
   EXPECT_FALSE(containObjectsKindOfClass(array, NSClass::of<NSArray>()));
   EXPECT_FALSE(containObjectsKindOfClass(NSMake<NSArray>(), NSClass::of<NSObject>()));
 }
@@ -55,6 +75,33 @@ TEST(NSArrayExtensions, RemovesEqualsOfOtherClassesToo) {
   EXPECT_TRUE(array->description() == u"(a, c)");
   removeAllObjectsWhichNotMemberOfClass(array, NSClass::of<NSNumber>());
   EXPECT_EQ(array->count(), 0U);
+}
+
+// Equal by its size to any other; a square wants squares.
+struct Shape : NSObject {
+  explicit Shape(NSUInteger aSize) : size(aSize) {}
+  bool isEqual(const NSRef<NSObject>& other) const override {
+    return other.as<Shape>() && other.as<Shape>()->size == size;
+  }
+  NSUInteger hash() const override { return size; }
+  NSUInteger size;
+};
+struct Square : Shape {
+  using Shape::Shape;
+  bool isEqual(const NSRef<NSObject>& other) const override {
+    return other.as<Square>() && Shape::isEqual(other);
+  }
+};
+
+TEST(NSArrayExtensions, AsksTheElementsWhetherTheyAreEqualToWhatIsRemoved) {
+  const auto shape = NSMake<Shape>(NSUInteger{1});
+  const auto square = NSMake<Square>(NSUInteger{1});
+  const auto keptSquares = NSMake<NSMutableArray>({shape, square});
+  removeAllObjectsWhichNotMemberOfClass(keptSquares, NSClass::of<Square>());
+  EXPECT_EQ(keptSquares->firstObject(), square);
+  const auto keptShapes = NSMake<NSMutableArray>({square, shape});
+  removeAllObjectsWhichNotMemberOfClass(keptShapes, NSClass::of<Shape>());
+  EXPECT_EQ(keptShapes->count(), 0U);
 }
 
 TEST(NSArrayExtensions, SelectsByValue) {
@@ -71,6 +118,13 @@ TEST(NSArrayExtensions, SelectsByValue) {
   EXPECT_EQ(arrayFromArray_forKeyPath_matching(array, path, nullptr)->count(), 0U);
   EXPECT_EQ(arrayFromArray_forKey_matching(array, u"none"_ns, nullptr)->count(), 0U);
   EXPECT_EQ(arrayFromArray_forKey_matching(nullptr, path, path)->count(), 0U);
+  // The matching value is asked, also about nil, and a key is no path.
+  struct Anything : NSObject {
+    bool isEqual(const NSRef<NSObject>& /*other*/) const override { return true; }
+  };
+  EXPECT_EQ(arrayFromArray_forKeyPath_matching(array, path, NSMake<Anything>())->count(), 4U);
+  const auto dotted = NSMake<NSArray>({NSMake<NSDictionary>({{path, number(1)}})});
+  EXPECT_EQ(arrayFromArray_forKey_matching(dotted, path, number(1))->count(), 1U);
   const auto strings = NSMake<NSArray>({u"ab"_ns, u"c"_ns});
   EXPECT_EQ(arrayFromArray_forKey_matching(strings, u"length"_ns, number(1))->firstObject(),
             strings->lastObject());
@@ -85,10 +139,13 @@ TEST(NSArrayExtensions, TellsIdentityFromEquality) {
 }
 
 TEST(NSArrayExtensions, TakesTheFirstTwentyIndexesBelowTheCount) {
-  EXPECT_TRUE(arrayFromIndexes(numbersTo(5), NSMake<NSIndexSet>({1, 3, 100}))->description() ==
+  EXPECT_TRUE(arrayFromIndexes(numbersTo(5), NSMake<NSIndexSet>({1, 3, 5, 100}))->description() ==
               u"(1, 3)");
   EXPECT_TRUE(
       arrayFromIndexes(numbersTo(40), NSMake<NSIndexSet>(NSRange{0, 30}))->isEqual(numbersTo(20)));
+  const auto scattered = NSMake<NSMutableIndexSet>();
+  for (NSUInteger k = 0; k < 30; ++k) scattered->addIndex(3 * k);
+  EXPECT_TRUE(arrayFromIndexes(numbersTo(90), scattered)->lastObject()->isEqual(number(57)));
   EXPECT_EQ(arrayFromIndexes(numbersTo(5), nullptr)->count(), 0U);
 }
 
@@ -152,6 +209,9 @@ TEST(NSMapTableExtensions, SetsWhatIsAbsent) {
   const auto table = NSMapTable::strongToStrongObjectsMapTable();
   setObjectIfAbsent_forKey(table, number(1), u"k"_ns);
   setObjectIfAbsent_forKey(table, number(2), u"k"_ns);
+  setObjectIfAbsent_forKey(table, nullptr, u"k"_ns);
+  expectRaises(NSInvalidArgumentException, "anObject is nil (in 'setObject:forKey:')",
+               [&] { setObjectIfAbsent_forKey(table, nullptr, u"absent"_ns); });
   EXPECT_TRUE(table->description() == u"{k = 1}");
 }
 

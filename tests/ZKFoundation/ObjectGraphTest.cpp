@@ -185,8 +185,11 @@ TEST(ZKGenericVisitor, VisitsEqualObjectsOnce) {
   }
   EXPECT_FALSE(visitor->shouldVisitObject(NSMake<NSMutableString>(u"a")));
   EXPECT_EQ(before->count(), 0U);
-  EXPECT_TRUE(visitor->visitedObjects()->description() == u"{(a)}");
+  const auto after = visitor->visitedObjects();
   bool stop = false;
+  visitor->visitObject_stop(u"b"_ns, stop);
+  EXPECT_TRUE(after->description() == u"{(a)}");
+  EXPECT_EQ(visitor->visitedObjects()->count(), 2U);
   expectRaises(NSInvalidArgumentException, "anObject is nil (in 'addObject:')",
                [&] { visitor->visitObject_stop(nullptr, stop); });
 }

@@ -24,7 +24,7 @@ class ZK_EXPORT ZKGenericVisitor : public NSObject, public ZKObjectVisitor {
   void visitObject_stop(const NSRef<ZKTraversableObject>& object, bool& stop) override;
 
  private:
-  // Recursive: the objects' own `isEqual` and `hash` may use the visitor.
+  // Recursive: the objects' own `isEqual` and `hash` may ask the visitor.
   mutable std::recursive_mutex _lock;
   NSRef<NSMutableSet> _visitedObjects;
 };
