@@ -15,15 +15,20 @@
 #include <ZKFoundation/ZKExport.h>
 
 // Arrays that their owner keeps sorted, by an ordering that is given as a function with a context,
-// as any callable or as a method of the objects. Callables and methods also serve every other
-// random-access range, of elements of any type.
+// as any callable or as a method of the objects. With a callable, which may be a pointer to a
+// member of the elements, the same works on every other random-access range, of elements of any
+// type.
 //
 // An ordering is asked compare(object, element), always with the object that is searched for or
 // inserted first: positive when that belongs behind the element, 0 when they order the same,
 // negative when it belongs in front. Only the sign counts; `std::strong_ordering` and its kin will
-// do. A method is asked object.compare(element); a pointer to a member is a callable, too.
-// Exceptions that an ordering throws pass through and leave the array as it was. An array that is
-// not sorted, or an ordering that contradicts itself, gives some index, never one out of bounds.
+// do. A method is asked object.compare(element). Exceptions that an ordering throws pass through
+// and leave the array as it was. An array that is not sorted, or an ordering that contradicts
+// itself, gives some index, never one out of bounds.
+
+template <class Range>
+concept ZKSearchableRange =
+    std::ranges::random_access_range<Range> && std::ranges::sized_range<Range>;
 
 /// An ordering of objects with its context, which is handed through unchanged.
 using ZKCompareFunction = NSInteger (*)(const NSRef<NSObject>& object,
@@ -111,7 +116,7 @@ namespace ZKFoundationExtensions {
 /// The search halves powers of two: with p the smallest above the count, it looks at low + p/2,
 /// low + p/4, … low + 1, low + 0, where low is how many it knows to order before the object. That
 /// makes log2(p) + 1 comparisons at most, and none in an empty range.
-template <std::ranges::random_access_range Range, class Object, class Compare>
+template <ZKSearchableRange Range, class Object, class Compare>
 std::size_t indexWhereObjectWouldBelong_inArraySortedUsingFunction(const Range& range,
                                                                    const Object& object,
                                                                    Compare compare) {
@@ -145,7 +150,7 @@ std::size_t indexWhereObjectWouldBelong_inArraySortedUsingFunction(const Range& 
 /// Where the object is in a sorted range, or `NSNotFound`. Not `identical`: the place where it
 /// belongs, if the element there orders the same. `identical`: the place of the very object, which
 /// is looked for through the run of elements that order the same, and one element beyond its end.
-template <std::ranges::random_access_range Range, class Object, class Compare>
+template <ZKSearchableRange Range, class Object, class Compare>
 std::size_t indexOfObject_identical_inArraySortedUsingFunction(const Range& range,
                                                                const Object& object, bool identical,
                                                                Compare compare) {
@@ -173,7 +178,7 @@ std::size_t indexOfObject_identical_inArraySortedUsingFunction(const Range& rang
 }
 
 /// Inserts the object into a sorted container where it belongs.
-template <std::ranges::random_access_range Container, class Object, class Compare>
+template <ZKSearchableRange Container, class Object, class Compare>
 requires requires(Container& container, Object object) {
   container.insert(container.begin(), std::move(object));
 }
