@@ -63,7 +63,7 @@ const Keys& keys(std::size_t count) {
   Keys& result = made[count];
   if (!result.shuffled.empty()) return result;
   for (const NSInteger value : shuffledNumbers(count)) {
-    result.shuffled.push_back(NSMake<Key>(value));
+    result.shuffled.emplace_back(NSMake<Key>(value));
     result.sorted.push_back(keyOf(result.shuffled.back()));
   }
   for (std::size_t k = 0; k < count; ++k) {
@@ -365,7 +365,7 @@ struct Words {
   explicit Words(std::size_t count) {
     for (std::size_t k = 0; k < count; ++k) {
       const auto word = NSMake<NSString>("chapter " + std::to_string(k));
-      ns.push_back(word);
+      ns.emplace_back(word);
       plain.emplace_back(word->view());
 #ifdef ZK_HAS_QT
       qt.append(QString::fromStdU16String(plain.back()));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bit>
+#include <compare>
 #include <concepts>
 #include <cstddef>
 #include <functional>
@@ -33,6 +34,18 @@ concept ZKSearchableRange =
 /// An ordering of objects with its context, which is handed through unchanged.
 using ZKCompareFunction = NSInteger (*)(const NSRef<NSObject>& object,
                                         const NSRef<NSObject>& element, void* context);
+
+/// 1, 0 or -1 for what an ordering answers; -1 for an unordered pair.
+template <class Order>
+constexpr int ZKSignOfOrder(const Order& order) {
+  if constexpr (std::convertible_to<Order, std::partial_ordering>) {
+    return std::is_eq(order) ? 0 : std::is_gt(order) ? 1 : -1;
+  } else {
+    static_assert(std::is_signed_v<Order> || std::is_enum_v<Order>,
+                  "an ordering answers negative, zero or positive");
+    return order == 0 ? 0 : order > 0 ? 1 : -1;
+  }
+}
 
 /// The object that a reference or pointer of any kind refers to, or null for a value.
 template <class T>
@@ -130,13 +143,9 @@ std::size_t indexWhereObjectWouldBelong_inArraySortedUsingFunction(const Range& 
     if (probe < count) {
       const auto& element = elements[static_cast<std::ptrdiff_t>(probe)];
       if (ZKIsIdentical(element, object)) return probe;
-      const auto order = std::invoke(compare, object, element);
-      static_assert(
-          requires { order < 0; } && !std::is_unsigned_v<decltype(order)> &&
-              !std::is_same_v<decltype(order), const bool>,
-          "an ordering answers negative, zero or positive");
-      if (order == 0) return probe;
-      if (order > 0) {
+      const int sign = ZKSignOfOrder(std::invoke(compare, object, element));
+      if (sign == 0) return probe;
+      if (sign > 0) {
         low = probe + 1;
         // Keeps this a branch: along the guessed half, the processor fetches the next elements
         // while it still waits for this one.
@@ -160,7 +169,8 @@ std::size_t indexOfObject_identical_inArraySortedUsingFunction(const Range& rang
     return ZKIsIdentical(elements[static_cast<std::ptrdiff_t>(index)], object);
   };
   const auto ordersTheSame = [&](std::size_t index) {
-    return std::invoke(compare, object, elements[static_cast<std::ptrdiff_t>(index)]) == 0;
+    const auto& element = elements[static_cast<std::ptrdiff_t>(index)];
+    return ZKSignOfOrder(std::invoke(compare, object, element)) == 0;
   };
   const std::size_t place =
       indexWhereObjectWouldBelong_inArraySortedUsingFunction(range, object, std::ref(compare));

@@ -33,7 +33,7 @@ struct Card : Counted {
 int alive = 0;
 
 NSRef<NSMutableArray> cards(const std::vector<int>& keys) {
-  const auto array = NSMake<NSMutableArray>();
+  auto array = NSMake<NSMutableArray>();
   for (const int key : keys) array->addObject(NSMake<Card>(alive, key));
   return array;
 }
@@ -201,6 +201,7 @@ TEST(NSArraySorting, SearchesAnyRange) {
     insertObject_inArraySortedUsingFunction(owned, std::make_unique<int>(value), compareOwned);
   }
   std::vector<const int*> pointers;
+  pointers.reserve(owned.size());
   for (const auto& pointer : owned) pointers.push_back(pointer.get());
   for (std::size_t k = 0; k < 3; ++k) {
     EXPECT_EQ(*owned[k], static_cast<int>(k) + 1);

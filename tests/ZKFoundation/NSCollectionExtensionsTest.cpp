@@ -11,7 +11,7 @@ namespace {
 NSRef<NSNumber> number(int value) { return NSMake<NSNumber>(value); }
 
 NSRef<NSMutableArray> numbersTo(int end) {
-  const auto array = NSMake<NSMutableArray>();
+  auto array = NSMake<NSMutableArray>();
   for (int k = 0; k < end; ++k) array->addObject(number(k));
   return array;
 }

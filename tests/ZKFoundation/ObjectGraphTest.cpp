@@ -152,6 +152,7 @@ TEST(DeepCopy, KeepsTheShapeOfAnyGraph) {
     const auto edges = *rc::gen::container<std::vector<std::pair<int, int>>>(
         rc::gen::pair(rc::gen::inRange(0, 6), rc::gen::inRange(0, 6)));
     std::vector<NSRef<Node>> nodes;
+    nodes.reserve(6);
     for (int k = 0; k < 6; ++k) nodes.push_back(NSMake<Node>(alive, k));
     for (const auto& [from, to] : edges) {
       nodes[static_cast<std::size_t>(from)]->neighbours.push_back(
