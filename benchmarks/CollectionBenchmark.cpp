@@ -232,7 +232,8 @@ struct OtherObject : NSObject {};
 constexpr std::size_t manyKeys = 1000000;
 
 const std::vector<std::shared_ptr<SharedKey>>& sharedKeys() {
-  static const auto sorted = [] {
+  // Never destroyed: the chain of partners is too long to die one within the other.
+  static const NSNeverDestroyed<std::vector<std::shared_ptr<SharedKey>>> sorted([] {
     std::vector<std::shared_ptr<SharedKey>> all(manyKeys);
     std::shared_ptr<SharedKey> former;
     for (const NSInteger value : shuffledNumbers(manyKeys)) {
@@ -242,8 +243,8 @@ const std::vector<std::shared_ptr<SharedKey>>& sharedKeys() {
       former = all[static_cast<std::size_t>(value)] = key;
     }
     return all;
-  }();
-  return sorted;
+  }());
+  return *sorted;
 }
 
 const NSRef<NSArray>& mixedObjects() {
