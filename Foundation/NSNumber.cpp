@@ -116,7 +116,6 @@ bool NSNumber::isEqual(const NSRef<NSObject>& other) const {
 NSUInteger NSNumber::hash() const {
   const auto hashValue = [](auto value) -> NSUInteger {
     if constexpr (std::is_floating_point_v<decltype(value)>) {
-      constexpr double twoTo63 = 9223372036854775808.0;
       if (value >= -twoTo63 && value < twoTo63 && std::trunc(value) == value) {
         return static_cast<NSUInteger>(static_cast<std::int64_t>(value));
       }
