@@ -119,7 +119,7 @@ NSUInteger NSNumber::hash() const {
       if (value >= -twoTo63 && value < twoTo63 && std::trunc(value) == value) {
         return static_cast<NSUInteger>(static_cast<std::int64_t>(value));
       }
-      if (value >= twoTo63 && value < 2 * twoTo63) return static_cast<NSUInteger>(value);
+      if (value >= twoTo63 && value < twoTo64) return static_cast<NSUInteger>(value);
       return std::isnan(value) ? 0 : std::hash<double>{}(value);
     } else {
       return static_cast<NSUInteger>(value);
