@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <utility>
 
 namespace {
 
@@ -217,6 +218,26 @@ TEST(NSDictionary, CopiesItsKeys) {
   EXPECT_EQ(dictionary->objectForKey(key), nullptr);
   EXPECT_EQ(dictionary->objectForKey(nullptr), nullptr);
   EXPECT_TRUE(dictionary->allValues()->description() == u"(w)");
+}
+
+TEST(NSDictionary, HasOneEntryForAKeyThatEntersItselfWhileItIsCopied) {
+  struct Key : NSObject {
+    bool isEqual(const NSRef<NSObject>& other) const override { return other.as<Key>() != nullptr; }
+    NSUInteger hash() const override { return 1; }
+    NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override {
+      if (std::exchange(entersItself, false)) entered->setObject_forKey(u"inner"_ns, self());
+      return self();
+    }
+    NSMutableDictionary* entered = nullptr;
+    mutable bool entersItself = true;
+  };
+  const auto dictionary = NSMake<NSMutableDictionary>();
+  const auto key = NSMake<Key>();
+  key->entered = dictionary.get();
+  dictionary->setObject_forKey(u"outer"_ns, key);
+  EXPECT_TRUE(dictionary->allValues()->description() == u"(outer)");
+  dictionary->removeObjectForKey(key);
+  EXPECT_EQ(dictionary->count(), 0U);
 }
 
 TEST(NSSet, BehavesAsASet) {
