@@ -1,6 +1,7 @@
 #include "Foundation/NSBundle.h"
 
 #include "Foundation/NSKeyValueCoding.h"
+#include "Foundation/NSLocalizedTables.h"
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSString.h"
 
@@ -68,7 +69,14 @@ NSRef<NSBundle> NSBundle::bundleForFile(const fs::path& file, const void* addres
   return bundle = NSMake<NSBundle>(Key(), resolved);
 }
 
-NSRef<NSBundle> NSBundle::mainBundle() { return bundleForFile(runningProgram, nullptr); }
+NSBundle::NSBundle(Key /*key*/, fs::path executable)
+    : _executable(std::move(executable)), _tables(std::make_unique<NSLocalizedTables>()) {}
+NSBundle::~NSBundle() = default;
+
+NSRef<NSBundle> NSBundle::mainBundle() {
+  static const NSNeverDestroyed<NSRef<NSBundle>> bundle(bundleForFile(runningProgram, nullptr));
+  return *bundle;
+}
 
 NSRef<NSBundle> NSBundle::bundleForClass(NSClass aClass) {
   // Where the class's name lies, not its type_info: an executable that is not position-independent
@@ -95,6 +103,17 @@ NSRef<NSString> NSBundle::resourcePath() const {
   const fs::path folder = _executable.parent_path() / (name + ".resources");
   std::error_code error;
   return fs::is_directory(folder, error) ? stringOf(folder) : bundlePath();
+}
+
+NSRef<NSString> NSBundle::localizedStringForKey_value_table(const NSRef<NSString>& key,
+                                                            const NSRef<NSString>& value,
+                                                            const NSRef<NSString>& table) const {
+  const bool hasValue = !NSViewOf(value).empty();
+  if (!key) return hasValue ? value : u""_ns;
+  static const NSNeverDestroyed<NSRef<NSString>> standardTable(u"Localizable"_ns);
+  const auto& name = NSViewOf(table).empty() ? *standardTable : table;
+  if (auto text = _tables->find(key, name, *this)) return text;
+  return hasValue ? value : key;
 }
 
 NSRef<NSString> NSBundle::description() const {

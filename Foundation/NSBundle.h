@@ -1,11 +1,13 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
 #include <Foundation/NSClass.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
+class NSLocalizedTables;
 class NSString;
 
 /// A program or shared library with its resources. There is one bundle for each, which lives as
@@ -26,6 +28,19 @@ class NS_EXPORT NSBundle : public NSObject {
   /// "ZKFoundation.resources"). Where there is no such folder, `bundlePath`.
   NSRef<NSString> resourcePath() const;
 
+  /// The text for the key in a table of localized strings, a file "<table>.strings" in UTF-8 or
+  /// UTF-16 with lines `"key" = "value";`. It is looked for in the resource folder: for each of the
+  /// user's languages, the best one first, in "de-CH.lproj", "de_CH.lproj" and then "de.lproj", and
+  /// at last in the resource folder itself. The first that is there counts; it is read once.
+  ///
+  /// Without an entry the answer is `value`, unless that is nil or empty, then the key; for a nil
+  /// key `value`, or the empty string. A nil or empty table is "Localizable". Of a table with
+  /// faults the entries that can be read are there, and one log line names the first fault. May be
+  /// called from any thread.
+  NSRef<NSString> localizedStringForKey_value_table(const NSRef<NSString>& key,
+                                                    const NSRef<NSString>& value,
+                                                    const NSRef<NSString>& table) const;
+
   /// "NSBundle <executable path>"
   NSRef<NSString> description() const override;
   const NSPropertyTable& propertyTable() const override;
@@ -35,11 +50,13 @@ class NS_EXPORT NSBundle : public NSObject {
     friend class NSBundle;
     Key() = default;
   };
-  NSBundle(Key /*key*/, std::filesystem::path executable) : _executable(std::move(executable)) {}
+  NSBundle(Key key, std::filesystem::path executable);
   NSBundle(const NSBundle&) = delete;
+  ~NSBundle() override;
 
  private:
   static NSRef<NSBundle> bundleForFile(const std::filesystem::path& file, const void* address);
 
   std::filesystem::path _executable;
+  std::unique_ptr<NSLocalizedTables> _tables;
 };

@@ -1,13 +1,14 @@
 #include "Foundation/NSCapitalization.h"
 
 #include "Foundation/NSICU.h"
+#include "Foundation/NSLocale.h"
+#include "Foundation/NSString.h"
 
 #include <memory>
 #include <string>
 
 #include <unicode/ubrk.h>
 #include <unicode/ucasemap.h>
-#include <unicode/uloc.h>
 
 namespace {
 
@@ -15,17 +16,18 @@ namespace {
 // thread at a time, so every thread keeps its own.
 class Capitalizer {
  public:
-  explicit Capitalizer(const std::string& locale) : _locale(locale) {
+  explicit Capitalizer(const NSRef<NSLocale>& locale) : _locale(locale) {
+    const std::string identifier = locale->localeIdentifier()->utf8();
     UErrorCode status = U_ZERO_ERROR;
-    _map.reset(ucasemap_open(locale.c_str(), U_FOLD_CASE_DEFAULT, &status));
+    _map.reset(ucasemap_open(identifier.c_str(), U_FOLD_CASE_DEFAULT, &status));
     NSCheckICU(status);
-    UBreakIterator* const words = ubrk_open(UBRK_WORD, locale.c_str(), nullptr, 0, &status);
+    UBreakIterator* const words = ubrk_open(UBRK_WORD, identifier.c_str(), nullptr, 0, &status);
     NSCheckICU(status);
     ucasemap_setBreakIterator(_map.get(), words, &status);
     NSCheckICU(status);
   }
 
-  const std::string& locale() const { return _locale; }
+  const NSRef<NSLocale>& locale() const { return _locale; }
 
   void append(std::u16string_view text, NSUnitBuffer& result) {
     const std::size_t start = result.size();
@@ -52,7 +54,7 @@ class Capitalizer {
   struct Close {
     void operator()(UCaseMap* map) const { ucasemap_close(map); }
   };
-  std::string _locale;
+  NSRef<NSLocale> _locale;
   std::unique_ptr<UCaseMap, Close> _map;
 };
 
@@ -60,7 +62,7 @@ class Capitalizer {
 
 void NSAppendCapitalized(std::u16string_view text, NSUnitBuffer& result) {
   thread_local std::unique_ptr<Capitalizer> capitalizer;
-  const char* const locale = uloc_getDefault();
+  const auto locale = NSLocale::currentLocale();
   if (!capitalizer || capitalizer->locale() != locale) {
     capitalizer = std::make_unique<Capitalizer>(locale);
   }

@@ -159,6 +159,19 @@ const NSRef<NSCharacterSet>& NSCharacterSet::decimalDigitCharacterSet() {
   return *set;
 }
 
+const NSRef<NSCharacterSet>& NSCharacterSet::URLPathAllowedCharacterSet() {
+  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
+      make(planesOfString(u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
+                          u"-._~!$&'()*+,=:@/"_ns)));
+  return *set;
+}
+
+const NSRef<NSCharacterSet>& NSCharacterSet::URLQueryAllowedCharacterSet() {
+  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
+      make(combine((*URLPathAllowedCharacterSet())._planes, planesOfString(u";?"_ns), unite)));
+  return *set;
+}
+
 bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {
   if (character >= characterCount) return false;
   const char32_t unit = character % planeSize;

@@ -39,6 +39,12 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   /// Category Nd.
   static const NSRef<NSCharacterSet>& decimalDigitCharacterSet();
 
+  /// What may stand in a URL's path as it is: RFC 3986's unreserved characters and sub-delimiters
+  /// without ";", and ":", "@" and "/".
+  static const NSRef<NSCharacterSet>& URLPathAllowedCharacterSet();
+  /// The same for a query, with ";" and "?".
+  static const NSRef<NSCharacterSet>& URLQueryAllowedCharacterSet();
+
   bool characterIsMember(unichar unit) const noexcept {
     return ((_basicPlane[unit / 64U] >> (unit % 64U)) & 1U) != 0;
   }

@@ -17,6 +17,10 @@ inline constexpr std::u16string_view NSInvalidArgumentException = u"NSInvalidArg
 inline constexpr std::u16string_view NSInternalInconsistencyException =
     u"NSInternalInconsistencyException";
 inline constexpr std::u16string_view NSUndefinedKeyException = u"NSUnknownKeyException";
+inline constexpr std::u16string_view NSInvalidArchiveOperationException =
+    u"NSInvalidArchiveOperationException";
+inline constexpr std::u16string_view NSInvalidUnarchiveOperationException =
+    u"NSInvalidUnarchiveOperationException";
 
 /// A programming error. Ordinary outcomes are returned, never thrown.
 class NS_EXPORT NSException : public std::exception {

@@ -1,5 +1,7 @@
 #include "Foundation/NSNumber.h"
 
+#include "Foundation/NSDecimalSymbols.h"
+#include "Foundation/NSLocale.h"
 #include "Foundation/NSString.h"
 
 #include <array>
@@ -145,5 +147,12 @@ NSRef<NSString> NSNumber::stringValue() const {
 }
 
 NSRef<NSString> NSNumber::description() const { return stringValue(); }
+
+NSRef<NSString> NSNumber::descriptionWithLocale(const NSRef<NSLocale>& locale) const {
+  if (!locale) return stringValue();
+  NSUnitBuffer text;
+  locale->decimalSymbols().append(stringValue()->utf8(), /*isGrouped=*/false, text);
+  return NSMake<NSString>(std::move(text));
+}
 
 NSRef<NSObject> NSNumber::copyWithZone(NSZone* /*zone*/) const { return self(); }

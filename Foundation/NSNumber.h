@@ -8,6 +8,7 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
+class NSLocale;
 class NSString;
 
 /// A boxed number: a boolean, a signed or unsigned 64-bit integer, or a double. Immutable.
@@ -36,6 +37,7 @@ class NS_EXPORT NSNumber : public NSObject {
 
   /// Whether the number holds a double, not an integer or a boolean.
   bool isFloatingPoint() const noexcept { return std::holds_alternative<double>(_value); }
+  bool isBoolean() const noexcept { return std::holds_alternative<bool>(_value); }
 
   /// Exact. NaN comes before every other number and beside itself. Nil raises
   /// `NSInvalidArgumentException`.
@@ -48,6 +50,9 @@ class NS_EXPORT NSNumber : public NSObject {
   /// boolean.
   NSRef<NSString> stringValue() const;
   NSRef<NSString> description() const override;
+  /// The same with the locale's digits, sign and decimal separator, not in groups; `stringValue`
+  /// for nil.
+  NSRef<NSString> descriptionWithLocale(const NSRef<NSLocale>& locale) const;
 
   /// The number itself.
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;

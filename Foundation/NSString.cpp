@@ -42,6 +42,15 @@ NSRef<NSString> NSString::makeCompact(std::string_view utf8) {
   return result;
 }
 
+NSRef<NSString> NSString::stringWithFormat_arguments(const NSRef<NSString>& format,
+                                                     std::span<const NSFormatArgument> arguments) {
+  if (!format) NSRaiseNilArgument("format", "stringWithFormat:");
+  std::array<char16_t, 128> room;
+  NSUnitBuffer text(room);
+  NSAppendFormat(format->view(), arguments, text);
+  return NSMake<NSString>(text.view());
+}
+
 unichar NSString::characterAtIndex(NSUInteger index) const {
   NSCheckIndex("characterAtIndex:", index, length());
   return view()[index];

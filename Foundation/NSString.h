@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <compare>
 #include <new>
 #include <span>
@@ -7,6 +8,7 @@
 #include <string_view>
 
 #include <Foundation/NSExport.h>
+#include <Foundation/NSFormat.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSRange.h>
 #include <Foundation/NSStringComparison.h>
@@ -15,6 +17,7 @@
 
 class NSArray;
 class NSCharacterSet;
+class NSDictionary;
 class NSMutableString;
 
 /// A sequence of UTF-16 code units. Lengths, indexes and ranges count units; an index or range that
@@ -38,6 +41,25 @@ class NS_EXPORT NSString : public NSObject {
     return result;
   }
   static NSRef<NSString> makeCompact(std::string_view utf8);
+
+  /// The format with the arguments in the places of its conversions, as printf takes them: "%@" is
+  /// the description of an object, "(null)" for nil; "%d %i %u %x %X %o %c %C" are integers, of any
+  /// size ("%ld" is "%d"); "%f %e %g %a" and their capitals floating-point numbers, always with a
+  /// point; "%s" is UTF-8 text, "%p" an address, "%%" the sign itself. "%2$@" takes the second
+  /// argument. Flags, widths and precisions are printf's, up to 1,000; "*" is not known.
+  ///
+  /// A format may come from a translator: a conversion that does not fit its argument writes it as
+  /// "%@" does, one without an argument writes "(null)", an unknown one stays as it is. A nil
+  /// format raises `NSInvalidArgumentException`.
+  template <class... Arguments>
+  static NSRef<NSString> stringWithFormat(const NSRef<NSString>& format,
+                                          const Arguments&... arguments) {
+    const std::array<NSFormatArgument, sizeof...(arguments)> list{NSFormatArgument(arguments)...};
+    return stringWithFormat_arguments(format, list);
+  }
+  static NSRef<NSString> stringWithFormat_arguments(const NSRef<NSString>& format,
+                                                    std::span<const NSFormatArgument> arguments);
+
   /// Strings are made with room behind them, so that their size is not that of their class.
   static void operator delete(void* string) noexcept { ::operator delete(string); }
 
@@ -93,12 +115,51 @@ class NS_EXPORT NSString : public NSObject {
   /// The string without the members of the set at its beginning and end; nil has no members.
   NSRef<NSString> stringByTrimmingCharactersInSet(const NSRef<NSCharacterSet>& set) const;
   /// The first letter of each word in title case, the others in lower case, by the rules of the
-  /// current locale, which the environment gives. Words are Unicode's: "they're" is one, "jean-luc"
+  /// current locale (`NSLocale::currentLocale`). Words are Unicode's: "they're" is one, "jean-luc"
   /// two.
   NSRef<NSString> localizedCapitalizedString() const;
   /// The pieces between the occurrences of the separator, from left to right, empty ones included.
   /// A string without the separator, or with a nil or empty one, is its only piece.
   NSRef<NSArray> componentsSeparatedByString(const NSRef<NSString>& separator) const;
+
+  /// The entries of a table of localized strings, whose text this is: `"key" = "value";` with
+  /// comments as in C++. The escapes are C's and "\Uxxxx" for a unit. Of a table with faults the
+  /// entries that can be read, and one log line that names the first fault.
+  NSRef<NSDictionary> propertyListFromStringsFileFormat() const;
+
+  // Paths: components between "/"; a name's extension is behind its last ".". None of these looks
+  // at the disk but `stringByStandardizingPath`.
+
+  /// Whether it begins with "/" or "~".
+  bool isAbsolutePath() const noexcept;
+  /// "/", if it begins so, and the names; also "/" for one at the end. "/a//b/" gives /, a, b, /.
+  NSRef<NSArray> pathComponents() const;
+  /// The last name; "/" for the root, "" for "".
+  NSRef<NSString> lastPathComponent() const;
+  /// Without the last name: "/a/b/" gives "/a", "/a" gives "/", "a" gives "".
+  NSRef<NSString> stringByDeletingLastPathComponent() const;
+  /// With one "/" between; nil appends nothing.
+  NSRef<NSString> stringByAppendingPathComponent(const NSRef<NSString>& name) const;
+  /// "" where there is none, such as in ".profile" and "a.".
+  NSRef<NSString> pathExtension() const;
+  /// Also without "/" at the end: "a.b/" gives "a".
+  NSRef<NSString> stringByDeletingPathExtension() const;
+  /// "/a/" and "b" give "/a.b". The root, the empty path and an empty extension change nothing.
+  NSRef<NSString> stringByAppendingPathExtension(const NSRef<NSString>& extension) const;
+  /// "~" and "~user" at the beginning become the home directories; unknown users stay.
+  NSRef<NSString> stringByExpandingTildeInPath() const;
+  /// The path with the tilde expanded and without empty names, "." and "/" at the end. Of an
+  /// absolute path ".." goes to the parent, the real one where the name before is a symbolic link;
+  /// of a relative one it stays.
+  NSRef<NSString> stringByStandardizingPath() const;
+
+  /// Percent sequences as the UTF-8 that they stand for; nil when one is broken or the text is not
+  /// UTF-8.
+  NSRef<NSString> stringByRemovingPercentEncoding() const;
+  /// Every character that is not ASCII and a member of the set as percent sequences of its UTF-8.
+  /// Nil for a text with half of a surrogate pair; a nil set has no members.
+  NSRef<NSString> stringByAddingPercentEncodingWithAllowedCharacters(
+      const NSRef<NSCharacterSet>& allowedCharacters) const;
 
   /// "length" besides what every object publishes.
   const NSPropertyTable& propertyTable() const override;

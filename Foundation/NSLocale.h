@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSObject.h>
+
+class NSArray;
+class NSString;
+struct NSDecimalSymbols;
+
+/// A language with the habits of a region, named by an identifier such as "de_CH" or "zh-Hant-TW".
+/// Immutable.
+///
+/// The current locale and the user's languages come from the environment, read on first use:
+/// LC_ALL, LC_MESSAGES and LANG, of which the first that is not empty counts, and for the languages
+/// LANGUAGE before them ("de_CH:de:fr"; as in gettext not when the others say "C"). A program may
+/// set both itself. The functions on them may be called from any thread.
+class NS_EXPORT NSLocale : public NSObject {
+ public:
+  /// Only for the functions below.
+  class Key {
+    friend class NSLocale;
+    Key() = default;
+  };
+  NSLocale(Key key, const NSRef<NSString>& identifier);
+  NSLocale(const NSLocale&) = delete;
+  ~NSLocale() override;
+
+  /// Nil for text that is no locale identifier: nil, empty, longer than 150 units, or with other
+  /// characters than ASCII letters and digits and any of "_-@=;+.". A language or region that
+  /// nobody knows is none of these; it has the habits of the nearest that is known.
+  static NSRef<NSLocale> localeWithLocaleIdentifier(const NSRef<NSString>& identifier);
+
+  static NSRef<NSLocale> currentLocale();
+  /// Nil returns to the environment, which is read anew.
+  static void setCurrentLocale(const NSRef<NSLocale>& locale);
+
+  /// The user's languages, the best one first, as strings like "de-CH" and "de". Never empty.
+  static NSRef<NSArray> preferredLanguages();
+  /// Nil or an empty array return to the environment, which is read anew.
+  static void setPreferredLanguages(const NSRef<NSArray>& languages);
+
+  /// As it was given.
+  const NSRef<NSString>& localeIdentifier() const noexcept { return _identifier; }
+
+  /// How the locale writes decimal numbers; for the platform's own use.
+  const NSDecimalSymbols& decimalSymbols() const;
+
+  /// Whether the identifiers are the same.
+  bool isEqual(const NSRef<NSObject>& other) const override;
+  NSUInteger hash() const override;
+  /// "NSLocale de_CH"
+  NSRef<NSString> description() const override;
+  /// "localeIdentifier" besides what every object publishes.
+  const NSPropertyTable& propertyTable() const override;
+  /// The locale itself.
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+
+ private:
+  NSRef<NSString> _identifier;
+  mutable std::once_flag _symbolsOnce;
+  mutable std::unique_ptr<const NSDecimalSymbols> _symbols;
+};

@@ -1,0 +1,86 @@
+#include "Foundation/NSLocalizedTables.h"
+
+#include "Foundation/NSLocale.h"
+#include "Foundation/NSLog.h"
+#include "Foundation/NSString.h"
+#include "Foundation/NSStringsTable.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Where the table is in one language: "de-CH.lproj", "de_CH.lproj", "de.lproj".
+fs::path fileInLanguage(const fs::path& folder, std::string language, const std::string& name) {
+  std::error_code error;
+  while (true) {
+    std::string withUnderscores = language;
+    std::ranges::replace(withUnderscores, '-', '_');
+    for (const std::string& spelling : {language, withUnderscores}) {
+      fs::path file = folder / (spelling + ".lproj") / name;
+      if (fs::is_regular_file(file, error)) return file;
+    }
+    const std::size_t end = language.find_last_of("-_");
+    if (end == std::string::npos) return {};
+    language.resize(end);
+  }
+}
+
+fs::path fileOf(const NSRef<NSString>& table, const NSRef<NSArray>& languages,
+                const fs::path& folder) {
+  const std::string name = table->utf8() + ".strings";
+  for (const auto& language : languages) {
+    fs::path file = fileInLanguage(folder, language->description()->utf8(), name);
+    if (!file.empty()) return file;
+  }
+  std::error_code error;
+  fs::path file = folder / name;
+  return fs::is_regular_file(file, error) ? file : fs::path();
+}
+
+void logFault(const std::string& fault) {
+  if (!fault.empty()) NSLog(NSMake<NSString>("Localized strings cannot all be read: " + fault));
+}
+
+}  // namespace
+
+const NSRef<NSDictionary>& NSLocalizedTables::entries(const NSRef<NSString>& table,
+                                                      const NSBundle& bundle, std::string& fault) {
+  if (const auto known = _tables.find(table); known != _tables.end()) return known->second;
+  const fs::path file = fileOf(table, _languages, bundle.resourcePath()->utf8());
+  auto& entries = _tables[table->copy()] = NSMake<NSDictionary>();
+  if (!file.empty()) {
+    const NSStringsTable read = NSReadStringsFile(file);
+    entries = read.entries;
+    if (!read.fault.empty()) fault = file.native() + ", " + read.fault;
+  }
+  return entries;
+}
+
+NSRef<NSString> NSLocalizedTables::find(const NSRef<NSString>& key, const NSRef<NSString>& table,
+                                        const NSBundle& bundle) {
+  auto languages = NSLocale::preferredLanguages();
+  std::string fault;
+  NSRef<NSString> text;
+  {
+    const std::lock_guard lock(_mutex);
+    if (languages != _languages) {
+      _languages = std::move(languages);
+      _tables.clear();
+    }
+    text = entries(table, bundle, fault)->objectForKey(key).as<NSString>();
+  }
+  // A log sink may look up texts itself.
+  logFault(fault);
+  return text;
+}
+
+NSRef<NSDictionary> NSString::propertyListFromStringsFileFormat() const {
+  const NSStringsTable table = NSReadStringsTable(view());
+  logFault(table.fault);
+  return table.entries->copy();
+}

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <memory>
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSFormatter.h>
+
+class NSLocale;
+class NSNumber;
+class NSUnitBuffer;
+
+/// How numbers are written; the values are the platform's.
+enum NSNumberFormatterStyle : NSUInteger {
+  NSNumberFormatterNoStyle = 0,       ///< integers without separators: "1234"
+  NSNumberFormatterDecimalStyle = 1,  ///< up to three fraction digits and separators: "1,234.5"
+};
+
+/// Where a number goes that lies between two that can be shown; the values are the platform's.
+enum NSNumberFormatterRoundingMode : NSUInteger {
+  NSNumberFormatterRoundCeiling = 0,   ///< towards positive infinity
+  NSNumberFormatterRoundFloor = 1,     ///< towards negative infinity
+  NSNumberFormatterRoundDown = 2,      ///< towards zero
+  NSNumberFormatterRoundUp = 3,        ///< away from zero
+  NSNumberFormatterRoundHalfEven = 4,  ///< to the nearest, to the even digit from the middle
+  NSNumberFormatterRoundHalfDown = 5,  ///< to the nearest, towards zero from the middle
+  NSNumberFormatterRoundHalfUp = 6,    ///< to the nearest, away from zero from the middle
+};
+
+/// Writes numbers as people of a locale do. What it needs of the locale is looked up once and kept
+/// until a setting changes.
+///
+/// A number is rounded twice, by the same mode: to a multiple of the rounding increment, if there
+/// is one, and then to the greatest number of fraction digits. Numbers of 2^53 and beyond have no
+/// fraction; an increment below 1 leaves them, and every digit of what they hold is shown.
+class NS_EXPORT NSNumberFormatter : public NSFormatter {
+ public:
+  /// No style, half-even, no increment, and the locale that is current now.
+  NSNumberFormatter();
+  /// Reads what `encodeWithCoder` has written; what is missing is as the style sets it, and without
+  /// a locale it is the current one. Settings that make no sense raise
+  /// `NSInvalidUnarchiveOperationException`.
+  explicit NSNumberFormatter(const NSRef<NSCoder>& coder);
+  ~NSNumberFormatter() override;
+
+  NSNumberFormatterStyle numberStyle() const noexcept { return _settings.style; }
+  /// Sets separators and fraction digits as well, as listed with the styles. Raises
+  /// `NSInvalidArgumentException` for any other number.
+  void setNumberStyle(NSNumberFormatterStyle style);
+
+  bool usesGroupingSeparator() const noexcept { return _settings.isGrouped; }
+  void setUsesGroupingSeparator(bool usesIt);
+
+  /// At most 340 digits; more count as 340. Either raises or lowers the other where they would
+  /// contradict each other.
+  NSUInteger minimumFractionDigits() const noexcept { return _settings.minimumFractionDigits; }
+  void setMinimumFractionDigits(NSUInteger digits);
+  NSUInteger maximumFractionDigits() const noexcept { return _settings.maximumFractionDigits; }
+  void setMaximumFractionDigits(NSUInteger digits);
+
+  /// What numbers are rounded to multiples of; nil when they are not.
+  const NSRef<NSNumber>& roundingIncrement() const noexcept { return _roundingIncrement; }
+  /// Nil and anything but a finite number above 0 stand for none.
+  void setRoundingIncrement(const NSRef<NSNumber>& increment);
+
+  NSNumberFormatterRoundingMode roundingMode() const noexcept { return _settings.mode; }
+  /// Raises `NSInvalidArgumentException` for a number that is none of the modes.
+  void setRoundingMode(NSNumberFormatterRoundingMode mode);
+
+  const NSRef<NSLocale>& locale() const noexcept { return _locale; }
+  /// Nil is the locale that is current now.
+  void setLocale(const NSRef<NSLocale>& locale);
+
+  /// Nil for nil. "NaN" and "∞" are written as the locale writes them.
+  NSRef<NSString> stringFromNumber(const NSRef<NSNumber>& number) const;
+  /// `stringFromNumber` of a number, nil for anything else.
+  NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
+
+  /// Writes the settings, and the locale only if one was set.
+  void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
+
+ private:
+  struct Settings {
+    NSNumberFormatterStyle style = NSNumberFormatterNoStyle;
+    NSNumberFormatterRoundingMode mode = NSNumberFormatterRoundHalfEven;
+    bool isGrouped = false;
+    NSUInteger minimumFractionDigits = 0;
+    NSUInteger maximumFractionDigits = 0;
+    double increment = 0;
+  };
+  class Rounder;
+
+  bool appendQuickly(double value, NSUnitBuffer& text) const;
+  const Rounder& rounder() const;
+  void settingsChanged() noexcept;
+
+  Settings _settings;
+  NSRef<NSNumber> _roundingIncrement;
+  NSRef<NSLocale> _locale;
+  bool _hasOwnLocale = false;
+  mutable std::unique_ptr<const Rounder> _rounder;
+};

@@ -1,0 +1,228 @@
+#include "Foundation/NSURL.h"
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSException.h"
+#include "Foundation/NSKeyValueCoding.h"
+#include "Foundation/NSNumber.h"
+#include "Foundation/NSPercentEncoding.h"
+#include "Foundation/NSString.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <memory>
+#include <new>
+#include <string>
+#include <system_error>
+
+#include <uriparser/Uri.h>
+
+namespace fs = std::filesystem;
+
+// The parts of a text, as uriparser finds them.
+class NSURL::Parts {
+ public:
+  explicit Parts(std::string_view text) : _text(text) {
+    const char* error = nullptr;
+    const int status = uriParseSingleUriExA(&_uri, text.data(), text.data() + text.size(), &error);
+    if (status == URI_ERROR_MALLOC) throw std::bad_alloc();
+    _isValid = status == URI_SUCCESS;
+  }
+  Parts(const Parts&) = delete;
+  ~Parts() {
+    if (_isValid) uriFreeUriMembersA(&_uri);
+  }
+
+  bool isValid() const { return _isValid; }
+  Part scheme() const { return part(_uri.scheme); }
+  Part userInfo() const { return part(_uri.userInfo); }
+  Part host() const { return part(_uri.hostText); }
+  Part port() const { return part(_uri.portText); }
+  Part query() const { return part(_uri.query); }
+  Part fragment() const { return part(_uri.fragment); }
+
+  // What is between scheme and authority in front and query and fragment behind. uriparser gives
+  // it in segments, without the "/" between them.
+  Part path() const {
+    std::size_t start = _uri.scheme.first == nullptr ? 0 : scheme().end + std::size_t{1};
+    if (_text.substr(start).starts_with("//")) {
+      start = std::min(_text.find_first_of("/?#", start + 2), _text.size());
+    }
+    const std::size_t end = std::min(_text.find_first_of("?#", start), _text.size());
+    return {static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(end)};
+  }
+
+ private:
+  Part part(const UriTextRangeA& range) const {
+    if (range.first == nullptr) return {};
+    // Empty ranges need not lie in the text.
+    if (range.first == range.afterLast) return {0, 0};
+    return {static_cast<std::uint32_t>(range.first - _text.data()),
+            static_cast<std::uint32_t>(range.afterLast - _text.data())};
+  }
+
+  std::string_view _text;
+  UriUriA _uri{};
+  bool _isValid = false;
+};
+
+namespace {
+
+std::string asciiOf(std::u16string_view units) { return {units.begin(), units.end()}; }
+
+bool isAscii(std::u16string_view units) {
+  return std::ranges::all_of(units, [](char16_t unit) { return unit < 0x80; });
+}
+
+// The bytes of a path in the file system; nothing for text that no file's path can be.
+std::string pathBytes(const NSRef<NSString>& path, const char* operation) {
+  if (!path) NSRaiseNilArgument("path", operation);
+  std::string bytes = path->utf8();
+  const bool isWhole = NSUnitsFromUTF8(bytes).view() == path->view();
+  return isWhole && bytes.find('\0') == std::string::npos ? bytes : std::string();
+}
+
+NSRef<NSURL> fileURL(const fs::path& path, bool isDirectory) {
+  if (path.empty()) return nullptr;
+  std::string bytes = fs::absolute(path).native();
+  if (isDirectory && !bytes.ends_with('/')) bytes.push_back('/');
+  return NSURL::URLWithString(NSMake<NSString>(
+      "file://" + NSPercentEncoded(bytes, *NSCharacterSet::URLPathAllowedCharacterSet())));
+}
+
+}  // namespace
+
+NSURL::NSURL(const NSRef<NSString>& text, const Parts& parts) noexcept
+    : _text(text),
+      _scheme(parts.scheme()),
+      _userInfo(parts.userInfo()),
+      _host(parts.host()),
+      _port(parts.port()),
+      _path(parts.path()),
+      _query(parts.query()),
+      _fragment(parts.fragment()) {}
+
+NSRef<NSURL> NSURL::URLWithString(const NSRef<NSString>& text) {
+  if (!text || text->length() >= Part::missing || !isAscii(text->view())) return nullptr;
+  const std::string ascii = asciiOf(text->view());
+  const Parts parts(ascii);
+  return parts.isValid() ? NSMake<NSURL>(text->copy(), parts) : nullptr;
+}
+
+NSRef<NSURL> NSURL::fileURLWithPath(const NSRef<NSString>& path) {
+  return fileURLWithPath(fs::path(pathBytes(path, "fileURLWithPath:")));
+}
+
+NSRef<NSURL> NSURL::fileURLWithPath_isDirectory(const NSRef<NSString>& path, bool isDirectory) {
+  return fileURL(pathBytes(path, "fileURLWithPath:isDirectory:"), isDirectory);
+}
+
+NSRef<NSURL> NSURL::fileURLWithPath(const fs::path& path) {
+  std::error_code error;
+  return fileURL(path, fs::is_directory(path, error));
+}
+
+std::u16string_view NSURL::unitsOf(Part part) const noexcept {
+  return part.exists() ? _text.get()->view().substr(part.start, part.end - part.start)
+                       : std::u16string_view();
+}
+
+NSRef<NSString> NSURL::written(Part part) const {
+  return part.exists() ? NSMake<NSString>(unitsOf(part)) : nullptr;
+}
+
+NSRef<NSString> NSURL::decoded(Part part) const {
+  if (!part.exists() || unitsOf(part).find(u'%') == std::u16string_view::npos) {
+    return written(part);
+  }
+  // Whole percent sequences are a part of the syntax.
+  return NSMake<NSString>(std::string_view(*NSPercentDecoded(asciiOf(unitsOf(part)))));
+}
+
+NSRef<NSString> NSURL::scheme() const { return written(_scheme); }
+
+NSRef<NSString> NSURL::user() const {
+  Part user = _userInfo;
+  const std::size_t colon = unitsOf(user).find(u':');
+  if (colon != std::u16string_view::npos) user.end = user.start + static_cast<std::uint32_t>(colon);
+  return decoded(user);
+}
+
+NSRef<NSString> NSURL::password() const {
+  const std::size_t colon = unitsOf(_userInfo).find(u':');
+  if (colon == std::u16string_view::npos) return nullptr;
+  return decoded({_userInfo.start + static_cast<std::uint32_t>(colon) + 1, _userInfo.end});
+}
+
+NSRef<NSString> NSURL::host() const { return decoded(_host); }
+
+NSRef<NSNumber> NSURL::port() const {
+  const std::string digits = asciiOf(unitsOf(_port));
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  return error == std::errc() ? NSMake<NSNumber>(value) : nullptr;
+}
+
+bool NSURL::hasHierarchy() const noexcept {
+  return !_scheme.exists() || _host.exists() || unitsOf(_path).starts_with(u'/');
+}
+
+NSRef<NSString> NSURL::path() const {
+  if (!hasHierarchy()) return nullptr;
+  Part path = _path;
+  if (path.end - path.start > 1 && hasDirectoryPath()) --path.end;
+  return decoded(path);
+}
+
+NSRef<NSString> NSURL::query() const { return written(_query); }
+NSRef<NSString> NSURL::fragment() const { return written(_fragment); }
+
+NSRef<NSArray> NSURL::pathComponents() const {
+  const auto path = this->path();
+  return path ? path->pathComponents() : nullptr;
+}
+
+NSRef<NSString> NSURL::lastPathComponent() const {
+  const auto path = this->path();
+  return path ? path->lastPathComponent() : nullptr;
+}
+
+NSRef<NSString> NSURL::pathExtension() const {
+  const auto path = this->path();
+  return path ? path->pathExtension() : nullptr;
+}
+
+bool NSURL::hasDirectoryPath() const noexcept { return unitsOf(_path).ends_with(u'/'); }
+
+bool NSURL::isFileURL() const noexcept {
+  return std::ranges::equal(unitsOf(_scheme), std::u16string_view(u"file"),
+                            [](char16_t a, char16_t b) { return (a | 0x20) == b; });
+}
+
+fs::path NSURL::fileSystemPath() const {
+  if (!isFileURL()) return {};
+  return *NSPercentDecoded(asciiOf(unitsOf(_path)));
+}
+
+bool NSURL::isEqual(const NSRef<NSObject>& other) const {
+  const auto* const url = other.cast<NSURL>();
+  return url != nullptr && _text->isEqualToString(url->_text);
+}
+
+NSUInteger NSURL::hash() const { return _text->hash(); }
+
+NSRef<NSString> NSURL::description() const { return _text; }
+
+const NSPropertyTable& NSURL::propertyTable() const {
+  static const NSPropertyTable table({{u"absoluteString", &NSURL::absoluteString},
+                                      {u"scheme", &NSURL::scheme},
+                                      {u"host", &NSURL::host},
+                                      {u"path", &NSURL::path},
+                                      {u"query", &NSURL::query},
+                                      {u"fragment", &NSURL::fragment}},
+                                     NSObject::propertyTable());
+  return table;
+}
+
+NSRef<NSObject> NSURL::copyWithZone(NSZone* /*zone*/) const { return self(); }
