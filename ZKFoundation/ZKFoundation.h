@@ -24,4 +24,6 @@
 #include <ZKFoundation/Categories/NSString+ZKSearching.h>
 #include <ZKFoundation/Classes/ObjectTreeVisitors/ZKGenericVisitor.h>
 #include <ZKFoundation/Classes/ObjectTreeVisitors/ZKObjectVisitor.h>
+#include <ZKFoundation/Classes/ZKURLFormatter/ZKURLFormatter.h>
+#include <ZKFoundation/Classes/ZKUnitOfInformationFormatter/ZKUnitOfInformationFormatter.h>
 #include <ZKFoundation/ZKFoundationClass.h>

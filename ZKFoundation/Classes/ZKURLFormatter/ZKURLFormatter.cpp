@@ -1,0 +1,82 @@
+#include "ZKFoundation/Classes/ZKURLFormatter/ZKURLFormatter.h"
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSKeyedUnarchiver.h>
+#include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/NSString.h>
+#include <Foundation/NSURL.h>
+
+namespace {
+
+[[gnu::constructor]] void registerClass() { NSKeyedUnarchiver::registerClass<ZKURLFormatter>(); }
+
+const NSRef<NSString>& invalidURL() {
+  static const NSNeverDestroyed<NSRef<NSString>> text(u"Invalid URL"_ns);
+  return *text;
+}
+
+NSRef<NSString> invalidPathUnless(const NSRef<NSObject>& object) {
+  return object ? nullptr : u"Invalid filesystem path"_ns;
+}
+
+}  // namespace
+
+ZKURLFormatter::ZKURLFormatter()
+    : _allowedSchemes(NSMake<NSArray>({u"http"_ns, u"https"_ns, u"file"_ns, u"ssh"_ns})) {}
+
+ZKURLFormatter::ZKURLFormatter(const NSRef<NSCoder>& coder) : NSFormatter(coder) {
+  setAllowedSchemes(coder->decodeObjectOfClass<NSArray>(u"allowedSchemes"_ns));
+}
+
+void ZKURLFormatter::encodeWithCoder(const NSRef<NSCoder>& coder) const {
+  NSFormatter::encodeWithCoder(coder);
+  coder->encodeObject_forKey(_allowedSchemes, u"allowedSchemes"_ns);
+}
+
+void ZKURLFormatter::setAllowedSchemes(const NSRef<NSArray>& schemes) {
+  _allowedSchemes = schemes ? schemes->copy() : nullptr;
+}
+
+NSRef<NSString> ZKURLFormatter::stringForObjectValue(const NSRef<NSObject>& object) const {
+  if (auto string = object.as<NSString>()) return string;
+  const auto url = object.as<NSURL>();
+  const auto text = !url ? nullptr : url->isFileURL() ? url->path() : url->absoluteString();
+  return text ? text : u""_ns;
+}
+
+bool ZKURLFormatter::getObjectValue_forString_errorDescription(NSRef<NSObject>& object,
+                                                               const NSRef<NSString>& string,
+                                                               NSRef<NSString>* error) const {
+  // The text may be in the reference that is about to be changed.
+  const auto text = string->copy();
+  object = nullptr;
+  const NSRef<NSString> reason = objectForAddress(object, text);
+  const bool isAccepted = !reason;
+  if (error != nullptr) *error = reason;
+  return isAccepted;
+}
+
+// Sets the object and gives the reason for a refusal, nil for none.
+NSRef<NSString> ZKURLFormatter::objectForAddress(NSRef<NSObject>& object,
+                                                 const NSRef<NSString>& string) const {
+  if (string->length() == 0) return nullptr;
+  if (string->view().starts_with(u'/')) {
+    object = NSURL::fileURLWithPath(string);
+    return invalidPathUnless(object);
+  }
+  if (string->view().starts_with(u"..")) {
+    object = string->stringByStandardizingPath();
+    return invalidPathUnless(object);
+  }
+
+  auto url = NSURL::URLWithString(string);
+  if (url && !url->scheme()) {
+    if (string->view().find(u'.') == std::u16string_view::npos) return invalidURL();
+    url = NSURL::URLWithString(u"http://"_ns->stringByAppendingString(string));
+  }
+  object = url;
+  if (!url || !url->hasHierarchy() || NSViewOf(url->host()).empty()) return invalidURL();
+  if (!_allowedSchemes || _allowedSchemes->containsObject(url->scheme())) return nullptr;
+  return u"URL protocol must be %@"_ns->stringByAppendingString(
+      _allowedSchemes->componentsJoinedByString(u", "_ns));
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <Foundation/NSFormatter.h>
+#include <ZKFoundation/ZKExport.h>
+
+class NSArray;
+class NSString;
+
+/// Reads what a user types into a field for web addresses and files, and writes URLs for it.
+class ZK_EXPORT ZKURLFormatter : public NSFormatter {
+ public:
+  /// Allows "http", "https", "file" and "ssh".
+  ZKURLFormatter();
+  /// Reads what `encodeWithCoder` has written; without schemes every scheme is allowed.
+  explicit ZKURLFormatter(const NSRef<NSCoder>& coder);
+
+  /// The schemes that are accepted, as strings, in the order in which a refusal lists them. They
+  /// are compared letter by letter: "HTTP" is another one. Nil accepts every scheme.
+  const NSRef<NSArray>& allowedSchemes() const noexcept { return _allowedSchemes; }
+  /// Keeps a copy.
+  void setAllowedSchemes(const NSRef<NSArray>& schemes);
+
+  /// A string as it is, the path of a file URL, the text of any other URL, and the empty string
+  /// for everything else, nil too.
+  NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
+
+  /// Gives true when the text is acceptable:
+  ///
+  /// | text | object |
+  /// |---|---|
+  /// | the empty text | nil |
+  /// | from "/" | the file URL of the path |
+  /// | from ".." | the path standardized, as a string |
+  /// | a URL with an allowed scheme, a path, which may be empty, and a host | the URL |
+  /// | such a URL without its scheme and with a "." somewhere: "a.b/page" | the URL
+  /// "http://a.b/page" |
+  ///
+  /// Else it gives false with the reason in `*error`, which is nil after success and may be null:
+  /// "Invalid filesystem path", "Invalid URL", or "URL protocol must be %@" with the allowed
+  /// schemes behind it, percent sign and all. The object is nil then if the text is no URL at all,
+  /// and the refused URL otherwise. A nil text raises `NSInvalidArgumentException`.
+  bool getObjectValue_forString_errorDescription(NSRef<NSObject>& object,
+                                                 const NSRef<NSString>& string,
+                                                 NSRef<NSString>* error) const override;
+
+  void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
+
+ private:
+  NSRef<NSString> objectForAddress(NSRef<NSObject>& object, const NSRef<NSString>& string) const;
+
+  NSRef<NSArray> _allowedSchemes;
+};

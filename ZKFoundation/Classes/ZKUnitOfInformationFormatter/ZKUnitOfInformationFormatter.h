@@ -1,0 +1,92 @@
+#pragma once
+
+#include <Foundation/NSFormatter.h>
+#include <Foundation/NSNumberFormatter.h>
+#include <ZKFoundation/ZKExport.h>
+
+class NSNumber;
+class NSString;
+
+/// Units that a number may count; any other value counts bits too.
+enum ZKUnitOfInformation : NSInteger {
+  ZKUnitOfInformationBit = 0,
+  ZKUnitOfInformationNibble = 1,      ///< 4 bits
+  ZKUnitOfInformationByte = 2,        ///< 8 bits
+  ZKUnitOfInformationWord = 3,        ///< 16 bits
+  ZKUnitOfInformationDoubleWord = 4,  ///< 32 bits
+};
+
+/// Steps of scale, from kilo on; there is none for "unscaled", and any other value is kilo.
+enum ZKUnitOfInformationPrefix : NSInteger {
+  ZKUnitOfInformationPrefixKilo = 0,
+  ZKUnitOfInformationPrefixMega = 1,
+  ZKUnitOfInformationPrefixGiga = 2,
+  ZKUnitOfInformationPrefixTera = 3,
+  ZKUnitOfInformationPrefixPeta = 4,
+  ZKUnitOfInformationPrefixExa = 5,
+};
+
+/// Writes a number of bits as people read it: "1.5 KB", "12 bytes", "3.2 Gibit".
+///
+/// The prefix follows the number of bits, also where bytes are shown: 131,072 bytes are "128 KB"
+/// and 131,073 bytes, more than 2^20 bits, "0.13 MB". There is no bit unit above peta: its text
+/// ends in "(null)". Nor is there a singular ("1 bytes").
+///
+/// The names of the units and the pattern "%@ %@", under the key "Unit of Information Format
+/// String", are looked up in the table "ZKUnitOfInformationFormatter" of the main bundle; a pattern
+/// may exchange its arguments ("%2$@ %1$@").
+class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
+ public:
+  /// Shows bytes, in powers of 1,024 under the short names, with numbers in the decimal style of
+  /// the locale that is current now, rounded to a multiple of 0.01 (as a `float`).
+  ZKUnitOfInformationFormatter();
+  /// Reads what `encodeWithCoder` has written. What is missing is false, and nil for the number
+  /// formatter; without that numbers are written as "(null)".
+  explicit ZKUnitOfInformationFormatter(const NSRef<NSCoder>& coder);
+
+  /// The formatter of the number, whose settings may be changed.
+  const NSRef<NSNumberFormatter>& numberFormatter() const noexcept { return _numberFormatter; }
+
+  /// Whether bytes are shown, not bits.
+  bool displaysInTermsOfBytes() const noexcept { return _displaysInTermsOfBytes; }
+  void setDisplaysInTermsOfBytes(bool displays) noexcept { _displaysInTermsOfBytes = displays; }
+  /// Whether prefixes are powers of 1,024, not of 1,000.
+  bool usesIECBinaryPrefixesForCalculation() const noexcept { return _calculatesInBinary; }
+  void setUsesIECBinaryPrefixesForCalculation(bool uses) noexcept { _calculatesInBinary = uses; }
+  /// Whether units are called "KiB" or "Kibit", not "KB" or "kbit".
+  bool usesIECBinaryPrefixesForDisplay() const noexcept { return _displaysBinaryNames; }
+  void setUsesIECBinaryPrefixesForDisplay(bool uses) noexcept { _displaysBinaryNames = uses; }
+
+  /// The factor of the prefix: 1,024 or 1,000 to the power of one more than its number. A subclass
+  /// may have others; all scaling asks here.
+  virtual double scaleFactorForPrefix(NSInteger prefix) const;
+  /// The greatest prefix above kilo whose factor the number exceeds, else kilo. A negative number
+  /// counts as its 64 bits without a sign.
+  NSInteger prefixForInteger(NSInteger number) const;
+
+  /// `stringFromNumberOfBits` of a number, nil for anything else.
+  NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
+  /// The text of so many bits. What is below one kilo, and so everything negative, is not scaled.
+  /// A nil number raises `NSInvalidArgumentException`, here and below.
+  NSRef<NSString> stringFromNumberOfBits(const NSRef<NSNumber>& number) const;
+  /// The text of so many units, fractions cut off. The number of bits wraps around in 64 bits.
+  NSRef<NSString> stringFromNumber_ofUnit(const NSRef<NSNumber>& number, NSInteger unit) const;
+  /// The text of so many times the prefix's factor of units: 2 of `ZKUnitOfInformationByte` with
+  /// `ZKUnitOfInformationPrefixMega` are "2 MB". Fractions are cut off before and after; a product
+  /// that does not fit 64 bits stops at their limit.
+  NSRef<NSString> stringFromNumber_ofUnit_withPrefix(const NSRef<NSNumber>& number, NSInteger unit,
+                                                     NSInteger prefix) const;
+  /// The number as it is, in the current locale's way, neither scaled nor in groups: "1536 bytes".
+  /// It already counts what is shown, bytes or bits.
+  NSRef<NSString> nativeStringFromNumber(const NSRef<NSNumber>& number) const;
+
+  void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
+
+ private:
+  NSRef<NSString> unscaledUnit() const;
+
+  NSRef<NSNumberFormatter> _numberFormatter;
+  bool _displaysInTermsOfBytes = false;
+  bool _calculatesInBinary = false;
+  bool _displaysBinaryNames = false;
+};

@@ -1,0 +1,288 @@
+#include "tests/Support.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include <unicode/uloc.h>
+#include <unicode/unumberformatter.h>
+
+namespace {
+
+NSRef<NSLocale> locale(const char* identifier) {
+  return NSLocale::localeWithLocaleIdentifier(NSMake<NSString>(identifier));
+}
+
+NSRef<NSNumberFormatter> decimalFormatter(const char* identifier) {
+  auto formatter = NSMake<NSNumberFormatter>();
+  formatter->setLocale(locale(identifier));
+  formatter->setNumberStyle(NSNumberFormatterDecimalStyle);
+  return formatter;
+}
+
+template <class Number>
+std::string text(const NSRef<NSNumberFormatter>& formatter, Number number) {
+  return formatter->stringFromNumber(NSMake<NSNumber>(number))->utf8();
+}
+
+// ICU's answer, for comparison.
+class Reference {
+ public:
+  Reference(const std::u16string& skeleton, const char* identifier) {
+    UErrorCode status = U_ZERO_ERROR;
+    _formatter.reset(unumf_openForSkeletonAndLocale(
+        skeleton.data(), static_cast<std::int32_t>(skeleton.size()), identifier, &status));
+    _result.reset(unumf_openResult(&status));
+    EXPECT_TRUE(U_SUCCESS(status));
+  }
+
+  std::string decimal(double value) {
+    // Its digits: given the double itself, ICU 72 takes 6,902,322,733,148.125 to the next but one
+    // multiple of the single-precision 0.01.
+    std::array<char, 400> digits{};
+    std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
+    UErrorCode status = U_ZERO_ERROR;
+    unumf_formatDecimal(_formatter.get(), digits.data(), -1, _result.get(), &status);
+    unumf_resultToDecimalNumber(_result.get(), digits.data(), digits.size(), &status);
+    EXPECT_TRUE(U_SUCCESS(status));
+    // ICU forgets the sign of zero here, though not in texts.
+    const std::string sign = std::signbit(value) && digits[0] != '-' ? "-" : "";
+    return sign + digits.data();
+  }
+  std::string text(const std::string& decimal) {
+    UErrorCode status = U_ZERO_ERROR;
+    unumf_formatDecimal(_formatter.get(), decimal.c_str(), -1, _result.get(), &status);
+    std::array<char16_t, 400> units{};
+    const auto length = unumf_resultToString(_result.get(), units.data(), units.size(), &status);
+    EXPECT_TRUE(U_SUCCESS(status));
+    return NSUTF8FromUnits({units.data(), static_cast<std::size_t>(length)});
+  }
+
+ private:
+  struct Close {
+    void operator()(UNumberFormatter* formatter) const { unumf_close(formatter); }
+    void operator()(UFormattedNumber* result) const { unumf_closeResult(result); }
+  };
+  std::unique_ptr<UNumberFormatter, Close> _formatter;
+  std::unique_ptr<UFormattedNumber, Close> _result;
+};
+
+TEST(NSNumberFormatter, WritesDecimals) {
+  const auto formatter = decimalFormatter("en");
+  EXPECT_EQ(text(formatter, 0), "0");
+  EXPECT_EQ(text(formatter, -0.0), "-0");
+  EXPECT_EQ(text(formatter, 999.9996), "1,000");
+  EXPECT_EQ(text(formatter, -1234567.8915), "-1,234,567.892");
+  EXPECT_EQ(text(formatter, 0.0005), "0");
+  EXPECT_EQ(text(formatter, 0.0015), "0.002");
+  EXPECT_EQ(text(formatter, true), "1");
+  EXPECT_EQ(text(formatter, std::numeric_limits<double>::quiet_NaN()), "NaN");
+  EXPECT_EQ(text(formatter, -std::numeric_limits<double>::infinity()), "-∞");
+  EXPECT_EQ(text(formatter, NSUIntegerMax), "18,446,744,073,709,551,615");
+  EXPECT_EQ(text(formatter, NSIntegerMin), "-9,223,372,036,854,775,808");
+  EXPECT_EQ(text(formatter, 0x1p60), "1,152,921,504,606,846,976");
+  EXPECT_EQ(text(formatter, 1e23).substr(0, 30), "99,999,999,999,999,991,611,392");
+  EXPECT_FALSE(formatter->stringFromNumber(nullptr));
+  EXPECT_FALSE(formatter->stringForObjectValue(u"1"_ns));
+}
+
+TEST(NSNumberFormatter, FollowsItsSettings) {
+  const auto formatter = NSMake<NSNumberFormatter>();
+  formatter->setLocale(locale("en"));
+  EXPECT_EQ(text(formatter, 1234.5), "1234");
+  EXPECT_EQ(text(formatter, 1235.5), "1236");
+  formatter->setMinimumFractionDigits(2);
+  EXPECT_EQ(formatter->maximumFractionDigits(), 2);
+  EXPECT_EQ(text(formatter, 1.5), "1.50");
+  EXPECT_EQ(text(formatter, 0x1p60), "1152921504606846976.00");
+  formatter->setMaximumFractionDigits(1);
+  EXPECT_EQ(formatter->minimumFractionDigits(), 1);
+  EXPECT_EQ(text(formatter, 1.25), "1.2");
+  formatter->setUsesGroupingSeparator(true);
+  EXPECT_EQ(text(formatter, 1234), "1,234.0");
+  formatter->setMaximumFractionDigits(5000);
+  EXPECT_EQ(formatter->maximumFractionDigits(), 340);
+  EXPECT_EQ(text(formatter, 1e-300).size(), 302);
+
+  formatter->setNumberStyle(NSNumberFormatterDecimalStyle);
+  formatter->setMaximumFractionDigits(0);
+  struct Row {
+    NSNumberFormatterRoundingMode mode;
+    std::array<const char*, 4> texts;
+  };
+  for (const auto& [mode, texts] : std::to_array<Row>({
+           {NSNumberFormatterRoundCeiling, {"3", "-2", "3", "3"}},
+           {NSNumberFormatterRoundFloor, {"2", "-3", "2", "2"}},
+           {NSNumberFormatterRoundDown, {"2", "-2", "2", "2"}},
+           {NSNumberFormatterRoundUp, {"3", "-3", "3", "3"}},
+           {NSNumberFormatterRoundHalfEven, {"2", "-2", "2", "3"}},
+           {NSNumberFormatterRoundHalfDown, {"2", "-2", "2", "3"}},
+           {NSNumberFormatterRoundHalfUp, {"3", "-3", "2", "3"}},
+       })) {
+    formatter->setRoundingMode(mode);
+    EXPECT_EQ(text(formatter, 2.5), texts[0]) << mode;
+    EXPECT_EQ(text(formatter, -2.5), texts[1]) << mode;
+    EXPECT_EQ(text(formatter, 2.4), texts[2]) << mode;
+    EXPECT_EQ(text(formatter, 2.6), texts[3]) << mode;
+  }
+  expectRaises(NSInvalidArgumentException, "unknown rounding mode 7 (in 'setRoundingMode:')",
+               [&] { formatter->setRoundingMode(static_cast<NSNumberFormatterRoundingMode>(7)); });
+  expectRaises(NSInvalidArgumentException, "unknown number style 2 (in 'setNumberStyle:')",
+               [&] { formatter->setNumberStyle(static_cast<NSNumberFormatterStyle>(2)); });
+}
+
+TEST(NSNumberFormatter, RoundsToMultiplesFirst) {
+  const auto formatter = decimalFormatter("en");
+  const auto rounded = [&](double increment, double value) {
+    formatter->setRoundingIncrement(NSMake<NSNumber>(increment));
+    return text(formatter, value);
+  };
+  EXPECT_EQ(rounded(0.01F, 1), "1");
+  EXPECT_EQ(rounded(0.01F, 1.5), "1.5");
+  EXPECT_EQ(rounded(0.01F, -123456), "-123,455.997");
+  EXPECT_EQ(rounded(0.25, 0.375), "0.5");
+  EXPECT_EQ(rounded(0.25, 0.625), "0.5");
+  EXPECT_EQ(rounded(0.0625, 0.0624), "0.062");
+  EXPECT_EQ(rounded(1000, 0x1p60), "1,152,921,504,606,847,000");
+  EXPECT_EQ(rounded(5, 12.5), "10");
+  for (const double none : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
+    EXPECT_EQ(rounded(none, 12.5), "12.5");
+    EXPECT_FALSE(formatter->roundingIncrement());
+  }
+}
+
+// Both the numbers that are rounded in doubles and the others: many lie in the middle or next to
+// it.
+TEST(NSNumberFormatter, RoundsAsICUDoesStepByStep) {
+  const auto formatter = decimalFormatter("en");
+  Reference toHundredth(u"precision-increment/0.009999999776482582 rounding-mode-half-even", "en");
+  Reference toEighth(u"precision-increment/0.125 rounding-mode-half-even", "en");
+  Reference toThousandth(u".### rounding-mode-half-even", "en");
+  expectProperty(
+      "a number is rounded to a multiple, then to three digits", [&](std::int64_t whole) {
+        const auto scale =
+            *rc::gen::elementOf(std::vector<double>{1, 8, 64, 1000, 2000, 1e4, 1e6, 1e9});
+        const double value = static_cast<double>(whole) / scale;
+        RC_PRE(std::abs(value) < 0x1p53);
+        formatter->setRoundingIncrement(nullptr);
+        RC_ASSERT(text(formatter, value) == toThousandth.text(toThousandth.decimal(value)));
+        formatter->setRoundingIncrement(NSMake<NSNumber>(0.01F));
+        RC_ASSERT(text(formatter, value) == toThousandth.text(toHundredth.decimal(value)));
+        formatter->setRoundingIncrement(NSMake<NSNumber>(0.125));
+        RC_ASSERT(text(formatter, value) == toThousandth.text(toEighth.decimal(value)));
+      });
+}
+
+TEST(NSNumberFormatter, WritesAsICUDoesInEveryLocale) {
+  for (std::int32_t k = 0; k < uloc_countAvailable(); ++k) {
+    const char* const identifier = uloc_getAvailable(k);
+    const auto formatter = decimalFormatter(identifier);
+    Reference reference(u".### rounding-mode-half-even", identifier);
+    for (const char* const number : {"0", "-7", "123", "1234", "-1234.5", "12345", "123456.789",
+                                     "1234567", "-12345678901.25"}) {
+      ASSERT_EQ(text(formatter, std::stod(number)), reference.text(number)) << identifier;
+    }
+  }
+}
+
+TEST(NSNumberFormatter, ComesBackFromAnArchive) {
+  const auto original = decimalFormatter("de");
+  original->setRoundingIncrement(NSMake<NSNumber>(0.5));
+  original->setMinimumFractionDigits(2);
+  original->setRoundingMode(NSNumberFormatterRoundUp);
+  const auto copyOf = [](const NSRef<NSNumberFormatter>& formatter) {
+    return NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumberFormatter>(
+        NSKeyedArchiver::archivedDataWithRootObject(formatter));
+  };
+  const auto copy = copyOf(original);
+  EXPECT_EQ(text(copy, 1234.1), "1.234,50");
+  EXPECT_TRUE(copy->locale()->isEqual(locale("de")));
+  EXPECT_EQ(copy->numberStyle(), NSNumberFormatterDecimalStyle);
+
+  const auto plain = copyOf(NSMake<NSNumberFormatter>());
+  EXPECT_TRUE(plain->locale()->isEqual(NSLocale::currentLocale()));
+  EXPECT_EQ(plain->maximumFractionDigits(), 0);
+  EXPECT_FALSE(plain->roundingIncrement());
+}
+
+TEST(NSNumberFormatter, RefusesSettingsThatMakeNoSense) {
+  struct Settings : NSObject, NSCoding {
+    explicit Settings(NSRef<NSDictionary> values) : settings(std::move(values)) {}
+    void encodeWithCoder(const NSRef<NSCoder>& coder) const override {
+      coder->encodeObject_forKey(settings, u"NS.attributes"_ns);
+    }
+    NSRef<NSDictionary> settings;
+  };
+  NSKeyedUnarchiver::setClass_forClassName<NSNumberFormatter>(NSClass::of<Settings>().name());
+  const auto read = [](const NSRef<NSString>& key, const NSRef<NSObject>& value) {
+    const auto settings = NSMake<Settings>(NSMake<NSDictionary>({{key, value}}));
+    return NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumberFormatter>(
+        NSKeyedArchiver::archivedDataWithRootObject(settings));
+  };
+  EXPECT_EQ(read(u"numberStyle"_ns, NSMake<NSNumber>(1))->maximumFractionDigits(), 3);
+  struct Row {
+    const char* key;
+    NSRef<NSObject> value;
+  };
+  for (const auto& [key, value] : std::to_array<Row>({
+           {"numberStyle", NSMake<NSNumber>(9)},
+           {"numberStyle", NSMake<NSNumber>(-1)},
+           {"maximumFractionDigits", NSMake<NSNumber>(1.5)},
+           {"minimumFractionDigits", NSMake<NSNumber>(341)},
+           {"roundingMode", u"up"_ns},
+           {"roundingIncrement", u"up"_ns},
+           {"locale", NSMake<NSNumber>(1)},
+       })) {
+    expectRaises(NSInvalidUnarchiveOperationException,
+                 std::string("the number formatter's ").append(key).append(" cannot be read"),
+                 [&] { read(NSMake<NSString>(key), value); });
+  }
+}
+
+TEST(NSLocale, IsNamedByAnIdentifier) {
+  EXPECT_TRUE(locale("de-CH")->localeIdentifier() == u"de-CH");
+  EXPECT_TRUE(locale("de_CH")->isEqual(locale("de_CH")));
+  EXPECT_FALSE(locale("de_CH")->isEqual(locale("de-CH")));
+  EXPECT_TRUE(locale("de_CH")->description() == u"NSLocale de_CH");
+  const std::string tooLong(151, 'a');
+  for (const char* const wrong : {"", "de CH", "dé", "de/..", tooLong.c_str()}) {
+    EXPECT_FALSE(locale(wrong)) << wrong;
+  }
+  EXPECT_FALSE(NSLocale::localeWithLocaleIdentifier(nullptr));
+}
+
+// The environment is read in a process of its own, where nobody reads it at the same time.
+TEST(NSLocale, ComesFromTheEnvironment) {
+  struct Row {
+    std::array<const char*, 4> environment;  // LANGUAGE, LC_ALL, LC_MESSAGES, LANG.
+    const char* identifier;
+    const char* languages;
+  };
+  for (const auto& [environment, identifier, languages] : std::to_array<Row>({
+           {{"", "", "", ""}, "en_US_POSIX", "en"},
+           {{"de", "C.UTF-8", "", "fr_FR"}, "en_US_POSIX", "en"},
+           {{"", "", "", "de_CH.UTF-8"}, "de_CH", "de-CH"},
+           {{"", "", "fr_CH", "de_CH.UTF-8"}, "fr_CH", "fr-CH"},
+           {{"gsw_CH:de::../x:fr", "it_CH@euro", "fr_CH", ""}, "it_CH", "gsw-CH, de, fr, it-CH"},
+           {{"", "sr_RS.UTF-8@latin", "", ""}, "sr_Latn_RS", "sr-Latn-RS"},
+           {{"", "d e", "", ""}, "en_US_POSIX", "en"},
+       })) {
+    const auto check = [&] {
+      const std::array names = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};
+      for (std::size_t k = 0; k < names.size(); ++k) ::setenv(names[k], environment[k], 1);
+      NSLocale::setCurrentLocale(nullptr);
+      NSLocale::setPreferredLanguages(nullptr);
+      std::cerr << NSLocale::currentLocale()->localeIdentifier() << ": "
+                << NSLocale::preferredLanguages()->componentsJoinedByString(u", "_ns);
+      std::_Exit(0);
+    };
+    std::string expected = identifier;
+    EXPECT_EXIT(check(), testing::ExitedWithCode(0),
+                expected.append(": ").append(languages).append("$"));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,135 @@
+#include "tests/Support.h"
+
+#include <array>
+#include <filesystem>
+#include <string>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+namespace {
+
+constexpr const char* wrongScheme = "URL protocol must be %@http, https, file, ssh";
+
+struct Outcome {
+  std::string object;  // "URL …", "text …" or "nil".
+  std::string error;   // Empty for none.
+};
+
+Outcome parse(const NSRef<ZKURLFormatter>& formatter, const char* text) {
+  NSRef<NSObject> object = u"former"_ns;
+  NSRef<NSString> error = u"former"_ns;
+  const bool isAccepted =
+      formatter->getObjectValue_forString_errorDescription(object, NSMake<NSString>(text), &error);
+  EXPECT_EQ(isAccepted, !error) << text;
+  NSRef<NSObject> again;
+  EXPECT_EQ(isAccepted, formatter->getObjectValue_forString_errorDescription(
+                            again, NSMake<NSString>(text), nullptr));
+  const std::string kind = object.as<NSURL>() ? "URL " : object ? "text " : "nil";
+  return {kind + (object ? object->description()->utf8() : ""), error ? error->utf8() : ""};
+}
+
+TEST(ZKURLFormatter, ReadsWhatIsTyped) {
+  const auto formatter = NSMake<ZKURLFormatter>();
+  struct Row {
+    const char* text;
+    const char* object;
+    const char* error;
+  };
+  for (const auto& [text, object, error] : std::to_array<Row>({
+           {"", "nil", ""},
+           {"/Users/a b", "URL file:///Users/a%20b", ""},
+           {"/", "URL file:///", ""},
+           {"../x/./y", "text ../x/y", ""},
+           {"..", "text ..", ""},
+           {"...x//", "text ...x", ""},
+           {"a.b", "URL http://a.b", ""},
+           {"a.b/page?q=1#top", "URL http://a.b/page?q=1#top", ""},
+           {"localhost", "nil", "Invalid URL"},
+           {"//a.b/c", "URL file:////a.b/c", ""},
+           {"./a", "URL http://./a", ""},
+           {"?a.b", "URL http://?a.b", "Invalid URL"},
+           {"https://a.b/c", "URL https://a.b/c", ""},
+           {"ssh://me@a.b:22", "URL ssh://me@a.b:22", ""},
+           {"http://[::1]", "URL http://[::1]", ""},
+           {"http://localhost", "URL http://localhost", ""},
+           {"ftp://a.b", "URL ftp://a.b", wrongScheme},
+           {"HTTP://a.b", "URL HTTP://a.b", wrongScheme},
+           {"file:///tmp", "URL file:///tmp", "Invalid URL"},
+           {"file://localhost/tmp", "URL file://localhost/tmp", ""},
+           {"mailto:someone", "URL mailto:someone", "Invalid URL"},
+           {"a.b:8080", "URL a.b:8080", "Invalid URL"},
+           {"localhost:8000", "URL localhost:8000", "Invalid URL"},
+           {"http:", "URL http:", "Invalid URL"},
+           {"http://", "URL http://", "Invalid URL"},
+           {"http://:80/", "URL http://:80/", "Invalid URL"},
+           {" http://a.b", "nil", "Invalid URL"},
+           {"a.b/c d", "nil", "Invalid URL"},
+           {"http://bücher.de", "nil", "Invalid URL"},
+           {"http://a.b/%zz", "nil", "Invalid URL"},
+           {"http://a.b/%ff", "URL http://a.b/%ff", ""},
+       })) {
+    const Outcome outcome = parse(formatter, text);
+    EXPECT_EQ(outcome.object, object) << text;
+    EXPECT_EQ(outcome.error, error) << text;
+  }
+}
+
+TEST(ZKURLFormatter, RefusesSchemesThatAreNotAllowed) {
+  const auto formatter = NSMake<ZKURLFormatter>();
+  const auto schemes = NSMake<NSMutableArray>({u"ftp"_ns});
+  formatter->setAllowedSchemes(schemes);
+  schemes->addObject(u"http"_ns);
+  EXPECT_EQ(parse(formatter, "ftp://a.b").error, "");
+  EXPECT_EQ(parse(formatter, "a.b").error, "URL protocol must be %@ftp");
+  formatter->setAllowedSchemes(NSMake<NSArray>());
+  EXPECT_EQ(parse(formatter, "ftp://a.b").error, "URL protocol must be %@");
+  formatter->setAllowedSchemes(nullptr);
+  EXPECT_EQ(parse(formatter, "ftp://a.b").error, "");
+  EXPECT_EQ(parse(formatter, "mailto:someone").error, "Invalid URL");
+}
+
+TEST(ZKURLFormatter, RefusesPathsThatNoFileHas) {
+  const auto formatter = NSMake<ZKURLFormatter>();
+  NSRef<NSObject> object;
+  NSRef<NSString> error;
+  const auto broken = NSMake<NSString>(std::u16string_view(u"/a\0b", 4));
+  EXPECT_FALSE(formatter->getObjectValue_forString_errorDescription(object, broken, &error));
+  EXPECT_FALSE(object);
+  EXPECT_TRUE(error == u"Invalid filesystem path");
+  EXPECT_THROW(formatter->getObjectValue_forString_errorDescription(object, nullptr, &error),
+               NSException);
+}
+
+TEST(ZKURLFormatter, WritesURLs) {
+  const auto formatter = NSMake<ZKURLFormatter>();
+  const auto url = [](const char* text) { return NSURL::URLWithString(NSMake<NSString>(text)); };
+  EXPECT_TRUE(formatter->stringForObjectValue(u"a b"_ns) == u"a b");
+  EXPECT_TRUE(formatter->stringForObjectValue(url("http://a.b/c%20d")) == u"http://a.b/c%20d");
+  EXPECT_TRUE(formatter->stringForObjectValue(url("file:///c%20d/")) == u"/c d");
+  EXPECT_TRUE(formatter->stringForObjectValue(NSMake<NSNumber>(1)) == u"");
+  EXPECT_TRUE(formatter->stringForObjectValue(nullptr) == u"");
+  // A file URL without hierarchy has no path.
+  EXPECT_TRUE(formatter->stringForObjectValue(url("file:c")) == u"");
+}
+
+TEST(ZKURLFormatter, ReadsBackThePathsThatItWrites) {
+  const auto formatter = NSMake<ZKURLFormatter>();
+  expectProperty("a path comes back", [&](const std::string& name) {
+    const auto path = NSMake<NSString>("/no such folder/x" + name)->stringByStandardizingPath();
+    RC_PRE(path->view().find(u'\0') == std::u16string_view::npos);
+    NSRef<NSObject> object;
+    RC_ASSERT(formatter->getObjectValue_forString_errorDescription(object, path, nullptr));
+    RC_ASSERT(formatter->stringForObjectValue(object)->isEqualToString(path));
+    RC_ASSERT(object.as<NSURL>()->fileSystemPath() == path->utf8());
+  });
+}
+
+TEST(ZKURLFormatter, IsArchivedWithItsSchemes) {
+  const auto formatter = NSMake<ZKURLFormatter>();
+  formatter->setAllowedSchemes(NSMake<NSArray>({u"ftp"_ns}));
+  const auto copy = NSKeyedUnarchiver::unarchivedObjectOfClass<ZKURLFormatter>(
+      NSKeyedArchiver::archivedDataWithRootObject(formatter));
+  EXPECT_TRUE(copy->allowedSchemes()->isEqual(formatter->allowedSchemes()));
+}
+
+}  // namespace

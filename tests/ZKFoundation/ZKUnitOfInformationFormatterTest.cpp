@@ -1,0 +1,226 @@
+#include "tests/Support.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+namespace {
+
+// What the user's locale and languages are in one test.
+class Habits {
+ public:
+  explicit Habits(const char* locale, const char* language = "xx") {
+    NSLocale::setCurrentLocale(NSLocale::localeWithLocaleIdentifier(NSMake<NSString>(locale)));
+    NSLocale::setPreferredLanguages(NSMake<NSArray>({NSMake<NSString>(language)}));
+  }
+  Habits(const Habits&) = delete;
+  ~Habits() {
+    NSLocale::setCurrentLocale(nullptr);
+    NSLocale::setPreferredLanguages(nullptr);
+  }
+};
+
+NSRef<ZKUnitOfInformationFormatter> formatter(bool bytes, bool binary, bool iec) {
+  auto result = NSMake<ZKUnitOfInformationFormatter>();
+  result->setDisplaysInTermsOfBytes(bytes);
+  result->setUsesIECBinaryPrefixesForCalculation(binary);
+  result->setUsesIECBinaryPrefixesForDisplay(iec);
+  return result;
+}
+
+template <class Number>
+std::string text(const NSRef<ZKUnitOfInformationFormatter>& formatter, Number bits) {
+  return formatter->stringFromNumberOfBits(NSMake<NSNumber>(bits))->utf8();
+}
+
+TEST(ZKUnitOfInformationFormatter, WritesSizes) {
+  const Habits habits("en");
+  const std::array formatters = {NSMake<ZKUnitOfInformationFormatter>(),
+                                 formatter(true, true, true), formatter(true, false, false),
+                                 formatter(false, true, false), formatter(false, false, true)};
+  struct Row {
+    long bits;
+    std::array<const char*, 5> texts;
+  };
+  for (const auto& [bits, texts] : std::to_array<Row>({
+           {0, {"0 bytes", "0 bytes", "0 bytes", "0 bits", "0 bits"}},
+           {8, {"1 bytes", "1 bytes", "1 bytes", "8 bits", "8 bits"}},
+           {7992, {"999 bytes", "999 bytes", "999 bytes", "7.8 kbit", "7.99 Kibit"}},
+           {8000, {"1,000 bytes", "1,000 bytes", "1 KB", "7.81 kbit", "8 Kibit"}},
+           {8184, {"1,023 bytes", "1,023 bytes", "1.02 KB", "7.99 kbit", "8.18 Kibit"}},
+           {8192, {"1 KB", "1 KiB", "1.02 KB", "8 kbit", "8.19 Kibit"}},
+           {12288, {"1.5 KB", "1.5 KiB", "1.54 KB", "12 kbit", "12.29 Kibit"}},
+           {999, {"124.88 bytes", "124.88 bytes", "124.88 bytes", "999 bits", "999 bits"}},
+           // The prefix follows the bits, the number the bytes.
+           {1048576, {"128 KB", "128 KiB", "0.13 MB", "1,024 kbit", "1.05 Mibit"}},
+           {1048577, {"0.13 MB", "0.13 MiB", "0.13 MB", "1 Mbit", "1.05 Mibit"}},
+           {1600000, {"0.19 MB", "0.19 MiB", "0.2 MB", "1.53 Mbit", "1.6 Mibit"}},
+           {-64, {"-8 bytes", "-8 bytes", "-8 bytes", "-64 bits", "-64 bits"}},
+           // The increment is not quite a hundredth.
+           {-987648,
+            {"-123,455.997 bytes", "-123,455.997 bytes", "-123,455.997 bytes", "-987,647.998 bits",
+             "-987,647.998 bits"}},
+           {(1L << 60) + 1, {"128 PB", "128 PiB", "0.14 EB", "1,024 Pbit", "1.15 (null)"}},
+           {(1L << 60) + (1L << 59),
+            {"0.19 EB", "0.19 EiB", "0.22 EB", "1.5 (null)", "1.73 (null)"}},
+           {INT64_MIN,
+            {"-1,152,921,504,606,846,976 bytes", "-1,152,921,504,606,846,976 bytes",
+             "-1,152,921,504,606,846,976 bytes", "-9,223,372,036,854,775,808 bits",
+             "-9,223,372,036,854,775,808 bits"}},
+       })) {
+    for (std::size_t k = 0; k < texts.size(); ++k) {
+      EXPECT_EQ(text(formatters[k], bits), texts[k]) << bits << " in column " << k;
+    }
+  }
+}
+
+TEST(ZKUnitOfInformationFormatter, TakesUnitsAndPrefixes) {
+  const Habits habits("en");
+  const auto bits = formatter(false, true, false);
+  const auto units = [&](auto number, NSInteger unit) {
+    return bits->stringFromNumber_ofUnit(NSMake<NSNumber>(number), unit)->utf8();
+  };
+  EXPECT_EQ(units(100, ZKUnitOfInformationBit), "100 bits");
+  EXPECT_EQ(units(100, ZKUnitOfInformationNibble), "400 bits");
+  EXPECT_EQ(units(100.9, ZKUnitOfInformationByte), "800 bits");
+  EXPECT_EQ(units(10, ZKUnitOfInformationWord), "160 bits");
+  EXPECT_EQ(units(10, ZKUnitOfInformationDoubleWord), "320 bits");
+  for (const NSInteger unit : {-1, 5, 7}) EXPECT_EQ(units(100, unit), "100 bits");
+  EXPECT_EQ(units((1L << 61) + 1, ZKUnitOfInformationByte), "8 bits");
+  EXPECT_EQ(units(1e300, ZKUnitOfInformationByte), "-8 bits");
+
+  const auto bytes = NSMake<ZKUnitOfInformationFormatter>();
+  const auto scaled = [&](auto number, NSInteger prefix) {
+    return bytes
+        ->stringFromNumber_ofUnit_withPrefix(NSMake<NSNumber>(number), ZKUnitOfInformationByte,
+                                             prefix)
+        ->utf8();
+  };
+  EXPECT_EQ(scaled(2, ZKUnitOfInformationPrefixMega), "2 MB");
+  EXPECT_EQ(scaled(2.9, ZKUnitOfInformationPrefixKilo), "2 KB");
+  for (const NSInteger prefix : {-1, 6, 9}) EXPECT_EQ(scaled(2, prefix), "2 KB");
+  EXPECT_EQ(scaled(3, ZKUnitOfInformationPrefixPeta), "3 PB");
+  EXPECT_EQ(scaled(100, ZKUnitOfInformationPrefixExa), "-1 bytes");
+}
+
+TEST(ZKUnitOfInformationFormatter, ChoosesThePrefixByTheUnsignedNumber) {
+  for (const bool isBinary : {true, false}) {
+    const auto sizes = formatter(true, isBinary, false);
+    double factor = 1;
+    for (NSInteger prefix = 0; prefix < 6; ++prefix) {
+      factor *= isBinary ? 1024 : 1000;
+      EXPECT_EQ(sizes->scaleFactorForPrefix(prefix), factor);
+      const auto number = static_cast<NSInteger>(factor);
+      EXPECT_EQ(sizes->prefixForInteger(number), std::max<NSInteger>(prefix - 1, 0));
+      // One more is not to be told from 2^60 as a double.
+      EXPECT_EQ(sizes->prefixForInteger(number + 1024), prefix);
+    }
+    EXPECT_EQ(sizes->scaleFactorForPrefix(-1), isBinary ? 1024 : 1000);
+    EXPECT_EQ(sizes->scaleFactorForPrefix(6), isBinary ? 1024 : 1000);
+    EXPECT_EQ(sizes->prefixForInteger(-1), ZKUnitOfInformationPrefixExa);
+  }
+
+  struct Dozens : ZKUnitOfInformationFormatter {
+    double scaleFactorForPrefix(NSInteger prefix) const override {
+      return prefix == 0 ? 12 : prefix == 1 ? 144 : 1e30;
+    }
+  };
+  const Habits habits("en");
+  const auto dozens = NSMake<Dozens>();
+  EXPECT_EQ(text(dozens, 11 * 8), "11 bytes");
+  EXPECT_EQ(text(dozens, 12 * 8), "1 KB");
+  EXPECT_EQ(text(dozens, 24 * 8), "0.17 MB");
+}
+
+TEST(ZKUnitOfInformationFormatter, FormatsNumbersOnly) {
+  const Habits habits("en");
+  const auto sizes = NSMake<ZKUnitOfInformationFormatter>();
+  EXPECT_TRUE(sizes->stringForObjectValue(NSMake<NSNumber>(80)) == u"10 bytes");
+  EXPECT_FALSE(sizes->stringForObjectValue(u"80"_ns));
+  EXPECT_FALSE(sizes->stringForObjectValue(nullptr));
+  EXPECT_THROW(sizes->stringFromNumberOfBits(nullptr), NSException);
+  NSRef<NSObject> object = sizes;
+  EXPECT_FALSE(sizes->getObjectValue_forString_errorDescription(object, u"1 KB"_ns, nullptr));
+  EXPECT_FALSE(object);
+
+  sizes->numberFormatter()->setMaximumFractionDigits(0);
+  EXPECT_EQ(text(sizes, 12800), "2 KB");
+}
+
+TEST(ZKUnitOfInformationFormatter, WritesNumbersAsTheyAreInTheLocale) {
+  const auto sizes = NSMake<ZKUnitOfInformationFormatter>();
+  const auto native = [&](auto number) {
+    return sizes->nativeStringFromNumber(NSMake<NSNumber>(number))->utf8();
+  };
+  {
+    const Habits habits("de");
+    EXPECT_EQ(native(1536), "1536 bytes");
+    EXPECT_EQ(native(-1536.25), "-1536,25 bytes");
+    sizes->setDisplaysInTermsOfBytes(false);
+    EXPECT_EQ(native(1e300), "1e+300 bits");
+  }
+  const Habits habits("ar-EG");
+  EXPECT_EQ(native(1234567890.5), "١٢٣٤٥٦٧٨٩٠٫٥ bits");
+}
+
+TEST(ZKUnitOfInformationFormatter, FollowsTheLocaleAndTheTablesOfTheProgram) {
+  struct Row {
+    const char* locale;
+    const char* language;
+    const char* kilobytes;
+    const char* bytes;
+  };
+  for (const auto& [locale, language, kilobytes, bytes] : std::to_array<Row>({
+           {"en", "en", "1.5 KB", "-1,234,567 bytes"},
+           {"de", "de", "1,5 KB", "-1.234.567 Byte"},
+           {"de_CH", "de-CH", "1.5 KB", "-1’234’567 Byte"},
+           {"fr_CH", "fr", "1,5 KB", "-1\u202F234\u202F567 bytes"},
+           {"hi", "hi", "1.5 KB", "-12,34,567 bytes"},
+           {"es", "es", "1,5 KB", "-1.234.567 bytes"},
+           {"ar_EG", "ar", "KB \u200F١٫٥", "bytes \u200F\u061C-١٬٢٣٤٬٥٦٧"},
+       })) {
+    const Habits habits(locale, language);
+    const auto sizes = NSMake<ZKUnitOfInformationFormatter>();
+    EXPECT_EQ(text(sizes, 12288), kilobytes) << locale;
+    sizes->numberFormatter()->setRoundingIncrement(nullptr);
+    EXPECT_EQ(text(sizes, -1234567 * 8), bytes) << locale;
+  }
+  const Habits habits("es");
+  EXPECT_EQ(text(NSMake<ZKUnitOfInformationFormatter>(), 8000), "1000 bytes");
+}
+
+TEST(ZKUnitOfInformationFormatter, IsArchivedWithItsSwitches) {
+  const Habits habits("en");
+  for (int bits = 0; bits < 8; ++bits) {
+    const auto original = formatter((bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0);
+    original->numberFormatter()->setMinimumFractionDigits(1);
+    const auto copy = NSKeyedUnarchiver::unarchivedObjectOfClass<ZKUnitOfInformationFormatter>(
+        NSKeyedArchiver::archivedDataWithRootObject(original));
+    EXPECT_EQ(copy->displaysInTermsOfBytes(), original->displaysInTermsOfBytes());
+    EXPECT_EQ(copy->usesIECBinaryPrefixesForCalculation(),
+              original->usesIECBinaryPrefixesForCalculation());
+    EXPECT_EQ(copy->usesIECBinaryPrefixesForDisplay(), original->usesIECBinaryPrefixesForDisplay());
+    for (const long size : {8L, 8000L, 12288L, 123456789L}) {
+      EXPECT_EQ(text(copy, size), text(original, size));
+    }
+  }
+}
+
+TEST(ZKUnitOfInformationFormatter, ReadsAnArchiveWithoutItsKeys) {
+  struct Plain : NSObject, NSCoding {
+    void encodeWithCoder(const NSRef<NSCoder>& /*coder*/) const override {}
+  };
+  const auto name = NSClass::of<Plain>().name();
+  NSKeyedUnarchiver::setClass_forClassName<ZKUnitOfInformationFormatter>(name);
+  const auto sizes = NSKeyedUnarchiver::unarchivedObjectOfClass<ZKUnitOfInformationFormatter>(
+      NSKeyedArchiver::archivedDataWithRootObject(NSMake<Plain>()));
+  EXPECT_FALSE(sizes->displaysInTermsOfBytes());
+  EXPECT_FALSE(sizes->usesIECBinaryPrefixesForCalculation());
+  EXPECT_FALSE(sizes->usesIECBinaryPrefixesForDisplay());
+  EXPECT_FALSE(sizes->numberFormatter());
+  EXPECT_EQ(text(sizes, 2000), "(null) kbit");
+}
+
+}  // namespace
