@@ -44,7 +44,7 @@ bool isSeparated(const std::string& locale, const std::u16string& separator, std
 }
 
 void appendCharacter(char32_t character, NSUnitBuffer& text) {
-  if (character < 0x10000) {
+  if (character < 0x10000) [[likely]] {
     *text.extend(1) = static_cast<char16_t>(character);
   } else {
     char16_t* const units = text.extend(2);
@@ -96,13 +96,18 @@ void NSDecimalSymbols::append(std::string_view decimal, bool isGrouped, NSUnitBu
       decimal.size());
   const bool hasGroups =
       isGrouped && _lastGroup != 0 && whole >= _lastGroup + _leastBeforeLastGroup;
+  // Where the next separator belongs; nowhere behind the last group.
+  std::size_t nextGroup = decimal.size();
+  if (hasGroups) {
+    nextGroup = (whole - _lastGroup) % _otherGroups;
+    if (nextGroup == 0) nextGroup = _otherGroups;
+  }
   for (std::size_t k = 0; k < decimal.size(); ++k) {
     const char unit = decimal[k];
     if (isDigit(unit)) {
-      // How many digits follow up to the last group, counting this one.
-      if (hasGroups && k != 0 && k <= whole - _lastGroup &&
-          (whole - _lastGroup - k) % _otherGroups == 0) {
+      if (k == nextGroup && k <= whole - _lastGroup) {
         text.append(_separator);
+        nextGroup += _otherGroups;
       }
       appendCharacter(_digits[static_cast<std::size_t>(unit - '0')], text);
     } else if (unit == '.') {

@@ -91,7 +91,8 @@ class Reader {
 };
 
 void appendPadded(const Conversion& conversion, std::u16string_view body, NSUnitBuffer& text) {
-  const std::size_t missing = conversion.width - std::min(conversion.width, body.size());
+  if (body.size() >= conversion.width) return text.append(body);
+  const std::size_t missing = conversion.width - body.size();
   const auto pad = [&] { std::fill_n(text.extend(missing), missing, u' '); };
   if (!conversion.isLeft) pad();
   text.append(body);
@@ -184,19 +185,18 @@ void appendFloating(const Conversion& conversion, double value, NSUnitBuffer& te
   appendNumber(conversion, sign, std::move(digits), 0, std::isfinite(value), text);
 }
 
-bool isOneOf(char letter, std::string_view letters) {
-  return letters.find(letter) != std::string_view::npos;
+// The conversion itself if its letter is one of those, else "%@" of the same width.
+Conversion fitting(const Conversion& conversion, std::string_view letters) {
+  if (letters.find(conversion.letter) != std::string_view::npos) return conversion;
+  Conversion result;
+  result.letter = '@';
+  result.width = conversion.width;
+  result.isLeft = conversion.isLeft;
+  return result;
 }
 
-// A conversion that does not fit its argument writes it as "%@" does.
-void appendArgument(Conversion conversion, const NSFormatArgument& argument, NSUnitBuffer& text) {
-  const auto asObject = [&](std::string_view letters) {
-    if (isOneOf(conversion.letter, letters)) return;
-    const Conversion given = std::exchange(conversion, {});
-    conversion.letter = '@';
-    conversion.width = given.width;
-    conversion.isLeft = given.isLeft;
-  };
+void appendArgument(const Conversion& conversion, const NSFormatArgument& argument,
+                    NSUnitBuffer& text) {
   if (const auto* const object = std::get_if<const NSObject*>(&argument.value())) {
     if (conversion.letter == 'p') {
       const auto address = reinterpret_cast<std::uintptr_t>(*object);
@@ -206,15 +206,16 @@ void appendArgument(Conversion conversion, const NSFormatArgument& argument, NSU
     appendPadded(conversion, NSViewOf(description), text);
   } else if (const auto* const integer =
                  std::get_if<NSFormatArgument::Integer>(&argument.value())) {
-    asObject("diuoxXcCp");
-    appendInteger(conversion, *integer, text);
+    appendInteger(fitting(conversion, "diuoxXcCp"), *integer, text);
   } else if (const auto* const number = std::get_if<double>(&argument.value())) {
-    asObject("fFeEgGaA");
-    appendFloating(conversion, *number, text);
+    appendFloating(fitting(conversion, "fFeEgGaA"), *number, text);
+  } else if (const auto* const units = std::get_if<std::u16string_view>(&argument.value())) {
+    appendPadded(conversion, *units, text);
   } else {
     std::string_view utf8 = std::get<std::string_view>(argument.value());
-    if (conversion.letter == 's' && conversion.precision)
+    if (conversion.letter == 's' && conversion.precision) {
       utf8 = utf8.substr(0, *conversion.precision);
+    }
     appendUTF8(conversion, utf8, text);
   }
 }
@@ -224,12 +225,26 @@ void appendArgument(Conversion conversion, const NSFormatArgument& argument, NSU
 void NSAppendFormat(std::u16string_view format, std::span<const NSFormatArgument> arguments,
                     NSUnitBuffer& text) {
   static const NSFormatArgument missing(nullptr);
+  static const Conversion plain = [] {
+    Conversion conversion;
+    conversion.letter = '@';
+    return conversion;
+  }();
   std::size_t next = 0;
+  const auto append = [&](const Conversion& conversion) {
+    const std::size_t index = conversion.position != 0 ? conversion.position - 1 : next++;
+    appendArgument(conversion, index < arguments.size() ? arguments[index] : missing, text);
+  };
   while (true) {
     const std::size_t percent = std::min(format.find(u'%'), format.size());
     text.append(format.substr(0, percent));
     format.remove_prefix(percent);
     if (format.empty()) return;
+    if (format.substr(1).starts_with(u'@')) {
+      append(plain);
+      format.remove_prefix(2);
+      continue;
+    }
     Reader reader(format.substr(1));
     const auto conversion = reader.read();
     if (!conversion) {
@@ -242,7 +257,6 @@ void NSAppendFormat(std::u16string_view format, std::span<const NSFormatArgument
       text.append(u"%");
       continue;
     }
-    const std::size_t index = conversion->position != 0 ? conversion->position - 1 : next++;
-    appendArgument(*conversion, index < arguments.size() ? arguments[index] : missing, text);
+    append(*conversion);
   }
 }

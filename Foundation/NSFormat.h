@@ -15,7 +15,7 @@
 class NSObject;
 
 /// One value for a format, borrowed for the call: an object or nil, an integer, a boolean or an
-/// enumerator, a floating-point number, or UTF-8 text.
+/// enumerator, a floating-point number, or text in UTF-8 or UTF-16.
 class NSFormatArgument {
  public:
   struct Integer {
@@ -23,7 +23,8 @@ class NSFormatArgument {
     std::uint64_t bits;  ///< the type's own bits, as "%u" and "%x" show them
     bool isSigned;
   };
-  using Value = std::variant<const NSObject*, Integer, double, std::string_view>;
+  using Value =
+      std::variant<const NSObject*, Integer, double, std::string_view, std::u16string_view>;
 
   template <class T>
   requires std::convertible_to<T*, const NSObject*> NSFormatArgument(const NSRef<T>& object)
@@ -35,6 +36,7 @@ class NSFormatArgument {
   requires std::integral<T> || std::is_enum_v<T> NSFormatArgument(T number)
   noexcept : _value(integer(number)) {}
   NSFormatArgument(std::string_view utf8) noexcept : _value(utf8) {}
+  NSFormatArgument(std::u16string_view units) noexcept : _value(units) {}
   NSFormatArgument(const char* utf8) noexcept
       : _value(utf8 == nullptr ? std::string_view("(null)") : std::string_view(utf8)) {}
 

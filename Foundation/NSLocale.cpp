@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -127,6 +128,8 @@ Setting<NSArray>& languagesSetting() {
   return *setting;
 }
 
+std::atomic<std::uint64_t> generationOfLanguages = 0;
+
 }  // namespace
 
 NSLocale::NSLocale(Key /*key*/, const NSRef<NSString>& identifier)
@@ -149,6 +152,12 @@ NSRef<NSArray> NSLocale::preferredLanguages() { return languagesSetting().get();
 
 void NSLocale::setPreferredLanguages(const NSRef<NSArray>& languages) {
   languagesSetting().set(languages && languages->count() != 0 ? languages->copy() : nullptr);
+  // Behind the change: who sees the new generation sees the new languages.
+  generationOfLanguages.fetch_add(1, std::memory_order_release);
+}
+
+std::uint64_t NSLocale::languagesGeneration() noexcept {
+  return generationOfLanguages.load(std::memory_order_acquire);
 }
 
 const NSDecimalSymbols& NSLocale::decimalSymbols() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 
@@ -41,6 +42,9 @@ class NS_EXPORT NSLocale : public NSObject {
   static NSRef<NSArray> preferredLanguages();
   /// Nil or an empty array return to the environment, which is read anew.
   static void setPreferredLanguages(const NSRef<NSArray>& languages);
+
+  /// Changes whenever `preferredLanguages` may have; for those who keep what depends on it.
+  static std::uint64_t languagesGeneration() noexcept;
 
   /// As it was given.
   const NSRef<NSString>& localeIdentifier() const noexcept { return _identifier; }

@@ -43,7 +43,7 @@ fs::path fileOf(const NSRef<NSString>& table, const NSRef<NSArray>& languages,
 }
 
 void logFault(const std::string& fault) {
-  if (!fault.empty()) NSLog(NSMake<NSString>("Localized strings cannot all be read: " + fault));
+  NSLog(NSMake<NSString>("Localized strings cannot all be read: " + fault));
 }
 
 }  // namespace
@@ -63,24 +63,31 @@ const NSRef<NSDictionary>& NSLocalizedTables::entries(const NSRef<NSString>& tab
 
 NSRef<NSString> NSLocalizedTables::find(const NSRef<NSString>& key, const NSRef<NSString>& table,
                                         const NSBundle& bundle) {
-  auto languages = NSLocale::preferredLanguages();
   std::string fault;
   NSRef<NSString> text;
   {
     const std::lock_guard lock(_mutex);
-    if (languages != _languages) {
-      _languages = std::move(languages);
+    // Asked first, so that languages which change meanwhile are asked for again next time.
+    const std::uint64_t generation = NSLocale::languagesGeneration();
+    if (!_languages || generation != _generation) {
+      _generation = generation;
+      _languages = NSLocale::preferredLanguages();
       _tables.clear();
+      _recentTable = nullptr;
     }
-    text = entries(table, bundle, fault)->objectForKey(key).as<NSString>();
+    if (table != _recentTable) {
+      _recentEntries = entries(table, bundle, fault);
+      _recentTable = table->copy();
+    }
+    text = _recentEntries->objectForKey(key).as<NSString>();
   }
   // A log sink may look up texts itself.
-  logFault(fault);
+  if (!fault.empty()) logFault(fault);
   return text;
 }
 
 NSRef<NSDictionary> NSString::propertyListFromStringsFileFormat() const {
   const NSStringsTable table = NSReadStringsTable(view());
-  logFault(table.fault);
+  if (!table.fault.empty()) logFault(table.fault);
   return table.entries->copy();
 }

@@ -24,7 +24,8 @@
 
 namespace {
 
-constexpr double twoTo53 = 9007199254740992.0;
+constexpr double twoTo52 = 0x1p52;
+constexpr double twoTo53 = 0x1p53;
 constexpr NSUInteger mostFractionDigits = 340;
 constexpr std::array<double, 10> powersOfTen = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
 
@@ -38,30 +39,24 @@ std::optional<double> surelyNearest(double approximation) {
   // The double, the increment and the power of ten each stand for a decimal that may be half a unit
   // of the last place away, and so does each operation: less than eight halves in all.
   constexpr double relativeError = 8 * 0x1p-53;
-  if (!(approximation < twoTo53 / 2)) return std::nullopt;
-  const double nearest = std::floor(approximation + 0.5);
+  if (!(approximation < twoTo52)) return std::nullopt;
+  // Numbers of 2^52 have no room for a fraction: the sum is rounded to an integer.
+  const double nearest = (approximation + twoTo52) - twoTo52;
   const double fromMiddle = 0.5 - std::abs(approximation - nearest);
   if (fromMiddle <= approximation * relativeError) return std::nullopt;
   return nearest;
 }
 
-// The digits that a number holds: all of an integer's and of a double's without fraction, the
-// fewest that tell it apart of any other double. The room takes the longest, 5e-324.
+// The digits that a double holds: all of those without fraction, else the fewest that tell it apart
+// of any other. The room takes the longest, 5e-324.
 using DecimalRoom = std::array<char, 400>;
 
-std::string_view decimalOf(const NSNumber& number, DecimalRoom& room) {
+std::string_view decimalOf(double value, DecimalRoom& room) {
   char* const start = room.data();
   char* const limit = start + room.size();
-  const char* end = nullptr;
-  const double value = number.doubleValue();
-  if (!number.isFloatingPoint()) {
-    end = value < 0 ? std::to_chars(start, limit, number.integerValue()).ptr
-                    : std::to_chars(start, limit, number.unsignedIntegerValue()).ptr;
-  } else if (std::abs(value) < twoTo53) {
-    end = std::to_chars(start, limit, value, std::chars_format::fixed).ptr;
-  } else {
-    end = std::to_chars(start, limit, value, std::chars_format::fixed, 0).ptr;
-  }
+  const char* const end = std::abs(value) < twoTo53
+                              ? std::to_chars(start, limit, value, std::chars_format::fixed).ptr
+                              : std::to_chars(start, limit, value, std::chars_format::fixed, 0).ptr;
   return {start, static_cast<std::size_t>(end - start)};
 }
 
@@ -259,27 +254,35 @@ NSRef<NSString> NSNumberFormatter::stringFromNumber(const NSRef<NSNumber>& numbe
   std::array<char16_t, 64> room;
   NSUnitBuffer text(room);
   const double value = number->doubleValue();
-  if (!std::isfinite(value)) {
-    rounder().appendNonFinite(value, text);
-  } else if (!appendQuickly(value, text)) {
-    DecimalRoom digits;
-    const std::string_view decimal = decimalOf(*number, digits);
-    if (std::abs(value) >= twoTo53 && _settings.increment < 1) {
-      std::string padded(decimal);
-      if (_settings.minimumFractionDigits != 0) {
-        padded.append(1, '.').append(_settings.minimumFractionDigits, '0');
-      }
-      _locale->decimalSymbols().append(padded, _settings.isGrouped, text);
-    } else {
-      rounder().append(decimal, text);
-    }
+  if (number->isFloatingPoint() || std::abs(value) < twoTo53) {
+    appendNumber(value, text);
+  } else {
+    // An integer that its double may not tell.
+    appendDecimal(number->stringValue()->utf8(), /*isLarge=*/true, text);
   }
   return NSMake<NSString>(text.view());
 }
 
+void NSNumberFormatter::appendNumber(double value, NSUnitBuffer& text) const {
+  if (!std::isfinite(value)) return rounder().appendNonFinite(value, text);
+  if (appendQuickly(value, text)) return;
+  DecimalRoom room;
+  appendDecimal(decimalOf(value, room), std::abs(value) >= twoTo53, text);
+}
+
+void NSNumberFormatter::appendDecimal(std::string_view decimal, bool isLarge,
+                                      NSUnitBuffer& text) const {
+  if (!isLarge || _settings.increment >= 1) return rounder().append(decimal, text);
+  std::string padded(decimal);
+  if (_settings.minimumFractionDigits != 0) {
+    padded.append(1, '.').append(_settings.minimumFractionDigits, '0');
+  }
+  _locale->decimalSymbols().append(padded, _settings.isGrouped, text);
+}
+
 // Writes what can be rounded in doubles without doubt; gives false for the rest.
 bool NSNumberFormatter::appendQuickly(double value, NSUnitBuffer& text) const {
-  const auto [style, mode, isGrouped, least, most, increment] = _settings;
+  const auto& [style, mode, isGrouped, least, most, increment] = _settings;
   if (!isToNearest(mode) || most >= powersOfTen.size()) return false;
   const double magnitude = std::abs(value);
   double scaled = magnitude * powersOfTen[most];

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include <Foundation/NSExport.h>
 #include <Foundation/NSFormatter.h>
@@ -70,6 +71,8 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   /// Nil is the locale that is current now.
   void setLocale(const NSRef<NSLocale>& locale);
 
+  /// Appends the text of a number, without making objects.
+  void appendNumber(double value, NSUnitBuffer& text) const;
   /// Nil for nil. "NaN" and "∞" are written as the locale writes them.
   NSRef<NSString> stringFromNumber(const NSRef<NSNumber>& number) const;
   /// `stringFromNumber` of a number, nil for anything else.
@@ -90,6 +93,7 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   class Rounder;
 
   bool appendQuickly(double value, NSUnitBuffer& text) const;
+  void appendDecimal(std::string_view decimal, bool isLarge, NSUnitBuffer& text) const;
   const Rounder& rounder() const;
   void settingsChanged() noexcept;
 

@@ -105,8 +105,13 @@ NSURL::NSURL(const NSRef<NSString>& text, const Parts& parts) noexcept
 
 NSRef<NSURL> NSURL::URLWithString(const NSRef<NSString>& text) {
   if (!text || text->length() >= Part::missing || !isAscii(text->view())) return nullptr;
-  const std::string ascii = asciiOf(text->view());
-  const Parts parts(ascii);
+  const std::u16string_view units = text->view();
+  // Most URLs fit here; the bytes are needed for the parser alone.
+  std::array<char, 256> room;
+  std::string longer(units.size() > room.size() ? units.size() : 0, '\0');
+  char* const bytes = longer.empty() ? room.data() : longer.data();
+  std::ranges::transform(units, bytes, [](char16_t unit) { return static_cast<char>(unit); });
+  const Parts parts(std::string_view(bytes, units.size()));
   return parts.isValid() ? NSMake<NSURL>(text->copy(), parts) : nullptr;
 }
 

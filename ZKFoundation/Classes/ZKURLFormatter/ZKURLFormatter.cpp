@@ -70,13 +70,16 @@ NSRef<NSString> ZKURLFormatter::objectForAddress(NSRef<NSObject>& object,
   }
 
   auto url = NSURL::URLWithString(string);
-  if (url && !url->scheme()) {
+  auto scheme = url ? url->scheme() : nullptr;
+  if (url && !scheme) {
     if (string->view().find(u'.') == std::u16string_view::npos) return invalidURL();
-    url = NSURL::URLWithString(u"http://"_ns->stringByAppendingString(string));
+    static const NSNeverDestroyed<NSRef<NSString>> http(u"http://"_ns);
+    url = NSURL::URLWithString((*http)->stringByAppendingString(string));
+    scheme = url ? url->scheme() : nullptr;
   }
   object = url;
   if (!url || !url->hasHierarchy() || NSViewOf(url->host()).empty()) return invalidURL();
-  if (!_allowedSchemes || _allowedSchemes->containsObject(url->scheme())) return nullptr;
+  if (!_allowedSchemes || _allowedSchemes->containsObject(scheme)) return nullptr;
   return u"URL protocol must be %@"_ns->stringByAppendingString(
       _allowedSchemes->componentsJoinedByString(u", "_ns));
 }

@@ -15,27 +15,33 @@ namespace {
   NSKeyedUnarchiver::registerClass<ZKUnitOfInformationFormatter>();
 }
 
-struct Prefix {
-  double binaryFactor;
-  double decimalFactor;
-  const char16_t* bytesIEC;
-  const char16_t* bytesShort;
-  const char16_t* bitsIEC;
-  const char16_t* bitsShort;
+constexpr std::size_t prefixCount = 6;
+constexpr std::array<double, prefixCount> binaryFactors = {0x1p10, 0x1p20, 0x1p30,
+                                                           0x1p40, 0x1p50, 0x1p60};
+constexpr std::array<double, prefixCount> decimalFactors = {1e3, 1e6, 1e9, 1e12, 1e15, 1e18};
+
+// What a prefix's unit is called.
+struct Names {
+  NSRef<NSString> bytesIEC;
+  NSRef<NSString> bytesShort;
+  NSRef<NSString> bitsIEC;
+  NSRef<NSString> bitsShort;
 };
 
-constexpr std::array<Prefix, 6> prefixes = {{
-    {0x1p10, 1e3, u"KiB", u"KB", u"Kibit", u"kbit"},
-    {0x1p20, 1e6, u"MiB", u"MB", u"Mibit", u"Mbit"},
-    {0x1p30, 1e9, u"GiB", u"GB", u"Gibit", u"Gbit"},
-    {0x1p40, 1e12, u"TiB", u"TB", u"Tibit", u"Tbit"},
-    {0x1p50, 1e15, u"PiB", u"PB", u"Pibit", u"Pbit"},
-    {0x1p60, 1e18, u"EiB", u"EB", nullptr, nullptr},
-}};
+const Names& namesOf(std::size_t prefix) {
+  using Table = std::array<Names, prefixCount>;
+  static const NSNeverDestroyed<Table> table(Table{{{u"KiB"_ns, u"KB"_ns, u"Kibit"_ns, u"kbit"_ns},
+                                                    {u"MiB"_ns, u"MB"_ns, u"Mibit"_ns, u"Mbit"_ns},
+                                                    {u"GiB"_ns, u"GB"_ns, u"Gibit"_ns, u"Gbit"_ns},
+                                                    {u"TiB"_ns, u"TB"_ns, u"Tibit"_ns, u"Tbit"_ns},
+                                                    {u"PiB"_ns, u"PB"_ns, u"Pibit"_ns, u"Pbit"_ns},
+                                                    {u"EiB"_ns, u"EB"_ns, nullptr, nullptr}}});
+  return (*table)[prefix];
+}
 
-const Prefix& prefixAt(NSInteger index) {
+std::size_t prefixAt(NSInteger index) {
   const auto position = static_cast<NSUInteger>(index);
-  return prefixes[position < prefixes.size() ? position : 0];
+  return position < prefixCount ? position : 0;
 }
 
 NSInteger bitsPerUnit(NSInteger unit) {
@@ -55,15 +61,15 @@ NSInteger bitsPerUnit(NSInteger unit) {
 
 NSRef<NSString> localized(const NSRef<NSString>& key, const NSRef<NSString>& value) {
   static const NSNeverDestroyed<NSRef<NSString>> table(u"ZKUnitOfInformationFormatter"_ns);
-  return NSBundle::mainBundle()->localizedStringForKey_value_table(key, value, *table);
+  static const NSNeverDestroyed<NSRef<NSBundle>> bundle(NSBundle::mainBundle());
+  return (*bundle)->localizedStringForKey_value_table(key, value, *table);
 }
 
-NSRef<NSString> localizedUnit(const char16_t* name) {
-  return name == nullptr ? nullptr
-                         : localized(NSMake<NSString>(std::u16string_view(name)), nullptr);
+NSRef<NSString> localizedUnit(const NSRef<NSString>& name) {
+  return name ? localized(name, nullptr) : nullptr;
 }
 
-NSRef<NSString> joined(const NSRef<NSString>& number, const NSRef<NSString>& unit) {
+NSRef<NSString> joined(std::u16string_view number, const NSRef<NSString>& unit) {
   static const NSNeverDestroyed<NSRef<NSString>> key(u"Unit of Information Format String"_ns);
   static const NSNeverDestroyed<NSRef<NSString>> pattern(u"%@ %@"_ns);
   return NSString::stringWithFormat(localized(*key, *pattern), number, unit);
@@ -101,8 +107,7 @@ void ZKUnitOfInformationFormatter::encodeWithCoder(const NSRef<NSCoder>& coder) 
 }
 
 double ZKUnitOfInformationFormatter::scaleFactorForPrefix(NSInteger prefix) const {
-  const Prefix& row = prefixAt(prefix);
-  return _calculatesInBinary ? row.binaryFactor : row.decimalFactor;
+  return (_calculatesInBinary ? binaryFactors : decimalFactors)[prefixAt(prefix)];
 }
 
 NSInteger ZKUnitOfInformationFormatter::prefixForInteger(NSInteger number) const {
@@ -121,7 +126,9 @@ NSRef<NSString> ZKUnitOfInformationFormatter::stringForObjectValue(
 }
 
 NSRef<NSString> ZKUnitOfInformationFormatter::unscaledUnit() const {
-  return localizedUnit(_displaysInTermsOfBytes ? u"bytes" : u"bits");
+  static const NSNeverDestroyed<NSRef<NSString>> bytes(u"bytes"_ns);
+  static const NSNeverDestroyed<NSRef<NSString>> bits(u"bits"_ns);
+  return localizedUnit(_displaysInTermsOfBytes ? *bytes : *bits);
 }
 
 NSRef<NSString> ZKUnitOfInformationFormatter::stringFromNumberOfBits(
@@ -134,15 +141,20 @@ NSRef<NSString> ZKUnitOfInformationFormatter::stringFromNumberOfBits(
   } else {
     // By the bits, also where bytes are shown.
     const NSInteger prefix = prefixForInteger(number->integerValue());
-    const Prefix& row = prefixAt(prefix);
+    const Names& names = namesOf(prefixAt(prefix));
     unit = _displaysInTermsOfBytes
-               ? localizedUnit(_displaysBinaryNames ? row.bytesIEC : row.bytesShort)
-               : localizedUnit(_displaysBinaryNames ? row.bitsIEC : row.bitsShort);
+               ? localizedUnit(_displaysBinaryNames ? names.bytesIEC : names.bytesShort)
+               : localizedUnit(_displaysBinaryNames ? names.bitsIEC : names.bitsShort);
     value /= scaleFactorForPrefix(prefix);
   }
-  return joined(
-      _numberFormatter ? _numberFormatter->stringFromNumber(NSMake<NSNumber>(value)) : nullptr,
-      unit);
+  std::array<char16_t, 64> room;
+  NSUnitBuffer text(room);
+  if (_numberFormatter) {
+    _numberFormatter->appendNumber(value, text);
+  } else {
+    text.append(u"(null)");
+  }
+  return joined(text.view(), unit);
 }
 
 NSRef<NSString> ZKUnitOfInformationFormatter::stringFromNumber_ofUnit(const NSRef<NSNumber>& number,
@@ -160,5 +172,5 @@ NSRef<NSString> ZKUnitOfInformationFormatter::stringFromNumber_ofUnit_withPrefix
 
 NSRef<NSString> ZKUnitOfInformationFormatter::nativeStringFromNumber(
     const NSRef<NSNumber>& number) const {
-  return joined(number->descriptionWithLocale(NSLocale::currentLocale()), unscaledUnit());
+  return joined(number->descriptionWithLocale(NSLocale::currentLocale())->view(), unscaledUnit());
 }
