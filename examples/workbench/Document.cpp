@@ -51,12 +51,13 @@ NSRef<Document> Document::read(const std::filesystem::path& file, NSRef<NSString
   std::ifstream input(file, std::ios::binary);
   const std::string bytes((std::istreambuf_iterator<char>(input)), {});
   if (!input || bytes.find('\0') != std::string::npos) return nullptr;
-  return NSMake<Document>(std::move(name), NSMake<NSString>(bytes));
+  return NSMake<Document>(std::move(name), NSMake<NSString>(bytes), bytes.size());
 }
 
-Document::Document(NSRef<NSString> name, NSRef<NSString> text)
+Document::Document(NSRef<NSString> name, NSRef<NSString> text, std::size_t byteCount)
     : _name(std::move(name)),
       _text(std::move(text)),
+      _byteCount(byteCount),
       _identifier(UUIDString()),
       _title(titleOf(_text)) {}
 
@@ -77,7 +78,7 @@ NSRef<NSIndexSet> Document::linesWith(const NSRef<NSString>& term) const {
 NSRef<NSObject> Document::copyWithZone_refTable_copySpec_subCopySpec(
     NSZone* /*zone*/, const NSRef<NSMapTable>& refTable, ZKCopySpec /*copySpec*/,
     ZKCopySpec /*subCopySpec*/) const {
-  auto copy = NSMake<Document>(_name, _text);
+  auto copy = NSMake<Document>(_name, _text, _byteCount);
   refTable->setObject_forKey(copy, self());
   return copy;
 }

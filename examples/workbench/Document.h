@@ -11,11 +11,13 @@ class Document : public NSObject, public ZKDeepObjectCopyingProtocol {
   /// Reads the file; null when it is not a text (it holds a NUL byte) or cannot be read.
   static NSRef<Document> read(const std::filesystem::path& file, NSRef<NSString> name);
 
-  Document(NSRef<NSString> name, NSRef<NSString> text);
+  Document(NSRef<NSString> name, NSRef<NSString> text, std::size_t byteCount);
 
   /// The name under which it is shown.
   const NSRef<NSString>& name() const { return _name; }
   const NSRef<NSString>& text() const { return _text; }
+  /// The size of the file.
+  std::size_t byteCount() const { return _byteCount; }
   /// A fresh one for every reading.
   const NSRef<NSString>& identifier() const { return _identifier; }
   /// The first heading, or the first comment of a source, without its markers; empty without one.
@@ -42,6 +44,7 @@ class Document : public NSObject, public ZKDeepObjectCopyingProtocol {
  private:
   NSRef<NSString> _name;
   NSRef<NSString> _text;
+  std::size_t _byteCount;
   NSRef<NSString> _identifier;
   NSRef<NSString> _title;
 };

@@ -1,5 +1,6 @@
 #include "examples/workbench/Document.h"
 #include "examples/workbench/Folder.h"
+#include "examples/workbench/FormatReport.h"
 #include "examples/workbench/Shelf.h"
 #include "examples/workbench/Table.h"
 #include "examples/workbench/TextReport.h"
@@ -102,6 +103,10 @@ void report(const fs::path& directory, const NSRef<NSString>& term) {
   const auto documents = readDocuments(directory);
   std::cout << documents.size() << " text files in " << directory.string() << "\n\n";
   printDocuments(documents, isColoured);
+  std::cout << "\nSizes\n\n";
+  printSizes(std::cout, documents, isColoured);
+  std::cout << "\nTyped addresses\n\n";
+  printAddresses(std::cout, isColoured);
   std::cout << "\nOn the shelf\n\n";
   printCollections(documents);
   std::cout << "\nTexts\n\n";
