@@ -89,10 +89,10 @@ NSRef<NSArray> languagesOfEnvironment() {
     const std::size_t end = std::min(list.find(':', start), list.size());
     const std::string_view name = std::string_view(list).substr(start, end - start);
     const std::string tag = languageTag(identifierOfPosixName(name));
-    if (!tag.empty()) languages.push_back(NSMake<NSString>(tag));
+    if (!tag.empty()) languages.emplace_back(NSMake<NSString>(tag));
     start = end + 1;
   }
-  if (languages.empty()) languages.push_back(u"en"_ns);
+  if (languages.empty()) languages.emplace_back(u"en"_ns);
   return NSMake<NSArray>(std::move(languages));
 }
 

@@ -101,9 +101,9 @@ NSRef<NSArray> NSString::pathComponents() const {
   const View path = view();
   const auto names = namesOf(path);
   components.reserve(names.size() + 2);
-  if (path.starts_with(u'/')) components.push_back(u"/"_ns);
-  for (const View name : names) components.push_back(NSMake<NSString>(name));
-  if (!names.empty() && path.ends_with(u'/')) components.push_back(u"/"_ns);
+  if (path.starts_with(u'/')) components.emplace_back(u"/"_ns);
+  for (const View name : names) components.emplace_back(NSMake<NSString>(name));
+  if (!names.empty() && path.ends_with(u'/')) components.emplace_back(u"/"_ns);
   return NSMake<NSArray>(std::move(components));
 }
 
@@ -167,6 +167,8 @@ NSRef<NSString> NSString::stringByStandardizingPath() const {
       result.append(name);
     }
   }
+  // A name that begins with "~" must not become a home directory.
+  if (result.starts_with(u'~') && !expanded.starts_with(u'~')) result.insert(0, u"./");
   if (isAbsolute && result.empty()) result.push_back(u'/');
   // A relative path of nothing but "." is the current directory still.
   if (result.empty() && !expanded.empty()) result.push_back(u'.');

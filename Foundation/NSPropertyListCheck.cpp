@@ -127,7 +127,9 @@ class List {
     const std::uint64_t count = bigEndian(trailer.subspan(8, 8));
     list._top = bigEndian(trailer.subspan(16, 8));
     const std::uint64_t table = bigEndian(trailer.subspan(24, 8));
-    const auto isSize = [](std::uint64_t size) { return size <= 8 && std::has_single_bit(size); };
+    const auto isSize = [](std::uint64_t size) {
+      return size > 0 && size <= 8 && std::has_single_bit(size);
+    };
     if (!isSize(list._offsetSize) || !isSize(list._referenceSize)) return std::nullopt;
     const std::size_t tableEnd = bytes.size() - trailerSize;
     if (list._top >= count || table < magic.size() || table > tableEnd ||

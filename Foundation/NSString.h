@@ -150,7 +150,7 @@ class NS_EXPORT NSString : public NSObject {
   NSRef<NSString> stringByExpandingTildeInPath() const;
   /// The path with the tilde expanded and without empty names, "." and "/" at the end. Of an
   /// absolute path ".." goes to the parent, the real one where the name before is a symbolic link;
-  /// of a relative one it stays.
+  /// of a relative one it stays. "./" stays in front of a name that begins with "~".
   NSRef<NSString> stringByStandardizingPath() const;
 
   /// Percent sequences as the UTF-8 that they stand for; nil when one is broken or the text is not

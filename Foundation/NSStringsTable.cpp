@@ -46,34 +46,25 @@ class TableReader {
  private:
   // Gives false, with the fault noted, for what is no entry.
   bool readEntry() {
-    const auto key = readText();
-    if (!key || !skipBlanks()) return false;
-    std::optional<NSUnitBuffer> value;
-    if (take(u'=')) {
-      if (!skipBlanks()) return false;
-      value = readText();
-      if (!value || !skipBlanks()) return false;
-    }
+    NSUnitBuffer key;
+    if (!readText(key) || !skipBlanks()) return false;
+    NSUnitBuffer value;
+    const bool hasValue = take(u'=');
+    if (hasValue && !(skipBlanks() && readText(value) && skipBlanks())) return false;
     if (!take(u';')) return fail("\";\" expected");
-    auto text = NSMake<NSString>(value ? value->view() : key->view());
-    _entries->setObject_forKey(text, NSMake<NSString>(key->view()));
+    _entries->setObject_forKey(NSMake<NSString>(hasValue ? value.view() : key.view()),
+                               NSMake<NSString>(key.view()));
     return true;
   }
 
-  std::optional<NSUnitBuffer> readText() {
-    NSUnitBuffer text;
+  bool readText(NSUnitBuffer& text) {
     if (_at < _text.size() && (_text[_at] == u'"' || _text[_at] == u'\'')) {
-      if (!readQuoted(_text[_at], text)) return std::nullopt;
-      return text;
+      return readQuoted(_text[_at], text);
     }
     const std::size_t start = _at;
     while (_at < _text.size() && isWordUnit(_text[_at])) ++_at;
-    if (_at == start) {
-      fail("text expected");
-      return std::nullopt;
-    }
     text.append(_text.substr(start, _at - start));
-    return text;
+    return _at != start || fail("text expected");
   }
 
   bool readQuoted(char16_t mark, NSUnitBuffer& text) {

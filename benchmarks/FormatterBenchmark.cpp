@@ -138,6 +138,7 @@ void addAddresses() {
   const auto details = RowDetails{.calls = addresses.size()};
   std::vector<NSRef<NSString>> texts;
   std::vector<std::string> bytes(addresses.begin(), addresses.end());
+  texts.reserve(bytes.size());
   for (const std::string& address : bytes) texts.push_back(NSMake<NSString>(address));
   const auto formatter = NSMake<ZKURLFormatter>();
   addRow(
@@ -164,6 +165,7 @@ void addAddresses() {
       [](std::size_t taken) { return taken == addresses.size(); }, details);
 #ifdef ZK_HAS_QT
   std::vector<QString> strings;
+  strings.reserve(addresses.size());
   for (const char* const address : addresses) strings.push_back(QString::fromLatin1(address));
   addRow(
       "Address/Typed/Qt",

@@ -227,7 +227,7 @@ TEST(NSNumberFormatter, RefusesSettingsThatMakeNoSense) {
     const char* key;
     NSRef<NSObject> value;
   };
-  for (const auto& [key, value] : std::to_array<Row>({
+  for (const Row& row : std::to_array<Row>({
            {"numberStyle", NSMake<NSNumber>(9)},
            {"numberStyle", NSMake<NSNumber>(-1)},
            {"maximumFractionDigits", NSMake<NSNumber>(1.5)},
@@ -237,8 +237,8 @@ TEST(NSNumberFormatter, RefusesSettingsThatMakeNoSense) {
            {"locale", NSMake<NSNumber>(1)},
        })) {
     expectRaises(NSInvalidUnarchiveOperationException,
-                 std::string("the number formatter's ").append(key).append(" cannot be read"),
-                 [&] { read(NSMake<NSString>(key), value); });
+                 std::string("the number formatter's ").append(row.key).append(" cannot be read"),
+                 [&] { read(NSMake<NSString>(row.key), row.value); });
   }
 }
 
@@ -261,7 +261,7 @@ TEST(NSLocale, ComesFromTheEnvironment) {
     const char* identifier;
     const char* languages;
   };
-  for (const auto& [environment, identifier, languages] : std::to_array<Row>({
+  for (const Row& row : std::to_array<Row>({
            {{"", "", "", ""}, "en_US_POSIX", "en"},
            {{"de", "C.UTF-8", "", "fr_FR"}, "en_US_POSIX", "en"},
            {{"", "", "", "de_CH.UTF-8"}, "de_CH", "de-CH"},
@@ -272,16 +272,16 @@ TEST(NSLocale, ComesFromTheEnvironment) {
        })) {
     const auto check = [&] {
       const std::array names = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};
-      for (std::size_t k = 0; k < names.size(); ++k) ::setenv(names[k], environment[k], 1);
+      for (std::size_t k = 0; k < names.size(); ++k) ::setenv(names[k], row.environment[k], 1);
       NSLocale::setCurrentLocale(nullptr);
       NSLocale::setPreferredLanguages(nullptr);
       std::cerr << NSLocale::currentLocale()->localeIdentifier() << ": "
                 << NSLocale::preferredLanguages()->componentsJoinedByString(u", "_ns);
       std::_Exit(0);
     };
-    std::string expected = identifier;
+    std::string expected = row.identifier;
     EXPECT_EXIT(check(), testing::ExitedWithCode(0),
-                expected.append(": ").append(languages).append("$"));
+                expected.append(": ").append(row.languages).append("$"));
   }
 }
 

@@ -150,7 +150,7 @@ TEST(NSPath, IsStandardized) {
   const fs::path folder = fs::temp_directory_path() / ("zk path " + std::to_string(getpid()));
   fs::create_directories(folder / "real" / "deep");
   fs::create_directory_symlink(folder / "real" / "deep", folder / "link");
-  const std::string inside = folder.native();
+  const std::string& inside = folder.native();
   const char* const home = std::getenv("HOME");
   const std::string expandedHome = path("~")->stringByExpandingTildeInPath()->utf8();
   EXPECT_EQ(expandedHome, home == nullptr ? expandedHome : fs::path(home).native());
@@ -162,6 +162,7 @@ TEST(NSPath, IsStandardized) {
            {"../x/./y", "../x/y"},
            {"a/../b//", "a/../b"},
            {"./.", "."},
+           {".//~/a", "./~/a"},
            {"", ""},
            {"/", "/"},
            {"/a/./b//c/", "/a/b/c"},
