@@ -1,6 +1,7 @@
 #include "Foundation/NSArchivedClasses.h"
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSData.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSKeyedArchiver.h"
@@ -81,11 +82,23 @@ NSArchivedClass dictionaryClass(const char16_t* name) {
 NSArchivedClass mutableStringClass() {
   return {NSClass::of<NSMutableString>(), u"NSMutableString",
           [](const NSObject& object, NSKeyedArchiver& coder) {
-            coder.encodeObject_forKey(static_cast<const NSString&>(object).copy(), u"NS.string"_ns);
+            coder.encodeText_forKey(static_cast<const NSString&>(object), u"NS.string"_ns);
           },
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
             return NSMake<NSMutableString>(
                 NSViewOf(coder.decodeObjectOfClass<NSString>(u"NS.string"_ns)));
+          }};
+}
+
+// Data stand in the table as they are; other writers make records of them.
+NSArchivedClass dataClass(const char16_t* name) {
+  return {NSClass::of<NSData>(), name,
+          [](const NSObject& object, NSKeyedArchiver& coder) {
+            coder.encodeObject_forKey(object.self(), u"NS.data"_ns);
+          },
+          [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
+            auto data = coder.decodeObjectOfClass<NSData>(u"NS.data"_ns);
+            return data ? data : NSMake<NSData>();
           }};
 }
 
@@ -133,6 +146,8 @@ std::span<const NSArchivedClass> NSArchivedClasses() {
           dictionaryClass<NSMutableDictionary>(u"NSMutableDictionary"),
           dictionaryClass<NSDictionary>(u"NSDictionary"),
           mutableStringClass(),
+          dataClass(u"NSMutableData"),
+          dataClass(u"NSData"),
           nullClass(),
           urlClass(),
           localeClass(),

@@ -17,14 +17,8 @@ namespace {
 class Capitalizer {
  public:
   explicit Capitalizer(const NSRef<NSLocale>& locale) : _locale(locale) {
-    const std::string identifier = locale->localeIdentifier()->utf8();
-    UErrorCode status = U_ZERO_ERROR;
-    _map.reset(ucasemap_open(identifier.c_str(), U_FOLD_CASE_DEFAULT, &status));
-    NSCheckICU(status);
-    UBreakIterator* const words = ubrk_open(UBRK_WORD, identifier.c_str(), nullptr, 0, &status);
-    NSCheckICU(status);
-    ucasemap_setBreakIterator(_map.get(), words, &status);
-    NSCheckICU(status);
+    // An identifier that ICU cannot make anything of has the habits of no language.
+    if (U_FAILURE(open(locale->localeIdentifier()->utf8()))) NSCheckICU(open(""));
   }
 
   const NSRef<NSLocale>& locale() const { return _locale; }
@@ -44,6 +38,13 @@ class Capitalizer {
   }
 
  private:
+  UErrorCode open(const std::string& identifier) {
+    UErrorCode status = U_ZERO_ERROR;
+    _map.reset(ucasemap_open(identifier.c_str(), U_FOLD_CASE_DEFAULT, &status));
+    UBreakIterator* const words = ubrk_open(UBRK_WORD, identifier.c_str(), nullptr, 0, &status);
+    if (U_SUCCESS(status)) ucasemap_setBreakIterator(_map.get(), words, &status);
+    return status;
+  }
   std::int32_t map(std::u16string_view text, NSUnitBuffer& result, std::size_t room,
                    UErrorCode& status) {
     char16_t* const out = result.extend(room);

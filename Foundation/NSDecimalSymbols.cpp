@@ -26,6 +26,33 @@ std::u16string symbol(const OldFormatter& formatter, UNumberFormatSymbol which) 
   return {units.data(), static_cast<std::size_t>(length)};
 }
 
+// Whether ICU can write numbers so: not with numbering systems that do not exist or have no digits.
+bool canWriteNumbers(const std::string& locale) {
+  UErrorCode status = U_ZERO_ERROR;
+  const OldFormatter old(unum_open(UNUM_DECIMAL, nullptr, 0, locale.c_str(), nullptr, &status));
+  if (U_FAILURE(status)) return false;
+  // A formatter of Roman numerals, for one, has no symbols.
+  std::array<char16_t, 32> sign{};
+  unum_getSymbol(old.get(), UNUM_MINUS_SIGN_SYMBOL, sign.data(), sign.size(), &status);
+  if (U_FAILURE(status)) return false;
+  const std::unique_ptr<UNumberFormatter, Closer<&unumf_close>> formatter(
+      unumf_openForSkeletonAndLocale(u"", 0, locale.c_str(), &status));
+  const std::unique_ptr<UFormattedNumber, Closer<&unumf_closeResult>> number(
+      unumf_openResult(&status));
+  if (U_SUCCESS(status)) unumf_formatDecimal(formatter.get(), "-1.5", -1, number.get(), &status);
+  return U_SUCCESS(status);
+}
+
+// The locale, or the nearest to it that will do: keywords stand behind "@" or "-u-".
+std::string localeForNumbers(const std::string& locale) {
+  if (canWriteNumbers(locale)) return locale;
+  for (const char* const keywords : {"@", "-u-", "_u_"}) {
+    std::string shorter = locale.substr(0, locale.find(keywords));
+    if (canWriteNumbers(shorter)) return shorter;
+  }
+  return {};
+}
+
 // Whether ICU puts a separator into a number with so many digits before the last group. The old
 // interface does not tell how many the locale wants there, so the number is tried.
 bool isSeparated(const std::string& locale, const std::u16string& separator, std::size_t digits) {
@@ -57,10 +84,10 @@ bool isDigit(char unit) { return unit >= '0' && unit <= '9'; }
 
 }  // namespace
 
-NSDecimalSymbols::NSDecimalSymbols(const std::string& locale) {
+NSDecimalSymbols::NSDecimalSymbols(const std::string& locale) : _locale(localeForNumbers(locale)) {
   UErrorCode status = U_ZERO_ERROR;
   const OldFormatter formatter(
-      unum_open(UNUM_DECIMAL, nullptr, 0, locale.c_str(), nullptr, &status));
+      unum_open(UNUM_DECIMAL, nullptr, 0, _locale.c_str(), nullptr, &status));
   NSCheckICU(status);
   for (std::size_t digit = 0; digit < _digits.size(); ++digit) {
     const auto which =
@@ -81,7 +108,7 @@ NSDecimalSymbols::NSDecimalSymbols(const std::string& locale) {
   _otherGroups = attribute(UNUM_SECONDARY_GROUPING_SIZE);
   if (_otherGroups == 0) _otherGroups = _lastGroup;
   constexpr std::size_t mostTried = 4;
-  while (_lastGroup != 0 && !isSeparated(locale, _separator, _lastGroup + _leastBeforeLastGroup)) {
+  while (_lastGroup != 0 && !isSeparated(_locale, _separator, _lastGroup + _leastBeforeLastGroup)) {
     if (++_leastBeforeLastGroup > mostTried) _lastGroup = 0;
   }
 }

@@ -9,14 +9,20 @@
 
 /// How a locale writes decimal numbers: the values that ICU has for it, kept in a form that takes
 /// no call to write a number.
-struct NSDecimalSymbols {
+class NSDecimalSymbols {
+ public:
   explicit NSDecimalSymbols(const std::string& locale);
+
+  /// The locale under which ICU writes its numbers: without keywords if they ask for what it does
+  /// not know.
+  const std::string& locale() const noexcept { return _locale; }
 
   /// Appends a number of the form "-12345.67", in ASCII digits, as the locale writes it. What is
   /// neither digit, "-" in front nor "." stays as it is.
   void append(std::string_view decimal, bool isGrouped, NSUnitBuffer& text) const;
 
  private:
+  std::string _locale;
   std::array<char32_t, 10> _digits{};
   std::u16string _minus;
   std::u16string _point;

@@ -1,5 +1,6 @@
 #include "Foundation/NSFormat.h"
 
+#include "Foundation/NSNumber.h"
 #include "Foundation/NSObject.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSUnicode.h"
@@ -170,9 +171,8 @@ void appendFloating(const Conversion& conversion, double value, NSUnitBuffer& te
                       : letter == 'g' ? std::chars_format::general
                       : letter == 'a' ? std::chars_format::hex
                                       : std::chars_format::fixed;
-  const bool isShortest = letter == '@' || (letter == 'a' && !conversion.precision);
-  const char* const end = letter == '@' ? std::to_chars(start, limit, magnitude).ptr
-                          : isShortest
+  const bool isShortest = letter == 'a' && !conversion.precision;
+  const char* const end = isShortest
                               ? std::to_chars(start, limit, magnitude, format).ptr
                               : std::to_chars(start, limit, magnitude, format, precision).ptr;
   std::string digits(std::as_const(room).data(), end);
@@ -208,7 +208,9 @@ void appendArgument(const Conversion& conversion, const NSFormatArgument& argume
                  std::get_if<NSFormatArgument::Integer>(&argument.value())) {
     appendInteger(fitting(conversion, "diuoxXcCp"), *integer, text);
   } else if (const auto* const number = std::get_if<double>(&argument.value())) {
-    appendFloating(fitting(conversion, "fFeEgGaA"), *number, text);
+    const Conversion fit = fitting(conversion, "fFeEgGaA");
+    if (fit.letter != '@') return appendFloating(fit, *number, text);
+    appendPadded(fit, NSMake<NSNumber>(*number)->stringValue()->view(), text);
   } else if (const auto* const units = std::get_if<std::u16string_view>(&argument.value())) {
     appendPadded(conversion, *units, text);
   } else {

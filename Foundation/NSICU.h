@@ -24,7 +24,11 @@ inline const char16_t* NSICUText(std::u16string_view text) {
   return text.empty() ? u"" : text.data();
 }
 
-/// The arguments are right and ICU has its data, so that nothing but memory can be missing.
+/// For calls whose arguments are known to be right, so that nothing but memory can be missing.
 inline void NSCheckICU(UErrorCode status) {
-  if (U_FAILURE(status)) throw std::bad_alloc();
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  if (U_FAILURE(status)) {
+    NSException::raise(NSInternalInconsistencyException,
+                       std::string("ICU failed with ").append(u_errorName(status)));
+  }
 }

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr unsigned deepest = 1000;
+constexpr unsigned deepest = 500;
 
 [[noreturn]] void raiseCannotArchive(const std::string& what) {
   NSException::raise(NSInvalidArchiveOperationException, what + " cannot be archived");
@@ -116,7 +116,7 @@ struct NSKeyedArchiver::Archive {
   }
 
   void encodeRecord(const NSRef<NSObject>& object, plist_t record, NSKeyedArchiver& coder) {
-    if (++depth > deepest) raiseCannotArchive("a graph of more than 1000 objects in each other");
+    if (++depth > deepest) raiseCannotArchive("a graph of more than 500 objects in each other");
     plist_t const outer = std::exchange(current, record);
     NSClass itself = object->objectClass();
     if (const auto* const coding = object.cast<NSCoding>()) {
@@ -177,6 +177,12 @@ void NSKeyedArchiver::encodeObject_forKey(const NSRef<NSObject>& object,
   const std::string text = archivedKey(key, "encodeObject:forKey:");
   plist_t const reference = _archive->referenceTo(object, *this);
   plist_dict_set_item(_archive->current, text.c_str(), reference);
+}
+
+void NSKeyedArchiver::encodeText_forKey(const NSString& text, const NSRef<NSString>& key) {
+  const std::string name = archivedKey(key, "encodeText:forKey:");
+  plist_dict_set_item(_archive->current, name.c_str(),
+                      checked(plist_new_string(archivedText(text).c_str())));
 }
 
 void NSKeyedArchiver::encodeObjects_forKey(std::span<const NSRef<NSObject>> objects,

@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr unsigned deepest = 1000;
+constexpr unsigned deepest = 500;
 
 [[noreturn]] void raiseBroken(const std::string& reason) {
   NSException::raise(NSInvalidUnarchiveOperationException, reason);
@@ -114,6 +114,7 @@ struct NSKeyedUnarchiver::Archive {
     nodes = itemsOf(table);
     objects.resize(nodes.size());
     states.resize(nodes.size(), State::unread);
+    heights.resize(nodes.size(), 0);
   }
 
   // The value under the key of the object at hand, null when there is none.
@@ -135,6 +136,8 @@ struct NSKeyedUnarchiver::Archive {
   }
 
   NSRef<NSObject> object(plist_t reference, const NSRef<NSString>& key, NSKeyedUnarchiver& coder) {
+    // Some classes write text and data in their place.
+    if (is(reference, PLIST_STRING) || is(reference, PLIST_DATA)) return read(reference, coder);
     const auto index = referenced(reference);
     if (!index) raiseWrongKind(key, "an object");
     if (*index == 0) return nullptr;
@@ -145,9 +148,12 @@ struct NSKeyedUnarchiver::Archive {
       raiseBroken("the object for key '" + key->utf8() + "' contains itself");
     }
     if (states[*index] == State::unread) {
-      const BeingRead reading(states[*index]);
+      const BeingRead reading(*this, *index);
       objects[*index] = read(nodes[*index], coder);
     }
+    tallest = std::max(tallest, heights[*index]);
+    // An object that has been read before may itself be the top of a tall graph.
+    if (depth + heights[*index] > deepest) raiseTooDeep();
     return objects[*index];
   }
 
@@ -160,14 +166,22 @@ struct NSKeyedUnarchiver::Archive {
   // Both also when reading raises: the reader may catch that and go on.
   class BeingRead {
    public:
-    explicit BeingRead(State& state) : _state(state) { _state = State::isBeingRead; }
+    BeingRead(Archive& archive, std::uint64_t index)
+        : _archive(archive), _index(index), _outerTallest(std::exchange(archive.tallest, 0)) {
+      _archive.states[_index] = State::isBeingRead;
+    }
     BeingRead(const BeingRead&) = delete;
     ~BeingRead() {
-      _state = std::uncaught_exceptions() > _exceptions ? State::unread : State::isRead;
+      const bool hasRaised = std::uncaught_exceptions() > _exceptions;
+      _archive.states[_index] = hasRaised ? State::unread : State::isRead;
+      _archive.heights[_index] = _archive.tallest;
+      _archive.tallest = _outerTallest;
     }
 
    private:
-    State& _state;
+    Archive& _archive;
+    std::uint64_t _index;
+    unsigned _outerTallest;
     int _exceptions = std::uncaught_exceptions();
   };
   class Entering {
@@ -216,13 +230,27 @@ struct NSKeyedUnarchiver::Archive {
   }
 
   NSRef<NSObject> readRecord(plist_t record, NSKeyedUnarchiver& coder) {
-    const auto classIndex = referenced(item(record, "$class"));
-    if (!classIndex || *classIndex >= nodes.size()) raiseBroken("an object has no class");
-    plist_t const name = item(nodes[*classIndex], "$classname");
-    if (!is(name, PLIST_STRING)) raiseBroken("a class has no name");
-    if (depth == deepest) raiseBroken("more than 1000 objects are in each other");
+    const std::u16string& name = className(record);
+    if (depth == deepest) raiseTooDeep();
     const Entering entering(*this, record);
-    return make(NSUnitsFromUTF8(textOf(name)).view(), coder);
+    auto object = make(name, coder);
+    ++tallest;
+    return object;
+  }
+
+  // Kept, as a look-up of libplist's goes through all keys of the class's record.
+  const std::u16string& className(plist_t record) {
+    const auto index = referenced(item(record, "$class"));
+    if (!index || *index >= nodes.size()) raiseBroken("an object has no class");
+    if (const auto known = classNames.find(*index); known != classNames.end()) return known->second;
+    plist_t const name = item(nodes[*index], "$classname");
+    if (!is(name, PLIST_STRING)) raiseBroken("a class has no name");
+    const NSUnitBuffer units = NSUnitsFromUTF8(textOf(name));
+    return classNames.emplace(*index, units.view()).first->second;
+  }
+
+  [[noreturn]] static void raiseTooDeep() {
+    raiseBroken("more than " + std::to_string(deepest) + " objects are in each other");
   }
 
   static NSRef<NSObject> make(std::u16string_view name, NSKeyedUnarchiver& coder) {
@@ -246,6 +274,11 @@ struct NSKeyedUnarchiver::Archive {
   std::vector<plist_t> nodes;
   std::vector<NSRef<NSObject>> objects;
   std::vector<State> states;
+  // How many objects are in each other below and with each one; and the most of those that the
+  // object at hand has asked for.
+  std::vector<unsigned> heights;
+  unsigned tallest = 0;
+  std::unordered_map<std::uint64_t, std::u16string> classNames;
   unsigned depth = 0;
 };
 

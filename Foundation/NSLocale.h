@@ -9,7 +9,7 @@
 
 class NSArray;
 class NSString;
-struct NSDecimalSymbols;
+class NSDecimalSymbols;
 
 /// A language with the habits of a region, named by an identifier such as "de_CH" or "zh-Hant-TW".
 /// Immutable.

@@ -1,7 +1,6 @@
 #include "Foundation/NSLocalizedTables.h"
 
 #include "Foundation/NSLocale.h"
-#include "Foundation/NSLog.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSStringsTable.h"
 
@@ -34,16 +33,13 @@ fs::path fileOf(const NSRef<NSString>& table, const NSRef<NSArray>& languages,
                 const fs::path& folder) {
   const std::string name = table->utf8() + ".strings";
   for (const auto& language : languages) {
-    fs::path file = fileInLanguage(folder, language->description()->utf8(), name);
+    const auto tag = language.as<NSString>();
+    fs::path file = tag ? fileInLanguage(folder, tag->utf8(), name) : fs::path();
     if (!file.empty()) return file;
   }
   std::error_code error;
   fs::path file = folder / name;
   return fs::is_regular_file(file, error) ? file : fs::path();
-}
-
-void logFault(const std::string& fault) {
-  NSLog(NSMake<NSString>("Localized strings cannot all be read: " + fault));
 }
 
 }  // namespace
@@ -82,12 +78,6 @@ NSRef<NSString> NSLocalizedTables::find(const NSRef<NSString>& key, const NSRef<
     text = _recentEntries->objectForKey(key).as<NSString>();
   }
   // A log sink may look up texts itself.
-  if (!fault.empty()) logFault(fault);
+  NSLogStringsFault(fault);
   return text;
-}
-
-NSRef<NSDictionary> NSString::propertyListFromStringsFileFormat() const {
-  const NSStringsTable table = NSReadStringsTable(view());
-  if (!table.fault.empty()) logFault(table.fault);
-  return table.entries->copy();
 }

@@ -137,6 +137,11 @@ NSRef<NSString> NSNumber::stringValue() const {
     if constexpr (std::same_as<decltype(value), bool>) {
       text[0] = value ? '1' : '0';
       return text.data() + 1;
+    } else if constexpr (std::is_floating_point_v<decltype(value)>) {
+      const double magnitude = std::abs(value);
+      const bool isPlain = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e16);
+      const auto format = isPlain ? std::chars_format::fixed : std::chars_format::scientific;
+      return std::to_chars(text.data(), text.data() + text.size(), value, format).ptr;
     } else {
       return std::to_chars(text.data(), text.data() + text.size(), value).ptr;
     }

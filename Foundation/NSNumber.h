@@ -46,8 +46,8 @@ class NS_EXPORT NSNumber : public NSObject {
   bool isEqual(const NSRef<NSObject>& other) const override;
   NSUInteger hash() const override;
 
-  /// Decimal digits; for a double the shortest that read back as the same; "1" or "0" for a
-  /// boolean.
+  /// Decimal digits; for a double the shortest that read back as the same, with an exponent below
+  /// 1e-4 and from 1e16 on ("100000", "1e+16"); "1" or "0" for a boolean.
   NSRef<NSString> stringValue() const;
   NSRef<NSString> description() const override;
   /// The same with the locale's digits, sign and decimal separator, not in groups; `stringValue`

@@ -4,6 +4,7 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSICU.h"
+#include "Foundation/NSKeyValueCoding.h"
 #include "Foundation/NSKeyedUnarchiver.h"
 #include "Foundation/NSLocale.h"
 #include "Foundation/NSNumber.h"
@@ -110,8 +111,8 @@ class NSNumberFormatter::Rounder {
   }
 
   void append(std::string_view decimal, NSUnitBuffer& text) const {
-    if (_toMultiple) {
-      format(_toMultiple, decimal);
+    // A number that has too many digits for ICU to round it to a multiple stays as it is.
+    if (_toMultiple && U_SUCCESS(tryFormat(_toMultiple, decimal))) {
       std::string multiple = decimalOfResult();
       // A negative number that is rounded to zero keeps its sign.
       if (decimal.starts_with('-') && !multiple.starts_with('-')) multiple.insert(0, 1, '-');
@@ -153,11 +154,14 @@ class NSNumberFormatter::Rounder {
            modeToken(settings);
   }
 
-  void format(const Formatter& formatter, std::string_view decimal) const {
+  UErrorCode tryFormat(const Formatter& formatter, std::string_view decimal) const {
     UErrorCode status = U_ZERO_ERROR;
     unumf_formatDecimal(formatter.get(), decimal.data(), static_cast<std::int32_t>(decimal.size()),
                         _result.get(), &status);
-    NSCheckICU(status);
+    return status;
+  }
+  void format(const Formatter& formatter, std::string_view decimal) const {
+    NSCheckICU(tryFormat(formatter, decimal));
   }
   std::string decimalOfResult() const {
     UErrorCode status = U_ZERO_ERROR;
@@ -221,7 +225,8 @@ void NSNumberFormatter::setMaximumFractionDigits(NSUInteger digits) {
 
 void NSNumberFormatter::setRoundingIncrement(const NSRef<NSNumber>& increment) {
   const double value = increment ? increment->doubleValue() : 0;
-  const bool isIncrement = std::isfinite(value) && value > 0;
+  // Beyond these ICU has no room for a number's steps.
+  const bool isIncrement = value >= 1e-12 && value <= twoTo53;
   _roundingIncrement = isIncrement ? increment : nullptr;
   _settings.increment = isIncrement ? value : 0;
   settingsChanged();
@@ -244,7 +249,7 @@ void NSNumberFormatter::setLocale(const NSRef<NSLocale>& locale) {
 
 const NSNumberFormatter::Rounder& NSNumberFormatter::rounder() const {
   if (!_rounder) {
-    _rounder = std::make_unique<const Rounder>(_settings, _locale->localeIdentifier()->utf8());
+    _rounder = std::make_unique<const Rounder>(_settings, _locale->decimalSymbols().locale());
   }
   return *_rounder;
 }
@@ -323,6 +328,19 @@ NSRef<NSString> NSNumberFormatter::stringForObjectValue(const NSRef<NSObject>& o
   return stringFromNumber(object.as<NSNumber>());
 }
 
+const NSPropertyTable& NSNumberFormatter::propertyTable() const {
+  using Self = NSNumberFormatter;
+  static const NSPropertyTable table({{u"numberStyle", &Self::numberStyle},
+                                      {u"usesGroupingSeparator", &Self::usesGroupingSeparator},
+                                      {u"minimumFractionDigits", &Self::minimumFractionDigits},
+                                      {u"maximumFractionDigits", &Self::maximumFractionDigits},
+                                      {u"roundingIncrement", &Self::roundingIncrement},
+                                      {u"roundingMode", &Self::roundingMode},
+                                      {u"locale", &Self::locale}},
+                                     NSFormatter::propertyTable());
+  return table;
+}
+
 // The platform keeps the settings as a dictionary of numbers by name.
 void NSNumberFormatter::encodeWithCoder(const NSRef<NSCoder>& coder) const {
   NSFormatter::encodeWithCoder(coder);
@@ -364,9 +382,9 @@ NSNumberFormatter::NSNumberFormatter(const NSRef<NSCoder>& coder) : NSFormatter(
   if (const auto grouped = count(u"usesGroupingSeparator", 2)) {
     setUsesGroupingSeparator(*grouped != 0);
   }
-  const auto maximum = count(u"maximumFractionDigits", mostFractionDigits + 1);
+  const auto maximum = count(u"maximumFractionDigits", NSUIntegerMax);
   if (maximum) setMaximumFractionDigits(*maximum);
-  const auto minimum = count(u"minimumFractionDigits", mostFractionDigits + 1);
+  const auto minimum = count(u"minimumFractionDigits", NSUIntegerMax);
   if (minimum) setMinimumFractionDigits(*minimum);
   const auto mode = count(u"roundingMode", modeNames.size());
   if (mode) setRoundingMode(static_cast<NSNumberFormatterRoundingMode>(*mode));

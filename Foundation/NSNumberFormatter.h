@@ -39,7 +39,7 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   NSNumberFormatter();
   /// Reads what `encodeWithCoder` has written; what is missing is as the style sets it, and without
   /// a locale it is the current one. Settings that make no sense raise
-  /// `NSInvalidUnarchiveOperationException`.
+  /// `NSInvalidUnarchiveOperationException`, among them the styles that are not known here.
   explicit NSNumberFormatter(const NSRef<NSCoder>& coder);
   ~NSNumberFormatter() override;
 
@@ -60,7 +60,7 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
 
   /// What numbers are rounded to multiples of; nil when they are not.
   const NSRef<NSNumber>& roundingIncrement() const noexcept { return _roundingIncrement; }
-  /// Nil and anything but a finite number above 0 stand for none.
+  /// Nil and anything but a number from 1e-12 to 2^53 stand for none.
   void setRoundingIncrement(const NSRef<NSNumber>& increment);
 
   NSNumberFormatterRoundingMode roundingMode() const noexcept { return _settings.mode; }
@@ -80,6 +80,8 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
 
   /// Writes the settings, and the locale only if one was set.
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
+  /// The settings by their names besides what every object publishes.
+  const NSPropertyTable& propertyTable() const override;
 
  private:
   struct Settings {

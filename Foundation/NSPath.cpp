@@ -2,6 +2,7 @@
 #include "Foundation/NSString.h"
 
 #include <array>
+#include <climits>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -51,6 +52,7 @@ std::vector<View> namesOf(View path) {
 }
 
 std::string homeOf(const std::string& user) {
+  if (user.find('\0') != std::string::npos) return {};
   if (user.empty()) {
     const char* const home = std::getenv("HOME");  // NOLINT(concurrency-mt-unsafe): only read.
     if (home != nullptr && *home != '\0') return home;
@@ -79,8 +81,10 @@ std::u16string withTildeExpanded(View path) {
 // The folder that holds what an absolute path names, through the link if it names one.
 std::u16string parentOf(const std::u16string& path) {
   std::error_code error;
-  const fs::path onDisk(NSUTF8FromUnits(path));
-  if (fs::is_symlink(onDisk, error)) {
+  // The system knows no longer paths, and none with a zero.
+  const bool mayExist = path.size() < PATH_MAX && path.find(u'\0') == View::npos;
+  const fs::path onDisk(mayExist ? NSUTF8FromUnits(path) : std::string());
+  if (mayExist && fs::is_symlink(onDisk, error)) {
     const fs::path real = fs::canonical(onDisk, error);
     if (!error) {
       const NSUnitBuffer parent = NSUnitsFromUTF8(real.parent_path().native());

@@ -1,7 +1,8 @@
 #include "Foundation/NSPropertyListCheck.h"
 
+#include "Foundation/NSUnicode.h"
+
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -59,7 +60,7 @@ class ObjectReader {
       case Kind::constant:
         return Object{};
       case Kind::integer:
-        return low <= 4 ? value(std::uint64_t{1} << low) : std::nullopt;
+        return integer(low);
       case Kind::real:
         return low == 2 || low == 3 ? value(std::uint64_t{1} << low) : std::nullopt;
       case Kind::date:
@@ -67,10 +68,11 @@ class ObjectReader {
       case Kind::uid:
         return low < 8 ? value(low + 1) : std::nullopt;
       case Kind::data:
-      case Kind::ascii:
         return values(low, 1);
+      case Kind::ascii:
+        return text(low, 1);
       case Kind::utf16:
-        return values(low, 2);
+        return text(low, 2);
       case Kind::array:
       case Kind::set:
         return references(low, 1);
@@ -100,9 +102,35 @@ class ObjectReader {
     const auto digits = take(std::uint64_t{1} << (kind & 0xFU));
     return digits ? std::optional(bigEndian(*digits)) : std::nullopt;
   }
+  // libplist keeps the low half of an integer of 16 bytes, as a signed one.
+  std::optional<Object> integer(std::uint64_t low) {
+    if (low > 4) return std::nullopt;
+    const auto digits = take(std::uint64_t{1} << low);
+    if (!digits) return std::nullopt;
+    const bool isKept = low < 4 || (bigEndian(digits->first(8)) == 0 &&
+                                    std::to_integer<unsigned>((*digits)[8]) < 0x80);
+    return isKept ? std::optional(Object{digits->size(), {}}) : std::nullopt;
+  }
+  std::optional<Bytes> units(std::uint64_t low, std::uint64_t unitSize) {
+    const auto number = count(low);
+    return number && *number <= _bytes.size() ? take(*number * unitSize) : std::nullopt;
+  }
   std::optional<Object> values(std::uint64_t low, std::uint64_t unitSize) {
-    const auto units = count(low);
-    return units && *units <= _bytes.size() ? value(*units * unitSize) : std::nullopt;
+    const auto taken = units(low, unitSize);
+    return taken ? std::optional(Object{taken->size(), {}}) : std::nullopt;
+  }
+  // libplist ends texts at a zero, and what is not well-formed does not come through it.
+  std::optional<Object> text(std::uint64_t low, std::size_t unitSize) {
+    const auto taken = units(low, unitSize);
+    if (!taken) return std::nullopt;
+    bool needsLowHalf = false;
+    for (std::size_t at = 0; at < taken->size(); at += unitSize) {
+      const auto unit = static_cast<char32_t>(bigEndian(taken->subspan(at, unitSize)));
+      const bool isAllowed = unit != 0 && (unitSize == 2 || unit < 0x80);
+      if (!isAllowed || NSIsLowSurrogate(unit) != needsLowHalf) return std::nullopt;
+      needsLowHalf = NSIsHighSurrogate(unit);
+    }
+    return needsLowHalf ? std::nullopt : std::optional(Object{taken->size(), {}});
   }
   std::optional<Object> references(std::uint64_t low, std::uint64_t perElement) {
     const auto elements = count(low);
@@ -127,9 +155,7 @@ class List {
     const std::uint64_t count = bigEndian(trailer.subspan(8, 8));
     list._top = bigEndian(trailer.subspan(16, 8));
     const std::uint64_t table = bigEndian(trailer.subspan(24, 8));
-    const auto isSize = [](std::uint64_t size) {
-      return size > 0 && size <= 8 && std::has_single_bit(size);
-    };
+    const auto isSize = [](std::uint64_t size) { return (size > 0 && size <= 4) || size == 8; };
     if (!isSize(list._offsetSize) || !isSize(list._referenceSize)) return std::nullopt;
     const std::size_t tableEnd = bytes.size() - trailerSize;
     if (list._top >= count || table < magic.size() || table > tableEnd ||
@@ -138,7 +164,8 @@ class List {
     }
     list._offsets = bytes.subspan(table, count * list._offsetSize);
     list._bytes = bytes.first(table);
-    list._isNamed.resize(count);
+    list._count = count;
+    list._isNamed.resize(table);
     return list;
   }
 
@@ -146,17 +173,21 @@ class List {
   bool isFlat() {
     std::vector<std::pair<std::uint64_t, std::size_t>> open{{_top, 0}};
     std::uint64_t copied = 0;
+    std::uint64_t references = 0;
     const std::uint64_t most = copiesAlways + copiesPerByte * _bytes.size();
     while (!open.empty()) {
       const auto [index, depth] = open.back();
       open.pop_back();
-      const auto object = read(index);
-      if (!object || depth > deepest) return false;
-      const bool isContainer = !object->references.empty();
-      if (isContainer && _isNamed[index]) return false;
-      _isNamed[index] = true;
+      const auto offset = offsetOf(index);
+      if (!offset || depth > deepest) return false;
+      const auto object = ObjectReader(_bytes.subspan(*offset), _referenceSize).read();
+      if (!object) return false;
+      if (!object->references.empty() && _isNamed[*offset]) return false;
+      _isNamed[*offset] = true;
       copied += object->size;
-      if (copied > most) return false;
+      // Containers that overlap could name more than there are bytes.
+      references += object->references.size() / _referenceSize;
+      if (copied > most || references > _bytes.size()) return false;
       for (std::size_t at = 0; at < object->references.size(); at += _referenceSize) {
         open.emplace_back(bigEndian(object->references.subspan(at, _referenceSize)), depth + 1);
       }
@@ -165,19 +196,20 @@ class List {
   }
 
  private:
-  std::optional<Object> read(std::uint64_t index) const {
-    if (index >= _isNamed.size()) return std::nullopt;
+  std::optional<std::uint64_t> offsetOf(std::uint64_t index) const {
+    if (index >= _count) return std::nullopt;
     const std::uint64_t offset = bigEndian(_offsets.subspan(index * _offsetSize, _offsetSize));
     if (offset < magic.size() || offset >= _bytes.size()) return std::nullopt;
-    return ObjectReader(_bytes.subspan(offset), _referenceSize).read();
+    return offset;
   }
 
   std::uint64_t _offsetSize = 0;
   std::uint64_t _referenceSize = 0;
   std::uint64_t _top = 0;
+  std::uint64_t _count = 0;
   Bytes _offsets;
   Bytes _bytes;
-  std::vector<bool> _isNamed;
+  std::vector<bool> _isNamed;  // By offset.
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "Foundation/NSStringsTable.h"
 
+#include "Foundation/NSLog.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSUnicode.h"
 
@@ -186,6 +187,17 @@ NSUnitBuffer unitsOfUTF16(std::string_view bytes, bool isBigEndian) {
 }
 
 }  // namespace
+
+void NSLogStringsFault(const std::string& fault) {
+  if (fault.empty()) return;
+  NSLog(NSMake<NSString>("Localized strings cannot all be read: " + fault));
+}
+
+NSRef<NSDictionary> NSString::propertyListFromStringsFileFormat() const {
+  const NSStringsTable table = NSReadStringsTable(view());
+  NSLogStringsFault(table.fault);
+  return table.entries->copy();
+}
 
 NSStringsTable NSReadStringsTable(std::u16string_view text) { return TableReader(text).read(); }
 

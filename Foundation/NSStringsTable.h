@@ -13,6 +13,9 @@ struct NSStringsTable {
   std::string fault;
 };
 
+/// Writes the one log line of a table with a fault; nothing for an empty one.
+void NSLogStringsFault(const std::string& fault);
+
 /// Reads a table's text: `"key" = "value";` with comments as in C++, in any layout. Words of ASCII
 /// letters, digits and "_-.:/$" need no quotation marks; `key;` stands for itself. The last of
 /// equal keys counts. What cannot be read is passed over up to the end of its line.

@@ -84,8 +84,9 @@ std::string pathBytes(const NSRef<NSString>& path, const char* operation) {
 }
 
 NSRef<NSURL> fileURL(const fs::path& path, bool isDirectory) {
-  if (path.empty()) return nullptr;
-  std::string bytes = fs::absolute(path).native();
+  std::error_code error;
+  std::string bytes = path.empty() ? std::string() : fs::absolute(path, error).native();
+  if (bytes.empty() || error || bytes.find('\0') != std::string::npos) return nullptr;
   if (isDirectory && !bytes.ends_with('/')) bytes.push_back('/');
   return NSURL::URLWithString(NSMake<NSString>(
       "file://" + NSPercentEncoded(bytes, *NSCharacterSet::URLPathAllowedCharacterSet())));

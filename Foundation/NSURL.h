@@ -22,8 +22,9 @@ class NS_EXPORT NSURL : public NSObject {
   /// ASCII or with a "%" that begins no percent sequence; also for nil.
   static NSRef<NSURL> URLWithString(const NSRef<NSString>& text);
   /// The file URL of a path, made absolute by the current directory if it is relative, with "/" at
-  /// the end if it has one or is a directory on the disk. Nil for an empty path, and for one with
-  /// U+0000 or half of a surrogate pair, which no file has. A nil path raises
+  /// the end if it has one or is a directory on the disk. Nil for an empty path, for one with
+  /// U+0000 or half of a surrogate pair, which no file has, and for a relative one when the current
+  /// directory is gone. A nil path raises
   /// `NSInvalidArgumentException`.
   static NSRef<NSURL> fileURLWithPath(const NSRef<NSString>& path);
   /// The same without a look at the disk: the URL ends with "/" if it is a directory.

@@ -11,6 +11,8 @@
 
 #include <unistd.h>
 
+#include <ZKFoundation/ZKFoundation.h>
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -135,9 +137,9 @@ TEST_F(Archiving, RefusesWhatTheFormCannotHold) {
   refusal(NSMake<NSNumber>(NSUIntegerMax), "the number 18446744073709551615");
   refusal(NSMake<Plain>(), ("an object of class " + NSClass::of<Plain>().name()->utf8()).c_str());
   auto nested = NSMake<NSArray>();
-  for (int k = 1; k < 1000; ++k) nested = NSMake<NSArray>({nested});
+  for (int k = 1; k < 500; ++k) nested = NSMake<NSArray>({nested});
   EXPECT_TRUE(roundTrip(nested)->isEqual(nested));
-  refusal(NSMake<NSArray>({nested}), "a graph of more than 1000 objects in each other");
+  refusal(NSMake<NSArray>({nested}), "a graph of more than 500 objects in each other");
 
   const auto archiver = NSMake<NSKeyedArchiver>();
   expectRaises(NSInvalidArgumentException, "key is nil (in 'encodeBool:forKey:')",
@@ -258,63 +260,153 @@ TEST_F(Archiving, RefusesArchivesThatWouldNotFitInMemory) {
   }
 }
 
-TEST_F(Archiving, RefusesObjectsInThemselves) {
-  // What plistutil makes of references is as easily written by hand.
-  const auto reference = [](const char* index) {
-    return std::string("<dict><key>CF$UID</key><integer>")
-        .append(index)
-        .append("</integer></dict>");
-  };
-  const auto archive = [&](const std::string& root, const std::string& element) {
-    return "<plist version=\"1.0\"><dict><key>$version</key><integer>100000</integer>"
-           "<key>$archiver</key><string>NSKeyedArchiver</string><key>$top</key><dict><key>root</"
-           "key>" +
-           reference(root.c_str()) +
-           "</dict><key>$objects</key><array><string>$null</string><dict><key>$class</key>" +
-           reference("2") + "<key>NS.objects</key><array>" + reference(element.c_str()) +
-           "</array></dict><dict><key>$classname</key><string>NSArray</string></dict></array>"
-           "</dict></plist>";
-  };
-  const fs::path folder = fs::temp_directory_path() / ("zk archive " + std::to_string(getpid()));
-  fs::create_directory(folder);
-  const auto outcome = [&](const std::string& xml) {
-    std::ofstream(folder / "in.xml") << xml;
-    const std::string command = "plistutil -i '" + (folder / "in.xml").native() + "' -o '" +
-                                (folder / "out.bin").native() + "' -f bin";
+// A file of the test in a folder of its own.
+class Folder {
+ public:
+  Folder() { fs::create_directory(_path); }
+  Folder(const Folder&) = delete;
+  ~Folder() { fs::remove_all(_path); }
+
+  // The bytes in another format, by the tool of libplist's: "xml" or "bin".
+  std::string converted(std::string_view bytes, const std::string& format) const {
+    std::ofstream(_path / "in", std::ios::binary) << bytes;
+    std::string command = "plistutil -i '" + (_path / "in").native();
+    command.append("' -o '").append((_path / "out").native()).append("' -f ").append(format);
     EXPECT_EQ(std::system(command.c_str()), 0);  // NOLINT: a fixed command
-    std::ifstream file(folder / "out.bin", std::ios::binary);
-    const std::string bytes(std::istreambuf_iterator<char>(file), {});
-    try {
-      return read(NSMake<NSData>(std::string_view(bytes)))->description()->utf8();
-    } catch (const NSException& exception) {
-      return exception.reason()->utf8();
-    }
-  };
-  EXPECT_EQ(outcome(archive("1", "1")), "the object for key 'NS.objects' contains itself");
-  EXPECT_EQ(outcome(archive("1", "9")),
+    return contents(_path / "out");
+  }
+  static std::string contents(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+
+ private:
+  fs::path _path = fs::temp_directory_path() / ("zk archive " + std::to_string(getpid()));
+};
+
+std::string reference(int index) {
+  return "<dict><key>CF$UID</key><integer>" + std::to_string(index) + "</integer></dict>";
+}
+
+std::string record(int classIndex, const std::string& entries) {
+  return "<dict><key>$class</key>" + reference(classIndex) + entries + "</dict>";
+}
+
+std::string listOf(std::initializer_list<int> indexes) {
+  std::string list = "<key>NS.objects</key><array>";
+  for (const int index : indexes) list += reference(index);
+  return list + "</array>";
+}
+
+std::string classNamed(const char* name) {
+  return std::string("<dict><key>$classname</key><string>").append(name).append("</string></dict>");
+}
+
+// What becomes of an archive of these objects, the first of which is the root.
+std::string outcome(const std::string& objects) {
+  const Folder folder;
+  const std::string xml =
+      "<plist version=\"1.0\"><dict><key>$version</key><integer>100000</integer>"
+      "<key>$archiver</key><string>NSKeyedArchiver</string><key>$top</key><dict><key>root</key>" +
+      reference(1) + "</dict><key>$objects</key><array><string>$null</string>" + objects +
+      "</array></dict></plist>";
+  try {
+    const auto object = read(NSMake<NSData>(std::string_view(folder.converted(xml, "bin"))));
+    return object ? object->description()->utf8() : "nil";
+  } catch (const NSException& exception) {
+    return exception.reason()->utf8();
+  }
+}
+
+TEST_F(Archiving, RefusesObjectsThatCannotBe) {
+  const std::string array = classNamed("NSArray");
+  EXPECT_EQ(outcome(record(2, listOf({1})) + array),
+            "the object for key 'NS.objects' contains itself");
+  EXPECT_EQ(outcome(record(2, listOf({3})) + array),
             "value for key 'NS.objects' refers to an object that is not there");
-  EXPECT_EQ(outcome(archive("1", "0")), "an element is nil (in 'initWithObjects:')");
-  EXPECT_EQ(outcome(archive("2", "0")), "an object has no class");
-  fs::remove_all(folder);
+  EXPECT_EQ(outcome(record(2, listOf({-1})) + array),
+            "value for key 'NS.objects' refers to an object that is not there");
+  EXPECT_EQ(outcome(record(2, listOf({0})) + array), "an element is nil (in 'initWithObjects:')");
+  EXPECT_EQ(outcome(record(3, "") + array), "an object has no class");
+  EXPECT_EQ(outcome(record(1, "") + array), "a class has no name");
+  EXPECT_EQ(outcome(array + array), "an object has no class");
+  EXPECT_EQ(outcome("<array/>"), "an object of the archive is of no kind that objects have");
+
+  // Chains of 400 in each other; the second begins with the end of the first.
+  const auto chained = [&](int first, int count, int end) {
+    std::string chain;
+    for (int k = 0; k < count; ++k)
+      chain += record(2, listOf({k + 1 < count ? first + k + 1 : end}));
+    return chain;
+  };
+  const std::string head = record(2, listOf({3, 403})) + array;
+  EXPECT_EQ(outcome(head + chained(3, 400, 503) + chained(403, 100, 3) + "<string>a</string>"),
+            "more than 500 objects are in each other");
+  EXPECT_EQ(outcome(head + chained(3, 400, 502) + chained(403, 99, 3) + "<string>a</string>")
+                .substr(0, 2),
+            "((");
+}
+
+TEST_F(Archiving, ReadsRecordsOfOtherWriters) {
+  EXPECT_EQ(outcome(record(2, "<key>NS.string</key><string>inline</string>") +
+                    classNamed("NSMutableString")),
+            "inline");
+  EXPECT_EQ(outcome(record(2, "<key>NS.data</key><data>AAEC</data>") + classNamed("NSMutableData")),
+            "NSData of 3 bytes");
+}
+
+NSRef<NSArray> sample() {
+  const auto sizes = NSMake<ZKUnitOfInformationFormatter>();
+  sizes->setUsesIECBinaryPrefixesForCalculation(false);
+  sizes->setUsesIECBinaryPrefixesForDisplay(true);
+  sizes->numberFormatter()->setMinimumFractionDigits(1);
+  return NSMake<NSArray>(
+      {sizes, NSMake<NSMutableString>("text"), NSMake<NSDictionary>({{u"key"_ns, u"value"_ns}}),
+       NSURL::URLWithString(u"http://a.b"_ns), NSLocale::localeWithLocaleIdentifier(u"de_CH"_ns)});
+}
+
+// The form is fixed: others read it, and archives are kept for long.
+TEST_F(Archiving, HasTheFormThatIsKept) {
+  const std::string kept = Folder::contents(ZK_ARCHIVES "/sample.xml");
+  const auto withoutLayout = [](std::string xml) {
+    std::erase_if(xml, [](char c) { return c == '\n' || c == '\t'; });
+    return xml;
+  };
+  const Folder folder;
+  EXPECT_EQ(withoutLayout(folder.converted(archived(sample())->view(), "xml")),
+            withoutLayout(kept));
+
+  const auto copy =
+      read(NSMake<NSData>(std::string_view(folder.converted(kept, "bin")))).as<NSArray>();
+  const auto sizes = copy->firstObject().as<ZKUnitOfInformationFormatter>();
+  EXPECT_TRUE(sizes->displaysInTermsOfBytes());
+  EXPECT_FALSE(sizes->usesIECBinaryPrefixesForCalculation());
+  EXPECT_TRUE(sizes->usesIECBinaryPrefixesForDisplay());
+  EXPECT_EQ(sizes->numberFormatter()->minimumFractionDigits(), 1);
+  EXPECT_EQ(sizes->numberFormatter()->roundingIncrement()->doubleValue(), 0.01F);
+  for (NSUInteger k = 1; k < copy->count(); ++k) {
+    EXPECT_TRUE(copy->objectAtIndex(k)->isEqual(sample()->objectAtIndex(k))) << k;
+  }
 }
 
 TEST_F(Archiving, ComesBackThroughXML) {
-  const fs::path folder = fs::temp_directory_path() / ("zk archive " + std::to_string(getpid()));
-  fs::create_directory(folder);
-  const auto file = [&](const char* name) { return (folder / name).native(); };
   const auto original = everything();
-  std::ofstream(file("a.bin"), std::ios::binary) << archived(original)->view();
-  for (const auto& [from, to, format] :
-       {std::tuple("a.bin", "a.xml", "xml"), {"a.xml", "b.bin", "bin"}}) {
-    const std::string command =
-        "plistutil -i '" + file(from) + "' -o '" + file(to) + "' -f " + format;
-    ASSERT_EQ(std::system(command.c_str()), 0);  // NOLINT: a fixed command
-  }
-  std::ifstream stream(file("b.bin"), std::ios::binary);
-  const std::string bytes(std::istreambuf_iterator<char>(stream), {});
+  const Folder folder;
+  const std::string xml = folder.converted(archived(original)->view(), "xml");
+  const std::string bytes = folder.converted(xml, "bin");
   EXPECT_NE(bytes, archived(original)->view());
   EXPECT_TRUE(read(NSMake<NSData>(std::string_view(bytes)))->isEqual(original));
-  fs::remove_all(folder);
+}
+
+TEST_F(Archiving, MayBeLarge) {
+  for (const std::size_t length : {65'000U, 66'000U, 17'000'000U}) {
+    const auto text = NSMake<NSString>(std::string(length, 'x'));
+    EXPECT_TRUE(roundTrip(text)->isEqual(text)) << length;
+  }
+  // Arrays that share the next one twice, in a set, which asks them for their hashes.
+  auto nested = NSMake<NSArray>({u"a"_ns});
+  for (int k = 0; k < 60; ++k) nested = NSMake<NSArray>({nested, nested});
+  EXPECT_EQ(roundTrip(NSMake<NSSet>({nested})).as<NSSet>()->count(), 1);
 }
 
 }  // namespace

@@ -148,7 +148,10 @@ TEST(NSNumberFormatter, RoundsToMultiplesFirst) {
   EXPECT_EQ(rounded(0.0625, 0.0624), "0.062");
   EXPECT_EQ(rounded(1000, 0x1p60), "1,152,921,504,606,847,000");
   EXPECT_EQ(rounded(5, 12.5), "10");
-  for (const double none : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
+  // Too many digits for ICU.
+  EXPECT_EQ(rounded(7, 1e35).substr(0, 7), "99,999,");
+  EXPECT_EQ(rounded(0x1p53, 1e17), "99,079,191,802,150,912");
+  for (const double none : {0.0, -1.0, std::nan(""), HUGE_VAL, 0x1p-60, 0x1p54}) {
     EXPECT_EQ(rounded(none, 12.5), "12.5");
     EXPECT_FALSE(formatter->roundingIncrement());
   }
@@ -186,6 +189,17 @@ TEST(NSNumberFormatter, WritesAsICUDoesInEveryLocale) {
       ASSERT_EQ(text(formatter, std::stod(number)), reference.text(number)) << identifier;
     }
   }
+}
+
+TEST(NSNumberFormatter, WritesInLocalesThatICUDoesNotKnow) {
+  for (const char* const unknown : {"en@numbers=zzzz", "en@numbers=roman", "en-u-nu-1",
+                                    "@=", "grclowuxtamlzharabm0h0artgrclowu"}) {
+    EXPECT_EQ(text(decimalFormatter(unknown), 1234.5), "1,234.5") << unknown;
+    EXPECT_TRUE(NSMake<NSNumber>(-1.5)->descriptionWithLocale(locale(unknown)) == u"-1.5");
+    NSLocale::setCurrentLocale(locale(unknown));
+    EXPECT_TRUE(u"a text"_ns->localizedCapitalizedString() == u"A Text") << unknown;
+  }
+  NSLocale::setCurrentLocale(nullptr);
 }
 
 TEST(NSNumberFormatter, ComesBackFromAnArchive) {
@@ -231,7 +245,7 @@ TEST(NSNumberFormatter, RefusesSettingsThatMakeNoSense) {
            {"numberStyle", NSMake<NSNumber>(9)},
            {"numberStyle", NSMake<NSNumber>(-1)},
            {"maximumFractionDigits", NSMake<NSNumber>(1.5)},
-           {"minimumFractionDigits", NSMake<NSNumber>(341)},
+           {"minimumFractionDigits", NSMake<NSNumber>(-1)},
            {"roundingMode", u"up"_ns},
            {"roundingIncrement", u"up"_ns},
            {"locale", NSMake<NSNumber>(1)},

@@ -72,6 +72,10 @@ TEST(NSNumber, WritesItsValue) {
   EXPECT_TRUE(NSMake<NSNumber>(-2.2250738585072014e-308)->stringValue() ==
               u"-2.2250738585072014e-308");
   EXPECT_TRUE(NSMake<NSNumber>(0.1)->stringValue() == u"0.1");
+  EXPECT_TRUE(NSMake<NSNumber>(-0.0001)->stringValue() == u"-0.0001");
+  EXPECT_TRUE(NSMake<NSNumber>(0.00001)->stringValue() == u"1e-05");
+  EXPECT_TRUE(NSMake<NSNumber>(1e15)->stringValue() == u"1000000000000000");
+  EXPECT_TRUE(NSMake<NSNumber>(1e16)->stringValue() == u"1e+16");
   EXPECT_TRUE(NSMake<NSNumber>(true)->stringValue() == u"1");
 }
 

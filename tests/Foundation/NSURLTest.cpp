@@ -99,6 +99,17 @@ TEST(NSURL, NamesFiles) {
   EXPECT_EQ(shown(folder->valueForKey(u"path"_ns)), "/a/b.c");
 }
 
+TEST(NSURL, NamesNoFileRelativeToADirectoryThatIsGone) {
+  const auto check = [] {
+    const fs::path folder = fs::temp_directory_path() / ("zk gone " + std::to_string(getpid()));
+    fs::create_directory(folder);
+    fs::current_path(folder);
+    fs::remove(folder);
+    std::_Exit(NSURL::fileURLWithPath(path("a")) ? 1 : 0);
+  };
+  EXPECT_EXIT(check(), testing::ExitedWithCode(0), "");
+}
+
 TEST(NSPath, IsTakenApart) {
   struct Row {
     const char* path;
@@ -174,8 +185,9 @@ TEST(NSPath, IsStandardized) {
            {"~/a", expandedHome + "/a"},
            {"~no such user/a", "~no such user/a"},
            {"~root", "/root"},
+           {std::string("~root\0a", 7), std::string("~root\0a", 7)},
        }) {
-    EXPECT_EQ(shown(path(text.c_str())->stringByStandardizingPath()), result) << text;
+    EXPECT_EQ(shown(NSMake<NSString>(text)->stringByStandardizingPath()), result) << text;
   }
   fs::remove_all(folder);
 }

@@ -100,6 +100,15 @@ TEST(ZKURLFormatter, RefusesPathsThatNoFileHas) {
                NSException);
 }
 
+TEST(ZKURLFormatter, MayGetItsTextFromWhereItsAnswersGo) {
+  const auto formatter = NSMake<ZKURLFormatter>();
+  NSRef<NSString> text = u"ftp://a.b"_ns;
+  NSRef<NSObject> object = text;
+  EXPECT_FALSE(formatter->getObjectValue_forString_errorDescription(object, text, &text));
+  EXPECT_TRUE(text == u"URL protocol must be %@http, https, file, ssh");
+  EXPECT_TRUE(object->description() == u"ftp://a.b");
+}
+
 TEST(ZKURLFormatter, WritesURLs) {
   const auto formatter = NSMake<ZKURLFormatter>();
   const auto url = [](const char* text) { return NSURL::URLWithString(NSMake<NSString>(text)); };

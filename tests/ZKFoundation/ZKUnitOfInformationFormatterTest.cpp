@@ -76,6 +76,24 @@ TEST(ZKUnitOfInformationFormatter, WritesSizes) {
   }
 }
 
+TEST(ZKUnitOfInformationFormatter, NamesUnits) {
+  const Habits habits("en");
+  const std::array<std::array<const char*, 6>, 4> names = {
+      {{"KB", "MB", "GB", "TB", "PB", "EB"},
+       {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"},
+       {"kbit", "Mbit", "Gbit", "Tbit", "Pbit", "(null)"},
+       {"Kibit", "Mibit", "Gibit", "Tibit", "Pibit", "(null)"}}};
+  for (std::size_t column = 0; column < names.size(); ++column) {
+    for (std::size_t prefix = 0; prefix < 6; ++prefix) {
+      const auto sizes = formatter(column < 2, true, column % 2 == 1);
+      // Half as much again as the prefix's factor, in bits; bytes are an eighth of them.
+      const long bits = 3L << (10 * prefix + (prefix == 0 && column < 2 ? 12 : 9));
+      const std::string written = text(sizes, bits);
+      EXPECT_EQ(written.substr(written.find(' ') + 1), names[column][prefix]) << bits;
+    }
+  }
+}
+
 TEST(ZKUnitOfInformationFormatter, TakesUnitsAndPrefixes) {
   const Habits habits("en");
   const auto bits = formatter(false, true, false);
@@ -141,6 +159,7 @@ TEST(ZKUnitOfInformationFormatter, FormatsNumbersOnly) {
   EXPECT_FALSE(sizes->stringForObjectValue(u"80"_ns));
   EXPECT_FALSE(sizes->stringForObjectValue(nullptr));
   EXPECT_THROW(sizes->stringFromNumberOfBits(nullptr), NSException);
+  EXPECT_TRUE(sizes->valueForKey(u"displaysInTermsOfBytes"_ns).as<NSNumber>()->boolValue());
   NSRef<NSObject> object = sizes;
   EXPECT_FALSE(sizes->getObjectValue_forString_errorDescription(object, u"1 KB"_ns, nullptr));
   EXPECT_FALSE(object);
@@ -162,6 +181,7 @@ TEST(ZKUnitOfInformationFormatter, WritesNumbersAsTheyAreInTheLocale) {
     EXPECT_EQ(native(1e300), "1e+300 bits");
   }
   const Habits habits("ar-EG");
+  EXPECT_EQ(native(1e5), "١٠٠٠٠٠ bits");
   EXPECT_EQ(native(1234567890.5), "١٢٣٤٥٦٧٨٩٠٫٥ bits");
 }
 

@@ -1,6 +1,7 @@
 #include "ZKFoundation/Classes/ZKURLFormatter/ZKURLFormatter.h"
 
 #include <Foundation/NSArray.h>
+#include <Foundation/NSKeyValueCoding.h>
 #include <Foundation/NSKeyedUnarchiver.h>
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSString.h>
@@ -31,6 +32,12 @@ ZKURLFormatter::ZKURLFormatter(const NSRef<NSCoder>& coder) : NSFormatter(coder)
 void ZKURLFormatter::encodeWithCoder(const NSRef<NSCoder>& coder) const {
   NSFormatter::encodeWithCoder(coder);
   coder->encodeObject_forKey(_allowedSchemes, u"allowedSchemes"_ns);
+}
+
+const NSPropertyTable& ZKURLFormatter::propertyTable() const {
+  static const NSPropertyTable table({{u"allowedSchemes", &ZKURLFormatter::allowedSchemes}},
+                                     NSFormatter::propertyTable());
+  return table;
 }
 
 void ZKURLFormatter::setAllowedSchemes(const NSRef<NSArray>& schemes) {

@@ -32,18 +32,21 @@ class ZK_EXPORT ZKURLFormatter : public NSFormatter {
   /// | from "/" | the file URL of the path |
   /// | from ".." | the path standardized, as a string |
   /// | a URL with an allowed scheme, a path, which may be empty, and a host | the URL |
-  /// | such a URL without its scheme and with a "." somewhere: "a.b/page" | the URL
-  /// "http://a.b/page" |
+  /// | the same without a scheme, with a "." somewhere: "a.b/c" | the URL "http://a.b/c" |
   ///
   /// Else it gives false with the reason in `*error`, which is nil after success and may be null:
   /// "Invalid filesystem path", "Invalid URL", or "URL protocol must be %@" with the allowed
-  /// schemes behind it, percent sign and all. The object is nil then if the text is no URL at all,
-  /// and the refused URL otherwise. A nil text raises `NSInvalidArgumentException`.
+  /// schemes behind it, percent sign and all. The object is nil then if the text is no URL at all
+  /// or has neither a scheme nor a ".", and the refused URL otherwise. A nil text raises
+  /// `NSInvalidArgumentException`.
   bool getObjectValue_forString_errorDescription(NSRef<NSObject>& object,
                                                  const NSRef<NSString>& string,
                                                  NSRef<NSString>* error) const override;
 
+  /// Writes the schemes.
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
+  /// "allowedSchemes" besides what every object publishes.
+  const NSPropertyTable& propertyTable() const override;
 
  private:
   NSRef<NSString> objectForAddress(NSRef<NSObject>& object, const NSRef<NSString>& string) const;

@@ -3,6 +3,7 @@
 #include <array>
 
 #include <Foundation/NSBundle.h>
+#include <Foundation/NSKeyValueCoding.h>
 #include <Foundation/NSKeyedUnarchiver.h>
 #include <Foundation/NSLocale.h>
 #include <Foundation/NSNeverDestroyed.h>
@@ -104,6 +105,17 @@ void ZKUnitOfInformationFormatter::encodeWithCoder(const NSRef<NSCoder>& coder) 
   coder->encodeBool_forKey(usesIECBinaryPrefixesForDisplay(),
                            u"usesIECBinaryPrefixesForDisplay"_ns);
   coder->encodeObject_forKey(_numberFormatter, u"numberFormatter"_ns);
+}
+
+const NSPropertyTable& ZKUnitOfInformationFormatter::propertyTable() const {
+  using Self = ZKUnitOfInformationFormatter;
+  static const NSPropertyTable table(
+      {{u"numberFormatter", &Self::numberFormatter},
+       {u"displaysInTermsOfBytes", &Self::displaysInTermsOfBytes},
+       {u"usesIECBinaryPrefixesForCalculation", &Self::usesIECBinaryPrefixesForCalculation},
+       {u"usesIECBinaryPrefixesForDisplay", &Self::usesIECBinaryPrefixesForDisplay}},
+      NSFormatter::propertyTable());
+  return table;
 }
 
 double ZKUnitOfInformationFormatter::scaleFactorForPrefix(NSInteger prefix) const {

@@ -81,6 +81,8 @@ class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
   NSRef<NSString> nativeStringFromNumber(const NSRef<NSNumber>& number) const;
 
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
+  /// The number formatter and the three switches besides what every object publishes.
+  const NSPropertyTable& propertyTable() const override;
 
  private:
   NSRef<NSString> unscaledUnit() const;
