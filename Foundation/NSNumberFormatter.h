@@ -60,7 +60,8 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
 
   /// What numbers are rounded to multiples of; nil when they are not.
   const NSRef<NSNumber>& roundingIncrement() const noexcept { return _roundingIncrement; }
-  /// Nil and anything but a number from 1e-12 to 2^53 stand for none.
+  /// Nil and anything but a number from 1e-12 to 2^53 stand for none. A number with more digits
+  /// than ICU's arithmetic has, some 34 with those of the increment, is not rounded to a multiple.
   void setRoundingIncrement(const NSRef<NSNumber>& increment);
 
   NSNumberFormatterRoundingMode roundingMode() const noexcept { return _settings.mode; }
