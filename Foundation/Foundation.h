@@ -12,7 +12,10 @@
 #include <Foundation/NSCoder.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
+#include <Foundation/NSError.h>
 #include <Foundation/NSException.h>
+#include <Foundation/NSFileManager.h>
+#include <Foundation/NSFileWrapper.h>
 #include <Foundation/NSFormat.h>
 #include <Foundation/NSFormatter.h>
 #include <Foundation/NSGeometry.h>
@@ -29,6 +32,7 @@
 #include <Foundation/NSNumberFormatter.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSOrderedSet.h>
+#include <Foundation/NSPathUtilities.h>
 #include <Foundation/NSPointerArray.h>
 #include <Foundation/NSPredicate.h>
 #include <Foundation/NSRange.h>

@@ -2,8 +2,9 @@
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSDecimalSymbols.h"
-#include "Foundation/NSICU.h"
+#include "Foundation/NSDisplayNames.h"
 #include "Foundation/NSKeyValueCoding.h"
+#include "Foundation/NSLocaleComponents.h"
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSString.h"
 
@@ -20,19 +21,7 @@
 
 namespace {
 
-constexpr std::size_t maxIdentifierLength = 150;  // ICU's own bound is 157, with the zero.
 constexpr std::string_view posixIdentifier = "en_US_POSIX";
-
-bool isIdentifierUnit(char16_t unit) {
-  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
-         (unit >= u'0' && unit <= u'9') ||
-         std::u16string_view(u"_-@=;+.").find(unit) != std::u16string_view::npos;
-}
-
-bool isIdentifier(std::u16string_view text) {
-  return !text.empty() && text.size() <= maxIdentifierLength &&
-         std::ranges::all_of(text, isIdentifierUnit);
-}
 
 std::string environmentValue(std::initializer_list<const char*> names) {
   for (const char* const name : names) {
@@ -138,7 +127,7 @@ NSLocale::NSLocale(Key /*key*/, const NSRef<NSString>& identifier)
 NSLocale::~NSLocale() = default;
 
 NSRef<NSLocale> NSLocale::localeWithLocaleIdentifier(const NSRef<NSString>& identifier) {
-  if (!isIdentifier(NSViewOf(identifier))) return nullptr;
+  if (!NSIsLocaleIdentifier(NSViewOf(identifier))) return nullptr;
   return NSMake<NSLocale>(Key(), identifier);
 }
 

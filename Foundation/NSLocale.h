@@ -8,8 +8,23 @@
 #include <Foundation/NSObject.h>
 
 class NSArray;
-class NSString;
 class NSDecimalSymbols;
+class NSDictionary;
+class NSDisplayNames;
+class NSString;
+
+// Keys of the components of a locale identifier, and of what has a name for people.
+
+/// A whole identifier, such as "de_CH".
+NS_EXPORT const NSRef<NSString>& NSLocaleIdentifier();
+/// "de"
+NS_EXPORT const NSRef<NSString>& NSLocaleLanguageCode();
+/// "Latn"
+NS_EXPORT const NSRef<NSString>& NSLocaleScriptCode();
+/// "CH", or the number of a region such as "419"
+NS_EXPORT const NSRef<NSString>& NSLocaleCountryCode();
+/// "POSIX"
+NS_EXPORT const NSRef<NSString>& NSLocaleVariantCode();
 
 /// A language with the habits of a region, named by an identifier such as "de_CH" or "zh-Hant-TW".
 /// Immutable.
@@ -33,6 +48,26 @@ class NS_EXPORT NSLocale : public NSObject {
   /// characters than ASCII letters and digits and any of "_-@=;+.". A language or region that
   /// nobody knows is none of these; it has the habits of the nearest that is known.
   static NSRef<NSLocale> localeWithLocaleIdentifier(const NSRef<NSString>& identifier);
+
+  /// The parts of an identifier under the keys of language, script, country and variant; what does
+  /// not occur has no entry. It is cut at "@" or "." and split at "_" and "-": the language, which
+  /// may be empty, a script of four letters, a region of two letters or three digits, and the rest.
+  /// Letter case stays. Nil for nil.
+  static NSRef<NSDictionary> componentsFromLocaleIdentifier(const NSRef<NSString>& identifier);
+
+  /// The language of an identifier without the region: "de" for "de_CH". Its script is there where
+  /// that tells languages apart: one that is written, if it is not the only one that the language
+  /// has ("zh-Hans" for "zh_Hans_CN", "de" for "de_Latn_DE"), and one that the region implies, if
+  /// it is not the language's usual one ("zh-Hant" for "zh_TW"). "und" without a language; nil for
+  /// what is no identifier.
+  static NSRef<NSString> canonicalLanguageIdentifierFromString(const NSRef<NSString>& identifier);
+
+  /// What people who speak the locale's language call what the value stands for: under
+  /// `NSLocaleIdentifier` "de_CH" is "German (Switzerland)", under `NSLocaleCountryCode` "CH" is
+  /// "Switzerland". What nobody knows is called by its code. Nil for a value that is no identifier
+  /// and for other keys. May be called from any thread.
+  NSRef<NSString> displayNameForKey_value(const NSRef<NSString>& key,
+                                          const NSRef<NSString>& value) const;
 
   static NSRef<NSLocale> currentLocale();
   /// Nil returns to the environment, which is read anew.
@@ -66,4 +101,6 @@ class NS_EXPORT NSLocale : public NSObject {
   NSRef<NSString> _identifier;
   mutable std::once_flag _symbolsOnce;
   mutable std::unique_ptr<const NSDecimalSymbols> _symbols;
+  mutable std::once_flag _namesOnce;
+  mutable std::unique_ptr<const NSDisplayNames> _names;
 };

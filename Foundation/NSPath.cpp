@@ -1,18 +1,15 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSString.h"
+#include "Foundation/NSUserFolders.h"
 
-#include <array>
+#include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
-
-#include <pwd.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -51,25 +48,10 @@ std::vector<View> namesOf(View path) {
   return names;
 }
 
-std::string homeOf(const std::string& user) {
-  if (user.find('\0') != std::string::npos) return {};
-  if (user.empty()) {
-    const char* const home = std::getenv("HOME");  // NOLINT(concurrency-mt-unsafe): only read.
-    if (home != nullptr && *home != '\0') return home;
-  }
-  std::array<char, 4096> room{};
-  passwd entry{};
-  passwd* found = nullptr;
-  const int error = user.empty()
-                        ? getpwuid_r(getuid(), &entry, room.data(), room.size(), &found)
-                        : getpwnam_r(user.c_str(), &entry, room.data(), room.size(), &found);
-  return error == 0 && found != nullptr ? found->pw_dir : "";
-}
-
 std::u16string withTildeExpanded(View path) {
   if (!path.starts_with(u'~')) return std::u16string(path);
   const std::size_t end = std::min(path.find(u'/'), path.size());
-  const std::string home = homeOf(NSUTF8FromUnits(path.substr(1, end - 1)));
+  const std::string home = NSHomeDirectoryOf(NSUTF8FromUnits(path.substr(1, end - 1)));
   if (home.empty()) return std::u16string(path);
   const NSUnitBuffer units = NSUnitsFromUTF8(home);
   const View rest = path.substr(end);

@@ -129,6 +129,19 @@ NSRef<NSURL> NSURL::fileURLWithPath(const fs::path& path) {
   return fileURL(path, fs::is_directory(path, error));
 }
 
+NSRef<NSURL> NSURL::fileURLWithPath_isDirectory(const fs::path& path, bool isDirectory) {
+  return fileURL(path, isDirectory);
+}
+
+NSRef<NSURL> NSURL::fileURLWithPathComponents(const NSRef<NSArray>& components) {
+  if (!components || components->count() == 0) return nullptr;
+  auto path = u""_ns;
+  for (const auto& component : components) {
+    path = path->stringByAppendingPathComponent(component.as<NSString>());
+  }
+  return fileURLWithPath(path);
+}
+
 std::u16string_view NSURL::unitsOf(Part part) const noexcept {
   return part.exists() ? _text.get()->view().substr(part.start, part.end - part.start)
                        : std::u16string_view();
@@ -197,6 +210,28 @@ NSRef<NSString> NSURL::lastPathComponent() const {
 NSRef<NSString> NSURL::pathExtension() const {
   const auto path = this->path();
   return path ? path->pathExtension() : nullptr;
+}
+
+NSRef<NSURL> NSURL::URLByAppendingPathComponent_isDirectory(const NSRef<NSString>& component,
+                                                            bool isDirectory) const {
+  if (!component) {
+    NSRaiseNilArgument("component", "URLByAppendingPathComponent:isDirectory:");
+  }
+  const auto encoded = component->stringByAddingPercentEncodingWithAllowedCharacters(
+      NSCharacterSet::URLPathAllowedCharacterSet());
+  if (!encoded || !hasHierarchy()) return nullptr;
+  std::u16string_view name = encoded->view();
+  while (name.starts_with(u'/')) name.remove_prefix(1);
+  while (name.ends_with(u'/')) name.remove_suffix(1);
+  std::u16string text(_text.get()->view().substr(0, _path.end));
+  // A relative reference to nothing stays relative.
+  const bool isRelative = _path.start == _path.end && !_host.exists();
+  if (isRelative && name.find(u':') != std::u16string_view::npos) text.append(u"./");
+  if (!isRelative && !hasDirectoryPath()) text.push_back(u'/');
+  text.append(name);
+  if (isDirectory && !name.empty()) text.push_back(u'/');
+  text.append(_text.get()->view().substr(_path.end));
+  return URLWithString(NSMake<NSString>(text));
 }
 
 bool NSURL::hasDirectoryPath() const noexcept { return unitsOf(_path).ends_with(u'/'); }

@@ -29,8 +29,13 @@ class NS_EXPORT NSURL : public NSObject {
   static NSRef<NSURL> fileURLWithPath(const NSRef<NSString>& path);
   /// The same without a look at the disk: the URL ends with "/" if it is a directory.
   static NSRef<NSURL> fileURLWithPath_isDirectory(const NSRef<NSString>& path, bool isDirectory);
-  /// Of a path whose bytes need not be UTF-8.
+  /// Of paths whose bytes need not be UTF-8.
   static NSRef<NSURL> fileURLWithPath(const std::filesystem::path& path);
+  static NSRef<NSURL> fileURLWithPath_isDirectory(const std::filesystem::path& path,
+                                                  bool isDirectory);
+  /// `fileURLWithPath` of the path that has these components, as `pathComponents` gives them. Nil
+  /// and an empty array give nil; what is no string is left out.
+  static NSRef<NSURL> fileURLWithPathComponents(const NSRef<NSArray>& components);
 
   /// The text of the URL.
   const NSRef<NSString>& absoluteString() const noexcept { return _text; }
@@ -56,6 +61,12 @@ class NS_EXPORT NSURL : public NSObject {
   /// Those of `path`; nil where it is.
   NSRef<NSString> lastPathComponent() const;
   NSRef<NSString> pathExtension() const;
+  /// The URL with the component behind its path, and "/" behind that if it is a directory; query
+  /// and fragment stay. "/" at the ends of the component do not count. Nil for a URL without
+  /// hierarchy and for a component with half of a surrogate pair; a nil component raises
+  /// `NSInvalidArgumentException`.
+  NSRef<NSURL> URLByAppendingPathComponent_isDirectory(const NSRef<NSString>& component,
+                                                       bool isDirectory) const;
   /// Whether the path ends with "/".
   bool hasDirectoryPath() const noexcept;
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include <unicode/uchar.h>
+
 namespace {
 
 constexpr char16_t replacementCharacter = 0xFFFD;
@@ -136,4 +138,8 @@ std::string NSUTF8FromUnits(std::u16string_view text) {
   }
   while (!rest.empty()) appendCharacters(chunkSize / 4);
   return result;
+}
+
+int NSDecimalDigitValue(char32_t character) noexcept {
+  return u_charDigitValue(static_cast<UChar32>(character));
 }

@@ -32,3 +32,6 @@ constexpr char32_t NSTakeCharacter(std::u16string_view& text) {
   text.remove_prefix(1);
   return character;
 }
+
+/// The value of a decimal digit of any script; -1 for every other character.
+NS_EXPORT int NSDecimalDigitValue(char32_t character) noexcept;

@@ -1,19 +1,12 @@
-#include "tests/Support.h"
+#include "tests/Files.h"
 
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <string>
 
-#include <unistd.h>
-
 #include <ZKFoundation/ZKFoundation.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -260,29 +253,15 @@ TEST_F(Archiving, RefusesArchivesThatWouldNotFitInMemory) {
   }
 }
 
-// A file of the test in a folder of its own.
-class Folder {
- public:
-  Folder() { fs::create_directory(_path); }
-  Folder(const Folder&) = delete;
-  ~Folder() { fs::remove_all(_path); }
-
-  // The bytes in another format, by the tool of libplist's: "xml" or "bin".
-  std::string converted(std::string_view bytes, const std::string& format) const {
-    std::ofstream(_path / "in", std::ios::binary) << bytes;
-    std::string command = "plistutil -i '" + (_path / "in").native();
-    command.append("' -o '").append((_path / "out").native()).append("' -f ").append(format);
-    EXPECT_EQ(std::system(command.c_str()), 0);  // NOLINT: a fixed command
-    return contents(_path / "out");
-  }
-  static std::string contents(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-
- private:
-  fs::path _path = fs::temp_directory_path() / ("zk archive " + std::to_string(getpid()));
-};
+// The bytes in another format, by the tool of libplist's: "xml" or "bin".
+std::string converted(std::string_view bytes, const std::string& format) {
+  const TestFolder folder;
+  writeFile(folder / "in", bytes);
+  std::string command = "plistutil -i '" + (folder / "in").native();
+  command.append("' -o '").append(folder / "out").append("' -f ").append(format);
+  EXPECT_EQ(std::system(command.c_str()), 0);  // NOLINT: a fixed command
+  return contentsOf(folder / "out");
+}
 
 std::string reference(int index) {
   return "<dict><key>CF$UID</key><integer>" + std::to_string(index) + "</integer></dict>";
@@ -304,14 +283,13 @@ std::string classNamed(const char* name) {
 
 // What becomes of an archive of these objects, the first of which is the root.
 std::string outcome(const std::string& objects) {
-  const Folder folder;
   const std::string xml =
       "<plist version=\"1.0\"><dict><key>$version</key><integer>100000</integer>"
       "<key>$archiver</key><string>NSKeyedArchiver</string><key>$top</key><dict><key>root</key>" +
       reference(1) + "</dict><key>$objects</key><array><string>$null</string>" + objects +
       "</array></dict></plist>";
   try {
-    const auto object = read(NSMake<NSData>(std::string_view(folder.converted(xml, "bin"))));
+    const auto object = read(NSMake<NSData>(std::string_view(converted(xml, "bin"))));
     return object ? object->description()->utf8() : "nil";
   } catch (const NSException& exception) {
     return exception.reason()->utf8();
@@ -367,17 +345,14 @@ NSRef<NSArray> sample() {
 
 // The form is fixed: others read it, and archives are kept for long.
 TEST_F(Archiving, HasTheFormThatIsKept) {
-  const std::string kept = Folder::contents(ZK_ARCHIVES "/sample.xml");
+  const std::string kept = contentsOf(ZK_ARCHIVES "/sample.xml");
   const auto withoutLayout = [](std::string xml) {
     std::erase_if(xml, [](char c) { return c == '\n' || c == '\t'; });
     return xml;
   };
-  const Folder folder;
-  EXPECT_EQ(withoutLayout(folder.converted(archived(sample())->view(), "xml")),
-            withoutLayout(kept));
+  EXPECT_EQ(withoutLayout(converted(archived(sample())->view(), "xml")), withoutLayout(kept));
 
-  const auto copy =
-      read(NSMake<NSData>(std::string_view(folder.converted(kept, "bin")))).as<NSArray>();
+  const auto copy = read(NSMake<NSData>(std::string_view(converted(kept, "bin")))).as<NSArray>();
   const auto sizes = copy->firstObject().as<ZKUnitOfInformationFormatter>();
   EXPECT_TRUE(sizes->displaysInTermsOfBytes());
   EXPECT_FALSE(sizes->usesIECBinaryPrefixesForCalculation());
@@ -391,9 +366,8 @@ TEST_F(Archiving, HasTheFormThatIsKept) {
 
 TEST_F(Archiving, ComesBackThroughXML) {
   const auto original = everything();
-  const Folder folder;
-  const std::string xml = folder.converted(archived(original)->view(), "xml");
-  const std::string bytes = folder.converted(xml, "bin");
+  const std::string xml = converted(archived(original)->view(), "xml");
+  const std::string bytes = converted(xml, "bin");
   EXPECT_NE(bytes, archived(original)->view());
   EXPECT_TRUE(read(NSMake<NSData>(std::string_view(bytes)))->isEqual(original));
 }

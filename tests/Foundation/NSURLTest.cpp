@@ -1,4 +1,4 @@
-#include "tests/Support.h"
+#include "tests/Files.h"
 
 #include <array>
 #include <cstdlib>
@@ -157,11 +157,40 @@ TEST(NSPath, IsTakenApart) {
   EXPECT_FALSE(path("a/")->isAbsolutePath() || path("")->isAbsolutePath());
 }
 
+TEST(NSURL, AppendsComponents) {
+  struct Row {
+    const char* url;
+    const char* component;
+    const char* file;
+    const char* directory;
+  };
+  for (const auto& [text, component, file, directory] : std::to_array<Row>({
+           {"file:///a", "b c", "file:///a/b%20c", "file:///a/b%20c/"},
+           {"file:///a/%FF/", "/b/", "file:///a/%FF/b", "file:///a/%FF/b/"},
+           {"http://a?q/#f", "b/c", "http://a/b/c?q/#f", "http://a/b/c/?q/#f"},
+           {"file:///", "?", "file:///%3F", "file:///%3F/"},
+           {"file:///a/", "", "file:///a/", "file:///a/"},
+           {"", "a:b", "./a:b", "./a:b/"},
+           {"?q", "a", "a?q", "a/?q"},
+           {"mailto:a", "b", "nil", "nil"},
+       })) {
+    const auto result = [&](bool isDirectory) {
+      return shown(
+          url(text)->URLByAppendingPathComponent_isDirectory(path(component), isDirectory));
+    };
+    EXPECT_EQ(result(false), file) << text;
+    EXPECT_EQ(result(true), directory) << text;
+  }
+  EXPECT_FALSE(url("file:///")
+                   ->URLByAppendingPathComponent_isDirectory(
+                       NSMake<NSString>(std::u16string_view(u"\xD800")), true));
+}
+
 TEST(NSPath, IsStandardized) {
-  const fs::path folder = fs::temp_directory_path() / ("zk path " + std::to_string(getpid()));
+  const TestFolder folder;
   fs::create_directories(folder / "real" / "deep");
   fs::create_directory_symlink(folder / "real" / "deep", folder / "link");
-  const std::string& inside = folder.native();
+  const std::string& inside = folder.path().native();
   const char* const home = std::getenv("HOME");
   const std::string expandedHome = path("~")->stringByExpandingTildeInPath()->utf8();
   EXPECT_EQ(expandedHome, home == nullptr ? expandedHome : fs::path(home).native());
@@ -189,7 +218,6 @@ TEST(NSPath, IsStandardized) {
        }) {
     EXPECT_EQ(shown(NSMake<NSString>(text)->stringByStandardizingPath()), result) << text;
   }
-  fs::remove_all(folder);
 }
 
 TEST(NSPercentEncoding, RoundTrips) {

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSError.h>
+#include <Foundation/NSExport.h>
+#include <Foundation/NSObject.h>
+#include <Foundation/NSString.h>
+#include <Foundation/NSURL.h>
+
+/// A directory that every system has. Of other numbers there is none.
+enum NSSearchPathDirectory : NSUInteger {
+  NSUserDirectory = 7,
+  NSDocumentDirectory = 9,
+  NSDesktopDirectory = 12,
+  NSCachesDirectory = 13,
+  NSApplicationSupportDirectory = 14,
+  NSDownloadsDirectory = 15,
+  NSMoviesDirectory = 17,
+  NSMusicDirectory = 18,
+  NSPicturesDirectory = 19,
+  NSSharedPublicDirectory = 21,
+};
+
+/// Whose directory it is.
+enum NSSearchPathDomainMask : NSUInteger {
+  /// The user's
+  NSUserDomainMask = 1,
+  /// The machine's, for all users
+  NSLocalDomainMask = 2,
+};
+
+// Keys of attributes.
+
+/// What kind of file it is, one of the strings below.
+NS_EXPORT const NSRef<NSString>& NSFileType();
+/// The number of bytes.
+NS_EXPORT const NSRef<NSString>& NSFileSize();
+/// The permission bits as chmod takes them, a number such as 0755.
+NS_EXPORT const NSRef<NSString>& NSFilePosixPermissions();
+
+NS_EXPORT const NSRef<NSString>& NSFileTypeDirectory();
+NS_EXPORT const NSRef<NSString>& NSFileTypeRegular();
+NS_EXPORT const NSRef<NSString>& NSFileTypeSymbolicLink();
+/// A socket, pipe or device.
+NS_EXPORT const NSRef<NSString>& NSFileTypeUnknown();
+
+/// Asks and changes the file system. It has no state: any number of threads may use one.
+///
+/// An operation that fails gives nil or false and stores the reason in `*error`, an error of
+/// `NSCocoaErrorDomain` with the path and the `errno` behind it; `error` may be null. A nil URL or
+/// path raises `NSInvalidArgumentException`.
+class NS_EXPORT NSFileManager : public NSObject {
+ public:
+  static const NSRef<NSFileManager>& defaultManager();
+
+  /// The URL of a standard directory, which need not exist; with `create` it is made if need be.
+  ///
+  /// | directory | of the user | of the machine |
+  /// |---|---|---|
+  /// | users | – | /home |
+  /// | application support | XDG_DATA_HOME, else ~/.local/share | /usr/local/share |
+  /// | caches | XDG_CACHE_HOME, else ~/.cache | /var/cache |
+  /// | documents, desktop, downloads, movies, music, pictures, public | what `user-dirs.dirs` says,
+  /// else ~/Documents, ~/Desktop, ~/Downloads, ~/Videos, ~/Music, ~/Pictures, ~/Public | – |
+  ///
+  /// Of the environment these variables count, the XDG ones if they are absolute paths, and HOME
+  /// for "~", else the system's list of users; `user-dirs.dirs` is read from XDG_CONFIG_HOME, else
+  /// from ~/.config. All are read anew each time. Other directories and domains, and several
+  /// domains at once, give nil with `NSFileReadUnknownError`. The reference URL is for directories
+  /// that other systems have; it means nothing here.
+  NSRef<NSURL> URLForDirectory_inDomain_appropriateForURL_create_error(
+      NSUInteger directory, NSUInteger domain, const NSRef<NSURL>& reference, bool create,
+      NSRef<NSError>* error) const;
+
+  /// Makes a directory, with `createIntermediates` also those above it that are missing; then one
+  /// that exists is as good. When it cannot be made, nothing of it is left. Any number of threads
+  /// and processes may make the same one at once.
+  ///
+  /// Of the attributes `NSFilePosixPermissions` counts, for the directory itself; those above it,
+  /// and it without attributes, get what the process's file mode creation mask leaves.
+  bool createDirectoryAtURL_withIntermediateDirectories_attributes_error(
+      const NSRef<NSURL>& url, bool createIntermediates, const NSRef<NSDictionary>& attributes,
+      NSRef<NSError>* error) const;
+
+  /// Type, size and permissions of what stands at the path; a symbolic link is not followed.
+  NSRef<NSDictionary> attributesOfItemAtPath_error(const NSRef<NSString>& path,
+                                                   NSRef<NSError>* error) const;
+};

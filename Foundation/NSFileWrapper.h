@@ -1,0 +1,107 @@
+#pragma once
+
+#include <optional>
+
+#include <Foundation/NSData.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSError.h>
+#include <Foundation/NSExport.h>
+#include <Foundation/NSObject.h>
+#include <Foundation/NSString.h>
+#include <Foundation/NSURL.h>
+
+/// Options of writing; a set of bits.
+enum NSFileWrapperWritingOptions : NSUInteger {
+  /// Every write is atomic, with and without it.
+  NSFileWrapperWritingAtomic = 1,
+  /// The wrappers get the names under which they were written as their `filename`.
+  NSFileWrapperWritingWithNameUpdating = 2,
+};
+
+/// A file, or a directory with its contents, in memory: a document that is read, changed and
+/// written as a whole.
+///
+/// A directory knows its children by name. One wrapper may be the child of several directories, but
+/// none is within itself. What asks a file for its children, or a directory for its bytes, raises
+/// `NSInternalInconsistencyException`, a nil argument `NSInvalidArgumentException`. A wrapper
+/// belongs to one thread at a time.
+class NS_EXPORT NSFileWrapper : public NSObject {
+ public:
+  /// A regular file.
+  explicit NSFileWrapper(const NSRef<NSData>& contents);
+  /// A directory with these children by name; nil has none. Children without a preferred name get
+  /// the one by which they are entered.
+  explicit NSFileWrapper(const NSRef<NSDictionary>& childrenByName);
+
+  /// What stands at the URL, with all that is in it. Nil, and the reason in `*error` unless that is
+  /// null, for what cannot be read: besides what the system refuses, a URL that is no file URL, a
+  /// name that is not UTF-8, and anything but regular files and directories. Only the URL itself
+  /// may be a symbolic link. There are no options.
+  static NSRef<NSFileWrapper> initWithURL_options_error(const NSRef<NSURL>& url, NSUInteger options,
+                                                        NSRef<NSError>* error);
+
+  /// Writes the file, or the directory with all that is in it, in the place of what stands at the
+  /// URL (of what it refers to, if it is a symbolic link). False, and the reason in `*error`, when
+  /// that fails; then the place is as it was before.
+  ///
+  /// It is atomic: a hidden folder beside the place takes all of it first, and only when it is on
+  /// the disk it changes places with what was there. A name that no file can have ("a/b", "..")
+  /// is refused. What has permissions keeps them; a document without has those of the one before.
+  /// `NSFileWrapperWritingWithNameUpdating` is the only option with a meaning. The URL of the
+  /// original means nothing.
+  bool writeToURL_options_originalContentsURL_error(const NSRef<NSURL>& url, NSUInteger options,
+                                                    const NSRef<NSURL>& original,
+                                                    NSRef<NSError>* error);
+
+  bool isRegularFile() const noexcept { return _contents.get() != nullptr; }
+  bool isDirectory() const noexcept { return _children.get() != nullptr; }
+
+  /// The name under which it would like to be added, or nil.
+  const NSRef<NSString>& preferredFilename() const noexcept { return _preferredFilename; }
+  /// A change does not touch the name by which a directory already has it.
+  void setPreferredFilename(const NSRef<NSString>& name);
+  /// The name that it had when it was read or written; nil before.
+  const NSRef<NSString>& filename() const noexcept { return _filename; }
+  void setFilename(const NSRef<NSString>& name);
+  /// `NSFilePosixPermissions`, if it has any: those that were read or set.
+  NSRef<NSDictionary> fileAttributes() const;
+  /// Without permissions it will have those that the process gives to new files.
+  void setFileAttributes(const NSRef<NSDictionary>& attributes);
+
+  const NSRef<NSData>& regularFileContents() const;
+
+  /// The children by name.
+  NSRef<NSDictionary> fileWrappers() const;
+  /// Adds a child by its preferred name, or where another has that by its `unusedFilename`. A child
+  /// without a preferred name gets "Untitled", or the unused name for that. Gives the name by which
+  /// the directory has it. A directory that this one is within, or is, raises
+  /// `NSInvalidArgumentException`.
+  NSRef<NSString> addFileWrapper(const NSRef<NSFileWrapper>& child);
+  NSRef<NSString> addRegularFileWithContents_preferredFilename(const NSRef<NSData>& contents,
+                                                               const NSRef<NSString>& name);
+  /// Does nothing for a wrapper that is no child.
+  void removeFileWrapper(const NSRef<NSFileWrapper>& child);
+  /// A name by which the directory has the child; nil for a wrapper that is none.
+  NSRef<NSString> keyForFileWrapper(const NSRef<NSFileWrapper>& child) const;
+  /// The name, if no child has it. Otherwise " 2" comes before the extension, and then " 3" behind
+  /// that and so on until no child has it: "a.txt", "a 2.txt", "a 2 3.txt".
+  NSRef<NSString> unusedFilename(const NSRef<NSString>& name) const;
+
+  /// "NSFileWrapper notes.txt (regular file of 12 bytes)", "NSFileWrapper (directory of 3)"
+  NSRef<NSString> description() const override;
+  /// "preferredFilename", "filename" and "fileAttributes" besides what every object publishes.
+  const NSPropertyTable& propertyTable() const override;
+
+ private:
+  const NSMutableDictionary& children(const char* operation) const;
+  NSMutableDictionary& children(const char* operation);
+  bool contains(const NSFileWrapper* wrapper) const;
+  void setWrittenName(const NSRef<NSString>& name);
+
+  // One of these two is nil.
+  NSRef<NSData> _contents;
+  NSRef<NSMutableDictionary> _children;
+  NSRef<NSString> _preferredFilename;
+  NSRef<NSString> _filename;
+  std::optional<unsigned> _permissions;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string_view>
+
+#include <Foundation/NSExport.h>
+
+/// The parts of a locale identifier, in place and in the letter case in which they stand there.
+/// What does not occur is empty.
+struct NSLocaleComponents {
+  std::u16string_view language;
+  /// Four letters.
+  std::u16string_view script;
+  /// Two letters or three digits.
+  std::u16string_view country;
+  /// What is behind them, without its first separator.
+  std::u16string_view variant;
+
+  /// Splits at "_" and "-"; what is behind "@" or "." does not count.
+  NS_EXPORT explicit NSLocaleComponents(std::u16string_view identifier) noexcept;
+};
+
+/// Whether `NSLocale::localeWithLocaleIdentifier` takes the text.
+bool NSIsLocaleIdentifier(std::u16string_view text) noexcept;

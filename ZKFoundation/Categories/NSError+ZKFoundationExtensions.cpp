@@ -1,0 +1,14 @@
+#include "ZKFoundation/Categories/NSError+ZKFoundationExtensions.h"
+
+#include <cerrno>
+
+namespace ZKFoundationExtensions {
+
+bool isFileNotFoundError(const NSRef<NSError>& error) {
+  const NSInteger code = error->code();
+  if (error->domain() == NSPOSIXErrorDomain()) return code == ENOENT;
+  return error->domain() == NSCocoaErrorDomain() &&
+         (code == NSFileNoSuchFileError || code == NSFileReadNoSuchFileError);
+}
+
+}  // namespace ZKFoundationExtensions

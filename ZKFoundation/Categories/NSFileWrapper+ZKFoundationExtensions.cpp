@@ -1,0 +1,13 @@
+#include "ZKFoundation/Categories/NSFileWrapper+ZKFoundationExtensions.h"
+
+namespace ZKFoundationExtensions {
+
+NSRef<NSString> addFileWrapperWithUniqueFileName(const NSRef<NSFileWrapper>& directory,
+                                                 const NSRef<NSFileWrapper>& child) {
+  // It takes the name that this wants; all that remains is to tell the child.
+  auto name = directory->addFileWrapper(child);
+  if (!name->isEqualToString(child->preferredFilename())) child->setPreferredFilename(name);
+  return name;
+}
+
+}  // namespace ZKFoundationExtensions

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSString.h>
+#include <ZKFoundation/ZKExport.h>
+
+namespace ZKFoundationExtensions {
+
+/// A string that is not in the array, compared exactly: a fresh copy of the string, if that is
+/// free. Otherwise its base with the first number that is free behind it, counted from the one with
+/// which it ends: "Untitled", "Untitled1", "Untitled2"; "Copy 9", "Copy 10"; "a007", "a8".
+///
+/// The number is the string's last decimal digits, of any script, but never its first unit: "5"
+/// gives "51", "12" gives "13". A number from 2^63 - 1 on belongs to the base: then, as without a
+/// number, counting begins at 1. Linear in the names, however many numbers are taken.
+///
+/// A nil array is empty, what is no string in it does not count. A nil string raises
+/// `NSInvalidArgumentException`.
+ZK_EXPORT NSRef<NSString> uniqueStringWithString_forStringArray(const NSRef<NSString>& string,
+                                                                const NSRef<NSArray>& strings);
+
+}  // namespace ZKFoundationExtensions

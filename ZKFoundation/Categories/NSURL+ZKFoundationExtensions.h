@@ -1,0 +1,30 @@
+#pragma once
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSURL.h>
+#include <ZKFoundation/ZKExport.h>
+
+// A nil receiver raises `NSInvalidArgumentException`.
+
+namespace ZKFoundationExtensions {
+
+/// The file URL of a path that no URL of the array has, apart from extensions: the path itself if
+/// that is free, else with a number before its extension, as
+/// `uniqueStringWithString_forStringArray` finds it. "/d/report.txt" beside "/d/report.pdf" gives
+/// "/d/report1.txt".
+///
+/// Paths are compared as text, folders and all; the disk is not asked whether there is such a file.
+/// A name that ends with "." has no extension: "/d/a." beside itself gives "/d/a.1", whose path
+/// without extension another URL may well have. A URL that is no file URL is given back itself. Nil
+/// for a path with U+0000; a nil array is empty.
+ZK_EXPORT NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url,
+                                                    const NSRef<NSArray>& urls);
+
+/// Whether the query has "applesecurityscope=", or there is no query.
+ZK_EXPORT bool isSecurityScoped(const NSRef<NSURL>& url);
+
+/// The file URL of the path alone, also of "http://a.b/c"; nil for an empty path and for a URL
+/// without hierarchy. The URL itself when it is not security-scoped.
+ZK_EXPORT NSRef<NSURL> strippedSecurityScopedURL(const NSRef<NSURL>& url);
+
+}  // namespace ZKFoundationExtensions

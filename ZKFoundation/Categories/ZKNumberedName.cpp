@@ -1,0 +1,80 @@
+#include "ZKFoundation/Categories/ZKNumberedName.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <limits>
+#include <optional>
+
+#include <Foundation/NSUnicode.h>
+
+namespace {
+
+constexpr std::size_t wordBits = 64;
+constexpr auto largest = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
+
+// Where the digits at the end begin. The first unit is none of them.
+std::size_t startOfDigits(std::u16string_view name) {
+  std::size_t start = name.size();
+  while (start > 1 && NSDecimalDigitValue(name[start - 1]) >= 0) --start;
+  return start;
+}
+
+// The value of digits of any script, if it has a successor.
+std::optional<std::uint64_t> valueOf(std::u16string_view digits) {
+  std::uint64_t value = 0;
+  for (const char16_t unit : digits) {
+    const auto digit = static_cast<std::uint64_t>(NSDecimalDigitValue(unit));
+    if (value > (largest - 1 - digit) / 10) return std::nullopt;
+    value = value * 10 + digit;
+  }
+  return value;
+}
+
+// The number that a text is when it is written as numbers are appended; 0 for every other text.
+std::uint64_t plainNumber(std::u16string_view text) {
+  constexpr std::size_t mostDigits = std::numeric_limits<std::uint64_t>::digits10;
+  if (text.empty() || text.size() > mostDigits || text[0] == u'0') return 0;
+  std::uint64_t number = 0;
+  for (const char16_t unit : text) {
+    const auto digit = static_cast<std::uint64_t>(unit) - u'0';
+    if (digit > 9) return 0;
+    number = number * 10 + digit;
+  }
+  return number;
+}
+
+}  // namespace
+
+ZKNumberedName::ZKNumberedName(std::u16string_view name, std::size_t count)
+    : _name(name), _base(name), _takenNumbers(count / wordBits + 1) {
+  const std::size_t digits = startOfDigits(name);
+  if (const auto number = valueOf(name.substr(digits))) {
+    _base = name.substr(0, digits);
+    _number = *number;
+  }
+}
+
+void ZKNumberedName::take(std::u16string_view name) {
+  if (!name.starts_with(_base)) return;
+  _isTaken |= name == _name;
+  const std::uint64_t number = plainNumber(name.substr(_base.size()));
+  if (number <= _number) return;
+  const std::uint64_t bit = number - _number - 1;
+  if (bit / wordBits < _takenNumbers.size()) {
+    _takenNumbers[bit / wordBits] |= std::uint64_t{1} << bit % wordBits;
+  }
+}
+
+std::u16string ZKNumberedName::freeName() const {
+  if (!_isTaken) return std::u16string(_name);
+  constexpr auto full = std::numeric_limits<std::uint64_t>::max();
+  const auto word = std::ranges::find_if(_takenNumbers, [](auto bits) { return bits != full; });
+  const auto bit = static_cast<std::uint64_t>(word - _takenNumbers.begin()) * wordBits +
+                   static_cast<std::uint64_t>(std::countr_one(*word));
+  std::array<char, 20> digits;
+  const auto end =
+      std::to_chars(digits.data(), digits.data() + digits.size(), _number + 1 + bit).ptr;
+  return std::u16string(_base).append(digits.data(), end);
+}

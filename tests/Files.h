@@ -1,0 +1,98 @@
+#pragma once
+
+#include "tests/Support.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+/// A folder of the test's own.
+class TestFolder {
+ public:
+  TestFolder() {
+    std::string pattern = std::filesystem::temp_directory_path() / "zk test XXXXXX";
+    _path = mkdtemp(pattern.data());
+    // Tests look at it as other users, too.
+    std::filesystem::permissions(_path, std::filesystem::perms::all);
+  }
+  TestFolder(const TestFolder&) = delete;
+  ~TestFolder() { std::filesystem::remove_all(_path); }
+
+  const std::filesystem::path& path() const { return _path; }
+  std::filesystem::path operator/(std::string_view name) const { return _path / name; }
+
+ private:
+  std::filesystem::path _path;
+};
+
+inline void writeFile(const std::filesystem::path& file, std::string_view bytes) {
+  std::ofstream(file, std::ios::binary) << bytes;
+}
+
+inline std::string contentsOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The paths of all that is in a folder, relative to it.
+inline std::set<std::string> namesIn(const std::filesystem::path& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    names.insert(entry.path().lexically_relative(folder));
+  }
+  return names;
+}
+
+inline NSRef<NSURL> fileURL(const std::filesystem::path& path) {
+  return NSURL::fileURLWithPath_isDirectory(path, false);
+}
+
+constexpr int cannotTest = 77;
+
+/// Runs the action in a process of its own, whose failures are the test's. Gives false when it says
+/// with `cannotTest` that the system does not let it.
+template <class Action>
+[[nodiscard]] bool inChild(Action action) {
+  const pid_t child = fork();
+  if (child == 0) {
+    action();
+    std::_Exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == cannotTest) return false;
+  EXPECT_EQ(status, 0);
+  return true;
+}
+
+/// Runs the action as a user who may not do everything.
+template <class Action>
+[[nodiscard]] bool asNobody(Action action) {
+  constexpr uid_t nobody = 65534;
+  return inChild([&] {
+    if (geteuid() == 0 && (setgid(nobody) != 0 || setuid(nobody) != 0)) std::_Exit(cannotTest);
+    action();
+  });
+}
+
+/// Runs the action while a disk of its own is mounted on the folder, with these options.
+template <class Action>
+[[nodiscard]] bool onDisk(const std::filesystem::path& folder, const char* options, Action action) {
+  return inChild([&] {
+    const int spaces = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
+    if (unshare(spaces) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("tmpfs", folder.c_str(), "tmpfs", 0, options) != 0) {
+      std::_Exit(cannotTest);
+    }
+    action();
+  });
+}

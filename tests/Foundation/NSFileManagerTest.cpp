@@ -1,0 +1,221 @@
+#include "tests/Files.h"
+
+#include <array>
+#include <cerrno>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// How an error that comes from `errno` looks: code and number behind it.
+std::string codesOf(const NSRef<NSError>& error) {
+  if (!error) return "none";
+  const auto underlying = error->userInfo()->objectForKey(NSUnderlyingErrorKey()).as<NSError>();
+  EXPECT_EQ(error->domain(), NSCocoaErrorDomain());
+  EXPECT_TRUE(!underlying || underlying->domain() == NSPOSIXErrorDomain());
+  EXPECT_TRUE(error->userInfo()->objectForKey(NSFilePathErrorKey()));
+  return std::to_string(error->code()) + ' ' +
+         std::to_string(underlying ? underlying->code() : NSInteger{0});
+}
+
+std::string codes(NSCocoaErrorCode code, int number) {
+  return std::to_string(code) + ' ' + std::to_string(number);
+}
+
+// Makes a directory and gives the error, "none" for success.
+std::string make(const fs::path& path, bool createIntermediates = true,
+                 const NSRef<NSDictionary>& attributes = nullptr) {
+  NSRef<NSError> error;
+  const bool isMade = NSFileManager::defaultManager()
+                          ->createDirectoryAtURL_withIntermediateDirectories_attributes_error(
+                              NSURL::fileURLWithPath_isDirectory(path, true), createIntermediates,
+                              attributes, &error);
+  EXPECT_EQ(isMade, !error);
+  return codesOf(error);
+}
+
+TEST(NSFileManager, MakesDirectories) {
+  const TestFolder folder;
+  EXPECT_EQ(make(folder / "a/b/../c"), "none");
+  EXPECT_EQ(make(folder / "a/c"), "none");
+  EXPECT_EQ(make(folder / "a/c", false), codes(NSFileWriteFileExistsError, EEXIST));
+  EXPECT_EQ(make(folder / "x/y", false), codes(NSFileNoSuchFileError, ENOENT));
+  EXPECT_EQ(make(folder / "d", false), "none");
+  EXPECT_EQ(namesIn(folder.path()), (std::set<std::string>{"a", "a/b", "a/c", "d"}));
+
+  const mode_t former = umask(027);
+  const auto wanted = NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0702)}});
+  EXPECT_EQ(make(folder / "m/n", true, wanted), "none");
+  umask(former);
+  EXPECT_EQ(static_cast<unsigned>(fs::status(folder / "m").permissions()), 0750U);
+  NSRef<NSError> error;
+  const auto attributes = NSFileManager::defaultManager()->attributesOfItemAtPath_error(
+      NSMake<NSString>((folder / "m/n").native()), &error);
+  EXPECT_EQ(attributes->objectForKey(NSFileType()), NSFileTypeDirectory());
+  EXPECT_EQ(attributes->objectForKey(NSFilePosixPermissions()).as<NSNumber>()->intValue(), 0702);
+
+  fs::create_symlink("nowhere", folder / "link");
+  const auto typeOf = [&](const char* name) {
+    const auto found = NSFileManager::defaultManager()->attributesOfItemAtPath_error(
+        NSMake<NSString>((folder / name).native()), &error);
+    return found ? found->objectForKey(NSFileType()) : nullptr;
+  };
+  EXPECT_EQ(typeOf("link"), NSFileTypeSymbolicLink());
+  EXPECT_FALSE(error);
+  EXPECT_FALSE(typeOf("none"));
+  EXPECT_EQ(codesOf(error), codes(NSFileReadNoSuchFileError, ENOENT));
+  const auto text = error->description()->utf8();
+  EXPECT_EQ(text, "NSCocoaErrorDomain 260: No such file or directory (" +
+                      (folder / "none").native() + ")");
+}
+
+TEST(NSFileManager, LeavesNothingOfADirectoryThatCannotBeMade) {
+  const TestFolder folder;
+  writeFile(folder / "file", "");
+  fs::create_symlink("nowhere", folder / "link");
+  const std::string longName(300, 'x');
+  const auto before = namesIn(folder.path());
+  EXPECT_EQ(make(folder / "file"), codes(NSFileWriteFileExistsError, EEXIST));
+  EXPECT_EQ(make(folder / "file/a/b"), codes(NSFileWriteUnknownError, ENOTDIR));
+  EXPECT_EQ(make(folder / "link"), codes(NSFileWriteFileExistsError, EEXIST));
+  EXPECT_EQ(make(folder / "link/a"), codes(NSFileWriteFileExistsError, EEXIST));
+  EXPECT_EQ(make(folder / "a/b" / longName / "c"),
+            codes(NSFileWriteInvalidFileNameError, ENAMETOOLONG));
+  fs::path longPath = folder.path();
+  for (int k = 0; k < 1000; ++k) longPath /= "abcdef";
+  EXPECT_EQ(make(longPath), codes(NSFileWriteInvalidFileNameError, ENAMETOOLONG));
+  EXPECT_EQ(make("/proc/a/b"), codes(NSFileNoSuchFileError, ENOENT));
+  EXPECT_EQ(make(folder / "a", true, NSMake<NSDictionary>({{NSFilePosixPermissions(), u"rwx"_ns}})),
+            codes(NSFileWriteUnknownError, EINVAL));
+  for (const auto& [url, code] : {std::pair(u"http://a/b"_ns, NSFileWriteUnsupportedSchemeError),
+                                  std::pair(u"file:///tmp/%00"_ns, NSFileWriteInvalidFileNameError),
+                                  std::pair(u"file:a"_ns, NSFileWriteInvalidFileNameError)}) {
+    NSRef<NSError> error;
+    EXPECT_FALSE(NSFileManager::defaultManager()
+                     ->createDirectoryAtURL_withIntermediateDirectories_attributes_error(
+                         NSURL::URLWithString(url), true, nullptr, &error));
+    EXPECT_EQ(codesOf(error), codes(code, 0));
+  }
+  EXPECT_EQ(namesIn(folder.path()), before);
+}
+
+TEST(NSFileManager, TellsWhyADiskTakesNothing) {
+  const TestFolder folder;
+  fs::create_directory(folder / "closed");
+  fs::permissions(folder / "closed", fs::perms{0555});
+  const bool isTested =
+      asNobody([&] {
+        EXPECT_EQ(make(folder / "closed/a"), codes(NSFileWriteNoPermissionError, EACCES));
+        EXPECT_EQ(make(folder / "closed"), "none");
+      }) &&
+      onDisk(folder.path(), "nr_inodes=3",
+             [&] {
+               EXPECT_EQ(make(folder / "a/b/c/d"), codes(NSFileWriteOutOfSpaceError, ENOSPC));
+               EXPECT_TRUE(namesIn(folder.path()).empty());
+               EXPECT_EQ(make(folder / "a/b"), "none");
+             }) &&
+      onDisk(folder.path(), "mode=0777", [&] {
+        fs::create_directory(folder / "a");
+        mount(nullptr, folder.path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
+        EXPECT_EQ(make(folder / "a/b/c"), codes(NSFileWriteVolumeReadOnlyError, EROFS));
+        EXPECT_EQ(make(folder / "a"), "none");
+      });
+  if (!isTested) GTEST_SKIP() << "may not mount file systems";
+}
+
+TEST(NSFileManager, MakesOneDirectoryForManyProcesses) {
+  const TestFolder folder;
+  for (int round = 0; round < 40; ++round) {
+    const fs::path path = folder / std::to_string(round) / "a/b/c";
+    std::array<int, 2> gate{};
+    ASSERT_EQ(pipe(gate.data()), 0);
+    std::vector<pid_t> children;
+    for (int k = 0; k < 8; ++k) {
+      children.push_back(fork());
+      if (children.back() != 0) continue;
+      // Nothing comes; all go on when the parent closes it.
+      close(gate[1]);
+      char byte = 0;
+      (void)!read(gate[0], &byte, 1);
+      const bool isMade = make(path) == "none" && fs::is_directory(path);
+      std::_Exit(isMade ? 0 : 1);
+    }
+    close(gate[0]);
+    close(gate[1]);
+    for (const pid_t child : children) {
+      int status = -1;
+      waitpid(child, &status, 0);
+      EXPECT_EQ(status, 0);
+    }
+  }
+}
+
+TEST(NSFileManager, KnowsTheStandardDirectories) {
+  const TestFolder folder;
+  fs::create_directory(folder / "settings");
+  writeFile(folder / "settings/user-dirs.dirs",
+            "# comment\nXDG_DOCUMENTS_DIR=\"/first\"\n XDG_DOCUMENTS_DIR = \"$HOME/My \\\"Files\"\n"
+            "XDG_MUSIC_DIR=\"Music here\"\nXDG_VIDEOS_DIR=\"/videos\nXDG_DESKTOP_DIR=\"$HOMER/a\"\n"
+            "XDG_DOWNLOAD_DIR=\"$HOME\"\nXDG_PICTURES_DIR=\"/\xFF\"");
+  const auto path = [](NSUInteger directory, NSUInteger domain) {
+    NSRef<NSError> error;
+    const auto url =
+        NSFileManager::defaultManager()->URLForDirectory_inDomain_appropriateForURL_create_error(
+            directory, domain, nullptr, false, &error);
+    EXPECT_EQ(!url, error && error->code() == NSFileReadUnknownError);
+    EXPECT_TRUE(!url || url->hasDirectoryPath());
+    return url ? url->fileSystemPath().native() : "";
+  };
+  const bool isTested = inChild([&] {
+    const auto set = [](const char* name, const std::string& value) {
+      setenv(name, value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): one thread
+    };
+    set("HOME", "/h");
+    set("XDG_CONFIG_HOME", folder / "settings");
+    set("XDG_DATA_HOME", "");
+    set("XDG_CACHE_HOME", "relative");
+    EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask), "/h/My \"Files/");
+    EXPECT_EQ(path(NSMusicDirectory, NSUserDomainMask), "/h/Music/");
+    EXPECT_EQ(path(NSMoviesDirectory, NSUserDomainMask), "/h/Videos/");
+    EXPECT_EQ(path(NSDesktopDirectory, NSUserDomainMask), "/h/Desktop/");
+    EXPECT_EQ(path(NSDownloadsDirectory, NSUserDomainMask), "/h/");
+    EXPECT_EQ(path(NSPicturesDirectory, NSUserDomainMask), "/\xFF/");
+    EXPECT_EQ(path(NSCachesDirectory, NSUserDomainMask), "/h/.cache/");
+    EXPECT_EQ(path(NSApplicationSupportDirectory, NSUserDomainMask), "/h/.local/share/");
+    set("XDG_DATA_HOME", "/data");
+    EXPECT_EQ(path(NSApplicationSupportDirectory, NSUserDomainMask), "/data/");
+    set("XDG_CONFIG_HOME", "");
+    EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask), "/h/Documents/");
+    EXPECT_EQ(path(NSUserDirectory, NSLocalDomainMask), "/home/");
+    EXPECT_EQ(path(NSApplicationSupportDirectory, NSLocalDomainMask), "/usr/local/share/");
+    EXPECT_EQ(path(NSUserDirectory, NSUserDomainMask), "");
+    EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask | NSLocalDomainMask), "");
+    EXPECT_EQ(path(4711, NSUserDomainMask), "");
+    set("TMPDIR", "relative");
+    EXPECT_EQ(NSTemporaryDirectory()->utf8(), "/tmp");
+    set("TMPDIR", "/elsewhere");
+    EXPECT_EQ(NSTemporaryDirectory()->utf8(), "/elsewhere");
+    EXPECT_EQ(NSHomeDirectory()->utf8(), "/h");
+  });
+  EXPECT_TRUE(isTested);
+}
+
+TEST(NSError, IsAValue) {
+  const auto error = [](NSInteger code, const NSRef<NSDictionary>& info) {
+    return NSError::errorWithDomain_code_userInfo(u"mine"_ns, code, info);
+  };
+  const auto info = NSMake<NSDictionary>({{NSLocalizedDescriptionKey(), u"broken"_ns}});
+  EXPECT_TRUE(error(1, info)->isEqual(error(1, info)));
+  EXPECT_EQ(error(1, info)->hash(), error(1, info)->hash());
+  EXPECT_FALSE(error(1, info)->isEqual(error(2, info)));
+  EXPECT_FALSE(error(1, info)->isEqual(error(1, nullptr)));
+  EXPECT_EQ(error(1, info)->description()->utf8(), "mine 1: broken");
+  EXPECT_EQ(error(7, nullptr)->localizedDescription()->utf8(), "mine 7");
+  expectRaises(NSInvalidArgumentException, "domain is nil (in 'initWithDomain:code:userInfo:')",
+               [] { NSError(nullptr, 0, nullptr); });
+}
+
+}  // namespace

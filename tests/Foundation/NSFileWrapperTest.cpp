@@ -1,0 +1,223 @@
+#include "tests/Files.h"
+
+#include <array>
+
+#include <sys/stat.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+NSRef<NSFileWrapper> file(std::string_view bytes, const char* name = nullptr) {
+  auto wrapper = NSMake<NSFileWrapper>(NSMake<NSData>(bytes));
+  if (name != nullptr) wrapper->setPreferredFilename(NSMake<NSString>(name));
+  return wrapper;
+}
+
+NSRef<NSFileWrapper> directory(std::initializer_list<NSRef<NSFileWrapper>> children,
+                               const char* name = nullptr) {
+  auto wrapper = NSMake<NSFileWrapper>(NSMake<NSDictionary>());
+  for (const auto& child : children) wrapper->addFileWrapper(child);
+  if (name != nullptr) wrapper->setPreferredFilename(NSMake<NSString>(name));
+  return wrapper;
+}
+
+// The code of the error, 0 for success.
+NSInteger write(const NSRef<NSFileWrapper>& wrapper, const fs::path& path, NSUInteger options = 0) {
+  NSRef<NSError> error;
+  const bool isWritten = wrapper->writeToURL_options_originalContentsURL_error(
+      fileURL(path), options, nullptr, &error);
+  EXPECT_EQ(isWritten, !error);
+  return error ? error->code() : 0;
+}
+
+NSRef<NSFileWrapper> read(const fs::path& path, NSInteger* code = nullptr) {
+  NSRef<NSError> error;
+  auto wrapper = NSFileWrapper::initWithURL_options_error(fileURL(path), 0, &error);
+  EXPECT_EQ(!wrapper, error != nullptr);
+  if (code != nullptr) *code = error ? error->code() : 0;
+  return wrapper;
+}
+
+bool areSame(const NSRef<NSFileWrapper>& a, const NSRef<NSFileWrapper>& b) {
+  if (a->isDirectory() != b->isDirectory()) return false;
+  if (!a->isDirectory()) return a->regularFileContents()->isEqual(b->regularFileContents());
+  const auto others = b->fileWrappers();
+  if (a->fileWrappers()->count() != others->count()) return false;
+  for (const auto& entry : a->fileWrappers()) {
+    const auto other = others->objectForKey(entry.first).as<NSFileWrapper>();
+    if (!other || !areSame(entry.second.as<NSFileWrapper>(), other)) return false;
+  }
+  return true;
+}
+
+TEST(NSFileWrapper, KeepsChildrenByName) {
+  const auto folder = directory({});
+  const auto notes = file("1", "notes.txt");
+  EXPECT_TRUE(folder->addFileWrapper(notes) == u"notes.txt");
+  EXPECT_TRUE(folder->addFileWrapper(file("2", "notes.txt")) == u"notes 2.txt");
+  EXPECT_TRUE(folder->addRegularFileWithContents_preferredFilename(
+                  NSMake<NSData>("3"), u"notes.txt"_ns) == u"notes 2 3.txt");
+  const auto nameless = file("4");
+  EXPECT_TRUE(folder->addFileWrapper(nameless) == u"Untitled");
+  EXPECT_TRUE(nameless->preferredFilename() == u"Untitled");
+  EXPECT_TRUE(folder->addFileWrapper(file("5", "")) == u"Untitled 2");
+  EXPECT_TRUE(folder->keyForFileWrapper(notes) == u"notes.txt");
+  EXPECT_TRUE(folder->addFileWrapper(notes) == u"notes 2 3 4.txt");
+  notes->setPreferredFilename(u"other"_ns);
+  folder->removeFileWrapper(notes);
+  EXPECT_FALSE(folder->keyForFileWrapper(notes));
+  EXPECT_EQ(folder->fileWrappers()->count(), 4U);
+  EXPECT_TRUE(folder->unusedFilename(u"Untitled.txt"_ns) == u"Untitled.txt");
+  EXPECT_EQ(folder->description()->utf8(), "NSFileWrapper (directory of 4)");
+  EXPECT_EQ(notes->description()->utf8(), "NSFileWrapper other (regular file of 1 bytes)");
+
+  const auto outer = NSMake<NSFileWrapper>(NSMake<NSDictionary>({{u"inner"_ns, folder}}));
+  EXPECT_TRUE(folder->preferredFilename() == u"inner");
+  for (const auto& child : {outer, folder}) {
+    expectRaises(NSInvalidArgumentException,
+                 "the child contains the directory (in 'addFileWrapper:')",
+                 [&] { folder->addFileWrapper(child); });
+  }
+  expectRaises(NSInternalInconsistencyException,
+               "the file wrapper is no directory (in 'addFileWrapper:')",
+               [&] { notes->addFileWrapper(folder); });
+  expectRaises(NSInternalInconsistencyException,
+               "the file wrapper is no regular file (in 'regularFileContents')",
+               [&] { (void)folder->regularFileContents(); });
+  EXPECT_THROW(NSMake<NSFileWrapper>(NSMake<NSDictionary>({{u"a"_ns, u"b"_ns}})), NSException);
+}
+
+TEST(NSFileWrapper, SavesAndLoadsADocument) {
+  const TestFolder folder;
+  const auto document = directory({});
+  for (int k = 0; k < 10; ++k) {
+    const auto part = directory({}, ("part ü" + std::to_string(k)).c_str());
+    for (int file = 0; file < 100; ++file) {
+      part->addRegularFileWithContents_preferredFilename(
+          NSMake<NSData>(std::string(static_cast<std::size_t>(k * file * 7), 'x') +
+                         std::to_string(file)),
+          NSMake<NSString>("page" + std::to_string(file) + ".txt"));
+    }
+    document->addFileWrapper(part);
+  }
+  const auto empty = directory({file("", "nothing")}, "empty");
+  empty->setFileAttributes(
+      NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0500)}}));
+  document->addFileWrapper(empty);
+  const fs::path place = folder / "document";
+  EXPECT_EQ(write(document, place, NSFileWrapperWritingWithNameUpdating), 0);
+  EXPECT_EQ(namesIn(place).size(), 1012U);
+  EXPECT_TRUE(empty->filename() == u"empty" && document->filename() == u"document");
+  const auto loaded = read(place);
+  EXPECT_TRUE(areSame(document, loaded));
+  EXPECT_TRUE(loaded->preferredFilename() == u"document");
+  EXPECT_TRUE(loaded->fileWrappers()
+                  ->objectForKey(u"empty"_ns)
+                  .as<NSFileWrapper>()
+                  ->fileAttributes()
+                  ->isEqual(empty->fileAttributes()));
+
+  // In its own place, shorter and with a new file; nothing of the old one or of the saving is left.
+  loaded->removeFileWrapper(
+      loaded->fileWrappers()->objectForKey(u"part ü3"_ns).as<NSFileWrapper>());
+  loaded->addFileWrapper(file("new", "cover"));
+  EXPECT_EQ(write(loaded, place), 0);
+  EXPECT_TRUE(areSame(loaded, read(place)));
+  EXPECT_EQ(namesIn(folder.path()).size(), 913U);
+
+  // Through a link, from directory to file and back.
+  fs::create_symlink(place, folder / "link");
+  fs::permissions(place, fs::perms{0705});
+  EXPECT_EQ(write(directory({}), folder / "link"), 0);
+  EXPECT_TRUE(fs::is_symlink(folder / "link") && fs::is_empty(place));
+  EXPECT_EQ(fs::status(place).permissions(), fs::perms{0705});
+  EXPECT_EQ(write(file("all"), place), 0);
+  EXPECT_EQ(contentsOf(place), "all");
+  EXPECT_EQ(write(document, place), 0);
+  EXPECT_TRUE(areSame(document, read(folder / "link")));
+}
+
+TEST(NSFileWrapper, RefusesWhatNoFileCanBe) {
+  const TestFolder folder;
+  for (const auto& name :
+       {u".."_ns, u"."_ns, u"a/b"_ns, NSMake<NSString>(std::u16string_view(u"a\0b", 3)),
+        NSMake<NSString>(std::u16string_view(u"\xDC00"))}) {
+    const auto bad = file("x");
+    bad->setPreferredFilename(name);
+    EXPECT_EQ(write(directory({directory({bad}, "in")}), folder / "a"),
+              NSFileWriteInvalidFileNameError);
+  }
+  EXPECT_EQ(write(directory({file("", std::string(256, 'x').c_str())}), folder / "a"),
+            NSFileWriteInvalidFileNameError);
+  EXPECT_EQ(write(file("x"), folder / "no/a"), NSFileNoSuchFileError);
+  EXPECT_EQ(write(file("x"), "/"), NSFileWriteUnknownError);
+  EXPECT_TRUE(namesIn(folder.path()).empty());
+
+  NSInteger code = 0;
+  EXPECT_FALSE(read(folder / "none", &code));
+  EXPECT_EQ(code, NSFileReadNoSuchFileError);
+  mkfifo((folder / "pipe").c_str(), 0600);
+  EXPECT_FALSE(read(folder.path(), &code));
+  EXPECT_EQ(code, NSFileReadUnknownError);
+  fs::remove(folder / "pipe");
+  fs::create_symlink(".", folder / "link");
+  EXPECT_FALSE(read(folder.path(), &code));
+  EXPECT_EQ(code, NSFileReadUnknownError);
+  fs::remove(folder / "link");
+  writeFile(folder / "\xFF", "");
+  EXPECT_FALSE(read(folder.path(), &code));
+  EXPECT_EQ(code, NSFileReadInvalidFileNameError);
+  EXPECT_EQ(read("/proc/self/stat")->regularFileContents()->length(),
+            contentsOf("/proc/self/stat").size());
+}
+
+TEST(NSFileWrapper, LeavesTheOldDocumentWhenTheNewOneCannotBeWritten) {
+  const TestFolder folder;
+  const auto old = directory({file("old", "a"), directory({file("older", "c")}, "b")});
+  const auto large = directory({file("new", "a"), file(std::string(1 << 20U, 'x'), "d")});
+  const fs::path place = folder / "document";
+  const auto expectOld = [&](NSInteger code) {
+    EXPECT_EQ(write(large, place), code);
+    EXPECT_TRUE(areSame(old, read(place)));
+    EXPECT_EQ(namesIn(folder.path()),
+              (std::set<std::string>{"document", "document/a", "document/b", "document/b/c"}));
+  };
+  bool isTested = onDisk(folder.path(), "size=256k", [&] {
+    EXPECT_EQ(write(old, place), 0);
+    expectOld(NSFileWriteOutOfSpaceError);
+  });
+  isTested = isTested && onDisk(folder.path(), "size=8m", [&] {
+               EXPECT_EQ(write(old, place), 0);
+               mount(nullptr, folder.path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
+               expectOld(NSFileWriteVolumeReadOnlyError);
+             });
+  EXPECT_EQ(write(old, place), 0);
+  fs::permissions(folder.path(), fs::perms{0755});
+  isTested = isTested && asNobody([&] { expectOld(NSFileWriteNoPermissionError); });
+  if (!isTested) GTEST_SKIP() << "may not mount file systems";
+}
+
+TEST(NSFileWrapper, WritesWhatItsOwnerMayNotChange) {
+  const TestFolder folder;
+  const bool isTested = asNobody([&] {
+    const auto locked = directory({directory({file("x", "a")}, "in")}, "locked");
+    const auto mode = NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0500)}});
+    locked->setFileAttributes(mode);
+    locked->fileWrappers()->objectForKey(u"in"_ns).as<NSFileWrapper>()->setFileAttributes(mode);
+    const auto document = directory({locked});
+    EXPECT_EQ(write(document, folder / "document"), 0);
+    EXPECT_EQ(write(document, folder / "document"), 0);
+    EXPECT_EQ(write(locked, folder / "copy"), 0);
+    EXPECT_EQ(fs::status(folder / "copy").permissions(), fs::perms{0500});
+    EXPECT_TRUE(areSame(document, read(folder / "document")));
+    EXPECT_EQ(write(directory({}), folder / "document"), 0);
+    EXPECT_EQ(namesIn(folder.path()),
+              (std::set<std::string>{"copy", "copy/in", "copy/in/a", "document"}));
+    fs::permissions(folder / "copy", fs::perms::owner_all);
+    fs::permissions(folder / "copy/in", fs::perms::owner_all);
+  });
+  if (!isTested) GTEST_SKIP() << "cannot be another user";
+}
+
+}  // namespace

@@ -1,0 +1,102 @@
+#include "tests/Support.h"
+
+#include <array>
+#include <string>
+
+namespace {
+
+std::string shown(const NSRef<NSString>& text) { return text ? text->utf8() : "nil"; }
+NSRef<NSString> string(const char* text) { return NSMake<NSString>(text); }
+NSRef<NSLocale> locale(const char* text) {
+  return NSLocale::localeWithLocaleIdentifier(string(text));
+}
+
+TEST(NSLocaleNames, SplitsIdentifiers) {
+  struct Row {
+    const char* identifier;
+    std::array<const char*, 4> parts;  // Language, script, country, variant.
+  };
+  for (const auto& [identifier, parts] : std::to_array<Row>({
+           {"de_CH", {"de", "nil", "CH", "nil"}},
+           {"zh-Hant-TW", {"zh", "Hant", "TW", "nil"}},
+           {"es_419", {"es", "nil", "419", "nil"}},
+           {"_CH", {"nil", "nil", "CH", "nil"}},
+           {"DE_ch", {"DE", "nil", "ch", "nil"}},
+           {"de_CH@currency=EUR;x=a_US", {"de", "nil", "CH", "nil"}},
+           {"@x=_CH", {"nil", "nil", "nil", "nil"}},
+           {"de_CH.UTF-8", {"de", "nil", "CH", "nil"}},
+           {"de_DE_1996", {"de", "nil", "DE", "1996"}},
+           {"de__CH", {"de", "nil", "nil", "_CH"}},
+           {"sl_rozaj_IT", {"sl", "nil", "nil", "rozaj_IT"}},
+           {"de_Latn", {"de", "Latn", "nil", "nil"}},
+           {"de_C1", {"de", "nil", "nil", "C1"}},
+           {"de_CHE", {"de", "nil", "nil", "CHE"}},
+           {"ü_CH", {"ü", "nil", "CH", "nil"}},
+           {"-", {"nil", "nil", "nil", "nil"}},
+           {"", {"nil", "nil", "nil", "nil"}},
+       })) {
+    const auto components = NSLocale::componentsFromLocaleIdentifier(string(identifier));
+    const std::array<NSRef<NSString>, 4> keys = {NSLocaleLanguageCode(), NSLocaleScriptCode(),
+                                                 NSLocaleCountryCode(), NSLocaleVariantCode()};
+    for (std::size_t k = 0; k < keys.size(); ++k) {
+      EXPECT_EQ(shown(components->objectForKey(keys[k]).as<NSString>()), parts[k]) << identifier;
+    }
+  }
+  EXPECT_FALSE(NSLocale::componentsFromLocaleIdentifier(nullptr));
+}
+
+TEST(NSLocaleNames, NamesTheLanguageAlone) {
+  struct Row {
+    const char* identifier;
+    const char* language;
+  };
+  for (const auto& [identifier, language] : std::to_array<Row>({
+           {"de_CH", "de"},        {"pt_BR", "pt"},           {"de_Latn_DE", "de"},
+           {"de_Cyrl", "de-Cyrl"}, {"zh_TW", "zh-Hant"},      {"zh_Hant_HK", "zh-Hant"},
+           {"zh_CN", "zh"},        {"zh_Hans_CN", "zh-Hans"}, {"sr_RS", "sr"},
+           {"sr_ME", "sr-Latn"},   {"sr_Latn_RS", "sr-Latn"}, {"iw_IL", "he"},
+           {"DE-ch", "de"},        {"deu_DE", "de"},          {"en_US_POSIX", "en"},
+           {"_CH", "und"},         {"de@x=_CH", "de"},        {"", "nil"},
+           {"a b", "nil"},
+       })) {
+    EXPECT_EQ(shown(NSLocale::canonicalLanguageIdentifierFromString(string(identifier))), language)
+        << identifier;
+  }
+  EXPECT_FALSE(NSLocale::canonicalLanguageIdentifierFromString(nullptr));
+}
+
+TEST(NSLocaleNames, NamesForPeople) {
+  struct Row {
+    const char* user;
+    NSRef<NSString> key;
+    const char* value;
+    const char* name;
+  };
+  for (const Row& row : std::to_array<Row>({
+           {"en", NSLocaleIdentifier(), "de_CH", "German (Switzerland)"},
+           {"en_US_POSIX", NSLocaleIdentifier(), "pt-BR", "Portuguese (Brazil)"},
+           {"de", NSLocaleIdentifier(), "de_CH", "Deutsch (Schweiz)"},
+           {"fr_CA", NSLocaleIdentifier(), "de_CH", "allemand (Suisse)"},
+           {"xx@numbers=none", NSLocaleIdentifier(), "zz_QQ", "zz (QQ)"},
+           {"de", NSLocaleLanguageCode(), "de", "Deutsch"},
+           {"de", NSLocaleScriptCode(), "Cyrl", "Kyrillisch"},
+           {"ar", NSLocaleCountryCode(), "CH", "سويسرا"},
+           {"en", NSLocaleVariantCode(), "1996", "German orthography of 1996"},
+           {"en", string("no key"), "de", "nil"},
+           {"en", NSLocaleIdentifier(), "", "nil"},
+           {"en", NSLocaleIdentifier(), "a b", "nil"},
+       })) {
+    EXPECT_EQ(shown(locale(row.user)->displayNameForKey_value(row.key, string(row.value))),
+              row.name);
+  }
+  EXPECT_FALSE(locale("en")->displayNameForKey_value(NSLocaleIdentifier(), nullptr));
+  const std::string longest = "en_US@" + std::string(144, 'x');
+  EXPECT_TRUE(locale("en")->displayNameForKey_value(NSLocaleIdentifier(), string(longest.c_str())));
+
+  const auto shared = locale("it");
+  onThreads(8, [&] {
+    EXPECT_EQ(shown(shared->displayNameForKey_value(NSLocaleLanguageCode(), u"de"_ns)), "tedesco");
+  });
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+#include "tests/Files.h"
+
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+NSRef<NSArray> arrayOf(const std::vector<std::u16string>& texts) {
+  auto array = NSMake<NSMutableArray>();
+  for (const auto& text : texts) array->addObject(NSMake<NSString>(text));
+  return array;
+}
+
+std::string unique(const std::u16string& name, const std::vector<std::u16string>& taken) {
+  return uniqueStringWithString_forStringArray(NSMake<NSString>(name), arrayOf(taken))->utf8();
+}
+
+// Tries one name after the other, as the rule tells it.
+std::u16string uniqueByTrying(const std::u16string& name, const NSRef<NSArray>& taken) {
+  if (!taken->containsObject(NSMake<NSString>(name))) return name;
+  std::size_t start = name.size();
+  while (start > 1 && name[start - 1] >= u'0' && name[start - 1] <= u'9') --start;
+  const std::string digits(name.begin() + static_cast<std::ptrdiff_t>(start), name.end());
+  for (auto number = digits.empty() ? 0 : std::stoll(digits);;) {
+    const std::string text = std::to_string(++number);
+    const auto candidate = name.substr(0, start).append(text.begin(), text.end());
+    if (!taken->containsObject(NSMake<NSString>(candidate))) return candidate;
+  }
+}
+
+TEST(UniqueNames, OfStrings) {
+  struct Row {
+    std::u16string name;
+    std::vector<std::u16string> taken;
+    const char* result;
+  };
+  const std::u16string largest = u"a9223372036854775807";
+  for (const auto& [name, taken, result] : std::vector<Row>{
+           {u"x", {}, "x"},
+           {u"Name", {u"name"}, "Name"},
+           {u"Untitled", {u"Untitled"}, "Untitled1"},
+           {u"x", {u"x1", u"x"}, "x2"},
+           {u"r2", {u"r2", u"r3"}, "r4"},
+           {u"Copy 9", {u"Copy 9"}, "Copy 10"},
+           {u"a007", {u"a007", u"a8", u"a008", u"a09"}, "a9"},
+           {u"7", {u"7"}, "71"},
+           {u"12", {u"12"}, "13"},
+           {u"", {u""}, "1"},
+           {u"a\u0661\u0669", {u"a\u0661\u0669"}, "a20"},
+           {u"a\u096F", {u"a\u096F"}, "a10"},
+           {u"a\U0001D7D7",
+            {u"a\U0001D7D7"},
+            "a\U0001D7D7"
+            "1"},
+           {u"a9223372036854775806", {u"a9223372036854775806"}, "a9223372036854775807"},
+           {u"a9223372036854775806", {u"a9223372036854775806", largest}, "a9223372036854775808"},
+           {largest, {largest}, "a92233720368547758071"},
+           {u"a99999999999999999999999",
+            {u"a99999999999999999999999"},
+            "a999999999999999999999991"},
+           {u"a000000000000000000000001", {u"a000000000000000000000001"}, "a2"},
+       }) {
+    EXPECT_EQ(unique(name, taken), result);
+  }
+  const auto original = NSMake<NSMutableString>(u"a");
+  const auto copy = uniqueStringWithString_forStringArray(original, nullptr);
+  original->setString(u"b"_ns);
+  EXPECT_TRUE(copy == u"a");
+  EXPECT_TRUE(uniqueStringWithString_forStringArray(
+                  u"a"_ns, NSMake<NSArray>({NSMake<NSMutableString>(u"a"), NSMake<NSNumber>(1)})) ==
+              u"a1");
+  expectProperty("as trying does", [] {
+    // Names over two letters and few digits, so that many are taken.
+    const auto names =
+        *rc::gen::container<std::vector<std::u16string>>(rc::gen::resize(4, textOver(u"a018")));
+    const auto name = *rc::gen::resize(4, textOver(u"a018"));
+    const auto array = arrayOf(names);
+    RC_ASSERT(NSMake<NSString>(uniqueByTrying(name, array))
+                  ->isEqual(uniqueStringWithString_forStringArray(NSMake<NSString>(name), array)));
+  });
+}
+
+TEST(UniqueNames, OfURLs) {
+  struct Row {
+    const char* url;
+    std::vector<const char*> taken;
+    const char* result;
+  };
+  for (const auto& [text, taken, result] : std::vector<Row>{
+           {"file:///no/report.txt", {"file:///no/report.pdf"}, "file:///no/report1.txt"},
+           {"file:///no/x", {"file:///no/x"}, "file:///no/x1"},
+           {"file:///no/x", {"file:///no/y", "file:///n/x"}, "file:///no/x"},
+           {"file:///no/x?q#f", {}, "file:///no/x"},
+           {"file:///no/archive.tar.gz",
+            {"file:///no/archive.tar.gz", "file:///no/archive.tar1.x"},
+            "file:///no/archive.tar2.gz"},
+           {"file:///no/a%20b.c", {"http://h/no/a%20b?q"}, "file:///no/a%20b1.c"},
+           {"file:///no/a%20b.c", {"http://h/no/a b?q", "mailto:a"}, "file:///no/a%20b.c"},
+           {"file:///no/.a", {"file:///no/.a"}, "file:///no/.a1"},
+           {"file:///no/a.", {"file:///no/a.", "file:///no/a"}, "file:///no/a.1"},
+           {"file:///no/d9.app/", {"file:///no/d9"}, "file:///no/d10.app"},
+           {"http://h/a", {"http://h/a"}, "http://h/a"},
+           {"file:///%00", {}, "nil"},
+       }) {
+    auto array = NSMake<NSMutableArray>();
+    for (const char* const other : taken) {
+      if (const auto url = NSURL::URLWithString(NSMake<NSString>(other))) array->addObject(url);
+    }
+    const auto url = NSURL::URLWithString(NSMake<NSString>(text));
+    const auto found = uniqueURLWithURL_forURLArray(url, array);
+    EXPECT_EQ(found ? found->description()->utf8() : "nil", result);
+    EXPECT_EQ(found == url, !url->isFileURL());
+  }
+}
+
+TEST(UniqueNames, OfFileWrappers) {
+  const auto folder = NSMake<NSFileWrapper>(NSMake<NSDictionary>());
+  const auto add = [&](const char* name) {
+    const auto child = NSMake<NSFileWrapper>(NSMake<NSData>());
+    if (name != nullptr) child->setPreferredFilename(NSMake<NSString>(name));
+    const auto key = addFileWrapperWithUniqueFileName(folder, child);
+    EXPECT_EQ(folder->fileWrappers()->objectForKey(key), child);
+    EXPECT_TRUE(child->preferredFilename()->isEqualToString(key));
+    return key->utf8();
+  };
+  for (const auto& [name, result] : std::to_array<std::pair<const char*, const char*>>({
+           {"a.txt", "a.txt"},
+           {"a.txt", "a 2.txt"},
+           {"a.txt", "a 2 3.txt"},
+           {"a.txt", "a 2 3 4.txt"},
+           {"a 2.txt", "a 2 2.txt"},
+           {"A.txt", "A.txt"},
+           {"a", "a"},
+           {"a", "a 2"},
+           {"a", "a 2 3"},
+           {".a", ".a"},
+           {".a", ".a 2"},
+           {nullptr, "Untitled"},
+           {"", "Untitled 2"},
+           {nullptr, "Untitled 2 3"},
+       })) {
+    EXPECT_EQ(add(name), result);
+  }
+}
+
+}  // namespace
