@@ -1,6 +1,7 @@
 #include "Foundation/NSLocaleComponents.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -18,30 +19,35 @@ bool isCountry(std::u16string_view part) {
          (part.size() == 3 && std::ranges::all_of(part, isDigit));
 }
 
-// Removes the first part and the separator behind it.
+// Removes the first part and the separator behind it; all that is left if that ends the identifier.
 std::u16string_view takePart(std::u16string_view& text) {
-  const std::size_t end = std::min(text.find_first_of(u"_-"), text.size());
-  const std::u16string_view part = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  return part;
+  for (std::size_t end = 0; end < text.size(); ++end) {
+    const bool isLast = text[end] == u'@' || text[end] == u'.';
+    if (!isLast && text[end] != u'_' && text[end] != u'-') continue;
+    const std::u16string_view part = text.substr(0, end);
+    text.remove_prefix(isLast ? text.size() : end + 1);
+    return part;
+  }
+  return std::exchange(text, {});
 }
 
 }  // namespace
 
 NSLocaleComponents::NSLocaleComponents(std::u16string_view identifier) noexcept {
-  std::u16string_view rest = identifier.substr(0, identifier.find_first_of(u"@."));
+  std::u16string_view rest = identifier;
   language = takePart(rest);
-  variant = rest;
+  std::u16string_view behind = rest;
   std::u16string_view part = takePart(rest);
   if (isScript(part)) {
     script = part;
-    variant = rest;
+    behind = rest;
     part = takePart(rest);
   }
   if (isCountry(part)) {
     country = part;
-    variant = rest;
+    behind = rest;
   }
+  variant = behind.substr(0, behind.find_first_of(u"@."));
 }
 
 bool NSIsLocaleIdentifier(std::u16string_view text) noexcept {

@@ -1,6 +1,5 @@
 #include "ZKFoundation/Categories/NSLocale+ZKFoundationExtensions.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -29,12 +28,23 @@ constexpr std::array<Row, 33> rows = {{
 constexpr std::u16string_view defaultMarks = u"\"\"''»«›‹";
 constexpr std::u16string_view swissMarks = u"«»‹›";
 
-static_assert(std::ranges::is_sorted(rows, {}, &Row::language));
+// Where the marks of "aa" to "zz" are, by both letters.
+constexpr std::size_t letters = 26;
+constexpr auto marksByCode = [] {
+  std::array<const char16_t*, letters * letters> table{};
+  table.fill(defaultMarks.data());
+  for (const auto& [language, marks] : rows) {
+    table[(language[0] - u'a') * letters + (language[1] - u'a')] = marks.data();
+  }
+  return table;
+}();
 
 unichar markOfLanguage(std::u16string_view language, std::size_t column) {
-  const auto* const row = std::ranges::lower_bound(rows, language, {}, &Row::language);
-  const bool isListed = row != rows.end() && row->language == language;
-  return (isListed ? row->marks : defaultMarks)[column];
+  if (language.size() != 2) return defaultMarks[column];
+  const auto first = static_cast<std::size_t>(language[0]) - u'a';
+  const auto second = static_cast<std::size_t>(language[1]) - u'a';
+  return first < letters && second < letters ? marksByCode[first * letters + second][column]
+                                             : defaultMarks[column];
 }
 
 unichar quotationMark(const NSRef<NSString>& identifier, std::size_t column) {

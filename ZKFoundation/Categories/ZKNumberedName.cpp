@@ -14,6 +14,9 @@ namespace {
 constexpr std::size_t wordBits = 64;
 constexpr auto largest = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
 
+// Faster than views, which compare unit by unit.
+bool areSame(std::u16string_view a, std::u16string_view b) { return std::ranges::equal(a, b); }
+
 // Where the digits at the end begin. The first unit is none of them.
 std::size_t startOfDigits(std::u16string_view name) {
   std::size_t start = name.size();
@@ -48,18 +51,20 @@ std::uint64_t plainNumber(std::u16string_view text) {
 }  // namespace
 
 ZKNumberedName::ZKNumberedName(std::u16string_view name, std::size_t count)
-    : _name(name), _base(name), _takenNumbers(count / wordBits + 1) {
-  const std::size_t digits = startOfDigits(name);
-  if (const auto number = valueOf(name.substr(digits))) {
-    _base = name.substr(0, digits);
+    : _base(name), _takenNumbers(count / wordBits + 1) {
+  const std::size_t start = startOfDigits(name);
+  if (const auto number = valueOf(name.substr(start))) {
+    _base = name.substr(0, start);
+    _digits = name.substr(start);
     _number = *number;
   }
 }
 
 void ZKNumberedName::take(std::u16string_view name) {
-  if (!name.starts_with(_base)) return;
-  _isTaken |= name == _name;
-  const std::uint64_t number = plainNumber(name.substr(_base.size()));
+  if (name.size() < _base.size() || !areSame(name.substr(0, _base.size()), _base)) return;
+  const std::u16string_view rest = name.substr(_base.size());
+  _isTaken = _isTaken || areSame(rest, _digits);
+  const std::uint64_t number = plainNumber(rest);
   if (number <= _number) return;
   const std::uint64_t bit = number - _number - 1;
   if (bit / wordBits < _takenNumbers.size()) {
@@ -68,7 +73,7 @@ void ZKNumberedName::take(std::u16string_view name) {
 }
 
 std::u16string ZKNumberedName::freeName() const {
-  if (!_isTaken) return std::u16string(_name);
+  if (!_isTaken) return std::u16string(_base).append(_digits);
   constexpr auto full = std::numeric_limits<std::uint64_t>::max();
   const auto word = std::ranges::find_if(_takenNumbers, [](auto bits) { return bits != full; });
   const auto bit = static_cast<std::uint64_t>(word - _takenNumbers.begin()) * wordBits +

@@ -16,8 +16,9 @@ class ZKNumberedName {
   std::u16string freeName() const;
 
  private:
-  std::u16string_view _name;
+  // The name in two, the second of which is its number.
   std::u16string_view _base;
+  std::u16string_view _digits;
   std::uint64_t _number = 0;
   bool _isTaken = false;
   // Of `count` names no more can be taken than these bits are; bit k is number + 1 + k.

@@ -1,6 +1,8 @@
 #include "examples/workbench/Document.h"
 #include "examples/workbench/Folder.h"
 #include "examples/workbench/FormatReport.h"
+#include "examples/workbench/NameReport.h"
+#include "examples/workbench/SavedReport.h"
 #include "examples/workbench/Shelf.h"
 #include "examples/workbench/Table.h"
 #include "examples/workbench/TextReport.h"
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -75,7 +78,8 @@ std::vector<NSRef<Document>> readDocuments(const fs::path& directory) {
   return documents;
 }
 
-void printDocuments(const std::vector<NSRef<Document>>& documents, bool isColoured) {
+void printDocuments(std::ostream& out, const std::vector<NSRef<Document>>& documents,
+                    bool isColoured) {
   Table table(
       {{"file", 60, "36"}, {"title", 48, "0"}, {"ids", 48, "33"}, {"document id", 36, "2"}});
   for (const auto& document : documents) {
@@ -83,39 +87,53 @@ void printDocuments(const std::vector<NSRef<Document>>& documents, bool isColour
     table.addRow({document->name(), isEmptyString(title) ? emdashString() : title,
                   valuesText(document->hexadecimalWords()), document->identifier()});
   }
-  table.print(std::cout, isColoured);
+  table.print(out, isColoured);
 }
 
-void printCollections(const std::vector<NSRef<Document>>& documents) {
+void printCollections(std::ostream& out, const std::vector<NSRef<Document>>& documents) {
   Shelf shelf;
   const auto root = NSMake<Folder>(u""_ns);
   for (const auto& document : documents) {
     shelf.add(document);
     root->file(document, document->name()->view());
   }
-  shelf.print(std::cout);
-  std::cout << "\nCopying the tree of folders\n\n";
-  printCopying(std::cout, root);
+  shelf.print(out);
+  out << "\nCopying the tree of folders\n\n";
+  printCopying(out, root);
 }
 
 void report(const fs::path& directory, const NSRef<NSString>& term) {
   const bool isColoured = isatty(STDOUT_FILENO) != 0;
   const auto documents = readDocuments(directory);
-  std::cout << documents.size() << " text files in " << directory.string() << "\n\n";
-  printDocuments(documents, isColoured);
-  std::cout << "\nSizes\n\n";
-  printSizes(std::cout, documents, isColoured);
-  std::cout << "\nTyped addresses\n\n";
-  printAddresses(std::cout, isColoured);
-  std::cout << "\nOn the shelf\n\n";
-  printCollections(documents);
-  std::cout << "\nTexts\n\n";
-  printTextStatistics(std::cout, documents, isColoured);
-  std::cout << "\nSections\n\n";
-  printOutlines(std::cout, documents);
-  std::cout << "\nSearching " << leftPointingDoubleAngleQuotationMarkString() << term
-            << rightPointingDoubleAngleQuotationMarkString() << " from the middle around\n\n";
-  printHits(std::cout, documents, term, isColoured);
+  std::vector<Section> sections;
+  // What is kept is without colours.
+  const auto print = [&](const std::string& title, auto section) {
+    std::ostringstream text;
+    section(text, false);
+    std::cout << '\n' << title << "\n\n";
+    if (isColoured) {
+      section(std::cout, true);
+    } else {
+      std::cout << text.str();
+    }
+    sections.push_back({title, text.str()});
+  };
+  std::cout << documents.size() << " text files in " << directory.string() << '\n';
+  print("Documents", [&](auto& out, bool inColour) { printDocuments(out, documents, inColour); });
+  print("Sizes", [&](auto& out, bool inColour) { printSizes(out, documents, inColour); });
+  print("Typed addresses", [&](auto& out, bool inColour) { printAddresses(out, inColour); });
+  print("Names",
+        [&](auto& out, bool inColour) { printNames(out, documents, directory, inColour); });
+  print("On the shelf", [&](auto& out, bool /*inColour*/) { printCollections(out, documents); });
+  print("Texts", [&](auto& out, bool inColour) { printTextStatistics(out, documents, inColour); });
+  print("Sections", [&](auto& out, bool /*inColour*/) { printOutlines(out, documents); });
+  print("Search", [&](auto& out, bool inColour) {
+    out << "  " << leftPointingDoubleAngleQuotationMarkString() << term
+        << rightPointingDoubleAngleQuotationMarkString() << " from the middle around\n\n";
+    printHits(out, documents, term, inColour);
+  });
+  std::cout << "\nSaving the report\n\n";
+  saveAndOpen(std::cout, sections, documents);
 }
 
 }  // namespace
