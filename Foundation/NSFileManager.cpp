@@ -10,7 +10,6 @@
 #include "Foundation/NSUserFolders.h"
 
 #include <cerrno>
-#include <ranges>
 #include <string>
 #include <vector>
 
@@ -32,7 +31,7 @@ class DirectoryMaker {
   DirectoryMaker(const DirectoryMaker&) = delete;
   ~DirectoryMaker() {
     // One that another has used since is not empty, and stays.
-    for (const fs::path& path : std::views::reverse(_made)) rmdir(path.c_str());
+    for (; !_made.empty(); _made.pop_back()) rmdir(_made.back().c_str());
   }
 
   int make(const fs::path& path, mode_t mode) {
