@@ -85,7 +85,8 @@ TEST(NSFileWrapper, KeepsChildrenByName) {
   expectRaises(NSInternalInconsistencyException,
                "the file wrapper is no regular file (in 'regularFileContents')",
                [&] { (void)folder->regularFileContents(); });
-  EXPECT_THROW(NSMake<NSFileWrapper>(NSMake<NSDictionary>({{u"a"_ns, u"b"_ns}})), NSException);
+  EXPECT_THROW((void)NSMake<NSFileWrapper>(NSMake<NSDictionary>({{u"a"_ns, u"b"_ns}})),
+               NSException);
 }
 
 TEST(NSFileWrapper, SavesAndLoadsADocument) {

@@ -164,7 +164,7 @@ TEST(NSURL, AppendsComponents) {
     const char* file;
     const char* directory;
   };
-  for (const auto& [text, component, file, directory] : std::to_array<Row>({
+  for (const Row& row : std::to_array<Row>({
            {"file:///a", "b c", "file:///a/b%20c", "file:///a/b%20c/"},
            {"file:///a/%FF/", "/b/", "file:///a/%FF/b", "file:///a/%FF/b/"},
            {"http://a?q/#f", "b/c", "http://a/b/c?q/#f", "http://a/b/c/?q/#f"},
@@ -176,10 +176,10 @@ TEST(NSURL, AppendsComponents) {
        })) {
     const auto result = [&](bool isDirectory) {
       return shown(
-          url(text)->URLByAppendingPathComponent_isDirectory(path(component), isDirectory));
+          url(row.url)->URLByAppendingPathComponent_isDirectory(path(row.component), isDirectory));
     };
-    EXPECT_EQ(result(false), file) << text;
-    EXPECT_EQ(result(true), directory) << text;
+    EXPECT_EQ(result(false), row.file) << row.url;
+    EXPECT_EQ(result(true), row.directory) << row.url;
   }
   EXPECT_FALSE(url("file:///")
                    ->URLByAppendingPathComponent_isDirectory(

@@ -29,7 +29,7 @@ std::u16string uniqueByTrying(const std::u16string& name, const NSRef<NSArray>& 
   const std::string digits(name.begin() + static_cast<std::ptrdiff_t>(start), name.end());
   for (auto number = digits.empty() ? 0 : std::stoll(digits);;) {
     const std::string text = std::to_string(++number);
-    const auto candidate = name.substr(0, start).append(text.begin(), text.end());
+    auto candidate = name.substr(0, start).append(text.begin(), text.end());
     if (!taken->containsObject(NSMake<NSString>(candidate))) return candidate;
   }
 }
