@@ -44,8 +44,9 @@ NSRef<NSString> NSError::localizedDescription() const {
   if (const auto error = _userInfo->objectForKey(NSUnderlyingErrorKey()).as<NSError>()) {
     return error->localizedDescription();
   }
-  if (_domain == NSPOSIXErrorDomain()) {
-    return NSMake<NSString>(std::system_category().message(static_cast<int>(_code)));
+  const auto number = static_cast<int>(_code);
+  if (_domain == NSPOSIXErrorDomain() && number == _code) {
+    return NSMake<NSString>(std::system_category().message(number));
   }
   return NSString::stringWithFormat(u"%@ %ld"_ns, _domain, _code);
 }

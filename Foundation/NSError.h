@@ -18,7 +18,7 @@ NS_EXPORT const NSRef<NSString>& NSCocoaErrorDomain();
 NS_EXPORT const NSRef<NSString>& NSLocalizedDescriptionKey();
 /// The `NSError` behind this one.
 NS_EXPORT const NSRef<NSString>& NSUnderlyingErrorKey();
-/// A string, the path of the file.
+/// A string, the path of the file, or the text of a URL that is none's.
 NS_EXPORT const NSRef<NSString>& NSFilePathErrorKey();
 
 /// What went wrong with a file, with the `errno` from which each comes.

@@ -3,11 +3,11 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSFileError.h"
+#include "Foundation/NSFilePaths.h"
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSURL.h"
-#include "Foundation/NSUserFolders.h"
 
 #include <cerrno>
 #include <string>
@@ -49,7 +49,7 @@ class DirectoryMaker {
       if (error == EEXIST) {
         struct stat status {};
         if (stat(path.c_str(), &status) == 0) return S_ISDIR(status.st_mode) ? 0 : EEXIST;
-        if (lstat(path.c_str(), &status) == 0) return EEXIST;
+        if (lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) return EEXIST;
       } else if (error != ENOENT || path == path.parent_path()) {
         return error;
       } else if (const int above = makeWithIntermediates(path.parent_path(), everything)) {
@@ -129,7 +129,7 @@ const NSRef<NSFileManager>& NSFileManager::defaultManager() {
 NSRef<NSURL> NSFileManager::URLForDirectory_inDomain_appropriateForURL_create_error(
     NSUInteger directory, NSUInteger domain, const NSRef<NSURL>& /*reference*/, bool create,
     NSRef<NSError>* error) const {
-  const fs::path path = NSUserFolders::current().directory(directory, domain);
+  const fs::path path = NSStandardDirectory(directory, domain);
   const auto url = path.empty() ? nullptr : NSURL::fileURLWithPath_isDirectory(path, true);
   if (!url) {
     NSStoreError(error, NSFileError(NSFileReadUnknownError, nullptr, "No such standard directory"));
@@ -148,7 +148,10 @@ bool NSFileManager::createDirectoryAtURL_withIntermediateDirectories_attributes_
   }
   fs::path path = NSPathOfFileToWrite(url, error);
   if (path.empty()) return false;
-  if (!path.has_filename()) path = path.parent_path();
+  while (path.has_parent_path() && path != "/" &&
+         (!path.has_filename() || path.filename() == ".")) {
+    path = path.parent_path();
+  }
   mode_t permissions = 0;
   const auto wanted = attributes ? attributes->objectForKey(NSFilePosixPermissions()) : nullptr;
   if (wanted) {
@@ -167,12 +170,14 @@ bool NSFileManager::createDirectoryAtURL_withIntermediateDirectories_attributes_
 NSRef<NSDictionary> NSFileManager::attributesOfItemAtPath_error(const NSRef<NSString>& path,
                                                                 NSRef<NSError>* error) const {
   if (!path) NSRaiseNilArgument("path", "attributesOfItemAtPath:error:");
-  const fs::path file = path->utf8();
+  const fs::path file = NSBytesOfPath(path->view());
   struct stat status {};
-  // A path that ends early at U+0000 would be another file's.
-  const bool isWhole = file.native().find('\0') == std::string::npos;
-  if (!isWhole || lstat(file.c_str(), &status) != 0) {
-    NSStoreError(error, NSFileReadError(isWhole ? errno : ENOENT, file));
+  if (file.empty()) {
+    NSStoreError(error, NSFileError(NSFileReadInvalidFileNameError, path, "No file has this path"));
+    return nullptr;
+  }
+  if (lstat(file.c_str(), &status) != 0) {
+    NSStoreError(error, NSFileReadError(errno, file));
     return nullptr;
   }
   return NSMake<NSDictionary>(

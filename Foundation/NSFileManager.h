@@ -46,9 +46,9 @@ NS_EXPORT const NSRef<NSString>& NSFileTypeUnknown();
 
 /// Asks and changes the file system. It has no state: any number of threads may use one.
 ///
-/// An operation that fails gives nil or false and stores the reason in `*error`, an error of
-/// `NSCocoaErrorDomain` with the path and the `errno` behind it; `error` may be null. A nil URL or
-/// path raises `NSInvalidArgumentException`.
+/// An operation that fails gives nil or false and stores the reason in `*error`: an error of
+/// `NSCocoaErrorDomain`, of a file with its path, and with the `errno` behind it if the system
+/// refused. `error` may be null. A nil URL or path raises `NSInvalidArgumentException`.
 class NS_EXPORT NSFileManager : public NSObject {
  public:
   static const NSRef<NSFileManager>& defaultManager();
@@ -57,12 +57,12 @@ class NS_EXPORT NSFileManager : public NSObject {
   ///
   /// | directory | of the user | of the machine |
   /// |---|---|---|
-  /// | users | – | /home |
+  /// | users | | /home |
   /// | application support | XDG_DATA_HOME, else ~/.local/share | /usr/local/share |
   /// | caches | XDG_CACHE_HOME, else ~/.cache | /var/cache |
-  /// | documents, desktop, downloads, movies, music, pictures, public | what `user-dirs.dirs` says,
-  /// else ~/Documents, ~/Desktop, ~/Downloads, ~/Videos, ~/Music, ~/Pictures, ~/Public | – |
+  /// | all others | `user-dirs.dirs`, else a folder in ~ | |
   ///
+  /// The folders in ~ are Documents, Desktop, Downloads, Videos, Music, Pictures and Public.
   /// Of the environment these variables count, the XDG ones if they are absolute paths, and HOME
   /// for "~", else the system's list of users; `user-dirs.dirs` is read from XDG_CONFIG_HOME, else
   /// from ~/.config. All are read anew each time. Other directories and domains, and several
@@ -73,8 +73,9 @@ class NS_EXPORT NSFileManager : public NSObject {
       NSRef<NSError>* error) const;
 
   /// Makes a directory, with `createIntermediates` also those above it that are missing; then one
-  /// that exists is as good. When it cannot be made, nothing of it is left. Any number of threads
-  /// and processes may make the same one at once.
+  /// that exists is as good. Any number of threads and processes may make the same one at once.
+  /// When it cannot be made, what was made for it is removed, unless something else is in it by
+  /// then; another call that has just found it there does not keep it.
   ///
   /// Of the attributes `NSFilePosixPermissions` counts, for the directory itself; those above it,
   /// and it without attributes, get what the process's file mode creation mask leaves.

@@ -12,7 +12,9 @@
 #include "Foundation/NSURL.h"
 
 #include <string>
+#include <unordered_set>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -35,15 +37,17 @@ NSFileWrapper::NSFileWrapper(const NSRef<NSDictionary>& childrenByName)
     : _children(NSMake<NSMutableDictionary>()) {
   if (!childrenByName) return;
   for (const auto& entry : childrenByName) {
-    const auto name = entry.first.as<NSString>();
-    const auto child = entry.second.as<NSFileWrapper>();
-    if (!name || !child) {
+    if (!entry.first.cast<NSString>() || !entry.second.cast<NSFileWrapper>()) {
       NSException::raise(NSInvalidArgumentException,
                          "not all are file wrappers by name "
                          "(in 'initDirectoryWithFileWrappers:')");
     }
-    _children->setObject_forKey(child, name);
-    if (NSViewOf(child->_preferredFilename).empty()) child->setPreferredFilename(name);
+    _children->setObject_forKey(entry.second, entry.first);
+  }
+  for (const auto& entry : childrenByName) {
+    auto* const child = entry.second.cast<NSFileWrapper>();
+    const bool hasName = !NSViewOf(child->_preferredFilename).empty();
+    if (!hasName) child->setPreferredFilename(entry.first.as<NSString>());
   }
 }
 
@@ -113,11 +117,19 @@ NSRef<NSDictionary> NSFileWrapper::fileWrappers() const {
   return children("fileWrappers").copy().as<NSDictionary>();
 }
 
+// Each directory is looked at once, however often it is a child.
 bool NSFileWrapper::contains(const NSFileWrapper* wrapper) const {
-  if (this == wrapper) return true;
-  if (!isDirectory()) return false;
-  for (const auto& entry : _children) {
-    if (entry.second.cast<NSFileWrapper>()->contains(wrapper)) return true;
+  std::vector<const NSFileWrapper*> open = {this};
+  std::unordered_set<const NSFileWrapper*> seen = {this};
+  while (!open.empty()) {
+    const NSFileWrapper* const at = open.back();
+    open.pop_back();
+    if (at == wrapper) return true;
+    if (!at->isDirectory()) continue;
+    for (const auto& entry : at->_children) {
+      const auto* const child = entry.second.cast<NSFileWrapper>();
+      if (child->isDirectory() && seen.insert(child).second) open.push_back(child);
+    }
   }
   return false;
 }

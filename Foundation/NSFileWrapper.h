@@ -23,8 +23,11 @@ enum NSFileWrapperWritingOptions : NSUInteger {
 ///
 /// A directory knows its children by name. One wrapper may be the child of several directories, but
 /// none is within itself. What asks a file for its children, or a directory for its bytes, raises
-/// `NSInternalInconsistencyException`, a nil argument `NSInvalidArgumentException`. A wrapper
-/// belongs to one thread at a time.
+/// `NSInternalInconsistencyException`; nil as contents, child, URL or name of a file that is to be
+/// found raises `NSInvalidArgumentException`. A wrapper belongs to one thread at a time.
+///
+/// Of permissions the nine for reading, writing and executing are kept; owners, extended attributes
+/// and further hard links are not.
 class NS_EXPORT NSFileWrapper : public NSObject {
  public:
   /// A regular file.
@@ -36,7 +39,8 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   /// What stands at the URL, with all that is in it. Nil, and the reason in `*error` unless that is
   /// null, for what cannot be read: besides what the system refuses, a URL that is no file URL, a
   /// name that is not UTF-8, and anything but regular files and directories. Only the URL itself
-  /// may be a symbolic link. There are no options.
+  /// may be a symbolic link; the names are then those of what it refers to. A document that is
+  /// written meanwhile is read as it was before or is afterwards. There are no options.
   static NSRef<NSFileWrapper> initWithURL_options_error(const NSRef<NSURL>& url, NSUInteger options,
                                                         NSRef<NSError>* error);
 
@@ -45,10 +49,11 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   /// that fails; then the place is as it was before.
   ///
   /// It is atomic: a hidden folder beside the place takes all of it first, and only when it is on
-  /// the disk it changes places with what was there. A name that no file can have ("a/b", "..")
-  /// is refused. What has permissions keeps them; a document without has those of the one before.
-  /// `NSFileWrapperWritingWithNameUpdating` is the only option with a meaning. The URL of the
-  /// original means nothing.
+  /// the disk it changes places with what was there. (On a file system without such an exchange
+  /// there is nothing at the place of a directory for a moment.) A name that no file can have
+  /// ("a/b", "..") is refused. What has permissions keeps them; a document without has those of the
+  /// one before, if that is of the same kind. `NSFileWrapperWritingWithNameUpdating` is the only
+  /// option with a meaning. The URL of the original means nothing.
   bool writeToURL_options_originalContentsURL_error(const NSRef<NSURL>& url, NSUInteger options,
                                                     const NSRef<NSURL>& original,
                                                     NSRef<NSError>* error);
@@ -60,12 +65,13 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   const NSRef<NSString>& preferredFilename() const noexcept { return _preferredFilename; }
   /// A change does not touch the name by which a directory already has it.
   void setPreferredFilename(const NSRef<NSString>& name);
-  /// The name that it had when it was read or written; nil before.
+  /// The name that it had when it was read, or written with name updating; nil before.
   const NSRef<NSString>& filename() const noexcept { return _filename; }
   void setFilename(const NSRef<NSString>& name);
   /// `NSFilePosixPermissions`, if it has any: those that were read or set.
   NSRef<NSDictionary> fileAttributes() const;
-  /// Without permissions it will have those that the process gives to new files.
+  /// Without permissions, or if they are no number, it will have those that the process gives to
+  /// new files.
   void setFileAttributes(const NSRef<NSDictionary>& attributes);
 
   const NSRef<NSData>& regularFileContents() const;

@@ -50,7 +50,7 @@ class NS_EXPORT NSLocale : public NSObject {
   static NSRef<NSLocale> localeWithLocaleIdentifier(const NSRef<NSString>& identifier);
 
   /// The parts of an identifier under the keys of language, script, country and variant; what does
-  /// not occur has no entry. It is cut at "@" or "." and split at "_" and "-": the language, which
+  /// not occur has no entry. It is cut at "@" and split at "_" and "-": the language, which
   /// may be empty, a script of four letters, a region of two letters or three digits, and the rest.
   /// Letter case stays. Nil for nil.
   static NSRef<NSDictionary> componentsFromLocaleIdentifier(const NSRef<NSString>& identifier);
@@ -58,8 +58,8 @@ class NS_EXPORT NSLocale : public NSObject {
   /// The language of an identifier without the region: "de" for "de_CH". Its script is there where
   /// that tells languages apart: one that is written, if it is not the only one that the language
   /// has ("zh-Hans" for "zh_Hans_CN", "de" for "de_Latn_DE"), and one that the region implies, if
-  /// it is not the language's usual one ("zh-Hant" for "zh_TW"). "und" without a language; nil for
-  /// what is no identifier.
+  /// it is not the language's usual one ("zh-Hant" for "zh_TW"). "und" without a language that ICU
+  /// can read; nil for what is no identifier.
   static NSRef<NSString> canonicalLanguageIdentifierFromString(const NSRef<NSString>& identifier);
 
   /// What people who speak the locale's language call what the value stands for: under

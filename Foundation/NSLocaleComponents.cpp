@@ -1,7 +1,6 @@
 #include "Foundation/NSLocaleComponents.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 
@@ -19,35 +18,31 @@ bool isCountry(std::u16string_view part) {
          (part.size() == 3 && std::ranges::all_of(part, isDigit));
 }
 
-// Removes the first part and the separator behind it; all that is left if that ends the identifier.
+// Removes the first part and the separator behind it.
 std::u16string_view takePart(std::u16string_view& text) {
-  for (std::size_t end = 0; end < text.size(); ++end) {
-    const bool isLast = text[end] == u'@' || text[end] == u'.';
-    if (!isLast && text[end] != u'_' && text[end] != u'-') continue;
-    const std::u16string_view part = text.substr(0, end);
-    text.remove_prefix(isLast ? text.size() : end + 1);
-    return part;
-  }
-  return std::exchange(text, {});
+  std::size_t end = 0;
+  while (end < text.size() && text[end] != u'_' && text[end] != u'-') ++end;
+  const std::u16string_view part = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return part;
 }
 
 }  // namespace
 
 NSLocaleComponents::NSLocaleComponents(std::u16string_view identifier) noexcept {
-  std::u16string_view rest = identifier;
+  std::u16string_view rest = NSWithoutKeywords(identifier);
   language = takePart(rest);
-  std::u16string_view behind = rest;
+  variant = rest;
   std::u16string_view part = takePart(rest);
   if (isScript(part)) {
     script = part;
-    behind = rest;
+    variant = rest;
     part = takePart(rest);
   }
   if (isCountry(part)) {
     country = part;
-    behind = rest;
+    variant = rest;
   }
-  variant = behind.substr(0, behind.find_first_of(u"@."));
 }
 
 bool NSIsLocaleIdentifier(std::u16string_view text) noexcept {

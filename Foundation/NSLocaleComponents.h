@@ -15,9 +15,14 @@ struct NSLocaleComponents {
   /// What is behind them, without its first separator.
   std::u16string_view variant;
 
-  /// Splits at "_" and "-"; what is behind "@" or "." does not count.
+  /// Splits at "_" and "-"; what is behind "@" does not count.
   NS_EXPORT explicit NSLocaleComponents(std::u16string_view identifier) noexcept;
 };
+
+/// The identifier up to the first "@".
+constexpr std::u16string_view NSWithoutKeywords(std::u16string_view identifier) noexcept {
+  return identifier.substr(0, identifier.find(u'@'));
+}
 
 /// Whether `NSLocale::localeWithLocaleIdentifier` takes the text.
 bool NSIsLocaleIdentifier(std::u16string_view text) noexcept;

@@ -5,11 +5,12 @@
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSString.h"
 
+#include <algorithm>
 #include <array>
 #include <set>
 #include <string>
-#include <utility>
 
+#include <unicode/uldnames.h>
 #include <unicode/uloc.h>
 
 namespace {
@@ -53,13 +54,23 @@ std::string presentCode(const std::string& language) {
   return U_SUCCESS(status) ? room.data() : language;
 }
 
-const std::array<std::pair<const NSRef<NSString>& (*)(), NSDisplayNames::Kind>, 5> namedKinds{{
-    {NSLocaleIdentifier, NSDisplayNames::Kind::locale},
-    {NSLocaleLanguageCode, NSDisplayNames::Kind::language},
-    {NSLocaleScriptCode, NSDisplayNames::Kind::script},
-    {NSLocaleCountryCode, NSDisplayNames::Kind::country},
-    {NSLocaleVariantCode, NSDisplayNames::Kind::variant},
+struct NamedKind {
+  const NSRef<NSString>& (*key)();
+  NSDisplayNames::Function name;
+};
+constexpr std::array<NamedKind, 5> namedKinds = {{
+    {NSLocaleIdentifier, uldn_localeDisplayName},
+    {NSLocaleLanguageCode, uldn_languageDisplayName},
+    {NSLocaleScriptCode, uldn_scriptDisplayName},
+    {NSLocaleCountryCode, uldn_regionDisplayName},
+    {NSLocaleVariantCode, uldn_variantDisplayName},
 }};
+
+// Two to eight letters, as BCP 47 has them.
+bool isLanguage(const std::string& code) {
+  return code.size() >= 2 && code.size() <= 8 &&
+         std::ranges::all_of(code, [](char unit) { return unit >= 'a' && unit <= 'z'; });
+}
 
 }  // namespace
 
@@ -104,15 +115,17 @@ NSRef<NSDictionary> NSLocale::componentsFromLocaleIdentifier(const NSRef<NSStrin
 
 NSRef<NSString> NSLocale::canonicalLanguageIdentifierFromString(const NSRef<NSString>& identifier) {
   if (!NSIsLocaleIdentifier(NSViewOf(identifier))) return nullptr;
-  const std::string canonical = ask(uloc_canonicalize, asciiOf(identifier->view()));
+  const std::string canonical =
+      ask(uloc_canonicalize, asciiOf(NSWithoutKeywords(identifier->view())));
   const std::string language = ask(uloc_getLanguage, canonical);
+  if (!isLanguage(language)) return u"und"_ns;
   const std::string written = ask(uloc_getScript, canonical);
   const std::string region = ask(uloc_getCountry, canonical);
   const std::string usual = usualScript(language);
-  std::string result = language.empty() ? "und" : presentCode(language);
+  std::string result = presentCode(language);
   if (!written.empty()) {
     if (written != usual || hasSeveralScripts(language)) result.append("-").append(written);
-  } else if (!language.empty() && !region.empty()) {
+  } else if (!region.empty()) {
     const std::string implied = usualScript(language, region);
     if (implied != usual) result.append("-").append(implied);
   }
@@ -122,12 +135,16 @@ NSRef<NSString> NSLocale::canonicalLanguageIdentifierFromString(const NSRef<NSSt
 NSRef<NSString> NSLocale::displayNameForKey_value(const NSRef<NSString>& key,
                                                   const NSRef<NSString>& value) const {
   if (!NSIsLocaleIdentifier(NSViewOf(value))) return nullptr;
-  for (const auto& [knownKey, kind] : namedKinds) {
+  for (const auto& [knownKey, name] : namedKinds) {
     if (!knownKey()->isEqualToString(key)) continue;
     std::call_once(_namesOnce, [this] {
       _names = std::make_unique<const NSDisplayNames>(_identifier->utf8());
     });
-    return _names->nameOf(kind, value->view());
+    auto result = _names->nameOf(name, value->view());
+    // There are keywords that ICU cannot read, or takes all else for.
+    const auto plain = NSWithoutKeywords(value->view());
+    if (!result && !plain.empty()) result = _names->nameOf(name, plain);
+    return result ? result : value->copy();
   }
   return nullptr;
 }

@@ -1,6 +1,6 @@
 #include "Foundation/NSArray.h"
+#include "Foundation/NSFilePaths.h"
 #include "Foundation/NSString.h"
-#include "Foundation/NSUserFolders.h"
 
 #include <algorithm>
 #include <climits>

@@ -1,13 +1,20 @@
 #include "Foundation/NSPathUtilities.h"
 
+#include "Foundation/NSFilePaths.h"
 #include "Foundation/NSString.h"
-#include "Foundation/NSUserFolders.h"
+#include "Foundation/NSUnicode.h"
 
 #include <array>
 #include <cstdlib>
 
 #include <pwd.h>
 #include <unistd.h>
+
+std::string NSBytesOfPath(std::u16string_view path) {
+  std::string bytes = NSUTF8FromUnits(path);
+  const bool isWhole = NSUnitsFromUTF8(bytes).view() == path;
+  return isWhole && bytes.find('\0') == std::string::npos ? bytes : std::string();
+}
 
 std::string NSEnvironmentPath(const char* variable) {
   const char* const value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): only read.
@@ -16,10 +23,8 @@ std::string NSEnvironmentPath(const char* variable) {
 
 std::string NSHomeDirectoryOf(const std::string& user) {
   if (user.find('\0') != std::string::npos) return {};
-  if (user.empty()) {
-    const char* const home = std::getenv("HOME");  // NOLINT(concurrency-mt-unsafe): only read.
-    if (home != nullptr && *home != '\0') return home;
-  }
+  std::string home = user.empty() ? NSEnvironmentPath("HOME") : "";
+  if (!home.empty()) return home;
   std::array<char, 4096> room{};
   passwd entry{};
   passwd* found = nullptr;
@@ -35,6 +40,8 @@ NSRef<NSString> NSHomeDirectory() {
 }
 
 NSRef<NSString> NSTemporaryDirectory() {
-  const std::string directory = NSEnvironmentPath("TMPDIR");
-  return NSMake<NSString>(directory.empty() ? "/tmp" : directory);
+  const std::string bytes = NSEnvironmentPath("TMPDIR");
+  auto directory = NSMake<NSString>(bytes);
+  const bool isText = !bytes.empty() && directory->utf8() == bytes;
+  return isText ? directory : u"/tmp"_ns;
 }

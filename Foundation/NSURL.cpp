@@ -3,6 +3,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSException.h"
+#include "Foundation/NSFilePaths.h"
 #include "Foundation/NSKeyValueCoding.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSPercentEncoding.h"
@@ -75,12 +76,9 @@ bool isAscii(std::u16string_view units) {
   return std::ranges::all_of(units, [](char16_t unit) { return unit < 0x80; });
 }
 
-// The bytes of a path in the file system; nothing for text that no file's path can be.
-std::string pathBytes(const NSRef<NSString>& path, const char* operation) {
+fs::path filePath(const NSRef<NSString>& path, const char* operation) {
   if (!path) NSRaiseNilArgument("path", operation);
-  std::string bytes = path->utf8();
-  const bool isWhole = NSUnitsFromUTF8(bytes).view() == path->view();
-  return isWhole && bytes.find('\0') == std::string::npos ? bytes : std::string();
+  return NSBytesOfPath(path->view());
 }
 
 NSRef<NSURL> fileURL(const fs::path& path, bool isDirectory) {
@@ -117,11 +115,11 @@ NSRef<NSURL> NSURL::URLWithString(const NSRef<NSString>& text) {
 }
 
 NSRef<NSURL> NSURL::fileURLWithPath(const NSRef<NSString>& path) {
-  return fileURLWithPath(fs::path(pathBytes(path, "fileURLWithPath:")));
+  return fileURLWithPath(filePath(path, "fileURLWithPath:"));
 }
 
 NSRef<NSURL> NSURL::fileURLWithPath_isDirectory(const NSRef<NSString>& path, bool isDirectory) {
-  return fileURL(pathBytes(path, "fileURLWithPath:isDirectory:"), isDirectory);
+  return fileURL(filePath(path, "fileURLWithPath:isDirectory:"), isDirectory);
 }
 
 NSRef<NSURL> NSURL::fileURLWithPath(const fs::path& path) {
@@ -135,9 +133,13 @@ NSRef<NSURL> NSURL::fileURLWithPath_isDirectory(const fs::path& path, bool isDir
 
 NSRef<NSURL> NSURL::fileURLWithPathComponents(const NSRef<NSArray>& components) {
   if (!components || components->count() == 0) return nullptr;
-  auto path = u""_ns;
-  for (const auto& component : components) {
-    path = path->stringByAppendingPathComponent(component.as<NSString>());
+  auto path = NSMake<NSMutableString>();
+  for (const auto& object : components) {
+    const auto component = object.as<NSString>();
+    if (!component) continue;
+    const bool isJoined = path->length() == 0 || path->view().ends_with(u'/');
+    if (!isJoined) path->appendUnits(u"/");
+    if (component->view() != u"/" || path->length() == 0) path->appendString(component);
   }
   return fileURLWithPath(path);
 }
@@ -227,9 +229,10 @@ NSRef<NSURL> NSURL::URLByAppendingPathComponent_isDirectory(const NSRef<NSString
   // A relative reference to nothing stays relative.
   const bool isRelative = _path.start == _path.end && !_host.exists();
   if (isRelative && name.find(u':') != std::u16string_view::npos) text.append(u"./");
-  if (!isRelative && !hasDirectoryPath()) text.push_back(u'/');
+  if (!isRelative && !hasDirectoryPath() && !name.empty()) text.push_back(u'/');
   text.append(name);
-  if (isDirectory && !name.empty()) text.push_back(u'/');
+  const bool isPlace = !isRelative || !name.empty();
+  if (isDirectory && isPlace && !text.ends_with(u'/')) text.push_back(u'/');
   text.append(_text.get()->view().substr(_path.end));
   return URLWithString(NSMake<NSString>(text));
 }

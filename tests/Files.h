@@ -2,16 +2,24 @@
 
 #include "tests/Support.h"
 
+#include <array>
+#include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,13 +27,22 @@
 class TestFolder {
  public:
   TestFolder() {
-    std::string pattern = std::filesystem::temp_directory_path() / "zk test XXXXXX";
-    _path = mkdtemp(pattern.data());
+    std::string pattern =
+        std::filesystem::canonical(std::filesystem::temp_directory_path()) / "zk test XXXXXX";
+    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no folder for tests");
+    _path = pattern;
     // Tests look at it as other users, too.
     std::filesystem::permissions(_path, std::filesystem::perms::all);
   }
   TestFolder(const TestFolder&) = delete;
-  ~TestFolder() { std::filesystem::remove_all(_path); }
+  ~TestFolder() {
+    using namespace std::filesystem;
+    permissions(_path, perms::owner_all, perm_options::add);
+    for (const auto& entry : recursive_directory_iterator(_path)) {
+      if (entry.is_directory()) permissions(entry.path(), perms::owner_all, perm_options::add);
+    }
+    remove_all(_path);
+  }
 
   const std::filesystem::path& path() const { return _path; }
   std::filesystem::path operator/(std::string_view name) const { return _path / name; }
@@ -64,7 +81,11 @@ template <class Action>
 [[nodiscard]] bool inChild(Action action) {
   const pid_t child = fork();
   if (child == 0) {
-    action();
+    try {
+      action();
+    } catch (const std::exception& exception) {
+      ADD_FAILURE() << exception.what();
+    }
     std::_Exit(testing::Test::HasFailure() ? 1 : 0);
   }
   int status = 0;
@@ -84,12 +105,31 @@ template <class Action>
   });
 }
 
+/// Runs the action where the file system cannot exchange two files.
+template <class Action>
+[[nodiscard]] bool withoutExchange(Action action) {
+  return inChild([&] {
+    std::array<sock_filter, 4> filter{{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_renameat2, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EINVAL),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    }};
+    sock_fprog program{filter.size(), filter.data()};
+    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+        prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
+      std::_Exit(cannotTest);
+    }
+    action();
+  });
+}
+
 /// Runs the action while a disk of its own is mounted on the folder, with these options.
 template <class Action>
 [[nodiscard]] bool onDisk(const std::filesystem::path& folder, const char* options, Action action) {
   return inChild([&] {
-    const int spaces = geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
-    if (unshare(spaces) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+    if (unshare(CLONE_NEWNS) != 0 ||
+        mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
         mount("tmpfs", folder.c_str(), "tmpfs", 0, options) != 0) {
       std::_Exit(cannotTest);
     }

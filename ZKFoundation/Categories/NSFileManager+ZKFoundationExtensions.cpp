@@ -40,7 +40,9 @@ NSRef<NSURL> findOrCreateDirectory_inDomain_appendPathComponent_error(
   if (component) url = url->URLByAppendingPathComponent_isDirectory(component, true);
   if (!url) {
     if (error != nullptr) {
-      *error = NSMake<NSError>(NSCocoaErrorDomain(), NSFileWriteInvalidFileNameError, nullptr);
+      *error = NSMake<NSError>(
+          NSCocoaErrorDomain(), NSFileWriteInvalidFileNameError,
+          NSMake<NSDictionary>({{NSLocalizedDescriptionKey(), u"No file can have this name"_ns}}));
     }
     return nullptr;
   }

@@ -6,8 +6,8 @@
 
 // Quotation marks of 33 languages. What counts of an identifier is its language and, for the
 // first-level marks, whether its region is "CH": then they are angle quotes, whatever the language.
-// Letter case counts. All other languages, nil and text that is no identifier have the default.
-// May be called from any thread.
+// Letter case counts. All other languages, none and nil have the default; whether there is such a
+// locale is not asked. May be called from any thread.
 
 namespace ZKFoundationExtensions {
 
@@ -22,8 +22,9 @@ openingSingleQuotationForLocaleIdentifier(const NSRef<NSString>& identifier) noe
 ZK_EXPORT unichar
 closingSingleQuotationForLocaleIdentifier(const NSRef<NSString>& identifier) noexcept;
 
-// The language's other pairs: guillemets where the first-level marks are curly or low ones, and the
-// other way round; "de" has » « › ‹, as the default has, "fr" “ ” ‘ ’. The region does not count.
+// The language's other pairs, mostly guillemets where the first-level marks are curly or low ones,
+// and the other way round; "de" has » « › ‹, as the default has, "fr" “ ” ‘ ’. The region does not
+// count.
 
 ZK_EXPORT unichar
 openingDoubleGuillemetForLocaleIdentifier(const NSRef<NSString>& identifier) noexcept;

@@ -10,9 +10,10 @@ namespace ZKFoundationExtensions {
 /// free. Otherwise its base with the first number that is free behind it, counted from the one with
 /// which it ends: "Untitled", "Untitled1", "Untitled2"; "Copy 9", "Copy 10"; "a007", "a8".
 ///
-/// The number is the string's last decimal digits, of any script, but never its first unit: "5"
-/// gives "51", "12" gives "13". A number from 2^63 - 1 on belongs to the base: then, as without a
-/// number, counting begins at 1. Linear in the names, however many numbers are taken.
+/// The number is the string's last decimal digits, of any script whose digits are single units, but
+/// never its first unit: "5" gives "51", "12" gives "13". A number from 2^63 - 1 on belongs to the
+/// base: then, as without a number, counting begins at 1. Linear in the names, however many numbers
+/// are taken.
 ///
 /// A nil array is empty, what is no string in it does not count. A nil string raises
 /// `NSInvalidArgumentException`.

@@ -11,13 +11,21 @@ NSRef<NSString> stemOf(const NSRef<NSString>& path) {
   return hasExtension(path) ? path->stringByDeletingPathExtension() : path;
 }
 
+// The path of a file, unless its bytes are others than those of its text.
+NSRef<NSString> pathInUTF8(const NSRef<NSURL>& url) {
+  auto path = url->path();
+  if (!path || !url->isFileURL()) return path;
+  const auto text = NSMake<NSString>(url->fileSystemPath().native());
+  return text->utf8() == url->fileSystemPath().native() ? path : nullptr;
+}
+
 }  // namespace
 
 namespace ZKFoundationExtensions {
 
 NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url, const NSRef<NSArray>& urls) {
   if (!url->isFileURL()) return url;
-  const auto path = url->path();
+  const auto path = pathInUTF8(url);
   if (!path) return nullptr;
   const auto stem = stemOf(path);
   const auto taken = urls ? urls.get()->objects() : std::span<const NSRef<NSObject>>();
@@ -28,9 +36,7 @@ NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url, const NSRef<N
     if (otherPath) name.take(stemOf(otherPath)->view());
   }
   const auto freeStem = NSMake<NSString>(name.freeName());
-  return NSURL::fileURLWithPath(
-      hasExtension(path) ? freeStem->stringByAppendingPathExtension(path->pathExtension())
-                         : freeStem);
+  return NSURL::fileURLWithPath(freeStem->stringByAppendingPathExtension(path->pathExtension()));
 }
 
 bool isSecurityScoped(const NSRef<NSURL>& url) {
@@ -39,7 +45,8 @@ bool isSecurityScoped(const NSRef<NSURL>& url) {
 }
 
 NSRef<NSURL> strippedSecurityScopedURL(const NSRef<NSURL>& url) {
-  return isSecurityScoped(url) ? NSURL::fileURLWithPathComponents(url->pathComponents()) : url;
+  if (!isSecurityScoped(url)) return url;
+  return pathInUTF8(url) ? NSURL::fileURLWithPathComponents(url->pathComponents()) : nullptr;
 }
 
 }  // namespace ZKFoundationExtensions

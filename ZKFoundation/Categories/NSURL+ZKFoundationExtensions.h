@@ -16,15 +16,17 @@ namespace ZKFoundationExtensions {
 /// Paths are compared as text, folders and all; the disk is not asked whether there is such a file.
 /// A name that ends with "." has no extension: "/d/a." beside itself gives "/d/a.1", whose path
 /// without extension another URL may well have. A URL that is no file URL is given back itself. Nil
-/// for a path with U+0000; a nil array is empty.
+/// for a path that is not UTF-8 or that no file can have; a nil array is empty. As of every path,
+/// the result ends with "/" if there is a directory.
 ZK_EXPORT NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url,
                                                     const NSRef<NSArray>& urls);
 
 /// Whether the query has "applesecurityscope=", or there is no query.
 ZK_EXPORT bool isSecurityScoped(const NSRef<NSURL>& url);
 
-/// The file URL of the path alone, also of "http://a.b/c"; nil for an empty path and for a URL
-/// without hierarchy. The URL itself when it is not security-scoped.
+/// The file URL of the path alone, also of "http://a.b/c"; nil for an empty path, for one that is
+/// not UTF-8 or that no file can have, and for a URL without hierarchy. The URL itself when it is
+/// not security-scoped.
 ZK_EXPORT NSRef<NSURL> strippedSecurityScopedURL(const NSRef<NSURL>& url);
 
 }  // namespace ZKFoundationExtensions

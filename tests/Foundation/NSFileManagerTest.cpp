@@ -46,15 +46,23 @@ TEST(NSFileManager, MakesDirectories) {
   EXPECT_EQ(make(folder / "d", false), "none");
   EXPECT_EQ(namesIn(folder.path()), (std::set<std::string>{"a", "a/b", "a/c", "d"}));
 
+  const auto made =
+      NSFileManager::defaultManager()->URLForDirectory_inDomain_appropriateForURL_create_error(
+          NSUserDirectory, NSLocalDomainMask, nullptr, true, nullptr);
+  EXPECT_TRUE(fs::is_directory(made->fileSystemPath()));
   const mode_t former = umask(027);
   const auto wanted = NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0702)}});
-  EXPECT_EQ(make(folder / "m/n", true, wanted), "none");
+  EXPECT_EQ(make(folder / "m/n/./", true, wanted), "none");
   umask(former);
   EXPECT_EQ(static_cast<unsigned>(fs::status(folder / "m").permissions()), 0750U);
   NSRef<NSError> error;
   const auto attributes = NSFileManager::defaultManager()->attributesOfItemAtPath_error(
       NSMake<NSString>((folder / "m/n").native()), &error);
   EXPECT_EQ(attributes->objectForKey(NSFileType()), NSFileTypeDirectory());
+  EXPECT_EQ(NSFileManager::defaultManager()
+                ->attributesOfItemAtPath_error(u"/dev/null"_ns, &error)
+                ->objectForKey(NSFileType()),
+            NSFileTypeUnknown());
   EXPECT_EQ(attributes->objectForKey(NSFilePosixPermissions()).as<NSNumber>()->intValue(), 0702);
 
   fs::create_symlink("nowhere", folder / "link");
@@ -65,6 +73,9 @@ TEST(NSFileManager, MakesDirectories) {
   };
   EXPECT_EQ(typeOf("link"), NSFileTypeSymbolicLink());
   EXPECT_FALSE(error);
+  EXPECT_FALSE(NSFileManager::defaultManager()->attributesOfItemAtPath_error(
+      NSMake<NSString>(std::u16string_view(u"/\xD800")), &error));
+  EXPECT_EQ(codesOf(error), codes(NSFileReadInvalidFileNameError, 0));
   EXPECT_FALSE(typeOf("none"));
   EXPECT_EQ(codesOf(error), codes(NSFileReadNoSuchFileError, ENOENT));
   const auto text = error->description()->utf8();
@@ -106,24 +117,22 @@ TEST(NSFileManager, TellsWhyADiskTakesNothing) {
   const TestFolder folder;
   fs::create_directory(folder / "closed");
   fs::permissions(folder / "closed", fs::perms{0555});
-  const bool isTested =
-      asNobody([&] {
-        EXPECT_EQ(make(folder / "closed/a"), codes(NSFileWriteNoPermissionError, EACCES));
-        EXPECT_EQ(make(folder / "closed"), "none");
-      }) &&
-      onDisk(folder.path(), "nr_inodes=3",
-             [&] {
-               EXPECT_EQ(make(folder / "a/b/c/d"), codes(NSFileWriteOutOfSpaceError, ENOSPC));
-               EXPECT_TRUE(namesIn(folder.path()).empty());
-               EXPECT_EQ(make(folder / "a/b"), "none");
-             }) &&
-      onDisk(folder.path(), "mode=0777", [&] {
-        fs::create_directory(folder / "a");
-        mount(nullptr, folder.path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
-        EXPECT_EQ(make(folder / "a/b/c"), codes(NSFileWriteVolumeReadOnlyError, EROFS));
-        EXPECT_EQ(make(folder / "a"), "none");
-      });
-  if (!isTested) GTEST_SKIP() << "may not mount file systems";
+  EXPECT_TRUE(asNobody([&] {
+    EXPECT_EQ(make(folder / "closed/a"), codes(NSFileWriteNoPermissionError, EACCES));
+    EXPECT_EQ(make(folder / "closed"), "none");
+  }));
+  const bool isMounted = onDisk(folder.path(), "nr_inodes=3", [&] {
+    EXPECT_EQ(make(folder / "a/b/c/d"), codes(NSFileWriteOutOfSpaceError, ENOSPC));
+    EXPECT_TRUE(namesIn(folder.path()).empty());
+    EXPECT_EQ(make(folder / "a/b"), "none");
+  });
+  if (!isMounted) GTEST_SKIP() << "may not mount file systems";
+  EXPECT_TRUE(onDisk(folder.path(), "mode=0777", [&] {
+    fs::create_directory(folder / "a");
+    mount(nullptr, folder.path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
+    EXPECT_EQ(make(folder / "a/b/c"), codes(NSFileWriteVolumeReadOnlyError, EROFS));
+    EXPECT_EQ(make(folder / "a"), "none");
+  }));
 }
 
 TEST(NSFileManager, MakesOneDirectoryForManyProcesses) {
@@ -187,7 +196,14 @@ TEST(NSFileManager, KnowsTheStandardDirectories) {
     EXPECT_EQ(path(NSApplicationSupportDirectory, NSUserDomainMask), "/h/.local/share/");
     set("XDG_DATA_HOME", "/data");
     EXPECT_EQ(path(NSApplicationSupportDirectory, NSUserDomainMask), "/data/");
-    set("XDG_CONFIG_HOME", "");
+    set("HOME", "/");
+    EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask), "/My \"Files/");
+    set("HOME", "/h");
+    fs::remove(folder / "settings/user-dirs.dirs");
+    mkfifo((folder / "settings/user-dirs.dirs").c_str(), 0600);
+    EXPECT_EQ(path(NSSharedPublicDirectory, NSUserDomainMask), "/h/Public/");
+    fs::remove(folder / "settings/user-dirs.dirs");
+    fs::create_directory(folder / "settings/user-dirs.dirs");
     EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask), "/h/Documents/");
     EXPECT_EQ(path(NSUserDirectory, NSLocalDomainMask), "/home/");
     EXPECT_EQ(path(NSApplicationSupportDirectory, NSLocalDomainMask), "/usr/local/share/");
@@ -196,9 +212,13 @@ TEST(NSFileManager, KnowsTheStandardDirectories) {
     EXPECT_EQ(path(4711, NSUserDomainMask), "");
     set("TMPDIR", "relative");
     EXPECT_EQ(NSTemporaryDirectory()->utf8(), "/tmp");
+    set("TMPDIR", "/\xFF");
+    EXPECT_EQ(NSTemporaryDirectory()->utf8(), "/tmp");
     set("TMPDIR", "/elsewhere");
     EXPECT_EQ(NSTemporaryDirectory()->utf8(), "/elsewhere");
     EXPECT_EQ(NSHomeDirectory()->utf8(), "/h");
+    set("HOME", "relative");
+    EXPECT_TRUE(NSHomeDirectory()->isAbsolutePath());
   });
   EXPECT_TRUE(isTested);
 }
@@ -214,6 +234,10 @@ TEST(NSError, IsAValue) {
   EXPECT_FALSE(error(1, info)->isEqual(error(1, nullptr)));
   EXPECT_EQ(error(1, info)->description()->utf8(), "mine 1: broken");
   EXPECT_EQ(error(7, nullptr)->localizedDescription()->utf8(), "mine 7");
+  EXPECT_EQ(NSMake<NSError>(NSPOSIXErrorDomain(), NSInteger{1} << 32U, nullptr)
+                ->localizedDescription()
+                ->utf8(),
+            "NSPOSIXErrorDomain 4294967296");
   expectRaises(NSInvalidArgumentException, "domain is nil (in 'initWithDomain:code:userInfo:')",
                [] { NSError(nullptr, 0, nullptr); });
 }

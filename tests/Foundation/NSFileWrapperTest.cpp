@@ -1,7 +1,10 @@
 #include "tests/Files.h"
 
 #include <array>
+#include <atomic>
+#include <memory>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
@@ -169,8 +172,15 @@ TEST(NSFileWrapper, RefusesWhatNoFileCanBe) {
   writeFile(folder / "\xFF", "");
   EXPECT_FALSE(read(folder.path(), &code));
   EXPECT_EQ(code, NSFileReadInvalidFileNameError);
-  EXPECT_EQ(read("/proc/self/stat")->regularFileContents()->length(),
-            contentsOf("/proc/self/stat").size());
+  fs::remove(folder / "\xFF");
+  EXPECT_EQ(read("/proc/version")->regularFileContents()->view(), contentsOf("/proc/version"));
+  EXPECT_TRUE(read("/proc/self/../version")->filename() == u"version");
+  EXPECT_TRUE(read(folder.path() / ".")->filename() ==
+              NSMake<NSString>(folder.path().filename().native())->view());
+  std::ofstream(folder / "huge").close();
+  fs::resize_file(folder / "huge", std::uintmax_t{1} << 43U);
+  EXPECT_FALSE(read(folder / "huge", &code));
+  EXPECT_EQ(code, NSFileReadTooLargeError);
 }
 
 TEST(NSFileWrapper, LeavesTheOldDocumentWhenTheNewOneCannotBeWritten) {
@@ -184,19 +194,30 @@ TEST(NSFileWrapper, LeavesTheOldDocumentWhenTheNewOneCannotBeWritten) {
     EXPECT_EQ(namesIn(folder.path()),
               (std::set<std::string>{"document", "document/a", "document/b", "document/b/c"}));
   };
-  bool isTested = onDisk(folder.path(), "size=256k", [&] {
+  EXPECT_EQ(write(old, place), 0);
+  fs::permissions(folder.path(), fs::perms{0555});
+  EXPECT_TRUE(asNobody([&] { expectOld(NSFileWriteNoPermissionError); }));
+  const bool isMounted = onDisk(folder.path(), "size=256k", [&] {
     EXPECT_EQ(write(old, place), 0);
     expectOld(NSFileWriteOutOfSpaceError);
   });
-  isTested = isTested && onDisk(folder.path(), "size=8m", [&] {
-               EXPECT_EQ(write(old, place), 0);
-               mount(nullptr, folder.path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
-               expectOld(NSFileWriteVolumeReadOnlyError);
-             });
-  EXPECT_EQ(write(old, place), 0);
-  fs::permissions(folder.path(), fs::perms{0755});
-  isTested = isTested && asNobody([&] { expectOld(NSFileWriteNoPermissionError); });
-  if (!isTested) GTEST_SKIP() << "may not mount file systems";
+  if (!isMounted) GTEST_SKIP() << "may not mount file systems";
+  EXPECT_TRUE(onDisk(folder.path(), "size=8m", [&] {
+    EXPECT_EQ(write(old, place), 0);
+    mount(nullptr, folder.path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
+    expectOld(NSFileWriteVolumeReadOnlyError);
+  }));
+  // What is mounted within the old document is not a part of it.
+  EXPECT_TRUE(onDisk(folder.path(), "size=8m", [&] {
+    EXPECT_EQ(write(old, place), 0);
+    mount("tmpfs", (folder / "document/b").c_str(), "tmpfs", 0, nullptr);
+    writeFile(folder / "document/b/file", "precious");
+    const int mounted = open((folder / "document/b").c_str(), O_RDONLY | O_DIRECTORY);
+    EXPECT_EQ(write(large, place), 0);
+    EXPECT_TRUE(areSame(large, read(place)));
+    EXPECT_EQ(faccessat(mounted, "file", F_OK, 0), 0);
+    close(mounted);
+  }));
 }
 
 TEST(NSFileWrapper, WritesWhatItsOwnerMayNotChange) {
@@ -210,15 +231,55 @@ TEST(NSFileWrapper, WritesWhatItsOwnerMayNotChange) {
     EXPECT_EQ(write(document, folder / "document"), 0);
     EXPECT_EQ(write(document, folder / "document"), 0);
     EXPECT_EQ(write(locked, folder / "copy"), 0);
+    EXPECT_EQ(write(read(folder / "copy"), folder / "copy"), 0);
     EXPECT_EQ(fs::status(folder / "copy").permissions(), fs::perms{0500});
     EXPECT_TRUE(areSame(document, read(folder / "document")));
     EXPECT_EQ(write(directory({}), folder / "document"), 0);
     EXPECT_EQ(namesIn(folder.path()),
               (std::set<std::string>{"copy", "copy/in", "copy/in/a", "document"}));
-    fs::permissions(folder / "copy", fs::perms::owner_all);
-    fs::permissions(folder / "copy/in", fs::perms::owner_all);
   });
-  if (!isTested) GTEST_SKIP() << "cannot be another user";
+  EXPECT_TRUE(isTested);
+}
+
+TEST(NSFileWrapper, ReplacesADocumentWithoutExchange) {
+  const TestFolder folder;
+  const auto document = directory({file("x", "a"), directory({file("y", "c")}, "b")});
+  const bool isTested = withoutExchange([&] {
+    for (const auto& wrapper : {document, file("all"), file("more"), document, directory({})}) {
+      EXPECT_EQ(write(wrapper, folder / "document"), 0);
+      EXPECT_TRUE(areSame(wrapper, read(folder / "document")));
+    }
+    EXPECT_EQ(namesIn(folder.path()), std::set<std::string>{"document"});
+  });
+  if (!isTested) GTEST_SKIP() << "may not forbid system calls";
+}
+
+TEST(NSFileWrapper, IsReadWholeWhileItIsWritten) {
+  const TestFolder folder;
+  const fs::path place = folder / "document";
+  const auto version = [](int number) {
+    const auto text = std::to_string(number);
+    return directory({file(text, "a"), directory({file(text, "c")}, "b"), file(text, "d")});
+  };
+  std::atomic<int> writers = 3;
+  onThreads(5, [&, started = std::make_shared<std::atomic<int>>(0)] {
+    const int self = (*started)++;
+    for (int k = 0; self < 3 && k < 30; ++k) EXPECT_EQ(write(version(self * 100 + k), place), 0);
+    if (self < 3) --writers;
+    while (self >= 3 && writers != 0) {
+      NSInteger code = 0;
+      const auto found = read(place, &code);
+      // Not before the first writing.
+      if (!found) {
+        EXPECT_EQ(code, NSFileReadNoSuchFileError);
+        continue;
+      }
+      const auto text = found->fileWrappers()->objectForKey(u"a"_ns).as<NSFileWrapper>();
+      const int number = std::stoi(std::string(text->regularFileContents()->view()));
+      EXPECT_TRUE(areSame(found, version(number)));
+    }
+  });
+  EXPECT_EQ(namesIn(folder.path()).size(), 5U);
 }
 
 }  // namespace

@@ -170,6 +170,8 @@ TEST(NSURL, AppendsComponents) {
            {"http://a?q/#f", "b/c", "http://a/b/c?q/#f", "http://a/b/c/?q/#f"},
            {"file:///", "?", "file:///%3F", "file:///%3F/"},
            {"file:///a/", "", "file:///a/", "file:///a/"},
+           {"file:///a", "/", "file:///a", "file:///a/"},
+           {"?q", "", "?q", "?q"},
            {"", "a:b", "./a:b", "./a:b/"},
            {"?q", "a", "a?q", "a/?q"},
            {"mailto:a", "b", "nil", "nil"},
@@ -181,6 +183,13 @@ TEST(NSURL, AppendsComponents) {
     EXPECT_EQ(result(false), row.file) << row.url;
     EXPECT_EQ(result(true), row.directory) << row.url;
   }
+  const auto joined = [](const NSRef<NSArray>& components) {
+    return shown(NSURL::fileURLWithPathComponents(components));
+  };
+  EXPECT_EQ(joined(path("/no/a b/")->pathComponents()), "file:///no/a%20b/");
+  EXPECT_EQ(joined(NSMake<NSArray>({u"/"_ns, NSMake<NSNumber>(1), u"no"_ns})), "file:///no");
+  EXPECT_EQ(joined(NSMake<NSArray>()), "nil");
+  EXPECT_EQ(joined(nullptr), "nil");
   EXPECT_FALSE(url("file:///")
                    ->URLByAppendingPathComponent_isDirectory(
                        NSMake<NSString>(std::u16string_view(u"\xD800")), true));
@@ -191,9 +200,8 @@ TEST(NSPath, IsStandardized) {
   fs::create_directories(folder / "real" / "deep");
   fs::create_directory_symlink(folder / "real" / "deep", folder / "link");
   const std::string& inside = folder.path().native();
-  const char* const home = std::getenv("HOME");
   const std::string expandedHome = path("~")->stringByExpandingTildeInPath()->utf8();
-  EXPECT_EQ(expandedHome, home == nullptr ? expandedHome : fs::path(home).native());
+  EXPECT_EQ(expandedHome, NSHomeDirectory()->utf8());
   struct Row {
     std::string path;
     std::string result;

@@ -78,6 +78,8 @@ TEST(NSURLExtensions, StripTheSecurityScope) {
            {u"file:///no/b?applesecurityscope"_ns, false, "file:///no/b?applesecurityscope"},
            {u"file:///no/b?APPLESECURITYSCOPE=1"_ns, false, "file:///no/b?APPLESECURITYSCOPE=1"},
            {u"http://h/no/b%20c"_ns, true, "file:///no/b%20c"},
+           {u"file:///no/%FF"_ns, true, "nil"},
+           {u"file:///no/%00"_ns, true, "nil"},
            {u"http://h"_ns, true, "nil"},
            {u"mailto:a"_ns, true, "nil"},
            {u"http://h?"_ns, false, "http://h?"},

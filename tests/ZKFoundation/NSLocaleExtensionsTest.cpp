@@ -59,6 +59,7 @@ TEST(NSLocaleExtensions, KnowTheQuotationMarks) {
            {"de_ch", u"„“‚‘»«›‹"},
            {"de_CH@x=y", u"«»‹›»«›‹"},
            {"de@x=_CH", u"„“‚‘»«›‹"},
+           {"de.UTF-8", standard},
        })) {
     EXPECT_EQ(marksFor(NSMake<NSString>(identifier)), marks) << identifier;
   }

@@ -107,6 +107,7 @@ TEST(UniqueNames, OfURLs) {
            {"file:///no/d9.app/", {"file:///no/d9"}, "file:///no/d10.app"},
            {"http://h/a", {"http://h/a"}, "http://h/a"},
            {"file:///%00", {}, "nil"},
+           {"file:///%FF.txt", {}, "nil"},
        }) {
     auto array = NSMake<NSMutableArray>();
     for (const char* const other : taken) {

@@ -6,12 +6,10 @@
 
 ZKLocaleEntity::ZKLocaleEntity(const NSRef<NSLocale>& locale) : _locale(locale) {}
 
-NSRef<NSLocale> ZKLocaleEntity::storedLocale() const {
+NSRef<NSLocale> ZKLocaleEntity::locale() const {
   const std::lock_guard lock(_mutex);
   return _locale;
 }
-
-NSRef<NSLocale> ZKLocaleEntity::locale() const { return storedLocale(); }
 
 void ZKLocaleEntity::setLocale(const NSRef<NSLocale>& locale) {
   // The former locale goes when the lock has gone.
@@ -22,7 +20,7 @@ void ZKLocaleEntity::setLocale(const NSRef<NSLocale>& locale) {
 
 // What is stored counts, whatever a subclass makes of `locale`.
 NSRef<NSString> ZKLocaleEntity::localeIdentifier() const {
-  const auto locale = storedLocale();
+  const auto locale = ZKLocaleEntity::locale();
   return locale ? locale->localeIdentifier() : nullptr;
 }
 

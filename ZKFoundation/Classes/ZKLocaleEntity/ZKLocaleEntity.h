@@ -11,7 +11,8 @@
 /// Everything but the locale itself is asked anew on each call. May be used from any thread.
 ///
 /// The functions that make entities make instances of the class that is asked for:
-/// `ZKLocaleEntity::entityForLocale<LanguageItem>(locale)`.
+/// `ZKLocaleEntity::entityForLocale<LanguageItem>(locale)`. Without that they make plain ones, also
+/// when they are called as members of a subclass.
 class ZK_EXPORT ZKLocaleEntity : public NSObject {
  public:
   template <class Entity = ZKLocaleEntity>
@@ -61,8 +62,6 @@ class ZK_EXPORT ZKLocaleEntity : public NSObject {
   const NSPropertyTable& propertyTable() const override;
 
  private:
-  NSRef<NSLocale> storedLocale() const;
-
   mutable std::mutex _mutex;
   NSRef<NSLocale> _locale;
 };

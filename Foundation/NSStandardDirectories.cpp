@@ -1,9 +1,11 @@
-#include "Foundation/NSUserFolders.h"
+#include "Foundation/NSFileManager.h"
+#include "Foundation/NSFilePaths.h"
 
 #include <algorithm>
 #include <array>
 #include <fstream>
-#include <iterator>
+#include <sstream>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -46,6 +48,7 @@ fs::path pathInLine(std::string_view line, std::string_view variable, const fs::
   std::string path;
   if (takePrefix(line, "$HOME") && (line.starts_with('/') || line.starts_with('"'))) {
     path = home.native();
+    if (path.ends_with('/') && line.starts_with('/')) path.pop_back();
   } else if (!line.starts_with('/')) {
     return {};
   }
@@ -56,23 +59,17 @@ fs::path pathInLine(std::string_view line, std::string_view variable, const fs::
   return line.empty() || path.find('\0') != std::string::npos ? fs::path() : fs::path(path);
 }
 
-}  // namespace
-
-NSUserFolders NSUserFolders::current() {
-  NSUserFolders folders;
-  const std::string home = NSHomeDirectoryOf({});
-  folders.home = home.empty() ? "/" : home;
-  folders.data = NSEnvironmentPath("XDG_DATA_HOME");
-  folders.cache = NSEnvironmentPath("XDG_CACHE_HOME");
+// What `user-dirs.dirs` says; the last line that tells counts, as for a shell.
+fs::path listedFolder(std::string_view variable, const fs::path& home) {
   fs::path settings = NSEnvironmentPath("XDG_CONFIG_HOME");
-  if (settings.empty()) settings = folders.home / ".config";
-  std::ifstream list(settings / "user-dirs.dirs", std::ios::binary);
-  folders.list.assign(std::istreambuf_iterator<char>(list), {});
-  return folders;
-}
-
-// The last line that tells counts, as for a shell.
-fs::path NSUserFolders::listed(std::string_view variable) const {
+  if (settings.empty()) settings = home / ".config";
+  settings /= "user-dirs.dirs";
+  std::ostringstream text;
+  std::error_code error;
+  // Opening a pipe would wait for its other end.
+  if (fs::is_regular_file(settings, error))
+    text << std::ifstream(settings, std::ios::binary).rdbuf();
+  const std::string list = std::move(text).str();
   fs::path result;
   for (std::size_t start = 0; start < list.size();) {
     const std::size_t end = std::min(list.find('\n', start), list.size());
@@ -83,28 +80,40 @@ fs::path NSUserFolders::listed(std::string_view variable) const {
   return result;
 }
 
-fs::path NSUserFolders::directory(NSUInteger directory, NSUInteger domain) const {
-  if (domain == NSLocalDomainMask) {
-    switch (directory) {
-      case NSUserDirectory:
-        return "/home";
-      case NSApplicationSupportDirectory:
-        return "/usr/local/share";
-      case NSCachesDirectory:
-        return "/var/cache";
-      default:
-        return {};
-    }
+fs::path localDirectory(NSUInteger directory) {
+  switch (directory) {
+    case NSUserDirectory:
+      return "/home";
+    case NSApplicationSupportDirectory:
+      return "/usr/local/share";
+    case NSCachesDirectory:
+      return "/var/cache";
+    default:
+      return {};
   }
-  if (domain != NSUserDomainMask) return {};
-  if (directory == NSApplicationSupportDirectory) {
-    return data.empty() ? home / ".local/share" : data;
-  }
-  if (directory == NSCachesDirectory) return cache.empty() ? home / ".cache" : cache;
+}
+
+fs::path userDirectory(NSUInteger directory) {
+  const std::string known = NSHomeDirectoryOf({});
+  const fs::path home = known.empty() ? "/" : known;
+  const auto variableOr = [&](const char* variable, const char* usual) {
+    fs::path path = NSEnvironmentPath(variable);
+    return path.empty() ? home / usual : path;
+  };
+  if (directory == NSApplicationSupportDirectory)
+    return variableOr("XDG_DATA_HOME", ".local/share");
+  if (directory == NSCachesDirectory) return variableOr("XDG_CACHE_HOME", ".cache");
   for (const auto& [listedDirectory, variable, usual] : listedFolders) {
     if (listedDirectory != directory) continue;
-    fs::path path = listed(variable);
+    fs::path path = listedFolder(variable, home);
     return path.empty() ? home / usual : path;
   }
   return {};
+}
+
+}  // namespace
+
+fs::path NSStandardDirectory(NSUInteger directory, NSUInteger domain) {
+  if (domain == NSUserDomainMask) return userDirectory(directory);
+  return domain == NSLocalDomainMask ? localDirectory(directory) : fs::path();
 }
