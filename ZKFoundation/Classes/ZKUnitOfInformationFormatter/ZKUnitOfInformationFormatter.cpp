@@ -1,6 +1,7 @@
 #include "ZKFoundation/Classes/ZKUnitOfInformationFormatter/ZKUnitOfInformationFormatter.h"
 
 #include <array>
+#include <tuple>
 
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSKeyValueCoding.h>
@@ -21,23 +22,29 @@ constexpr std::array<double, prefixCount> binaryFactors = {0x1p10, 0x1p20, 0x1p3
                                                            0x1p40, 0x1p50, 0x1p60};
 constexpr std::array<double, prefixCount> decimalFactors = {1e3, 1e6, 1e9, 1e12, 1e15, 1e18};
 
-// What a prefix's unit is called.
-struct Names {
-  NSRef<NSString> bytesIEC;
-  NSRef<NSString> bytesShort;
-  NSRef<NSString> bitsIEC;
-  NSRef<NSString> bitsShort;
-};
+// Where the texts are: four names for each prefix (of bytes in the long and the short form, then of
+// bits), and behind them these.
+constexpr std::size_t namesPerPrefix = 4;
+enum Text : std::size_t { bytesText = prefixCount * namesPerPrefix, bitsText, patternText };
 
-const Names& namesOf(std::size_t prefix) {
-  using Table = std::array<Names, prefixCount>;
-  static const NSNeverDestroyed<Table> table(Table{{{u"KiB"_ns, u"KB"_ns, u"Kibit"_ns, u"kbit"_ns},
-                                                    {u"MiB"_ns, u"MB"_ns, u"Mibit"_ns, u"Mbit"_ns},
-                                                    {u"GiB"_ns, u"GB"_ns, u"Gibit"_ns, u"Gbit"_ns},
-                                                    {u"TiB"_ns, u"TB"_ns, u"Tibit"_ns, u"Tbit"_ns},
-                                                    {u"PiB"_ns, u"PB"_ns, u"Pibit"_ns, u"Pbit"_ns},
-                                                    {u"EiB"_ns, u"EB"_ns, nullptr, nullptr}}});
-  return (*table)[prefix];
+// The key of each text; nil where there is no such unit.
+const NSRef<NSString>& keyOf(std::size_t text) {
+  using Keys = std::array<NSRef<NSString>, patternText + 1>;
+  static const NSNeverDestroyed<Keys> keys(
+      Keys{u"KiB"_ns,   u"KB"_ns,   u"Kibit"_ns,
+           u"kbit"_ns,  //
+           u"MiB"_ns,   u"MB"_ns,   u"Mibit"_ns,
+           u"Mbit"_ns,  //
+           u"GiB"_ns,   u"GB"_ns,   u"Gibit"_ns,
+           u"Gbit"_ns,  //
+           u"TiB"_ns,   u"TB"_ns,   u"Tibit"_ns,
+           u"Tbit"_ns,  //
+           u"PiB"_ns,   u"PB"_ns,   u"Pibit"_ns,
+           u"Pbit"_ns,  //
+           u"EiB"_ns,   u"EB"_ns,   nullptr,
+           nullptr,  //
+           u"bytes"_ns, u"bits"_ns, u"Unit of Information Format String"_ns});
+  return (*keys)[text];
 }
 
 std::size_t prefixAt(NSInteger index) {
@@ -58,22 +65,6 @@ NSInteger bitsPerUnit(NSInteger unit) {
     default:
       return 1;
   }
-}
-
-NSRef<NSString> localized(const NSRef<NSString>& key, const NSRef<NSString>& value) {
-  static const NSNeverDestroyed<NSRef<NSString>> table(u"ZKUnitOfInformationFormatter"_ns);
-  static const NSNeverDestroyed<NSRef<NSBundle>> bundle(NSBundle::mainBundle());
-  return (*bundle)->localizedStringForKey_value_table(key, value, *table);
-}
-
-NSRef<NSString> localizedUnit(const NSRef<NSString>& name) {
-  return name ? localized(name, nullptr) : nullptr;
-}
-
-NSRef<NSString> joined(std::u16string_view number, const NSRef<NSString>& unit) {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"Unit of Information Format String"_ns);
-  static const NSNeverDestroyed<NSRef<NSString>> pattern(u"%@ %@"_ns);
-  return NSString::stringWithFormat(localized(*key, *pattern), number, unit);
 }
 
 }  // namespace
@@ -137,26 +128,39 @@ NSRef<NSString> ZKUnitOfInformationFormatter::stringForObjectValue(
   return number ? stringFromNumberOfBits(number) : nullptr;
 }
 
-NSRef<NSString> ZKUnitOfInformationFormatter::unscaledUnit() const {
-  static const NSNeverDestroyed<NSRef<NSString>> bytes(u"bytes"_ns);
-  static const NSNeverDestroyed<NSRef<NSString>> bits(u"bits"_ns);
-  return localizedUnit(_displaysInTermsOfBytes ? *bytes : *bits);
+const NSRef<NSString>& ZKUnitOfInformationFormatter::localized(std::size_t text) const {
+  static_assert(std::tuple_size_v<decltype(_texts)> == patternText + 1);
+  const std::uint64_t generation = NSLocale::languagesGeneration();
+  if (generation != _languagesGeneration) {
+    _texts = {};
+    _languagesGeneration = generation;
+  }
+  NSRef<NSString>& result = _texts[text];
+  if (!result && keyOf(text)) {
+    static const NSNeverDestroyed<NSRef<NSString>> table(u"ZKUnitOfInformationFormatter"_ns);
+    result = NSBundle::mainBundle()->localizedStringForKey_value_table(
+        keyOf(text), text == patternText ? u"%@ %@"_ns : nullptr, *table);
+  }
+  return result;
+}
+
+NSRef<NSString> ZKUnitOfInformationFormatter::joined(std::u16string_view number,
+                                                     std::size_t unit) const {
+  const auto& name = localized(unit);
+  return NSString::stringWithFormat(localized(patternText), number,
+                                    name ? name.get()->view() : u"(null)");
 }
 
 NSRef<NSString> ZKUnitOfInformationFormatter::stringFromNumberOfBits(
     const NSRef<NSNumber>& number) const {
   double value = number->doubleValue();
   if (_displaysInTermsOfBytes) value *= 0.125;
-  NSRef<NSString> unit;
-  if (value < scaleFactorForPrefix(ZKUnitOfInformationPrefixKilo)) {
-    unit = unscaledUnit();
-  } else {
+  std::size_t unit = _displaysInTermsOfBytes ? bytesText : bitsText;
+  if (!(value < scaleFactorForPrefix(ZKUnitOfInformationPrefixKilo))) {
     // By the bits, also where bytes are shown.
     const NSInteger prefix = prefixForInteger(number->integerValue());
-    const Names& names = namesOf(prefixAt(prefix));
-    unit = _displaysInTermsOfBytes
-               ? localizedUnit(_displaysBinaryNames ? names.bytesIEC : names.bytesShort)
-               : localizedUnit(_displaysBinaryNames ? names.bitsIEC : names.bitsShort);
+    unit = prefixAt(prefix) * namesPerPrefix + (_displaysInTermsOfBytes ? 0U : 2U) +
+           (_displaysBinaryNames ? 0U : 1U);
     value /= scaleFactorForPrefix(prefix);
   }
   std::array<char16_t, 64> room;
@@ -184,5 +188,6 @@ NSRef<NSString> ZKUnitOfInformationFormatter::stringFromNumber_ofUnit_withPrefix
 
 NSRef<NSString> ZKUnitOfInformationFormatter::nativeStringFromNumber(
     const NSRef<NSNumber>& number) const {
-  return joined(number->descriptionWithLocale(NSLocale::currentLocale())->view(), unscaledUnit());
+  return joined(number->descriptionWithLocale(NSLocale::currentLocale())->view(),
+                _displaysInTermsOfBytes ? bytesText : bitsText);
 }

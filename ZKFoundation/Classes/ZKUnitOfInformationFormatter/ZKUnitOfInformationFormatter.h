@@ -1,11 +1,15 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
+#include <string_view>
+
 #include <Foundation/NSFormatter.h>
 #include <Foundation/NSNumberFormatter.h>
+#include <Foundation/NSString.h>
 #include <ZKFoundation/ZKExport.h>
 
 class NSNumber;
-class NSString;
 
 /// Units that a number may count; any other value counts bits too.
 enum ZKUnitOfInformation : NSInteger {
@@ -85,9 +89,14 @@ class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
   const NSPropertyTable& propertyTable() const override;
 
  private:
-  NSRef<NSString> unscaledUnit() const;
+  const NSRef<NSString>& localized(std::size_t text) const;
+  NSRef<NSString> joined(std::u16string_view number, std::size_t unit) const;
 
   NSRef<NSNumberFormatter> _numberFormatter;
+  // What the main bundle has for the names of units and the pattern. Looked up when they are
+  // needed, and again when the user's languages have changed.
+  mutable std::array<NSRef<NSString>, 27> _texts;
+  mutable std::uint64_t _languagesGeneration = 0;
   bool _displaysInTermsOfBytes = false;
   bool _calculatesInBinary = false;
   bool _displaysBinaryNames = false;
