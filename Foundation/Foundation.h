@@ -44,3 +44,5 @@
 #include <Foundation/NSUnicode.h>
 #include <Foundation/NSUnitBuffer.h>
 #include <Foundation/NSValue.h>
+#include <Foundation/NSWork.h>
+#include <Foundation/dispatch.h>

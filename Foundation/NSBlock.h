@@ -6,6 +6,8 @@
 #include <type_traits>
 #include <utility>
 
+#include <Foundation/NSObject.h>
+
 /// A block as a parameter of a call that does not outlive it: any callable, or none. It refers to
 /// the caller's callable and costs no allocation. A callable that takes the first argument alone
 /// will do.
@@ -81,3 +83,47 @@ class NSBlockRef<Result(First, Rest...)> {
   const void* _callable = nullptr;
   Result (*_call)(const void*, First, Rest...) = nullptr;
 };
+
+/// A block as an object, for what outlives the call: any callable that takes its target, or
+/// nothing. Equal only to itself. Copies are the block itself.
+class NS_EXPORT NSBlock : public NSObject {
+ public:
+  virtual void invoke(const NSRef<NSObject>& target) = 0;
+
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+};
+
+/// Calls a callable with the target, as a reference to it or as an `NSRef`, or with nothing.
+template <class Target, class F>
+void NSInvokeWithTarget(F& callable, const NSRef<Target>& target) {
+  if constexpr (std::is_invocable_v<F&, Target&>) {
+    std::invoke(callable, *target);
+  } else if constexpr (std::is_invocable_v<F&, const NSRef<Target>&>) {
+    std::invoke(callable, target);
+  } else {
+    std::invoke(callable);
+  }
+}
+
+/// The block object of a callable for targets of that class; a block object itself as it is, nil
+/// for a nil callable.
+template <class Target, class F>
+NSRef<NSBlock> NSMakeBlock(F&& callable) {
+  using Callable = std::decay_t<F>;
+  if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
+    return std::forward<F>(callable);
+  } else {
+    class Block final : public NSBlock {
+     public:
+      explicit Block(F&& callable) : _callable(std::forward<F>(callable)) {}
+      void invoke(const NSRef<NSObject>& target) override {
+        NSInvokeWithTarget<Target>(_callable, target.template as<Target>());
+      }
+
+     private:
+      Callable _callable;
+    };
+    if (NSIsNilCallable(callable)) return nullptr;
+    return NSMake<Block>(std::forward<F>(callable));
+  }
+}

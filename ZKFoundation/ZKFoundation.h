@@ -20,6 +20,7 @@
 #include <ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSObject+ZKDeepCopying.h>
 #include <ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSObject+ZKPerforming.h>
 #include <ZKFoundation/Categories/NSOrderedSet+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSPointerArray+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSSet+ZKFoundationExtensions.h>

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSException.h>
+#include <Foundation/dispatch.h>
+#include <ZKFoundation/ZKExport.h>
+
+// Blocks with the receiver as their target, run elsewhere. A block is any callable that takes the
+// receiver, as a reference to it (`[](Editor& editor) {…}`) or as an `NSRef`, or nothing; or an
+// `NSBlock`. A nil receiver raises `NSInvalidArgumentException`.
+
+namespace ZKFoundationExtensions {
+
+/// Calls the block with the target; does nothing for a nil block.
+ZK_EXPORT void ZK_invokeTargetBlock(const NSRef<NSObject>& target, const NSRef<NSBlock>& block);
+
+/// The same within an autorelease pool.
+ZK_EXPORT void ZK_invokeTargetBlockWithAutoreleasePool(const NSRef<NSObject>& target,
+                                                       const NSRef<NSBlock>& block);
+
+/// Runs the block on the queue: with `wait` by `dispatch_sync`, and returns when it has run; else
+/// by `dispatch_async`, within an autorelease pool, and keeps receiver and block until then. A nil
+/// block does nothing in its turn. Waiting for a serial queue on itself never ends.
+///
+/// A null queue raises `NSInvalidArgumentException` with the reason "aQueue is NULL (in
+/// 'performBlock:onQueue:waitUntilDone:')".
+template <class Receiver, class F>
+void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& block,
+                                        const dispatch_queue_t& queue, bool wait) {
+  if (!receiver) NSRaiseNilDereference(typeid(Receiver));
+  if (!queue) {
+    NSException::raise(NSInvalidArgumentException,
+                       "aQueue is NULL (in 'performBlock:onQueue:waitUntilDone:')");
+  }
+  if (!wait) {
+    dispatch_async(queue, [target = NSRef<NSObject>(receiver),
+                           copy = NSMakeBlock<Receiver>(std::forward<F>(block))] {
+      ZK_invokeTargetBlockWithAutoreleasePool(target, copy);
+    });
+  } else if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
+    dispatch_sync(queue, [&] { ZK_invokeTargetBlock(receiver, block); });
+  } else {
+    // The caller's own block will do.
+    dispatch_sync(queue, [&] {
+      if (!NSIsNilCallable(block)) NSInvokeWithTarget<Receiver>(block, receiver);
+    });
+  }
+}
+
+}  // namespace ZKFoundationExtensions
