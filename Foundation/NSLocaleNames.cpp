@@ -66,9 +66,9 @@ constexpr std::array<NamedKind, 5> namedKinds = {{
     {NSLocaleVariantCode, uldn_variantDisplayName},
 }};
 
-// Two to eight letters, as BCP 47 has them.
+// Two to eight letters, as BCP 47 has them, but not ICU's word for no language at all.
 bool isLanguage(const std::string& code) {
-  return code.size() >= 2 && code.size() <= 8 &&
+  return code.size() >= 2 && code.size() <= 8 && code != "root" &&
          std::ranges::all_of(code, [](char unit) { return unit >= 'a' && unit <= 'z'; });
 }
 
@@ -127,7 +127,7 @@ NSRef<NSString> NSLocale::canonicalLanguageIdentifierFromString(const NSRef<NSSt
     if (written != usual || hasSeveralScripts(language)) result.append("-").append(written);
   } else if (!region.empty()) {
     const std::string implied = usualScript(language, region);
-    if (implied != usual) result.append("-").append(implied);
+    if (!implied.empty() && implied != usual) result.append("-").append(implied);
   }
   return NSMake<NSString>(result);
 }
