@@ -23,8 +23,8 @@ enum NSFileWrapperWritingOptions : NSUInteger {
 ///
 /// A directory knows its children by name. One wrapper may be the child of several directories, but
 /// none is within itself. What asks a file for its children, or a directory for its bytes, raises
-/// `NSInternalInconsistencyException`; nil as contents, child, URL or name of a file that is to be
-/// found raises `NSInvalidArgumentException`. A wrapper belongs to one thread at a time.
+/// `NSInternalInconsistencyException`; nil as contents, new child or URL raises
+/// `NSInvalidArgumentException`. A wrapper belongs to one thread at a time.
 ///
 /// Of permissions the nine for reading, writing and executing are kept; owners, extended attributes
 /// and further hard links are not.

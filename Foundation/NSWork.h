@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -9,29 +9,20 @@
 /// copyable. A small one costs no allocation.
 class NSWork {
  public:
-  NSWork() noexcept = default;
   template <class F>
   requires(!std::is_same_v<std::decay_t<F>, NSWork>) explicit NSWork(F&& callable) {
     using Callable = std::decay_t<F>;
     if constexpr (fits<Callable>) {
       ::new (&_room) Callable(std::forward<F>(callable));
-      _operations = &inPlace<Callable>;
+      _operations = &operationsOf<Callable>;
     } else {
-      ::new (&_room) Callable*(new Callable(std::forward<F>(callable)));
-      _operations = &elsewhere<Callable>;
+      NSWork boxed([box = std::make_unique<Callable>(std::forward<F>(callable))] { (*box)(); });
+      take(boxed);
     }
   }
   NSWork(NSWork&& other) noexcept { take(other); }
-  NSWork& operator=(NSWork&& other) noexcept {
-    if (this != &other) {
-      clear();
-      take(other);
-    }
-    return *this;
-  }
   ~NSWork() { clear(); }
 
-  explicit operator bool() const noexcept { return _operations != nullptr; }
   /// Makes the call and forgets the callable. What it throws ends the program, as an exception does
   /// that nobody catches.
   void perform() noexcept {
@@ -57,18 +48,13 @@ class NSWork {
     return *std::launder(static_cast<Callable*>(room));
   }
   template <class Callable>
-  static constexpr Operations inPlace = {
+  static constexpr Operations operationsOf = {
       [](void* room) { at<Callable>(room)(); },
       [](void* from, void* to) noexcept {
         ::new (to) Callable(std::move(at<Callable>(from)));
         at<Callable>(from).~Callable();
       },
       [](void* room) noexcept { at<Callable>(room).~Callable(); }};
-  template <class Callable>
-  static constexpr Operations elsewhere = {
-      [](void* room) { (*at<Callable*>(room))(); },
-      [](void* from, void* to) noexcept { ::new (to) Callable*(at<Callable*>(from)); },
-      [](void* room) noexcept { delete at<Callable*>(room); }};
 
   void take(NSWork& other) noexcept {
     _operations = std::exchange(other._operations, nullptr);

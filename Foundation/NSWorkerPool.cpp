@@ -110,7 +110,9 @@ void NSWorkerPool::watch() {
   std::unique_lock lock(_mutex);
   std::uint64_t taken = _taken;
   while (!_pending.empty()) {
-    _isStalled.wait_for(lock, watchInterval);
+    lock.unlock();
+    std::this_thread::sleep_for(watchInterval);
+    lock.lock();
     if (std::exchange(taken, _taken) != _taken) continue;
     const std::size_t running = runningWorkers();
     const std::size_t blocked = _workers.size() - running;

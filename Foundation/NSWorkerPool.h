@@ -40,7 +40,6 @@ class NSWorkerPool {
 
   std::mutex _mutex;
   std::condition_variable _hasWork;
-  std::condition_variable _isStalled;
   std::deque<NSWork> _pending;
   std::list<Worker> _workers;
   std::size_t _idle = 0;

@@ -19,8 +19,9 @@ ZK_EXPORT void ZK_invokeTargetBlockWithAutoreleasePool(const NSRef<NSObject>& ta
                                                        const NSRef<NSBlock>& block);
 
 /// Runs the block on the queue: with `wait` by `dispatch_sync`, and returns when it has run; else
-/// by `dispatch_async`, within an autorelease pool, and keeps receiver and block until then. A nil
-/// block does nothing in its turn. Waiting for a serial queue on itself never ends.
+/// by `dispatch_async`, within an autorelease pool. The receiver is kept until then, and without
+/// `wait` a copy of the block. A nil block does nothing in its turn. Waiting for a serial queue on
+/// itself never ends.
 ///
 /// A null queue raises `NSInvalidArgumentException` with the reason "aQueue is NULL (in
 /// 'performBlock:onQueue:waitUntilDone:')".
@@ -38,11 +39,13 @@ void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& blo
       ZK_invokeTargetBlockWithAutoreleasePool(target, copy);
     });
   } else if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
-    dispatch_sync(queue, [&] { ZK_invokeTargetBlock(receiver, block); });
+    // The block may change the caller's own references.
+    dispatch_sync(queue, [target = receiver, held = NSRef<NSBlock>(block)] {
+      ZK_invokeTargetBlock(target, held);
+    });
   } else {
-    // The caller's own block will do.
-    dispatch_sync(queue, [&] {
-      if (!NSIsNilCallable(block)) NSInvokeWithTarget<Receiver>(block, receiver);
+    dispatch_sync(queue, [target = receiver, &block] {
+      if (!NSIsNilCallable(block)) NSInvokeWithTarget<Receiver>(block, target);
     });
   }
 }

@@ -136,7 +136,14 @@ TEST(NSFileWrapper, SavesAndLoadsADocument) {
   EXPECT_EQ(write(directory({}), folder / "link"), 0);
   EXPECT_TRUE(fs::is_symlink(folder / "link") && fs::is_empty(place));
   EXPECT_EQ(fs::status(place).permissions(), fs::perms{0705});
-  EXPECT_EQ(write(file("all"), place), 0);
+  const auto secret = file("all");
+  secret->setFileAttributes(
+      NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0600)}}));
+  // Its own permissions, and then those of the file before.
+  for (const auto& wrapper : {secret, file("all")}) {
+    EXPECT_EQ(write(wrapper, place), 0);
+    EXPECT_EQ(fs::status(place).permissions(), fs::perms{0600});
+  }
   EXPECT_EQ(contentsOf(place), "all");
   EXPECT_EQ(write(document, place), 0);
   EXPECT_TRUE(areSame(document, read(folder / "link")));

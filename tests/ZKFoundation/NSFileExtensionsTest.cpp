@@ -24,6 +24,7 @@ TEST(NSFileManagerExtensions, KnowTheDirectories) {
     EXPECT_EQ(userApplicationSupportDirectory()->fileSystemPath(), folder / ".local/share/");
     setenv("TMPDIR", "/no such", 1);
     EXPECT_EQ(shown(temporaryFolder()), "file:///no%20such/");
+    EXPECT_TRUE(namesIn(folder.path()).empty());  // Naming makes nothing.
 
     const auto find = [](NSUInteger directory, const NSRef<NSString>& component,
                          NSRef<NSError>* error) {

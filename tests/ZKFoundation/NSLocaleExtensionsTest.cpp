@@ -109,6 +109,25 @@ TEST(ZKLocaleEntity, ListsLanguages) {
   EXPECT_FALSE(ZKLocaleEntity::initWithLocaleIdentifier(u""_ns));
 }
 
+struct GrowingItem : ZKLocaleEntity {
+  explicit GrowingItem(const NSRef<NSLocale>& locale) : ZKLocaleEntity(locale) {
+    identifiers()->addObject(u"de"_ns);
+  }
+  static const NSRef<NSMutableArray>& identifiers() {
+    static const auto array = NSMake<NSMutableArray>({u"en"_ns, u"fr"_ns});
+    return array;
+  }
+};
+
+TEST(ZKLocaleEntity, NoticesAListThatChanges) {
+  try {
+    ZKLocaleEntity::entitiesForLocaleIdentifiers<GrowingItem>(GrowingItem::identifiers());
+    ADD_FAILURE() << "nothing raised";
+  } catch (const NSException& exception) {
+    EXPECT_TRUE(exception.name() == NSGenericException);
+  }
+}
+
 TEST(ZKLocaleEntity, ChangesItsLocaleOnAnyThread) {
   const auto entity = NSMake<ZKLocaleEntity>();
   onThreads(4, [&] {

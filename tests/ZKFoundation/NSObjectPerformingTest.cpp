@@ -38,6 +38,15 @@ TEST(NSObjectPerforming, RunsBlocksOnQueues) {
       editor, [](Editor& target) { EXPECT_EQ(target.alive, 1); }, queue, false);
   editor = nullptr;
   dispatch_sync(queue, [&] { EXPECT_EQ(alive, 0); });
+  // One that is waited for, too, even when the block drops the caller's reference.
+  editor = NSMake<Editor>(alive);
+  const auto drop = [&](Editor& target) {
+    editor = nullptr;
+    EXPECT_EQ(alive, 1);
+    ++target.edits;
+  };
+  performBlock_onQueue_waitUntilDone(editor, drop, queue, true);
+  EXPECT_EQ(alive, 0);
 }
 
 TEST(NSObjectPerforming, OpensAPoolForBlocksThatNobodyWaitsFor) {
