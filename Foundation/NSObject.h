@@ -6,7 +6,11 @@
 #include <Foundation/NSReferenceCount.h>
 #include <Foundation/NSTypes.h>
 
+class NSArray;
+class NSDelay;
 class NSPropertyTable;
+class NSSelector;
+class NSThread;
 
 /// The root of all objects. Derive from it as from any C++ class and make instances with `NSMake`:
 ///
@@ -54,6 +58,46 @@ class NS_EXPORT NSObject {
   virtual NSRef<NSObject> copyWithZone(NSZone* zone) const;
   /// A copy that may be changed; classes without one raise `NSInvalidArgumentException`.
   virtual NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const;
+
+  /// Performs the selector, with the object as its argument, on the calling thread's run loop in the
+  /// default mode, after at least the delay and in a later pass. The request holds the receiver and
+  /// the argument until it has run or been cancelled. Requests run in the order of their times, and
+  /// of their making when these are equal.
+  void performSelector_withObject_afterDelay(NSSelector aSelector, const NSRef<NSObject>& object,
+                                             NSDelay delay);
+  /// The same in those modes; with nil or no modes nothing is scheduled.
+  void performSelector_withObject_afterDelay_inModes(NSSelector aSelector,
+                                                     const NSRef<NSObject>& object, NSDelay delay,
+                                                     const NSRef<NSArray>& modes);
+  /// Cancels the calling thread's delayed requests for this very target, with an equal selector and
+  /// an equal argument.
+  static void cancelPreviousPerformRequestsWithTarget_selector_object(
+      const NSRef<NSObject>& aTarget, NSSelector aSelector, const NSRef<NSObject>& object);
+
+  /// Performs the selector on that thread's run loop, in its common modes. With `wait` it returns
+  /// when that has happened, and on the thread itself performs at once; else it is queued behind
+  /// what is there, on the thread itself too. A thread that has ended, or ends first, performs
+  /// nothing, and who waits returns; one that never runs its run loop lets wait for ever. A nil
+  /// thread raises `NSInvalidArgumentException`.
+  void performSelector_onThread_withObject_waitUntilDone(NSSelector aSelector,
+                                                         const NSRef<NSThread>& thread,
+                                                         const NSRef<NSObject>& object, bool wait);
+  /// The same in those modes; with nil or no modes nothing is performed.
+  void performSelector_onThread_withObject_waitUntilDone_modes(NSSelector aSelector,
+                                                               const NSRef<NSThread>& thread,
+                                                               const NSRef<NSObject>& object,
+                                                               bool wait,
+                                                               const NSRef<NSArray>& modes);
+  /// The same on the main thread.
+  void performSelectorOnMainThread_withObject_waitUntilDone(NSSelector aSelector,
+                                                            const NSRef<NSObject>& object,
+                                                            bool wait);
+  void performSelectorOnMainThread_withObject_waitUntilDone_modes(NSSelector aSelector,
+                                                                  const NSRef<NSObject>& object,
+                                                                  bool wait,
+                                                                  const NSRef<NSArray>& modes);
+  /// Performs the selector on a new thread.
+  void performSelectorInBackground_withObject(NSSelector aSelector, const NSRef<NSObject>& object);
 
   NSObject& operator=(const NSObject&) = delete;
 

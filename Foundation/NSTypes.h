@@ -11,6 +11,8 @@ using NSInteger = std::int64_t;
 using unichar = char16_t;
 /// Geometry is computed in doubles.
 using CGFloat = double;
+/// Seconds.
+using NSTimeInterval = double;
 
 inline constexpr NSInteger NSIntegerMax = std::numeric_limits<NSInteger>::max();
 inline constexpr NSInteger NSIntegerMin = std::numeric_limits<NSInteger>::min();

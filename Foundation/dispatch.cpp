@@ -1,45 +1,60 @@
 #include "Foundation/dispatch.h"
 
+#include "Foundation/NSNeverDestroyed.h"
+#include "Foundation/NSRunLoop.h"
 #include "Foundation/NSString.h"
+#include "Foundation/NSWaiter.h"
 #include "Foundation/NSWorkerPool.h"
 
-#include <condition_variable>
+#include <deque>
+#include <mutex>
 
-// Somebody who waits for the queue to become theirs.
-struct dispatch_queue::Waiter {
-  void wait() {
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return isReady; });
-  }
-  void wake() {
-    // Within the lock, as the waiter is gone as soon as it knows.
-    const std::lock_guard lock(mutex);
-    isReady = true;
-    changed.notify_one();
-  }
+namespace {
 
-  std::mutex mutex;
-  std::condition_variable changed;
-  bool isReady = false;
+class ConcurrentQueue final : public dispatch_queue {
+ public:
+  explicit ConcurrentQueue(const char* label) : dispatch_queue(label) {}
+
+  void submit(NSWork work) override { NSWorkerPool::shared().submit(std::move(work)); }
+  void performAndWait(NSWork work) override { work.perform(); }
 };
 
-dispatch_queue::dispatch_queue(const char* label, dispatch_queue_attr_t kind)
-    : _label(label == nullptr ? "" : label), _kind(kind) {}
+class MainQueue final : public dispatch_queue {
+ public:
+  MainQueue() : dispatch_queue("main") {}
 
-NSRef<NSString> dispatch_queue::description() const {
-  return NSMake<NSString>("dispatch_queue " + _label);
-}
+  void submit(NSWork work) override { NSRunLoop::mainRunLoop()->post(std::move(work), nullptr); }
+  void performAndWait(NSWork work) override {
+    NSRunLoop::mainRunLoop()->postAndWait(std::move(work), nullptr);
+  }
+};
 
-dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t kind) {
-  return NSMake<dispatch_queue>(label, kind);
-}
+// Who runs its blocks, a worker or somebody who waits, owns it meanwhile, with the batch that is at
+// hand.
+class SerialQueue final : public dispatch_queue {
+ public:
+  explicit SerialQueue(const char* label) : dispatch_queue(label) {}
 
-void dispatch_queue::schedule() {
+  void submit(NSWork work) override;
+  void performAndWait(NSWork work) override;
+
+ private:
+  void schedule();
+  void drain() noexcept;
+  void passOn();
+
+  std::mutex _mutex;
+  bool _isOwned = false;
+  std::deque<NSWork> _works;
+  std::deque<NSWork> _batch;
+  NSWaiter* _nextOwner = nullptr;
+};
+
+void SerialQueue::schedule() {
   NSWorkerPool::shared().submit(NSWork([queue = share(this)] { queue.get()->drain(); }));
 }
 
-void dispatch_queue::submit(NSWork work) {
-  if (_kind == DISPATCH_QUEUE_CONCURRENT) return NSWorkerPool::shared().submit(std::move(work));
+void SerialQueue::submit(NSWork work) {
   {
     const std::lock_guard lock(_mutex);
     _works.push_back(std::move(work));
@@ -48,10 +63,9 @@ void dispatch_queue::submit(NSWork work) {
   schedule();
 }
 
-void dispatch_queue::performAndWait(NSWork work) {
-  if (_kind == DISPATCH_QUEUE_CONCURRENT) return work.perform();
+void SerialQueue::performAndWait(NSWork work) {
   const auto alive = share(this);
-  Waiter waiter;
+  NSWaiter waiter;
   std::unique_lock lock(_mutex);
   if (!_isOwned) {
     _isOwned = true;
@@ -66,7 +80,7 @@ void dispatch_queue::performAndWait(NSWork work) {
 }
 
 // By the owner, when it has done its own.
-void dispatch_queue::passOn() {
+void SerialQueue::passOn() {
   if (_batch.empty()) {
     const std::lock_guard lock(_mutex);
     _isOwned = !_works.empty();
@@ -76,7 +90,7 @@ void dispatch_queue::passOn() {
 }
 
 // By a worker as the owner. Whoever waits becomes the owner when its turn comes.
-void dispatch_queue::drain() noexcept {
+void SerialQueue::drain() noexcept {
   do {
     if (_batch.empty()) {
       const std::lock_guard lock(_mutex);
@@ -92,4 +106,20 @@ void dispatch_queue::drain() noexcept {
     // A worker does not stay while others wait for one.
   } while (!NSWorkerPool::shared().hasPendingWork());
   passOn();
+}
+
+}  // namespace
+
+NSRef<NSString> dispatch_queue::description() const {
+  return NSMake<NSString>("dispatch_queue " + _label);
+}
+
+dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t kind) {
+  if (kind == DISPATCH_QUEUE_CONCURRENT) return NSMake<ConcurrentQueue>(label);
+  return NSMake<SerialQueue>(label);
+}
+
+const dispatch_queue_t& dispatch_get_main_queue() {
+  static const NSNeverDestroyed<dispatch_queue_t> queue(NSMake<MainQueue>());
+  return *queue;
 }

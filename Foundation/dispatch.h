@@ -1,7 +1,5 @@
 #pragma once
 
-#include <deque>
-#include <mutex>
 #include <string>
 #include <utility>
 
@@ -11,8 +9,9 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/NSWork.h>
 
-// Queues of blocks that the process's shared threads run. A block is any callable without
-// arguments. An exception that leaves a block ends the program; nobody who waits gets it.
+// Queues of blocks that the process's shared threads run, or the main thread. A block is any
+// callable without arguments. An exception that leaves a block ends the program; nobody who waits
+// gets it.
 
 enum dispatch_queue_attr_t {
   /// One block at a time, in the order in which they came.
@@ -24,34 +23,20 @@ enum dispatch_queue_attr_t {
 /// A queue; made by `dispatch_queue_create`. It lives until its last block has run.
 class NS_EXPORT dispatch_queue : public NSObject {
  public:
-  dispatch_queue(const char* label, dispatch_queue_attr_t kind);
-
   const std::string& label() const noexcept { return _label; }
   /// "dispatch_queue com.example.queue"
   NSRef<NSString> description() const override;
 
   /// Runs it some time. `dispatch_async` and `dispatch_sync` lead here.
-  void submit(NSWork work);
-  /// Runs it on the calling thread, when its turn has come.
-  void performAndWait(NSWork work);
+  virtual void submit(NSWork work) = 0;
+  /// Returns when it has run.
+  virtual void performAndWait(NSWork work) = 0;
+
+ protected:
+  explicit dispatch_queue(const char* label) : _label(label == nullptr ? "" : label) {}
 
  private:
-  struct Waiter;
-
-  void schedule();
-  void drain() noexcept;
-  void passOn();
-
   const std::string _label;
-  const dispatch_queue_attr_t _kind;
-
-  // Of a serial queue. Who runs its blocks, a worker or somebody who waits, owns it meanwhile, with
-  // the batch that is at hand.
-  std::mutex _mutex;
-  bool _isOwned = false;
-  std::deque<NSWork> _works;
-  std::deque<NSWork> _batch;
-  Waiter* _nextOwner = nullptr;
 };
 
 using dispatch_queue_t = NSRef<dispatch_queue>;
@@ -59,7 +44,11 @@ using dispatch_queue_t = NSRef<dispatch_queue>;
 /// A new queue; the label, which may be null, is for people.
 NS_EXPORT dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t kind);
 
-/// Runs the block on a thread of the pool some time and returns at once. A nil queue or block
+/// The queue of the main thread: its run loop runs the blocks in its common modes, one after the
+/// other. (A block that runs the run loop itself lets the next ones in.) From any thread.
+NS_EXPORT const dispatch_queue_t& dispatch_get_main_queue();
+
+/// Runs the block on a thread of the queue some time and returns at once. A nil queue or block
 /// raises `NSInvalidArgumentException`.
 template <class F>
 void dispatch_async(const dispatch_queue_t& queue, F&& block) {
@@ -67,9 +56,10 @@ void dispatch_async(const dispatch_queue_t& queue, F&& block) {
   queue->submit(NSWork(std::forward<F>(block)));
 }
 
-/// Runs the block on the calling thread when all that came before it on a serial queue has run, and
-/// returns when it has. From a block of the same serial queue that never comes. A nil queue or
-/// block raises `NSInvalidArgumentException`.
+/// Runs the block when all that came before it on a serial queue has run, and returns when it has;
+/// on the calling thread, for the main queue on the main thread. From a block of the same serial
+/// queue, or from the main thread for the main queue, that never comes. A nil queue or block raises
+/// `NSInvalidArgumentException`.
 template <class F>
 void dispatch_sync(const dispatch_queue_t& queue, F&& block) {
   if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "dispatch_sync");

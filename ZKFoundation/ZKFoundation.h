@@ -17,6 +17,7 @@
 #include <ZKFoundation/Categories/NSLocale+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSMapTable+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSNotificationQueue+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSObject+ZKDeepCopying.h>
 #include <ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h>

@@ -14,4 +14,15 @@ void ZK_invokeTargetBlockWithAutoreleasePool(const NSRef<NSObject>& target,
   ZK_invokeTargetBlock(target, block);
 }
 
+NSSelector ZKInvokeTargetBlockSelector() noexcept {
+  return NSMakeSelector<"ZK_invokeTargetBlock:", &ZK_invokeTargetBlock>();
+}
+
+void cancelPreviousPerformRequestsWithTarget_block(const NSRef<NSObject>& target,
+                                                   const NSRef<NSBlock>& block) {
+  if (!target || !block) return;
+  NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
+      target, ZKInvokeTargetBlockSelector(), block);
+}
+
 }  // namespace ZKFoundationExtensions

@@ -1,13 +1,22 @@
 #pragma once
 
 #include <Foundation/NSBlock.h>
+#include <Foundation/NSDelay.h>
 #include <Foundation/NSException.h>
+#include <Foundation/NSSelector.h>
+#include <Foundation/NSThread.h>
 #include <Foundation/dispatch.h>
 #include <ZKFoundation/ZKExport.h>
 
-// Blocks with the receiver as their target, run elsewhere. A block is any callable that takes the
-// receiver, as a reference to it (`[](Editor& editor) {…}`) or as an `NSRef`, or nothing; or an
-// `NSBlock`. A nil receiver raises `NSInvalidArgumentException`.
+// Blocks with the receiver as their target, run later or elsewhere. A block is any callable that
+// takes the receiver, as a reference to it (`[](Editor& editor) {…}`) or as an `NSRef`, or nothing;
+// or an `NSBlock`. The receiver, and the block or its copy, are held until the block has run or
+// been cancelled. A nil block takes its turn and does nothing. A nil receiver raises
+// `NSInvalidArgumentException`. An exception that leaves a block which a run loop, a queue or a new
+// thread runs ends the program.
+//
+// In a run loop a block runs by performing the selector `ZK_invokeTargetBlock:` with the block as
+// its argument, as `NSObject` and `NSRunLoop` tell.
 
 namespace ZKFoundationExtensions {
 
@@ -18,10 +27,108 @@ ZK_EXPORT void ZK_invokeTargetBlock(const NSRef<NSObject>& target, const NSRef<N
 ZK_EXPORT void ZK_invokeTargetBlockWithAutoreleasePool(const NSRef<NSObject>& target,
                                                        const NSRef<NSBlock>& block);
 
+/// The selector `ZK_invokeTargetBlock:`.
+ZK_EXPORT NSSelector ZKInvokeTargetBlockSelector() noexcept;
+
+/// The block for a call that waits: the caller's own, which is not copied.
+template <class Receiver, class F>
+NSRef<NSBlock> ZKBorrowBlock(F& block) {
+  if constexpr (std::is_convertible_v<F&, NSRef<NSBlock>>) {
+    return block;
+  } else {
+    if (NSIsNilCallable(block)) return nullptr;
+    return NSMakeBlock<Receiver>(
+        [&block](const NSRef<Receiver>& target) { NSInvokeWithTarget<Receiver>(block, target); });
+  }
+}
+
+/// The block for a request: the caller's own for a call that waits, else a copy.
+template <class Receiver, class F>
+NSRef<NSBlock> ZKBlockForRequest(F&& block, bool wait) {
+  return wait ? ZKBorrowBlock<Receiver>(block) : NSMakeBlock<Receiver>(std::forward<F>(block));
+}
+
+/// Runs the block on the calling thread's run loop, in the default mode or in those modes, after at
+/// least the delay (seconds, or a `std::chrono` duration) and never within the call. The result is
+/// the copy that will run, by which alone it can be cancelled; an `NSBlock` is its own copy.
+template <class Receiver, class F>
+NSRef<NSBlock> performBlock_afterDelay(const NSRef<Receiver>& receiver, F&& block, NSDelay delay) {
+  auto copy = NSMakeBlock<Receiver>(std::forward<F>(block));
+  receiver->performSelector_withObject_afterDelay(ZKInvokeTargetBlockSelector(), copy, delay);
+  return copy;
+}
+template <class Receiver, class F>
+NSRef<NSBlock> performBlock_afterDelay_inModes(const NSRef<Receiver>& receiver, F&& block,
+                                               NSDelay delay, const NSRef<NSArray>& modes) {
+  auto copy = NSMakeBlock<Receiver>(std::forward<F>(block));
+  receiver->performSelector_withObject_afterDelay_inModes(ZKInvokeTargetBlockSelector(), copy,
+                                                          delay, modes);
+  return copy;
+}
+
+/// Cancels what the two above have scheduled on the calling thread for this target with this very
+/// block. Nil as either does nothing.
+ZK_EXPORT void cancelPreviousPerformRequestsWithTarget_block(const NSRef<NSObject>& target,
+                                                             const NSRef<NSBlock>& block);
+
+/// On the main thread calls the block, which takes nothing, at once; elsewhere hands it to the main
+/// queue and returns. A nil block does nothing. The receiver plays no part.
+template <class Receiver, class F>
+void performBlockOnMainThread(const NSRef<Receiver>& /*receiver*/, F&& block) {
+  if (NSIsNilCallable(block)) return;
+  if (NSThread::isMainThread()) {
+    block();
+  } else {
+    dispatch_async(dispatch_get_main_queue(), std::forward<F>(block));
+  }
+}
+
+/// Runs the block on the main thread's run loop, in its common modes or in those modes. With `wait`
+/// it returns when the block has run, and on the main thread runs it at once.
+template <class Receiver, class F>
+void performBlockOnMainThread_waitUntilDone(const NSRef<Receiver>& receiver, F&& block, bool wait) {
+  receiver->performSelectorOnMainThread_withObject_waitUntilDone(
+      ZKInvokeTargetBlockSelector(), ZKBlockForRequest<Receiver>(std::forward<F>(block), wait),
+      wait);
+}
+template <class Receiver, class F>
+void performBlockOnMainThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, F&& block,
+                                                  bool wait, const NSRef<NSArray>& modes) {
+  receiver->performSelectorOnMainThread_withObject_waitUntilDone_modes(
+      ZKInvokeTargetBlockSelector(), ZKBlockForRequest<Receiver>(std::forward<F>(block), wait),
+      wait, modes);
+}
+
+/// The same on that thread, which must run its run loop. On one that has ended the block never runs
+/// and nobody waits.
+template <class Receiver, class F>
+void performBlock_onThread_waitUntilDone(const NSRef<Receiver>& receiver, F&& block,
+                                         const NSRef<NSThread>& thread, bool wait) {
+  receiver->performSelector_onThread_withObject_waitUntilDone(
+      ZKInvokeTargetBlockSelector(), thread,
+      ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait);
+}
+template <class Receiver, class F>
+void performBlock_onThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, F&& block,
+                                               const NSRef<NSThread>& thread, bool wait,
+                                               const NSRef<NSArray>& modes) {
+  receiver->performSelector_onThread_withObject_waitUntilDone_modes(
+      ZKInvokeTargetBlockSelector(), thread,
+      ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait, modes);
+}
+
+/// Runs the block on a new thread, within an autorelease pool.
+template <class Receiver, class F>
+void performBlockInBackground(const NSRef<Receiver>& receiver, F&& block) {
+  receiver->performSelectorInBackground_withObject(
+      NSMakeSelector<"ZK_invokeTargetBlockWithAutoreleasePool:",
+                     &ZK_invokeTargetBlockWithAutoreleasePool>(),
+      NSMakeBlock<Receiver>(std::forward<F>(block)));
+}
+
 /// Runs the block on the queue: with `wait` by `dispatch_sync`, and returns when it has run; else
-/// by `dispatch_async`, within an autorelease pool. The receiver is kept until then, and without
-/// `wait` a copy of the block. A nil block does nothing in its turn. Waiting for a serial queue on
-/// itself never ends.
+/// by `dispatch_async`, within an autorelease pool. Waiting for a serial queue on itself never
+/// ends.
 ///
 /// A null queue raises `NSInvalidArgumentException` with the reason "aQueue is NULL (in
 /// 'performBlock:onQueue:waitUntilDone:')".
@@ -33,19 +140,13 @@ void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& blo
     NSException::raise(NSInvalidArgumentException,
                        "aQueue is NULL (in 'performBlock:onQueue:waitUntilDone:')");
   }
-  if (!wait) {
-    dispatch_async(queue, [target = NSRef<NSObject>(receiver),
-                           copy = NSMakeBlock<Receiver>(std::forward<F>(block))] {
-      ZK_invokeTargetBlockWithAutoreleasePool(target, copy);
-    });
-  } else if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
-    // The block may change the caller's own references.
-    dispatch_sync(queue, [target = receiver, held = NSRef<NSBlock>(block)] {
-      ZK_invokeTargetBlock(target, held);
-    });
+  auto request = ZKBlockForRequest<Receiver>(std::forward<F>(block), wait);
+  if (wait) {
+    // The block may change the caller's own reference to the receiver.
+    dispatch_sync(queue, [target = receiver, &request] { ZK_invokeTargetBlock(target, request); });
   } else {
-    dispatch_sync(queue, [target = receiver, &block] {
-      if (!NSIsNilCallable(block)) NSInvokeWithTarget<Receiver>(block, target);
+    dispatch_async(queue, [target = NSRef<NSObject>(receiver), copy = std::move(request)] {
+      ZK_invokeTargetBlockWithAutoreleasePool(target, copy);
     });
   }
 }

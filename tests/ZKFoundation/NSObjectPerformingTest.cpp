@@ -1,6 +1,8 @@
-#include "tests/Support.h"
+#include "tests/RunLoops.h"
 
 #include <functional>
+#include <memory>
+#include <thread>
 
 #include <ZKFoundation/ZKFoundation.h>
 
@@ -12,6 +14,147 @@ struct Editor : Counted {
   using Counted::Counted;
   int edits = 0;
 };
+
+struct Worker : Farewell {
+  using Farewell::Farewell;
+  int edits = 0;
+};
+
+// A way to have a block run with a receiver, and who runs it when.
+struct Way {
+  std::string name;
+  std::function<void(const NSRef<Worker>&, const NSRef<NSBlock>&)> perform;
+  bool isAtOnce;
+  bool isOnMainThread;
+};
+
+std::vector<Way> waysTo(const NSRef<NSThread>& thread) {
+  const auto main = NSThread::mainThread();
+  const auto modes = NSMake<NSArray>({NSDefaultRunLoopMode()});
+  std::vector<Way> ways{
+      {"afterDelay", [](auto& e, auto& block) { performBlock_afterDelay(e, block, 0); }, false,
+       true},
+      {"afterDelay:inModes",
+       [=](auto& e, auto& block) { performBlock_afterDelay_inModes(e, block, 0, modes); }, false,
+       true},
+      {"inBackground", [](auto& e, auto& block) { performBlockInBackground(e, block); }, false,
+       false},
+  };
+  for (const bool waits : {false, true}) {
+    const std::string suffix = waits ? " and waits" : "";
+    ways.push_back(
+        {"onMainThread" + suffix,
+         [=](auto& e, auto& block) { performBlockOnMainThread_waitUntilDone(e, block, waits); },
+         waits, true});
+    ways.push_back({"onMainThread:modes" + suffix,
+                    [=](auto& e, auto& block) {
+                      performBlockOnMainThread_waitUntilDone_modes(e, block, waits, modes);
+                    },
+                    waits, true});
+    ways.push_back(
+        {"onThread, its own" + suffix,
+         [=](auto& e, auto& block) { performBlock_onThread_waitUntilDone(e, block, main, waits); },
+         waits, true});
+    ways.push_back({"onThread" + suffix,
+                    [=](auto& e, auto& block) {
+                      performBlock_onThread_waitUntilDone(e, block, thread, waits);
+                    },
+                    waits, false});
+    ways.push_back({"onThread:modes" + suffix,
+                    [=](auto& e, auto& block) {
+                      performBlock_onThread_waitUntilDone_modes(e, block, thread, waits, modes);
+                    },
+                    waits, false});
+  }
+  return ways;
+}
+
+TEST(NSObjectPerforming, RunsBlocksOnThreads) {
+  const LoopThread thread;
+  const auto loop = NSRunLoop::currentRunLoop();
+  for (const Way& way : waysTo(thread.get())) {
+    SCOPED_TRACE(way.name);
+    std::latch deaths(2);
+    auto worker = NSMake<Worker>(deaths);
+    bool isOnMainThread = false;
+    auto block = NSMakeBlock<Worker>([&, held = NSMake<Farewell>(deaths)](Worker& target) {
+      ++target.edits;
+      isOnMainThread = NSThread::isMainThread();
+      loop->performBlock([&] { loop->stop(); });
+    });
+    way.perform(worker, block);
+    if (way.isOnMainThread || way.isAtOnce) {
+      EXPECT_EQ(worker->edits, way.isAtOnce ? 1 : 0);
+    }
+    loop->run();
+    EXPECT_EQ(worker->edits, 1);
+    EXPECT_EQ(isOnMainThread, way.isOnMainThread);
+    // A nil block takes its turn.
+    way.perform(worker, nullptr);
+    makePass();
+    EXPECT_THROW(way.perform(nullptr, block), NSException);
+    worker = nullptr;
+    block = nullptr;
+    deaths.wait();
+  }
+}
+
+TEST(NSObjectPerforming, CallsOnTheMainThread) {
+  const auto editor = NSMake<NSString>();
+  bool isCalled = false;
+  const auto call = [&] { isCalled = true; };
+  performBlockOnMainThread(editor, call);
+  EXPECT_TRUE(std::exchange(isCalled, false));
+  std::jthread([&] {
+    performBlockOnMainThread(editor, call);
+    performBlockOnMainThread(editor, std::function<void()>());
+  }).join();
+  EXPECT_FALSE(isCalled);
+  makePass();
+  EXPECT_TRUE(isCalled);
+}
+
+TEST(NSObjectPerforming, CancelsByTheBlockThatItGave) {
+  DrivenClock clock;
+  int alive = 0;
+  const auto editor = NSMake<Editor>(alive);
+  const auto other = NSMake<Editor>(alive);
+  const auto edit = [counted = NSMake<Counted>(alive)](Editor& target) { ++target.edits; };
+  const auto first = performBlock_afterDelay(editor, edit, std::chrono::minutes(1));
+  const auto second = performBlock_afterDelay(editor, edit, 60.0);
+  const auto third =
+      performBlock_afterDelay_inModes(editor, first, 60, NSMake<NSArray>({u"tracking"_ns}));
+  EXPECT_EQ(third, first);
+  EXPECT_NE(first, second);
+  // Not by a block of the same code, for another target, from another thread or by nothing.
+  cancelPreviousPerformRequestsWithTarget_block(editor, NSMakeBlock<Editor>(edit));
+  cancelPreviousPerformRequestsWithTarget_block(other, first);
+  cancelPreviousPerformRequestsWithTarget_block(nullptr, first);
+  cancelPreviousPerformRequestsWithTarget_block(editor, nullptr);
+  std::jthread([&] { cancelPreviousPerformRequestsWithTarget_block(editor, first); }).join();
+  // In every mode.
+  cancelPreviousPerformRequestsWithTarget_block(editor, first);
+  clock.advance(std::chrono::seconds(59));
+  makePass();
+  EXPECT_EQ(editor->edits, 0);
+  clock.advance(std::chrono::seconds(1));
+  makePass(u"tracking"_ns);
+  EXPECT_EQ(editor->edits, 0);
+  makePass();
+  EXPECT_EQ(editor->edits, 1);
+  EXPECT_EQ(editor->retainCount(), 1U);
+  EXPECT_EQ(first->retainCount(), 2U);
+  // A block that has begun is not cancelled any more, and one that is due may be.
+  NSRef<NSBlock> due;
+  const auto cancel = [&](Editor& target) {
+    ++target.edits;
+    cancelPreviousPerformRequestsWithTarget_block(editor, due);
+  };
+  const auto cancelling = performBlock_afterDelay(editor, cancel, 0);
+  due = performBlock_afterDelay(editor, edit, 0);
+  makePass();
+  EXPECT_EQ(editor->edits, 2);
+}
 
 TEST(NSObjectPerforming, RunsBlocksOnQueues) {
   int alive = 0;
@@ -47,6 +190,21 @@ TEST(NSObjectPerforming, RunsBlocksOnQueues) {
   };
   performBlock_onQueue_waitUntilDone(editor, drop, queue, true);
   EXPECT_EQ(alive, 0);
+}
+
+TEST(NSObjectPerforming, BorrowsTheBlockOfACallThatWaits) {
+  const LoopThread thread;
+  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  struct Block {
+    void operator()() { ++calls; }
+    int calls = 0;
+  };
+  Block block;
+  performBlock_onQueue_waitUntilDone(queue, block, queue, true);
+  performBlock_onThread_waitUntilDone(queue, block, thread.get(), true);
+  performBlockOnMainThread_waitUntilDone(queue, block, true);
+  // It is the caller's own that has counted.
+  EXPECT_EQ(block.calls, 3);
 }
 
 TEST(NSObjectPerforming, OpensAPoolForBlocksThatNobodyWaitsFor) {

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <list>
+#include <utility>
+#include <vector>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSRunLoop.h>
+#include <Foundation/NSString.h>
+
+/// The default mode alone.
+const NSRef<NSArray>& NSDefaultRunLoopModes();
+
+/// A set of few modes.
+class NSModeSet {
+ public:
+  explicit NSModeSet(NSRef<NSString> mode) : _modes{std::move(mode)} {}
+
+  bool contains(const NSRef<NSString>& mode) const {
+    for (const auto& member : _modes) {
+      if (member == mode || member->isEqualToString(mode)) return true;
+    }
+    return false;
+  }
+  void add(const NSRef<NSString>& mode) {
+    if (!contains(mode)) _modes.push_back(mode);
+  }
+
+ private:
+  std::vector<NSRef<NSString>> _modes;
+};
+
+/// What waits for modes: a T for each list of modes that has been named, which stays where it is.
+/// So what waits for other modes costs a pass nothing.
+template <class T>
+class NSModeGroups {
+ public:
+  /// What waits for one of those modes; nil is the common ones.
+  T& of(const NSRef<NSArray>& modes) {
+    if (!modes) return _common;
+    for (Group& group : _groups) {
+      if (group.modes == modes || group.modes->isEqualToArray(modes)) return group.contents;
+    }
+    return _groups.emplace_back(modes->copy()).contents;
+  }
+
+  /// All that may go on in a pass in that mode.
+  std::vector<T*> in(const NSRef<NSString>& mode, const NSModeSet& commonModes) {
+    std::vector<T*> result;
+    const bool isCommon = commonModes.contains(mode);
+    if (isCommon) result.push_back(&_common);
+    for (Group& group : _groups) {
+      if (group.modes->containsObject(mode) ||
+          (isCommon && group.modes->containsObject(NSRunLoopCommonModes()))) {
+        result.push_back(&group.contents);
+      }
+    }
+    return result;
+  }
+
+  template <class F>
+  void forEach(F function) {
+    function(_common);
+    for (Group& group : _groups) function(group.contents);
+  }
+
+ private:
+  struct Group {
+    explicit Group(NSRef<NSArray> list) : modes(std::move(list)) {}
+    NSRef<NSArray> modes;
+    T contents;
+  };
+
+  T _common;
+  std::list<Group> _groups;
+};

@@ -1,0 +1,31 @@
+#include "Foundation/NSNotification.h"
+
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSException.h"
+#include "Foundation/NSString.h"
+
+NSNotification::NSNotification(const NSRef<NSString>& name, const NSRef<NSObject>& object,
+                               const NSRef<NSDictionary>& userInfo)
+    : _object(object), _userInfo(userInfo ? userInfo->copy() : nullptr) {
+  if (!name) NSRaiseNilArgument("name", "notificationWithName:object:userInfo:");
+  _name = name->copy();
+}
+
+NSNotification::~NSNotification() = default;
+
+NSRef<NSNotification> NSNotification::notificationWithName_object(const NSRef<NSString>& name,
+                                                                  const NSRef<NSObject>& object) {
+  return NSMake<NSNotification>(name, object, nullptr);
+}
+
+NSRef<NSNotification> NSNotification::notificationWithName_object_userInfo(
+    const NSRef<NSString>& name, const NSRef<NSObject>& object,
+    const NSRef<NSDictionary>& userInfo) {
+  return NSMake<NSNotification>(name, object, userInfo);
+}
+
+NSRef<NSString> NSNotification::description() const {
+  return u"NSNotification "_ns->stringByAppendingString(_name);
+}
+
+NSRef<NSObject> NSNotification::copyWithZone(NSZone* /*zone*/) const { return self(); }

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <Foundation/NSExport.h>
+#include <Foundation/NSObject.h>
+
+class NSDictionary;
+class NSString;
+
+/// Something that has happened: its name, the object that it happened to, and what else there is to
+/// say. Immutable.
+class NS_EXPORT NSNotification : public NSObject {
+ public:
+  /// Object and user information may be nil; a nil name raises `NSInvalidArgumentException`.
+  NSNotification(const NSRef<NSString>& name, const NSRef<NSObject>& object,
+                 const NSRef<NSDictionary>& userInfo);
+  ~NSNotification() override;
+
+  static NSRef<NSNotification> notificationWithName_object(const NSRef<NSString>& name,
+                                                           const NSRef<NSObject>& object);
+  static NSRef<NSNotification> notificationWithName_object_userInfo(
+      const NSRef<NSString>& name, const NSRef<NSObject>& object,
+      const NSRef<NSDictionary>& userInfo);
+
+  const NSRef<NSString>& name() const noexcept { return _name; }
+  const NSRef<NSObject>& object() const noexcept { return _object; }
+  const NSRef<NSDictionary>& userInfo() const noexcept { return _userInfo; }
+
+  /// "NSNotification DocumentDidChange"
+  NSRef<NSString> description() const override;
+  /// The notification itself.
+  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+
+ private:
+  NSRef<NSString> _name;
+  NSRef<NSObject> _object;
+  NSRef<NSDictionary> _userInfo;
+};

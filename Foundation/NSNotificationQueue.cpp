@@ -1,0 +1,187 @@
+#include "Foundation/NSNotificationQueue.h"
+
+#include "Foundation/NSChains.h"
+#include "Foundation/NSException.h"
+#include "Foundation/NSModeGroups.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/NSString.h"
+
+#include <array>
+#include <list>
+#include <string>
+
+namespace {
+
+struct Queued;
+using Line = std::list<Queued>;
+
+// A notification that waits, in its line and in a chain for each way to be the same as another.
+struct ByName {};
+struct BySender {};
+struct ByBoth {};
+struct Queued : NSChainLink<Queued, ByName>,
+                NSChainLink<Queued, BySender>,
+                NSChainLink<Queued, ByBoth> {
+  Queued(NSRef<NSNotification> what, std::uint64_t itsTurn, Line& itsLine)
+      : notification(std::move(what)), turn(itsTurn), line(&itsLine) {}
+
+  NSRef<NSNotification> notification;
+  std::uint64_t turn;
+  Line* line;
+  Line::iterator self;
+};
+
+NSUInteger hashOfName(const NSNotification& notification) { return notification.name()->hash(); }
+NSUInteger hashOfSender(const NSNotification& notification) {
+  return std::hash<NSRef<NSObject>>()(notification.object());
+}
+NSUInteger hashOfBoth(const NSNotification& notification) {
+  return hashOfName(notification) * 31 + hashOfSender(notification);
+}
+
+bool isSame(const NSNotification& a, const NSNotification& b, std::uint32_t mask) {
+  const bool minds = (mask & NSNotificationCoalescingOnName) != 0;
+  const bool mindsSender = (mask & NSNotificationCoalescingOnSender) != 0;
+  return (!minds || a.name() == b.name() || a.name()->isEqualToString(b.name())) &&
+         (!mindsSender || a.object() == b.object());
+}
+
+}  // namespace
+
+struct NSNotificationQueue::Core {
+  explicit Core(NSRunLoop& loop) : runLoop(&loop) {}
+
+  void add(const NSRef<NSNotification>& notification, Line& line) {
+    Queued& queued = line.emplace_back(notification, nextTurn++, line);
+    queued.self = std::prev(line.end());
+    names.add(queued, hashOfName(*notification));
+    senders.add(queued, hashOfSender(*notification));
+    both.add(queued, hashOfBoth(*notification));
+  }
+
+  // What goes dies with the result, when all is in order again.
+  void take(Queued& queued, Line& taken) {
+    names.remove(queued);
+    senders.remove(queued);
+    both.remove(queued);
+    taken.splice(taken.end(), *queued.line, queued.self);
+  }
+
+  void removeSame(const NSNotification& notification, std::uint32_t mask) {
+    Line removed;
+    const auto remove = [&](Queued& queued) {
+      if (isSame(*queued.notification, notification, mask)) take(queued, removed);
+    };
+    switch (mask & (NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender)) {
+      case NSNotificationNoCoalescing:
+        return;
+      case NSNotificationCoalescingOnName:
+        return names.forEach(hashOfName(notification), remove);
+      case NSNotificationCoalescingOnSender:
+        return senders.forEach(hashOfSender(notification), remove);
+      default:
+        return both.forEach(hashOfBoth(notification), remove);
+    }
+  }
+
+  // Posts what those lines hold, in the order of the turns. Whether there was anything.
+  bool post(const std::vector<Line*>& lines) {
+    const std::uint64_t limit = nextTurn;
+    for (bool hasPosted = false;; hasPosted = true) {
+      Line* first = nullptr;
+      for (Line* const line : lines) {
+        if (line->empty() || (first != nullptr && first->front().turn < line->front().turn)) {
+          continue;
+        }
+        first = line;
+      }
+      if (first == nullptr || first->front().turn >= limit) return hasPosted;
+      Line taken;
+      take(first->front(), taken);
+      NSNotificationCenter::defaultCenter()->postNotification(taken.front().notification);
+    }
+  }
+
+  // Null when the thread has ended.
+  NSRunLoop* runLoop;
+  std::uint64_t nextTurn = 0;
+  NSModeGroups<Line> soon;
+  NSModeGroups<Line> idle;
+  NSChains<Queued, ByName> names;
+  NSChains<Queued, BySender> senders;
+  NSChains<Queued, ByBoth> both;
+};
+
+NSNotificationQueue::NSNotificationQueue(NSRunLoop& runLoop)
+    : _core(std::make_unique<Core>(runLoop)) {}
+
+NSNotificationQueue::~NSNotificationQueue() = default;
+
+NSRef<NSNotificationQueue> NSNotificationQueue::defaultQueue() {
+  return NSRunLoop::currentRunLoop()->notificationQueue();
+}
+
+void NSNotificationQueue::enqueueNotification_postingStyle(
+    const NSRef<NSNotification>& notification, NSUInteger postingStyle) {
+  enqueueNotification_postingStyle_coalesceMask_forModes(
+      notification, postingStyle, NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender,
+      nullptr);
+}
+
+void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes(
+    const NSRef<NSNotification>& notification, NSUInteger postingStyle, std::uint32_t coalesceMask,
+    const NSRef<NSArray>& modes) {
+  constexpr auto operation = "enqueueNotification:postingStyle:coalesceMask:forModes:";
+  if (!notification) NSRaiseNilArgument("notification", operation);
+  if (postingStyle < NSPostWhenIdle || postingStyle > NSPostNow) {
+    NSException::raise(NSInvalidArgumentException,
+                       "there is no posting style " +
+                           std::to_string(static_cast<NSInteger>(postingStyle)) + " (in '" +
+                           operation + "')");
+  }
+  _core->removeSame(*notification, coalesceMask);
+  if (postingStyle == NSPostNow) {
+    NSNotificationCenter::defaultCenter()->postNotification(notification);
+  } else if (_core->runLoop != nullptr) {
+    const bool hasModes = modes && modes->count() > 0;
+    auto& groups = postingStyle == NSPostASAP ? _core->soon : _core->idle;
+    _core->add(notification, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
+    _core->runLoop->signal();
+  }
+}
+
+void NSNotificationQueue::dequeueNotificationsMatching_coalesceMask(
+    const NSRef<NSNotification>& notification, std::uint32_t coalesceMask) {
+  if (!notification) {
+    NSRaiseNilArgument("notification", "dequeueNotificationsMatching:coalesceMask:");
+  }
+  _core->removeSame(*notification, coalesceMask);
+}
+
+bool NSNotificationQueue::hasSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes) {
+  for (const Line* const line : _core->soon.in(mode, commonModes)) {
+    if (!line->empty()) return true;
+  }
+  return false;
+}
+
+void NSNotificationQueue::postSoon(const NSRef<NSString>& mode,
+                                   const NSModeSet& commonModes) noexcept {
+  _core->post(_core->soon.in(mode, commonModes));
+}
+
+bool NSNotificationQueue::postIdle(const NSRef<NSString>& mode,
+                                   const NSModeSet& commonModes) noexcept {
+  return _core->post(_core->idle.in(mode, commonModes));
+}
+
+void NSNotificationQueue::close() {
+  _core->runLoop = nullptr;
+  Line removed;
+  const auto takeAll = [&](Line& line) {
+    while (!line.empty()) _core->take(line.front(), removed);
+  };
+  _core->soon.forEach(takeAll);
+  _core->idle.forEach(takeAll);
+}

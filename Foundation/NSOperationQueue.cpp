@@ -1,0 +1,8 @@
+#include "Foundation/NSOperationQueue.h"
+
+#include "Foundation/NSNeverDestroyed.h"
+
+const NSRef<NSOperationQueue>& NSOperationQueue::mainQueue() {
+  static const NSNeverDestroyed<NSRef<NSOperationQueue>> queue(NSMake<NSOperationQueue>());
+  return *queue;
+}

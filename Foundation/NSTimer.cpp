@@ -1,0 +1,84 @@
+#include "Foundation/NSTimer.h"
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSSchedule.h"
+#include "Foundation/NSString.h"
+
+namespace {
+
+constexpr std::chrono::nanoseconds shortestInterval = std::chrono::microseconds(100);
+
+}  // namespace
+
+// A valid timer in a run loop.
+class NSTimer::Event final : public NSScheduledEvent {
+ public:
+  Event(NSRunLoop& runLoop, NSRef<NSTimer> timer)
+      : _runLoop(&runLoop), _timer(std::move(timer)), _time(runLoop.now() + _timer->_interval) {
+    _timer->_event = this;
+  }
+  Event(const Event&) = delete;
+  ~Event() override { _timer.get()->_event = nullptr; }
+
+  bool isOf(const NSRunLoop& runLoop) const noexcept { return _runLoop == &runLoop; }
+
+  void addMode(const NSRef<NSString>& mode) {
+    const auto alive = unschedule();
+    if (!_modes->containsObject(mode)) _modes->addObject(mode);
+    // While it fires, it is scheduled afterwards.
+    if (alive || !_isFiring) _runLoop->schedule(share(this), _modes, _time);
+  }
+
+  void happen() noexcept override {
+    _isFiring = true;
+    _timer->fire();
+    _isFiring = false;
+    if (!_timer->isValid()) return;
+    const auto interval = _timer->_interval;
+    _time += ((_runLoop->now() - _time) / interval + 1) * interval;
+    _runLoop->schedule(share(this), _modes, _time);
+  }
+
+ private:
+  NSRunLoop* _runLoop;
+  NSRef<NSTimer> _timer;
+  NSRef<NSMutableArray> _modes = NSMake<NSMutableArray>();
+  NSRunLoop::Time _time;
+  bool _isFiring = false;
+};
+
+NSTimer::NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block)
+    : _interval(std::max(interval.duration(), shortestInterval)),
+      _repeats(repeats),
+      _block(std::move(block)) {}
+
+void NSTimer::fire() {
+  const auto block = _block;
+  if (!block) return;
+  block->invoke(self());
+  if (!_repeats) invalidate();
+}
+
+void NSTimer::invalidate() {
+  const auto block = std::move(_block);
+  if (_event != nullptr) (void)_event->unschedule();
+}
+
+NSTimeInterval NSTimer::timeInterval() const noexcept {
+  return _repeats ? std::chrono::duration<NSTimeInterval>(_interval).count() : 0;
+}
+
+void NSRunLoop::addTimer_forMode(const NSRef<NSTimer>& timer, const NSRef<NSString>& mode) {
+  requireOwnThread("addTimer:forMode:");
+  if (!timer) NSRaiseNilArgument("timer", "addTimer:forMode:");
+  if (!mode) NSRaiseNilArgument("mode", "addTimer:forMode:");
+  if (!timer->isValid()) return;
+  if (timer->_event == nullptr) {
+    NSMake<NSTimer::Event>(*this, timer)->addMode(mode);
+  } else if (timer->_event->isOf(*this)) {
+    timer->_event->addMode(mode);
+  } else {
+    NSException::raise(NSInvalidArgumentException,
+                       "the timer is in another run loop (in 'addTimer:forMode:')");
+  }
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <chrono>
+#include <utility>
+
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSDelay.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSExport.h>
+#include <Foundation/NSObject.h>
+#include <Foundation/NSRunLoop.h>
+
+/// Calls a block after a time, or again and again, on the run loop that it is added to and that
+/// then holds it while it is valid. Used on that run loop's thread alone.
+///
+/// A repeating timer keeps to the multiples of its interval, counted from when it was added, and
+/// leaves out those that it missed. An exception that leaves the block ends the program.
+class NS_EXPORT NSTimer : public NSObject {
+ public:
+  /// A timer in no run loop yet. No interval is one of 0.1 milliseconds.
+  NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block);
+
+  /// The block takes the timer, or nothing; a nil block raises `NSInvalidArgumentException`.
+  template <class F>
+  static NSRef<NSTimer> timerWithTimeInterval_repeats_block(NSDelay interval, bool repeats,
+                                                            F&& block) {
+    if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "timerWithTimeInterval:repeats:block:");
+    return NSMake<NSTimer>(interval, repeats, NSMakeBlock<NSTimer>(std::forward<F>(block)));
+  }
+  /// The same on the calling thread's run loop, in the default mode.
+  template <class F>
+  static NSRef<NSTimer> scheduledTimerWithTimeInterval_repeats_block(NSDelay interval, bool repeats,
+                                                                     F&& block) {
+    auto timer = timerWithTimeInterval_repeats_block(interval, repeats, std::forward<F>(block));
+    NSRunLoop::currentRunLoop()->addTimer_forMode(timer, NSDefaultRunLoopMode());
+    return timer;
+  }
+
+  /// Calls the block now; a timer that does not repeat becomes invalid with it. An invalid one does
+  /// nothing.
+  void fire();
+  /// Takes it out of its run loop and lets the block go, for ever.
+  void invalidate();
+  bool isValid() const noexcept { return static_cast<bool>(_block); }
+  /// 0 for one that does not repeat.
+  NSTimeInterval timeInterval() const noexcept;
+
+ private:
+  friend class NSRunLoop;
+  class Event;
+
+  const std::chrono::nanoseconds _interval;
+  const bool _repeats;
+  NSRef<NSBlock> _block;
+  // In the run loop's schedule, or firing.
+  Event* _event = nullptr;
+};

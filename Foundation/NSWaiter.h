@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cerrno>
+
+#include <semaphore.h>
+
+/// A thread that waits to be woken once. It may be gone as soon as it is woken, which a POSIX
+/// semaphore allows and a condition variable only under its lock.
+class NSWaiter {
+ public:
+  NSWaiter() { sem_init(&_semaphore, 0, 0); }
+  NSWaiter(const NSWaiter&) = delete;
+  ~NSWaiter() { sem_destroy(&_semaphore); }
+
+  void wait() {
+    while (sem_wait(&_semaphore) != 0 && errno == EINTR) {
+    }
+  }
+  void wake() { sem_post(&_semaphore); }
+
+ private:
+  sem_t _semaphore{};
+};

@@ -1,0 +1,334 @@
+#include "tests/RunLoops.h"
+
+#include <algorithm>
+#include <atomic>
+#include <deque>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+const auto changed = u"Changed"_ns;
+const auto closed = u"Closed"_ns;
+
+// Notes what the default centre posts while it lives.
+class Witness {
+ public:
+  Witness() = default;
+  Witness(const Witness&) = delete;
+  ~Witness() { NSNotificationCenter::defaultCenter()->removeObserver(_observer); }
+  std::vector<NSRef<NSNotification>> taken() { return std::exchange(_posted, {}); }
+  std::string names() {
+    std::string result;
+    for (const auto& notification : taken()) result += notification->name()->utf8() + " ";
+    return result;
+  }
+
+ private:
+  std::vector<NSRef<NSNotification>> _posted;
+  NSRef<NSObject> _observer =
+      NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
+          nullptr, nullptr, nullptr,
+          [this](const NSRef<NSNotification>& notification) { _posted.push_back(notification); });
+};
+
+NSRef<NSNotification> about(const NSRef<NSString>& name, const NSRef<NSObject>& object = nullptr) {
+  return NSNotification::notificationWithName_object(name, object);
+}
+
+TEST(NSNotificationCenter, CallsThoseWhoAskedForIt) {
+  const auto centre = NSMake<NSNotificationCenter>();
+  const NSRef<NSObject> a = u"same"_ns;
+  const NSRef<NSObject> b = NSMake<NSString>("same");
+  std::string calls;
+  const auto observe = [&](char sign, const NSRef<NSString>& name, const NSRef<NSObject>& object) {
+    return centre->addObserverForName_object_queue_usingBlock(name, object, nullptr,
+                                                              [&, sign] { calls += sign; });
+  };
+  const auto all = observe('*', nullptr, nullptr);
+  const auto changedA = observe('1', changed, a);
+  const auto anyA = observe('2', nullptr, a);
+  const auto anyChanged = observe('3', NSMake<NSString>("Changed"), nullptr);
+  const auto changedAgain = observe('4', changed, a);
+  struct Row {
+    NSRef<NSString> name;
+    NSRef<NSObject> object;
+    std::string expected;
+  };
+  const auto expectCalls = [&](std::initializer_list<Row> rows) {
+    for (const Row& row : rows) {
+      centre->postNotificationName_object(row.name, row.object);
+      EXPECT_EQ(std::exchange(calls, ""), row.expected);
+    }
+  };
+  expectCalls({{changed, a, "*1234"},
+               {changed, b, "*3"},
+               {changed, nullptr, "*3"},
+               {closed, a, "*2"},
+               {closed, b, "*"},
+               {closed, nullptr, "*"}});
+  centre->removeObserver(changedA);
+  centre->removeObserver(changedA);
+  centre->removeObserver(nullptr);
+  centre->removeObserver(a);
+  NSMake<NSNotificationCenter>()->removeObserver(all);
+  expectCalls({{changed, a, "*234"}});
+  // The user information arrives; who is removed meanwhile is not called, who is added neither.
+  const auto info = NSMake<NSDictionary>({{u"key"_ns, a}});
+  const auto meddler = centre->addObserverForName_object_queue_usingBlock(
+      closed, nullptr, nullptr, [&](NSNotification& notification) {
+        EXPECT_TRUE(notification.userInfo()->isEqual(info));
+        centre->removeObserver(all);
+        (void)observe('5', closed, nullptr);
+        NSException::raise(NSGenericException, "thrown");
+      });
+  EXPECT_THROW(centre->postNotificationName_object_userInfo(closed, nullptr, info), NSException);
+  EXPECT_EQ(std::exchange(calls, ""), "*");
+  centre->removeObserver(meddler);
+  expectCalls({{closed, nullptr, "5"}});
+  expectRaises(NSInvalidArgumentException, "notification is nil (in 'postNotification:')",
+               [&] { centre->postNotification(nullptr); });
+  expectRaises(
+      NSInvalidArgumentException, "block is nil (in 'addObserverForName:object:queue:usingBlock:')",
+      [&] { centre->addObserverForName_object_queue_usingBlock(changed, a, nullptr, nullptr); });
+}
+
+TEST(NSNotificationCenter, HoldsAndLetsGo) {
+  int alive = 0;
+  auto centre = NSMake<NSNotificationCenter>();
+  const auto add = [&](const NSRef<NSOperationQueue>& queue) {
+    return centre->addObserverForName_object_queue_usingBlock(
+        changed, NSMake<Counted>(alive), queue, [held = NSMake<Counted>(alive)] {});
+  };
+  auto observer = add(nullptr);
+  EXPECT_EQ(alive, 2);
+  centre->removeObserver(std::exchange(observer, nullptr));
+  EXPECT_EQ(alive, 0);
+  // On the main queue later, unless it is removed before.
+  int calls = 0;
+  const auto count = [&] { ++calls; };
+  const auto main = NSOperationQueue::mainQueue();
+  const auto kept =
+      centre->addObserverForName_object_queue_usingBlock(closed, nullptr, main, count);
+  const auto lost =
+      centre->addObserverForName_object_queue_usingBlock(closed, nullptr, main, count);
+  centre->postNotification(about(closed));
+  centre->removeObserver(lost);
+  EXPECT_EQ(calls, 0);
+  makePass();
+  EXPECT_EQ(calls, 1);
+  observer = add(nullptr);
+  centre = nullptr;
+  observer = nullptr;
+  EXPECT_EQ(alive, 0);
+}
+
+TEST(NSNotificationQueue, PostsAtItsOccasions) {
+  Witness witness;
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto queue = NSNotificationQueue::defaultQueue();
+  EXPECT_EQ(queue, NSNotificationQueue::defaultQueue());
+  enqueueNotificationName_object_postingStyle(queue, u"idle"_ns, nullptr, NSPostWhenIdle);
+  enqueueNotificationName_object_postingStyle(queue, u"soon"_ns, nullptr, NSPostASAP);
+  enqueueNotificationName_object_postingStyle(queue, u"now"_ns, nullptr, NSPostNow);
+  EXPECT_EQ(witness.names(), "now ");
+  // At the end of the pass; what is queued by an observer waits for the next one.
+  const auto observer =
+      NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
+          u"soon"_ns, nullptr, nullptr, [&] {
+            enqueueNotificationName_object_postingStyle(queue, u"next"_ns, nullptr, NSPostASAP);
+          });
+  loop->performBlock([&] { EXPECT_EQ(witness.names(), ""); });
+  firePendingNotifications(queue);
+  EXPECT_EQ(witness.names(), "soon ");
+  firePendingNotifications(queue);
+  EXPECT_EQ(witness.names(), "next ");
+  // Idle ones before it waits, not as long as there is something to do.
+  enqueueNotificationName_object_postingStyle(queue, u"soon"_ns, nullptr, NSPostASAP);
+  EXPECT_EQ(loop->performPass(), std::chrono::nanoseconds::zero());
+  EXPECT_EQ(witness.names(), "soon ");
+  EXPECT_EQ(loop->performPass(), std::nullopt);
+  EXPECT_EQ(witness.names(), "next idle ");
+  enqueueNotificationName_object_postingStyle(queue, u"idle"_ns, nullptr, NSPostWhenIdle);
+  const auto stopping =
+      NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
+          u"idle"_ns, nullptr, nullptr, [&] { loop->stop(); });
+  loop->run();
+  EXPECT_EQ(witness.names(), "idle ");
+  NSNotificationCenter::defaultCenter()->removeObserver(observer);
+  NSNotificationCenter::defaultCenter()->removeObserver(stopping);
+}
+
+TEST(NSNotificationQueue, CoalescesAsAListWould) {
+  const std::array<NSRef<NSString>, 2> names{changed, closed};
+  const std::array<NSRef<NSObject>, 3> senders{nullptr, u"a"_ns, u"b"_ns};
+  const std::array<NSRef<NSString>, 2> modes{NSDefaultRunLoopMode(), u"tracking"_ns};
+  struct Line {
+    NSRef<NSNotification> notification;
+    bool isIdle;
+    std::size_t mode;
+  };
+  expectProperty("a queue of notifications", [&] {
+    Witness witness;
+    const auto queue = NSNotificationQueue::defaultQueue();
+    std::vector<Line> model;
+    const auto steps = *rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 1 << 12));
+    for (const int step : steps) {
+      const auto bits = [&](int shift, int count) {
+        return static_cast<std::size_t>((step >> shift) % count);
+      };
+      const auto mask = static_cast<std::uint32_t>(bits(0, 4));
+      const std::size_t mode = bits(8, 2);
+      const auto notification = about(names[bits(2, 2)], senders[bits(3, 3)]);
+      const std::size_t what = bits(5, 7);
+      if (what < 5) {
+        std::erase_if(model, [&](const Line& line) {
+          return mask != 0 &&
+                 ((mask & 1U) == 0 || line.notification->name() == notification->name()) &&
+                 ((mask & 2U) == 0 || line.notification->object() == notification->object());
+        });
+      }
+      if (what == 0) {
+        dequeueNotificationsMatching_object_coalesceMask(queue, notification->name(),
+                                                         notification->object(), mask);
+      } else if (what < 5) {
+        const bool isIdle = what == 1;
+        queue->enqueueNotification_postingStyle_coalesceMask_forModes(
+            notification, isIdle ? NSPostWhenIdle : NSPostASAP, mask,
+            NSMake<NSArray>({modes[mode]}));
+        model.push_back({notification, isIdle, mode});
+      } else {
+        // A pass, and one that goes on to the idle moment, which is in the default mode.
+        const bool goesOn = what == 6 && mode == 0;
+        std::vector<NSRef<NSNotification>> expected;
+        for (const bool isIdle : {false, true}) {
+          if (isIdle && !goesOn) continue;
+          std::erase_if(model, [&](const Line& line) {
+            if (line.isIdle != isIdle || line.mode != mode) return false;
+            expected.push_back(line.notification);
+            return true;
+          });
+        }
+        if (goesOn) {
+          (void)NSRunLoop::currentRunLoop()->performPass();
+        } else {
+          makePass(modes[mode]);
+        }
+        RC_ASSERT(witness.taken() == expected);
+      }
+    }
+    for (const auto& name : names) {
+      dequeueNotificationsMatching_object_coalesceMask(queue, name, nullptr, 1);
+    }
+  });
+}
+
+TEST(NSNotificationQueue, TakesThemFromEveryThread) {
+  constexpr int threads = 8;
+  constexpr int each = 500;
+  Witness witness;
+  std::atomic<int> next = 0;
+  onThreads(threads, [&] {
+    const int self = next++;
+    const auto object = NSMake<NSNumber>(self);
+    for (int k = 0; k < each; ++k) {
+      // Of equal name and sender, with the number of the call.
+      enqueueNotificationInMainThread_postingStyle(
+          NSNotification::notificationWithName_object_userInfo(
+              changed, object, NSMake<NSDictionary>({{u"k"_ns, NSMake<NSNumber>(k)}})),
+          NSPostASAP);
+      // Each with a sender of its own.
+      enqueueNotificationInMainThread_postingStyle(about(closed, NSMake<NSNumber>(k)), NSPostASAP);
+    }
+  });
+  EXPECT_EQ(witness.taken().size(), 0U);
+  makePass();
+  std::vector<int> lasts;
+  std::size_t separate = 0;
+  for (const auto& notification : witness.taken()) {
+    EXPECT_TRUE(NSThread::isMainThread());
+    if (notification->name() == changed) {
+      lasts.push_back(notification->userInfo()->objectForKey(u"k"_ns).as<NSNumber>()->intValue());
+    } else {
+      ++separate;
+    }
+  }
+  EXPECT_EQ(lasts, std::vector(threads, each - 1));
+  EXPECT_EQ(separate, std::size_t{threads * each});
+}
+
+TEST(NSNotificationQueue, EnqueuesOnTheMainThreadLater) {
+  Witness witness;
+  const auto queue = NSNotificationQueue::defaultQueue();
+  const auto loop = NSRunLoop::currentRunLoop();
+  // Not even enqueued when it returns: there is nothing to remove, nor to coalesce with.
+  enqueueNotificationInMainThread_postingStyle(about(changed), NSPostNow);
+  dequeueNotificationsMatching_object_coalesceMask(queue, changed, nullptr, 1);
+  EXPECT_EQ(witness.names(), "");
+  makePass();
+  EXPECT_EQ(witness.names(), "Changed ");
+  // Within a pass it is a later pass's, in a nested one too.
+  loop->performBlock([&] {
+    enqueueNotificationInMainThread_postingStyle(about(closed), NSPostASAP);
+    EXPECT_EQ(witness.names(), "");
+    firePendingNotifications(queue);
+    EXPECT_EQ(witness.names(), "Closed ");
+  });
+  makePass();
+
+  const auto pair = [](const auto&... elements) { return NSMake<NSArray>({elements...}); };
+  _mainThreadEnqueue(pair(about(changed), NSMake<NSNumber>(3)));
+  EXPECT_EQ(witness.names(), "Changed ");
+  // The number counts as 32 bits with a sign.
+  _mainThreadEnqueue(pair(about(changed), NSMake<NSNumber>(0x1'0000'0003)));
+  EXPECT_EQ(witness.names(), "Changed ");
+  expectRaises(NSInvalidArgumentException,
+               "there is no posting style -1 "
+               "(in 'enqueueNotification:postingStyle:coalesceMask:forModes:')",
+               [&] { _mainThreadEnqueue(pair(about(changed), NSMake<NSNumber>(0xFFFF'FFFF))); });
+  EXPECT_THROW(_mainThreadEnqueue(pair(about(changed))), NSException);
+  EXPECT_THROW(_mainThreadEnqueue(pair()), NSException);
+}
+
+TEST(NSNotificationQueue, RemovesByNameAndObject) {
+  Witness witness;
+  const auto queue = NSNotificationQueue::defaultQueue();
+  const auto fill = [&] {
+    for (const auto& name : {changed, closed}) {
+      for (const auto& object : {NSRef<NSObject>(), NSRef<NSObject>(changed)}) {
+        enqueueNotificationName_object_userInfo_postingStyle_coalesceMask_forModes(
+            queue, name, object, nullptr, NSPostASAP, NSNotificationNoCoalescing, nullptr);
+      }
+    }
+  };
+  struct Row {
+    std::uint32_t mask;
+    std::string left;
+  };
+  for (const Row& row : {Row{NSNotificationNoCoalescing, "Changed Changed Closed Closed "},
+                         {NSNotificationCoalescingOnName, "Closed Closed "},
+                         {NSNotificationCoalescingOnSender, "Changed Closed "},
+                         {NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender,
+                          "Changed Closed Closed "}}) {
+    fill();
+    dequeueNotificationsMatching_object_coalesceMask(queue, changed, nullptr, row.mask);
+    firePendingNotifications(queue);
+    EXPECT_EQ(witness.names(), row.left);
+  }
+  const auto info = NSMake<NSDictionary>({{u"key"_ns, changed}});
+  enqueueNotificationName_object_userInfo_postingStyle(queue, changed, queue, info, NSPostNow);
+  const auto posted = witness.taken();
+  ASSERT_EQ(posted.size(), 1U);
+  EXPECT_TRUE(posted[0]->userInfo()->isEqual(info));
+  EXPECT_EQ(posted[0]->object(), queue);
+  expectRaises(
+      NSInvalidArgumentException, "name is nil (in 'notificationWithName:object:userInfo:')",
+      [&] { enqueueNotificationName_object_postingStyle(queue, nullptr, nullptr, NSPostNow); });
+  expectRaises(NSInvalidArgumentException,
+               "notification is nil (in 'dequeueNotificationsMatching:coalesceMask:')",
+               [&] { queue->dequeueNotificationsMatching_coalesceMask(nullptr, 1); });
+}
+
+}  // namespace

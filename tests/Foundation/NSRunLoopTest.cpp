@@ -1,0 +1,388 @@
+#include "tests/RunLoops.h"
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <thread>
+
+#include <poll.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const auto tracking = u"tracking"_ns;
+
+// Notes the numbers that it is told, in a list of its own.
+struct Diary : NSObject {
+  void note(const NSRef<NSNumber>& number) { notes.push_back(number->intValue()); }
+  void note(int number) { notes.push_back(number); }
+  std::vector<int> taken() { return std::exchange(notes, {}); }
+  std::vector<int> notes;
+};
+const NSSelector noting =
+    NSMakeSelector<"note:", static_cast<void (Diary::*)(const NSRef<NSNumber>&)>(&Diary::note)>();
+
+NSRef<NSObject> box(int number) { return NSMake<NSNumber>(number); }
+
+TEST(NSRunLoop, MakesPassesOfWhatIsThere) {
+  DrivenClock clock;
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
+  const auto note = [&](int number) { return [=] { diary->note(number); }; };
+  // Requests in their order, behind what is due.
+  loop->performBlock(note(3));
+  loop->performBlock([&] {
+    diary->note(4);
+    loop->performBlock(note(6));
+    diary->performSelector_withObject_afterDelay(noting, box(5), 0);
+    EXPECT_EQ(loop->currentMode(), NSDefaultRunLoopMode());
+  });
+  diary->performSelector_withObject_afterDelay(noting, box(2), 1us);
+  diary->performSelector_withObject_afterDelay(noting, box(1), 0.0);
+  diary->performSelector_withObject_afterDelay(noting, box(9), 1h);
+  clock.advance(1us);
+  EXPECT_EQ(diary->notes.size(), 0U);
+  makePass();
+  EXPECT_EQ(diary->taken(), (std::vector{1, 2, 3, 4}));
+  // What a pass adds waits for the next one.
+  makePass();
+  EXPECT_EQ(diary->taken(), (std::vector{5, 6}));
+  makePass();
+  EXPECT_EQ(diary->taken(), std::vector<int>());
+  EXPECT_EQ(loop->currentMode(), nullptr);
+  NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(diary, noting, box(9));
+
+  // A pass within a pass takes what is left of the outer one, and what has come.
+  loop->performBlock([&] {
+    loop->performBlock(note(3));
+    makePass();
+    diary->note(4);
+  });
+  loop->performBlock(note(1));
+  loop->performBlock(note(2));
+  makePass();
+  EXPECT_EQ(diary->taken(), (std::vector{1, 2, 3, 4}));
+}
+
+TEST(NSRunLoop, LeavesOtherModesAlone) {
+  DrivenClock clock;
+  // Nobody else's, as it stays a common mode.
+  const auto modal = u"modal"_ns;
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
+  const auto modesOf = [](const auto&... modes) { return NSMake<NSArray>({modes...}); };
+  const auto both = modesOf(modal, NSDefaultRunLoopMode());
+  const auto fill = [&] {
+    loop->performBlock([=] { diary->note(1); });
+    loop->performInModes_block(modesOf(modal), [=] { diary->note(2); });
+    loop->performInModes_block(both, [=] { diary->note(3); });
+    loop->performInModes_block(modesOf(NSRunLoopCommonModes()), [=] { diary->note(4); });
+    diary->performSelector_withObject_afterDelay(noting, box(5), 0);
+    diary->performSelector_withObject_afterDelay_inModes(noting, box(6), 0, both);
+    diary->performSelector_withObject_afterDelay_inModes(noting, box(7), 0,
+                                                         modesOf(NSRunLoopCommonModes()));
+    // Never.
+    loop->performInModes_block(modesOf(), [=] { diary->note(0); });
+    loop->performInModes_block(nullptr, [=] { diary->note(0); });
+    diary->performSelector_withObject_afterDelay_inModes(noting, box(0), 0, nullptr);
+    diary->performSelectorOnMainThread_withObject_waitUntilDone_modes(noting, box(0), true,
+                                                                      modesOf());
+  };
+  fill();
+  makePass(modal);
+  EXPECT_EQ(diary->taken(), (std::vector{6, 2, 3}));
+  makePass(u"unknown"_ns);
+  EXPECT_EQ(diary->taken(), std::vector<int>());
+  makePass();
+  EXPECT_EQ(diary->taken(), (std::vector{5, 7, 1, 4}));
+
+  // A nested run in another mode; then that mode is a common one.
+  fill();
+  loop->performInModes_block(modesOf(u"outer"_ns), [&] {
+    EXPECT_TRUE(loop->runMode_beforeDate(modal, NSDate::distantPast()));
+    EXPECT_EQ(loop->currentMode()->utf8(), "outer");
+  });
+  makePass(u"outer"_ns);
+  EXPECT_EQ(diary->taken(), (std::vector{6, 2, 3}));
+  loop->addCommonMode(modal);
+  makePass(modal);
+  EXPECT_EQ(diary->taken(), (std::vector{7, 1, 4}));
+  makePass();
+  EXPECT_EQ(diary->taken(), std::vector{5});
+  // The common modes are no mode to run in.
+  EXPECT_EQ(loop->limitDateForMode(NSRunLoopCommonModes()), nullptr);
+  EXPECT_FALSE(loop->runMode_beforeDate(NSRunLoopCommonModes(), NSDate::distantFuture()));
+}
+
+TEST(NSRunLoop, DelaysAndCancelsAsAListWould) {
+  // A request of the model; its number is its place in the list.
+  struct Planned {
+    int time;
+    int object;
+    bool isTracked;
+    bool isPending = true;
+  };
+  expectProperty("delayed requests", [] {
+    DrivenClock clock;
+    const auto diaries = {NSMake<Diary>(), NSMake<Diary>()};
+    const auto target = *diaries.begin();
+    std::vector<Planned> plan;
+    int now = 0;
+    const auto steps = *rc::gen::container<std::vector<std::tuple<int, int>>>(
+        rc::gen::tuple(rc::gen::inRange(0, 8), rc::gen::inRange(0, 4)));
+    for (const auto& step : steps) {
+      const int what = std::get<0>(step);
+      const int value = std::get<1>(step);
+      if (what < 4) {
+        const bool isTracked = what == 0;
+        target->performSelector_withObject_afterDelay_inModes(
+            noting, box(value), std::chrono::seconds(what),
+            NSMake<NSArray>({isTracked ? tracking : NSDefaultRunLoopMode()}));
+        plan.push_back({now + what, value, isTracked});
+      } else if (what == 4) {
+        // Of another target, which has none, and by an equal argument.
+        for (const auto& diary : diaries) {
+          NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(diary, noting,
+                                                                            box(value));
+        }
+        for (auto& planned : plan) planned.isPending &= planned.object != value;
+      } else if (what == 5) {
+        clock.advance(std::chrono::seconds(value));
+        now += value;
+      } else {
+        const bool isTracked = what == 6;
+        makePass(isTracked ? tracking : NSDefaultRunLoopMode());
+        std::vector<Planned*> due;
+        for (auto& planned : plan) {
+          if (planned.isPending && planned.time <= now && planned.isTracked == isTracked) {
+            due.push_back(&planned);
+          }
+        }
+        std::ranges::stable_sort(due, {}, [](const auto* planned) { return planned->time; });
+        std::vector<int> expected;
+        for (auto* const planned : due) {
+          planned->isPending = false;
+          expected.push_back(planned->object);
+        }
+        RC_ASSERT(target->taken() == expected);
+      }
+    }
+    for (int k = 0; k < 4; ++k) {
+      NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(target, noting, box(k));
+    }
+    RC_ASSERT(target->retainCount() == 2U);
+  });
+}
+
+TEST(NSRunLoop, KeepsTheOrderOfEveryProducer) {
+  constexpr int producers = 8;
+  constexpr int each = 5000;
+  const auto loop = NSRunLoop::mainRunLoop();
+  std::vector<int> last(producers, -1);
+  int count = 0;
+  std::atomic<int> next = 0;
+  std::jthread producing([&] {
+    onThreads(producers, [&] {
+      const auto self = static_cast<std::size_t>(next++);
+      for (int k = 0; k < each; ++k) {
+        const auto block = [&, self, k] {
+          EXPECT_EQ(last[self], k - 1);
+          last[self] = k;
+          if (++count == producers * each) loop->stop();
+        };
+        // By every way onto the main thread.
+        if (k % 100 == 99) {
+          dispatch_sync(dispatch_get_main_queue(), block);
+        } else if (k % 3 == 0) {
+          dispatch_async(dispatch_get_main_queue(), block);
+        } else if (k % 3 == 1) {
+          NSOperationQueue::mainQueue()->addOperationWithBlock(block);
+        } else {
+          loop->performBlock(block);
+        }
+      }
+    });
+  });
+  loop->run();
+  EXPECT_EQ(count, producers * each);
+}
+
+TEST(NSRunLoop, WakesForEveryWaitingCaller) {
+  const LoopThread thread;
+  const auto diary = NSMake<Diary>();
+  constexpr int trips = 100'000;
+  for (int k = 0; k < trips; ++k) {
+    diary->performSelector_onThread_withObject_waitUntilDone(noting, thread.get(), box(k), true);
+    ASSERT_EQ(diary->notes.back(), k);
+    if (k % 1000 == 999) diary->notes.clear();
+  }
+  // On the thread itself at once.
+  diary->notes.clear();
+  diary->performSelectorOnMainThread_withObject_waitUntilDone(noting, box(1), true);
+  EXPECT_EQ(diary->notes, std::vector{1});
+}
+
+TEST(NSRunLoop, LetsGoWhenItsThreadEnds) {
+  std::latch deaths(5);
+  const auto farewell = [&] { return NSMake<Farewell>(deaths); };
+  std::optional<LoopThread> thread(std::in_place);
+  const auto inner = thread->get();
+  const auto loop = inner->runLoop();
+  loop->performBlock([&] {
+    // For later, for another mode, as a timer, and as a notification for ever.
+    const auto object = farewell();
+    NSTimer::scheduledTimerWithTimeInterval_repeats_block(1h, true, [held = farewell()] {});
+    farewell()->performSelector_withObject_afterDelay(noting, object, 1h);
+    loop->performInModes_block(NSMake<NSArray>({tracking}), [held = farewell()] {});
+    NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle_coalesceMask_forModes(
+        NSNotification::notificationWithName_object(u"Late"_ns, farewell()), NSPostASAP,
+        NSNotificationNoCoalescing, NSMake<NSArray>({tracking}));
+  });
+  // Its last request ends it; who waits for one behind it is let go, as is who comes too late.
+  loop->performBlock([&] { loop->stop(); });
+  const auto diary = NSMake<Diary>();
+  diary->performSelector_onThread_withObject_waitUntilDone_modes(noting, inner, box(1), true,
+                                                                 NSMake<NSArray>({tracking}));
+  thread.reset();
+  deaths.wait();
+  diary->performSelector_onThread_withObject_waitUntilDone(noting, inner, box(1), true);
+  diary->performSelector_onThread_withObject_waitUntilDone(noting, inner, box(1), false);
+  EXPECT_TRUE(inner->isFinished());
+  EXPECT_EQ(diary->notes, std::vector<int>());
+  EXPECT_EQ(diary->retainCount(), 1U);
+}
+
+TEST(NSRunLoop, WaitsUntilADateOrARequest) {
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
+  // A request for another mode does not end the wait, one for this mode does.
+  std::jthread other([&] {
+    loop->performInModes_block(NSMake<NSArray>({tracking}), [&] { diary->note(2); });
+    loop->performBlock([&] { diary->note(1); });
+  });
+  EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture()));
+  EXPECT_EQ(diary->taken(), std::vector{1});
+  makePass(tracking);
+  EXPECT_EQ(diary->taken(), std::vector{2});
+  // Timers fire while it waits, and the date ends it.
+  diary->performSelector_withObject_afterDelay(noting, box(3), 1ms);
+  diary->performSelector_withObject_afterDelay(noting, box(4), 1h);
+  EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(),
+                                       NSDate::dateWithTimeIntervalSinceNow(0.002)));
+  EXPECT_EQ(diary->taken(), std::vector{3});
+  // The inner run ends, the outer goes on; a stop without a run ends none.
+  loop->stop();
+  loop->performBlock([&] {
+    loop->performBlock([&] { loop->stop(); });
+    loop->run();
+    diary->note(5);
+    loop->performBlock([&] {
+      diary->note(6);
+      loop->stop();
+    });
+  });
+  loop->run();
+  EXPECT_EQ(diary->taken(), (std::vector{5, 6}));
+  NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(diary, noting, box(4));
+  EXPECT_EQ(loop->limitDateForMode(NSDefaultRunLoopMode()), NSDate::distantFuture());
+}
+
+TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
+  DrivenClock clock;
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
+  const auto isReadable = [&] {
+    pollfd descriptor{loop->wakeUpDescriptor(), POLLIN, 0};
+    return poll(&descriptor, 1, 0) == 1;
+  };
+  loop->performBlock([] {});
+  EXPECT_TRUE(isReadable());
+  EXPECT_EQ(loop->performPass(), std::nullopt);
+  EXPECT_FALSE(isReadable());
+  // From another thread, and from this one between the passes.
+  std::jthread([&] {
+    diary->performSelectorOnMainThread_withObject_waitUntilDone(noting, box(1), false);
+  }).join();
+  EXPECT_TRUE(isReadable());
+  EXPECT_EQ(loop->performPass(), std::nullopt);
+  diary->performSelector_withObject_afterDelay(noting, box(2), 5ms);
+  EXPECT_TRUE(isReadable());
+  EXPECT_EQ(loop->performPass(), 5ms);
+  EXPECT_FALSE(isReadable());
+  clock.advance(3ms);
+  EXPECT_EQ(loop->performPass(), 2ms);
+  clock.advance(2ms);
+  // What comes within a pass is told by its result.
+  loop->performBlock([&] {
+    diary->performSelector_withObject_afterDelay(noting, box(4), 1ms);
+    diary->performSelectorOnMainThread_withObject_waitUntilDone(noting, box(3), false);
+  });
+  EXPECT_EQ(loop->performPass(), 0ms);
+  EXPECT_EQ(loop->performPass(), 1ms);
+  clock.advance(1h);
+  EXPECT_EQ(loop->performPass(), std::nullopt);
+  EXPECT_EQ(diary->notes, (std::vector{1, 2, 3, 4}));
+}
+
+TEST(NSRunLoop, RefusesWhatItCannotDo) {
+  const LoopThread thread;
+  const auto other = thread.get()->runLoop();
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
+  expectRaises(NSInternalInconsistencyException,
+               "the run loop is another thread's (in 'runUntilDate:')", [&] { other->run(); });
+  expectRaises(NSInternalInconsistencyException,
+               "the run loop is another thread's (in 'limitDateForMode:')",
+               [&] { (void)other->limitDateForMode(NSDefaultRunLoopMode()); });
+  expectRaises(NSInvalidArgumentException, "mode is nil (in 'limitDateForMode:')",
+               [&] { makePass(nullptr); });
+  expectRaises(NSInvalidArgumentException, "limitDate is nil (in 'runMode:beforeDate:')",
+               [&] { loop->runMode_beforeDate(tracking, nullptr); });
+  expectRaises(NSInvalidArgumentException, "block is nil (in 'performBlock:')",
+               [&] { loop->performBlock(std::function<void()>()); });
+  expectRaises(NSInvalidArgumentException,
+               "thread is nil (in 'performSelector:onThread:withObject:waitUntilDone:')", [&] {
+                 diary->performSelector_onThread_withObject_waitUntilDone(noting, nullptr, nullptr,
+                                                                          true);
+               });
+  // A selector knows whom it is for; what it throws on the spot comes back.
+  const auto perform = [](const NSRef<NSObject>& target, const NSRef<NSObject>& argument) {
+    target->performSelectorOnMainThread_withObject_waitUntilDone(noting, argument, true);
+  };
+  expectRaises(NSInvalidArgumentException, "NSString does not respond to 'note:'",
+               [&] { perform(u"text"_ns, box(1)); });
+  expectRaises(NSInvalidArgumentException, "'note:' does not take a NSString",
+               [&] { perform(diary, u"text"_ns); });
+  EXPECT_EQ(NSStringFromSelector(noting)->utf8(), "note:");
+}
+
+TEST(NSRunLoopDeathTest, AnExceptionEndsTheProgram) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (const bool waits : {false, true}) {
+    const auto run = [&] {
+      const LoopThread thread;
+      try {
+        u"text"_ns->performSelector_onThread_withObject_waitUntilDone(noting, thread.get(), nullptr,
+                                                                      waits);
+        thread.get()->runLoop()->postAndWait(NSWork([] {}), nullptr);
+      } catch (const NSException&) {
+        std::_Exit(0);
+      }
+    };
+    EXPECT_DEATH(run(), "NSInvalidArgumentException: NSString does not respond to 'note:'");
+  }
+  const auto fire = [] {
+    NSTimer::scheduledTimerWithTimeInterval_repeats_block(
+        0, false, [] { NSException::raise(NSRangeException, "beyond"); });
+    try {
+      NSRunLoop::currentRunLoop()->run();
+    } catch (const NSException&) {
+      std::_Exit(0);
+    }
+  };
+  EXPECT_DEATH(fire(), "NSRangeException: beyond");
+}
+
+}  // namespace

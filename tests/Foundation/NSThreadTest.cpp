@@ -1,0 +1,107 @@
+#include "tests/RunLoops.h"
+
+#include <array>
+
+#include <pthread.h>
+
+namespace {
+
+TEST(NSThread, RunsItsWork) {
+  struct Worker : NSThread {
+    explicit Worker(std::latch& latch) : done(latch) {}
+    void main() override {
+      isItself = NSThread::currentThread().get() == this && isExecuting() && !isMainThread();
+      done.count_down();
+    }
+    std::latch& done;
+    bool isItself = false;
+  };
+  std::latch done(3);
+  const auto worker = NSMake<Worker>(done);
+  EXPECT_FALSE(worker->isExecuting());
+  worker->start();
+  expectRaises(NSGenericException, "the thread has been started (in 'start')",
+               [&] { worker->start(); });
+  NSMake<NSThread>([&] { done.count_down(); })->start();
+  struct Counter : NSObject {
+    explicit Counter(std::latch& latch) : done(latch) {}
+    void count() { done.count_down(); }
+    std::latch& done;
+  };
+  NSThread::detachNewThreadSelector_toTarget_withObject(NSMakeSelector<"count", &Counter::count>(),
+                                                        NSMake<Counter>(done), nullptr);
+  done.wait();
+  EXPECT_TRUE(worker->isItself);
+  worker->cancel();
+  EXPECT_TRUE(worker->isCancelled());
+  expectRaises(NSInvalidArgumentException, "block is nil (in 'initWithBlock:')",
+               [] { (void)NSMake<NSThread>(std::function<void()>()); });
+}
+
+TEST(NSThread, KnowsItself) {
+  EXPECT_TRUE(NSThread::isMainThread());
+  EXPECT_EQ(NSThread::currentThread(), NSThread::mainThread());
+  EXPECT_EQ(NSRunLoop::currentRunLoop(), NSRunLoop::mainRunLoop());
+  // One that something else began is adopted, and finished when it ends.
+  NSRef<NSThread> adopted;
+  std::latch death(1);
+  std::jthread([&] {
+    adopted = NSThread::currentThread();
+    EXPECT_EQ(NSThread::currentThread(), adopted);
+    EXPECT_TRUE(adopted->isExecuting());
+    EXPECT_FALSE(NSThread::isMainThread());
+    NSRunLoop::currentRunLoop()->performBlock([held = NSMake<Farewell>(death)] {});
+    // What dies last may still ask.
+    struct Asking : NSObject {
+      Asking() = default;
+      Asking(const Asking&) = delete;
+      ~Asking() override { EXPECT_NE(NSThread::currentThread(), nullptr); }
+    };
+    NSAutorelease(NSMake<Asking>());
+  }).join();
+  EXPECT_TRUE(death.try_wait());
+  EXPECT_TRUE(adopted->isFinished());
+  EXPECT_EQ(adopted->retainCount(), 1U);
+}
+
+TEST(NSThread, ShowsItsName) {
+  struct Row {
+    NSRef<NSString> name;
+    std::string shown;
+  };
+  for (const Row& row : {Row{u"reader"_ns, "reader"},
+                         {u"a thread of many words"_ns, "a thread of man"},
+                         {u"12345678901234ä"_ns, "12345678901234"}}) {
+    std::array<char, 16> shown{};
+    std::latch done(1);
+    const auto thread = NSMake<NSThread>([&] {
+      pthread_getname_np(pthread_self(), shown.data(), shown.size());
+      done.count_down();
+    });
+    EXPECT_EQ(thread->name()->length(), 0U);
+    thread->setName(row.name);
+    EXPECT_EQ(thread->name(), row.name);
+    thread->start();
+    done.wait();
+    EXPECT_EQ(shown.data(), row.shown);
+  }
+}
+
+TEST(NSThread, KeepsRequestsFromBeforeItsStart) {
+  std::latch death(1);
+  std::latch done(1);
+  auto thread = NSMake<NSThread>([] { NSRunLoop::currentRunLoop()->run(); });
+  thread->runLoop()->performBlock([&] {
+    done.count_down();
+    NSRunLoop::currentRunLoop()->stop();
+  });
+  thread->start();
+  done.wait();
+  // One that is never started lets them go.
+  thread = NSMake<NSThread>([] {});
+  thread->runLoop()->performBlock([held = NSMake<Farewell>(death)] {});
+  thread = nullptr;
+  EXPECT_TRUE(death.try_wait());
+}
+
+}  // namespace

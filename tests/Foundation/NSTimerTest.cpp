@@ -1,0 +1,134 @@
+#include "tests/RunLoops.h"
+
+#include <cmath>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(NSTimer, KeepsToItsMultiples) {
+  DrivenClock clock;
+  int count = 0;
+  const auto timer =
+      NSTimer::scheduledTimerWithTimeInterval_repeats_block(1s, true, [&] { ++count; });
+  struct Step {
+    std::chrono::milliseconds advance;
+    int expected;
+  };
+  // At 0.9, 1.0, 1.9, 5.5 (several missed, one firing), 5.9, 6.0 and again 6.0 seconds.
+  for (const Step& step :
+       {Step{900ms, 0}, {100ms, 1}, {900ms, 1}, {3600ms, 2}, {400ms, 2}, {100ms, 3}, {0ms, 3}}) {
+    clock.advance(step.advance);
+    makePass();
+    EXPECT_EQ(count, step.expected);
+  }
+  EXPECT_EQ(timer->timeInterval(), 1);
+  timer->fire();
+  EXPECT_EQ(count, 4);
+  timer->invalidate();
+  timer->fire();
+  clock.advance(1h);
+  makePass();
+  EXPECT_EQ(count, 4);
+  EXPECT_EQ(timer->retainCount(), 1U);
+}
+
+TEST(NSTimer, FiresInEveryModeThatItIsAddedTo) {
+  DrivenClock clock;
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto tracking = u"tracking"_ns;
+  int count = 0;
+  const auto timer = NSTimer::timerWithTimeInterval_repeats_block(1s, true, [&](NSTimer& self) {
+    if (++count == 1) loop->addTimer_forMode(self.self().as<NSTimer>(), u"third"_ns);
+    if (count == 4) self.invalidate();
+  });
+  loop->addTimer_forMode(timer, NSDefaultRunLoopMode());
+  loop->addTimer_forMode(timer, tracking);
+  for (const auto& mode :
+       {tracking, NSDefaultRunLoopMode(), u"third"_ns, u"fourth"_ns, tracking, tracking}) {
+    clock.advance(1s);
+    makePass(mode);
+    makePass(mode);
+  }
+  EXPECT_EQ(count, 4);
+  EXPECT_FALSE(timer->isValid());
+  loop->addTimer_forMode(timer, tracking);
+  EXPECT_EQ(timer->retainCount(), 1U);
+
+  // One that does not repeat is valid until it has fired.
+  int alive = 0;
+  const auto once = NSTimer::scheduledTimerWithTimeInterval_repeats_block(
+      -1, false, [&, held = NSMake<Counted>(alive)](const NSRef<NSTimer>& self) {
+        EXPECT_TRUE(self->isValid());
+        EXPECT_EQ(self->timeInterval(), 0);
+      });
+  makePass();
+  EXPECT_TRUE(once->isValid());
+  clock.advance(100us);
+  makePass();
+  EXPECT_FALSE(once->isValid());
+  EXPECT_EQ(alive, 0);
+}
+
+TEST(NSTimer, RefusesWhatItCannotDo) {
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto timer = NSTimer::scheduledTimerWithTimeInterval_repeats_block(1h, false, [] {});
+  LoopThread thread;
+  NSRef<NSRunLoop> other = thread.get()->runLoop();
+  other->postAndWait(NSWork([&] {
+                       expectRaises(
+                           NSInvalidArgumentException,
+                           "the timer is in another run loop (in 'addTimer:forMode:')",
+                           [&] { other->addTimer_forMode(timer, NSDefaultRunLoopMode()); });
+                     }),
+                     nullptr);
+  timer->invalidate();
+  expectRaises(NSInvalidArgumentException, "timer is nil (in 'addTimer:forMode:')",
+               [&] { loop->addTimer_forMode(nullptr, NSDefaultRunLoopMode()); });
+  expectRaises(
+      NSInvalidArgumentException, "block is nil (in 'timerWithTimeInterval:repeats:block:')", [] {
+        NSTimer::scheduledTimerWithTimeInterval_repeats_block(1, false, std::function<void()>());
+      });
+}
+
+TEST(NSDelay, TakesSecondsAndDurations) {
+  struct Row {
+    NSDelay delay;
+    std::chrono::nanoseconds expected;
+  };
+  const auto longest = NSDelay::longest;
+  for (const Row& row : {Row{0, 0ns},
+                         {1.5, 1500ms},
+                         {1e-10, 1ns},
+                         {-1, 0ns},
+                         {-0.0, 0ns},
+                         {std::nan(""), 0ns},
+                         {INFINITY, longest},
+                         {-INFINITY, 0ns},
+                         {1e300, longest},
+                         {250ms, 250ms},
+                         {-5s, 0ns},
+                         {123'456'789'012'345'678ns, 123'456'789'012'345'678ns},
+                         {std::chrono::hours(24 * 365 * 1000), longest},
+                         {std::chrono::nanoseconds::max(), longest},
+                         {std::chrono::duration<double, std::milli>(0.25), 250us}}) {
+    EXPECT_EQ(row.delay.duration(), row.expected);
+  }
+}
+
+TEST(NSDate, IsAPointInTime) {
+  const auto epoch = NSMake<NSDate>(std::chrono::system_clock::time_point());
+  EXPECT_EQ(epoch->timeIntervalSinceReferenceDate(), -978'307'200);
+  EXPECT_EQ(epoch->description()->utf8(), "1970-01-01 00:00:00 +0000");
+  EXPECT_EQ(NSMake<NSDate>(0.75)->description()->utf8(), "2001-01-01 00:00:00 +0000");
+  EXPECT_EQ(NSDate::distantPast()->description()->utf8(), "0001-01-01 00:00:00 +0000");
+  EXPECT_EQ(NSDate::distantFuture()->description()->utf8(), "4001-01-01 00:00:00 +0000");
+  EXPECT_EQ(NSMake<NSDate>(1e300)->isEqual(NSMake<NSDate>(1e300)), true);
+  EXPECT_EQ(epoch->compare(NSMake<NSDate>()), NSOrderedAscending);
+  EXPECT_EQ(NSDate::distantFuture()->compare(epoch), NSOrderedDescending);
+  EXPECT_EQ(epoch->copy()->hash(), epoch->hash());
+  EXPECT_LT(epoch->timeIntervalSinceNow(), 0);
+  EXPECT_GT(NSDate::dateWithTimeIntervalSinceNow(1000)->timeIntervalSinceNow(), 0);
+}
+
+}  // namespace
