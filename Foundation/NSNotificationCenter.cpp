@@ -21,8 +21,9 @@ class NSNotificationCenter::Observer final : public NSObject {
 
   void notify(const NSRef<NSNotification>& notification) const {
     if (!_queue) return call(notification);
-    _queue->addOperationWithBlock(
-        [observer = share(this), notification] { observer->call(notification); });
+    _queue->addOperationWithBlock([observer = share(this), notification = NSRef(notification)] {
+      observer->call(notification);
+    });
   }
 
  private:

@@ -32,13 +32,16 @@ struct Queued : NSChainLink<Queued, ByName>,
   Line::iterator self;
 };
 
-NSUInteger hashOfName(const NSNotification& notification) { return notification.name()->hash(); }
-NSUInteger hashOfSender(const NSNotification& notification) {
-  return std::hash<NSRef<NSObject>>()(notification.object());
-}
-NSUInteger hashOfBoth(const NSNotification& notification) {
-  return hashOfName(notification) * 31 + hashOfSender(notification);
-}
+// What a notification is found by.
+struct Hashes {
+  explicit Hashes(const NSNotification& notification)
+      : name(notification.name()->hash()),
+        sender(std::hash<NSRef<NSObject>>()(notification.object())),
+        both(name * 31 + sender) {}
+  NSUInteger name;
+  NSUInteger sender;
+  NSUInteger both;
+};
 
 bool isSame(const NSNotification& a, const NSNotification& b, std::uint32_t mask) {
   const bool minds = (mask & NSNotificationCoalescingOnName) != 0;
@@ -52,12 +55,12 @@ bool isSame(const NSNotification& a, const NSNotification& b, std::uint32_t mask
 struct NSNotificationQueue::Core {
   explicit Core(NSRunLoop& loop) : runLoop(&loop) {}
 
-  void add(const NSRef<NSNotification>& notification, Line& line) {
+  void add(const NSRef<NSNotification>& notification, const Hashes& hashes, Line& line) {
     Queued& queued = line.emplace_back(notification, nextTurn++, line);
     queued.self = std::prev(line.end());
-    names.add(queued, hashOfName(*notification));
-    senders.add(queued, hashOfSender(*notification));
-    both.add(queued, hashOfBoth(*notification));
+    names.add(queued, hashes.name);
+    senders.add(queued, hashes.sender);
+    both.add(queued, hashes.both);
   }
 
   // What goes dies with the result, when all is in order again.
@@ -68,7 +71,7 @@ struct NSNotificationQueue::Core {
     taken.splice(taken.end(), *queued.line, queued.self);
   }
 
-  void removeSame(const NSNotification& notification, std::uint32_t mask) {
+  void removeSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask) {
     Line removed;
     const auto remove = [&](Queued& queued) {
       if (isSame(*queued.notification, notification, mask)) take(queued, removed);
@@ -77,11 +80,11 @@ struct NSNotificationQueue::Core {
       case NSNotificationNoCoalescing:
         return;
       case NSNotificationCoalescingOnName:
-        return names.forEach(hashOfName(notification), remove);
+        return names.forEach(hashes.name, remove);
       case NSNotificationCoalescingOnSender:
-        return senders.forEach(hashOfSender(notification), remove);
+        return senders.forEach(hashes.sender, remove);
       default:
-        return both.forEach(hashOfBoth(notification), remove);
+        return both.forEach(hashes.both, remove);
     }
   }
 
@@ -140,13 +143,14 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
                            std::to_string(static_cast<NSInteger>(postingStyle)) + " (in '" +
                            operation + "')");
   }
-  _core->removeSame(*notification, coalesceMask);
+  const Hashes hashes(*notification);
+  _core->removeSame(*notification, hashes, coalesceMask);
   if (postingStyle == NSPostNow) {
     NSNotificationCenter::defaultCenter()->postNotification(notification);
   } else if (_core->runLoop != nullptr) {
     const bool hasModes = modes && modes->count() > 0;
     auto& groups = postingStyle == NSPostASAP ? _core->soon : _core->idle;
-    _core->add(notification, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
+    _core->add(notification, hashes, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
     _core->runLoop->signal();
   }
 }
@@ -156,7 +160,7 @@ void NSNotificationQueue::dequeueNotificationsMatching_coalesceMask(
   if (!notification) {
     NSRaiseNilArgument("notification", "dequeueNotificationsMatching:coalesceMask:");
   }
-  _core->removeSame(*notification, coalesceMask);
+  _core->removeSame(*notification, Hashes(*notification), coalesceMask);
 }
 
 bool NSNotificationQueue::hasSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes) {

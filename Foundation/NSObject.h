@@ -59,10 +59,10 @@ class NS_EXPORT NSObject {
   /// A copy that may be changed; classes without one raise `NSInvalidArgumentException`.
   virtual NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const;
 
-  /// Performs the selector, with the object as its argument, on the calling thread's run loop in the
-  /// default mode, after at least the delay and in a later pass. The request holds the receiver and
-  /// the argument until it has run or been cancelled. Requests run in the order of their times, and
-  /// of their making when these are equal.
+  /// Performs the selector, with the object as its argument, on the calling thread's run loop in
+  /// the default mode, after at least the delay and in a later pass. The request holds the receiver
+  /// and the argument until it has run or been cancelled. Requests run in the order of their times,
+  /// and of their making when these are equal.
   void performSelector_withObject_afterDelay(NSSelector aSelector, const NSRef<NSObject>& object,
                                              NSDelay delay);
   /// The same in those modes; with nil or no modes nothing is scheduled.

@@ -10,13 +10,15 @@
 namespace {
 
 // Nil modes are the common ones.
-void perform(const NSRef<NSObject>& receiver, NSSelector selector, const NSRef<NSThread>& thread,
+void perform(NSRef<NSObject> receiver, NSSelector selector, const NSRef<NSThread>& thread,
              const NSRef<NSObject>& object, bool wait, const NSRef<NSArray>& modes) {
   if (!thread) {
     NSRaiseNilArgument("thread", "performSelector:onThread:withObject:waitUntilDone:");
   }
   if (wait && thread == NSThread::currentThread()) return selector.perform(receiver, object);
-  NSWork work([=] { selector.perform(receiver, object); });
+  NSWork work([target = std::move(receiver), selector, argument = NSRef(object)] {
+    selector.perform(target, argument);
+  });
   const auto runLoop = thread->runLoop();
   if (wait) {
     runLoop->postAndWait(std::move(work), modes);

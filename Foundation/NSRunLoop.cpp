@@ -37,6 +37,13 @@ class DelayedPerform final : public NSScheduledEvent, public NSChainLink<Delayed
     _chains->remove(*this);
     _selector.perform(_target, _argument);
   }
+  /// The caller holds the request.
+  void cancel() {
+    unschedule();
+    _chains->remove(*this);
+    const auto target = std::move(_target);
+    const auto argument = std::move(_argument);
+  }
 
   bool isFor(const NSRef<NSObject>& target, NSSelector selector) const noexcept {
     return _target == target && _selector == selector;
@@ -47,9 +54,9 @@ class DelayedPerform final : public NSScheduledEvent, public NSChainLink<Delayed
 
  private:
   NSChains<DelayedPerform>* const _chains;
-  const NSRef<NSObject> _target;
+  NSRef<NSObject> _target;
   const NSSelector _selector;
-  const NSRef<NSObject> _argument;
+  NSRef<NSObject> _argument;
 };
 
 // A request from the inbox, with its turn.
@@ -109,8 +116,9 @@ struct NSRunLoop::Core {
   Groups groupsIn(const NSRef<NSString>& mode) { return waiting.in(mode, commonModes); }
 
   NSRunLoopInbox inbox;
-  // Room for what the inbox gives.
+  // Room for what the inbox gives, and for requests that may be cancelled.
   std::vector<NSRunLoopInbox::Item> spare;
+  std::vector<NSRef<DelayedPerform>> candidates;
   // Outlives the requests, which stand in it.
   NSChains<DelayedPerform> delayedPerforms;
   NSModeGroups<Waiting> waiting;
@@ -119,6 +127,7 @@ struct NSRunLoop::Core {
   std::uint64_t nextTurn = 0;
   std::function<Time()> clock;
   NSRef<NSNotificationQueue> notifications;
+  bool isHosted = false;
   bool isStopped = false;
   bool isEnded = false;
 };
@@ -159,12 +168,12 @@ NSRef<NSRunLoop> NSRunLoop::currentRunLoop() { return NSThread::currentThread()-
 
 NSRef<NSRunLoop> NSRunLoop::mainRunLoop() { return NSThread::mainThread()->runLoop(); }
 
-void NSRunLoop::post(NSWork work, const NSRef<NSArray>& modes) {
+void NSRunLoop::post(NSWork&& work, const NSRef<NSArray>& modes) {
   if (modes && modes->count() == 0) return;
   _core->inbox.post({std::move(work), modes ? modes->copy() : nullptr});
 }
 
-void NSRunLoop::postAndWait(NSWork work, const NSRef<NSArray>& modes) {
+void NSRunLoop::postAndWait(NSWork&& work, const NSRef<NSArray>& modes) {
   struct Wake {
     void operator()(NSWaiter* waiter) const { waiter->wake(); }
   };
@@ -198,16 +207,15 @@ void NSRunLoop::setClock(std::function<Time()> clock) {
   _core->clock = std::move(clock);
 }
 
-void NSRunLoop::schedule(const NSRef<NSScheduledEvent>& event, const NSRef<NSArray>& modes,
-                         Time time) {
+void NSRunLoop::schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& modes, Time time) {
   if (_core->isEnded) return;
-  _core->waiting.of(modes).schedule.add(event, {time, _core->nextTurn++});
+  _core->waiting.of(modes).schedule.add(std::move(event), {time, _core->nextTurn++});
   signal();
 }
 
 // During a pass a host learns what is next from the pass.
 void NSRunLoop::signal() {
-  if (!_core->currentMode) _core->inbox.signal();
+  if (_core->isHosted && !_core->currentMode) _core->inbox.signal();
 }
 
 void NSRunLoop::schedulePerform(const NSRef<NSObject>& target, NSSelector selector,
@@ -220,14 +228,16 @@ void NSRunLoop::schedulePerform(const NSRef<NSObject>& target, NSSelector select
 void NSRunLoop::cancelPerforms(const NSRef<NSObject>& target, NSSelector selector,
                                const NSRef<NSObject>& argument) {
   // Comparing arguments and letting them go may run anything: not while the chains are walked.
-  std::vector<NSRef<DelayedPerform>> candidates;
+  auto candidates = std::move(_core->candidates);
   const auto collect = [&](DelayedPerform& request) {
     if (request.isFor(target, selector)) candidates.push_back(share(&request));
   };
   _core->delayedPerforms.forEach(DelayedPerform::hashOf(target, argument), collect);
   for (const auto& request : candidates) {
-    if (request->isScheduled() && request->takes(argument)) (void)request->unschedule();
+    if (request->isScheduled() && request->takes(argument)) request->cancel();
   }
+  candidates.clear();
+  _core->candidates = std::move(candidates);
 }
 
 const NSRef<NSNotificationQueue>& NSRunLoop::notificationQueue() {
@@ -274,7 +284,7 @@ bool NSRunLoop::postIdle(const NSRef<NSString>& mode) {
 // The time of the next timer or delayed request.
 std::optional<NSRunLoop::Time> NSRunLoop::nextTime(const NSRef<NSString>& mode) {
   std::optional<Time> next;
-  for (const Waiting* const group : _core->groupsIn(mode)) {
+  for (Waiting* const group : _core->groupsIn(mode)) {
     if (group->schedule.isEmpty()) continue;
     const Time time = group->schedule.first().time;
     if (!next || time < *next) next = time;
@@ -339,6 +349,7 @@ void NSRunLoop::stop() {
 
 int NSRunLoop::wakeUpDescriptor() {
   requireOwnThread("wakeUpDescriptor");
+  _core->isHosted = true;
   return _core->inbox.descriptor();
 }
 

@@ -63,9 +63,9 @@ class NS_EXPORT NSRunLoop : public NSObject {
   }
   /// What the two lead to; nil modes are the common ones here. Work that comes after the thread has
   /// ended is dropped.
-  void post(NSWork work, const NSRef<NSArray>& modes);
+  void post(NSWork&& work, const NSRef<NSArray>& modes);
   /// Returns when the work has run or been dropped.
-  void postAndWait(NSWork work, const NSRef<NSArray>& modes);
+  void postAndWait(NSWork&& work, const NSRef<NSArray>& modes);
 
   /// Adds a mode to the common set, which begins as the default mode alone.
   void addCommonMode(const NSRef<NSString>& mode);
@@ -105,7 +105,7 @@ class NS_EXPORT NSRunLoop : public NSObject {
   // What the platform's other classes build on.
 
   Time now() const;
-  void schedule(const NSRef<NSScheduledEvent>& event, const NSRef<NSArray>& modes, Time time);
+  void schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& modes, Time time);
   void schedulePerform(const NSRef<NSObject>& target, NSSelector selector,
                        const NSRef<NSObject>& argument, NSDelay delay, const NSRef<NSArray>& modes);
   void cancelPerforms(const NSRef<NSObject>& target, NSSelector selector,

@@ -1,5 +1,7 @@
 #include "Foundation/NSRunLoopInbox.h"
 
+#include "Foundation/NSDelay.h"
+
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -11,7 +13,7 @@ NSRunLoopInbox::~NSRunLoopInbox() {
   if (_descriptor >= 0) ::close(_descriptor);
 }
 
-void NSRunLoopInbox::post(Item item) {
+void NSRunLoopInbox::post(Item&& item) {
   std::unique_lock lock(_mutex);
   if (_isClosed) return;
   _items.push_back(std::move(item));
@@ -42,7 +44,12 @@ void NSRunLoopInbox::wait(std::chrono::nanoseconds longest) {
     _isWaiting = _items.empty();
     return !_isWaiting;
   };
-  _hasItems.wait_for(lock, longest, hasItems);
+  if (longest >= NSDelay::longest / 2) {
+    // A wait that needs no clock costs less.
+    _hasItems.wait(lock, hasItems);
+  } else {
+    _hasItems.wait_for(lock, longest, hasItems);
+  }
   _isWaiting = false;
 }
 

@@ -22,7 +22,7 @@ class NSRunLoopInbox {
   ~NSRunLoopInbox();
 
   /// Drops the item when the inbox is closed.
-  void post(Item item);
+  void post(Item&& item);
   /// Moves all items into the vector, which must be empty, and begins to wait for a signal anew.
   void takeInto(std::vector<Item>& items);
   bool isEmpty();

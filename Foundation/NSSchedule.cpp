@@ -1,57 +1,55 @@
 #include "Foundation/NSSchedule.h"
 
+#include <algorithm>
 #include <utility>
 
-NSRef<NSScheduledEvent> NSScheduledEvent::unschedule() {
-  return _schedule == nullptr ? nullptr : _schedule->take(_position);
+namespace {
+
+// The order of the heap, whose first is the earliest.
+constexpr auto isLater = [](const auto& a, const auto& b) { return b.moment < a.moment; };
+
+}  // namespace
+
+void NSScheduledEvent::unschedule() noexcept {
+  if (NSSchedule* const schedule = std::exchange(_schedule, nullptr)) schedule->vacate();
 }
 
-void NSSchedule::add(const NSRef<NSScheduledEvent>& event, Moment moment) {
-  _slots.emplace_back();
+void NSSchedule::add(NSRef<NSScheduledEvent> event, Moment moment) {
   event->_schedule = this;
-  rise(_slots.size() - 1, {moment, event});
+  event->_turn = moment.turn;
+  _slots.push_back({moment, std::move(event)});
+  std::ranges::push_heap(_slots, isLater);
 }
 
-NSRef<NSScheduledEvent> NSSchedule::take(std::size_t position) {
-  auto event = std::move(_slots[position].event);
+bool NSSchedule::isEmpty() noexcept {
+  for (; !_slots.empty() && isVacant(_slots.front()); --_vacant) pop();
+  return _slots.empty();
+}
+
+NSRef<NSScheduledEvent> NSSchedule::takeFirst() {
+  auto event = pop();
   event->_schedule = nullptr;
-  Slot last = std::move(_slots.back());
-  _slots.pop_back();
-  if (position < _slots.size()) {
-    if (position > 0 && last.moment < _slots[(position - 1) / 2].moment) {
-      rise(position, std::move(last));
-    } else {
-      sink(position, std::move(last));
-    }
-  }
+  // The next one is likely to be asked for, and lies anywhere.
+  if (!_slots.empty()) __builtin_prefetch(_slots.front().event.get());
   return event;
 }
 
-void NSSchedule::place(std::size_t position, Slot slot) {
-  slot.event.get()->_position = position;
-  _slots[position] = std::move(slot);
+// Its event may have come back, here or elsewhere, with another turn.
+bool NSSchedule::isVacant(const Slot& slot) const noexcept {
+  const auto& event = *slot.event.get();
+  return event._schedule != this || event._turn != slot.moment.turn;
 }
 
-// The place is free, and the slot may belong further up.
-void NSSchedule::rise(std::size_t position, Slot slot) {
-  while (position > 0) {
-    const std::size_t parent = (position - 1) / 2;
-    if (_slots[parent].moment <= slot.moment) break;
-    place(position, std::move(_slots[parent]));
-    position = parent;
-  }
-  place(position, std::move(slot));
+NSRef<NSScheduledEvent> NSSchedule::pop() noexcept {
+  std::ranges::pop_heap(_slots, isLater);
+  auto event = std::move(_slots.back().event);
+  _slots.pop_back();
+  return event;
 }
 
-// The place is free, and the slot may belong further down.
-void NSSchedule::sink(std::size_t position, Slot slot) {
-  for (;;) {
-    std::size_t child = 2 * position + 1;
-    if (child >= _slots.size()) break;
-    if (child + 1 < _slots.size() && _slots[child + 1].moment < _slots[child].moment) ++child;
-    if (slot.moment <= _slots[child].moment) break;
-    place(position, std::move(_slots[child]));
-    position = child;
-  }
-  place(position, std::move(slot));
+void NSSchedule::vacate() noexcept {
+  if (4 * ++_vacant <= 3 * _slots.size()) return;
+  std::erase_if(_slots, [this](const Slot& slot) { return isVacant(slot); });
+  std::ranges::make_heap(_slots, isLater);
+  _vacant = 0;
 }

@@ -15,17 +15,18 @@ class NSScheduledEvent : public NSObject {
   virtual void happen() noexcept = 0;
 
   bool isScheduled() const noexcept { return _schedule != nullptr; }
-  /// Takes it out of its schedule; the result may be the last reference.
-  NSRef<NSScheduledEvent> unschedule();
+  /// Takes it out of its schedule, which may go on to hold the mere object for a while. So the
+  /// caller holds it too, and lets what it holds go afterwards.
+  void unschedule() noexcept;
 
  private:
   friend class NSSchedule;
 
   NSSchedule* _schedule = nullptr;
-  std::size_t _position = 0;
+  std::uint64_t _turn = 0;
 };
 
-/// Events in the order of their times. Each knows its place, so that any of them can go at once.
+/// Events in the order of their times.
 class NSSchedule {
  public:
   using Time = std::chrono::steady_clock::time_point;
@@ -36,26 +37,30 @@ class NSSchedule {
     friend auto operator<=>(const Moment&, const Moment&) = default;
   };
 
-  bool isEmpty() const noexcept { return _slots.empty(); }
-  /// The first of all; there must be one.
+  NSSchedule() = default;
+  NSSchedule(const NSSchedule&) = delete;
+
+  bool isEmpty() noexcept;
+  /// The first of all; the schedule must have been asked whether there is one.
   Moment first() const noexcept { return _slots.front().moment; }
 
   /// The event must not be scheduled.
-  void add(const NSRef<NSScheduledEvent>& event, Moment moment);
-  NSRef<NSScheduledEvent> takeFirst() { return take(0); }
-  NSRef<NSScheduledEvent> take(std::size_t position);
-  Time timeAt(std::size_t position) const noexcept { return _slots[position].moment.time; }
+  void add(NSRef<NSScheduledEvent> event, Moment moment);
+  NSRef<NSScheduledEvent> takeFirst();
 
  private:
+  friend class NSScheduledEvent;
+
   struct Slot {
     Moment moment;
     NSRef<NSScheduledEvent> event;
   };
 
-  // A binary heap.
-  void place(std::size_t position, Slot slot);
-  void rise(std::size_t position, Slot slot);
-  void sink(std::size_t position, Slot slot);
+  bool isVacant(const Slot& slot) const noexcept;
+  NSRef<NSScheduledEvent> pop() noexcept;
+  void vacate() noexcept;
 
+  // A heap. The slots of events that have left it stay, though never more than three quarters.
   std::vector<Slot> _slots;
+  std::size_t _vacant = 0;
 };

@@ -47,7 +47,9 @@ struct NSThread::Adopted {
 
 NSThread::NSThread(const NSRef<NSObject>& target, NSSelector selector,
                    const NSRef<NSObject>& argument)
-    : NSThread([=] { selector.perform(target, argument); }) {}
+    : NSThread([target = NSRef(target), selector, argument = NSRef(argument)] {
+        selector.perform(target, argument);
+      }) {}
 
 NSThread::~NSThread() {
   const auto runLoop = NSRef<NSRunLoop>::adopt(_runLoop);

@@ -18,28 +18,40 @@ class NSTimer::Event final : public NSScheduledEvent {
     _timer->_event = this;
   }
   Event(const Event&) = delete;
-  ~Event() override { _timer.get()->_event = nullptr; }
+  ~Event() override { leave(); }
 
   bool isOf(const NSRunLoop& runLoop) const noexcept { return _runLoop == &runLoop; }
 
   void addMode(const NSRef<NSString>& mode) {
-    const auto alive = unschedule();
     if (!_modes->containsObject(mode)) _modes->addObject(mode);
     // While it fires, it is scheduled afterwards.
-    if (alive || !_isFiring) _runLoop->schedule(share(this), _modes, _time);
+    if (_isFiring) return;
+    const auto alive = share(this);
+    unschedule();
+    _runLoop->schedule(alive, _modes, _time);
+  }
+
+  /// The caller holds the event.
+  void cancel() {
+    unschedule();
+    leave();
   }
 
   void happen() noexcept override {
     _isFiring = true;
     _timer->fire();
     _isFiring = false;
-    if (!_timer->isValid()) return;
+    if (!_timer) return;
     const auto interval = _timer->_interval;
     _time += ((_runLoop->now() - _time) / interval + 1) * interval;
     _runLoop->schedule(share(this), _modes, _time);
   }
 
  private:
+  void leave() noexcept {
+    if (_timer) std::exchange(_timer, nullptr).get()->_event = nullptr;
+  }
+
   NSRunLoop* _runLoop;
   NSRef<NSTimer> _timer;
   NSRef<NSMutableArray> _modes = NSMake<NSMutableArray>();
@@ -61,7 +73,7 @@ void NSTimer::fire() {
 
 void NSTimer::invalidate() {
   const auto block = std::move(_block);
-  if (_event != nullptr) (void)_event->unschedule();
+  if (const auto event = share(_event)) event->cancel();
 }
 
 NSTimeInterval NSTimer::timeInterval() const noexcept {

@@ -1,14 +1,9 @@
+#include "benchmarks/HandWritten.h"
 #include "benchmarks/Support.h"
 
 #include <atomic>
-#include <condition_variable>
-#include <deque>
-#include <functional>
 #include <latch>
 #include <memory>
-#include <mutex>
-#include <thread>
-#include <vector>
 
 #include <ZKFoundation/ZKFoundation.h>
 
@@ -24,50 +19,6 @@
 namespace {
 
 constexpr std::size_t blockCount = 1'000'000;
-
-// What an expert writes by hand: blocks in a queue under a lock, and threads that take them.
-class HandWritten {
- public:
-  explicit HandWritten(unsigned threads) {
-    for (unsigned k = 0; k < threads; ++k) _threads.emplace_back([this] { run(); });
-  }
-  HandWritten(const HandWritten&) = delete;
-  ~HandWritten() {
-    {
-      const std::lock_guard lock(_mutex);
-      _isEnded = true;
-    }
-    _changed.notify_all();
-  }
-
-  void post(std::function<void()> block) {
-    {
-      const std::lock_guard lock(_mutex);
-      _blocks.push_back(std::move(block));
-    }
-    _changed.notify_one();
-  }
-
- private:
-  void run() {
-    std::unique_lock lock(_mutex);
-    for (;;) {
-      _changed.wait(lock, [this] { return _isEnded || !_blocks.empty(); });
-      if (_blocks.empty()) return;
-      const auto block = std::move(_blocks.front());
-      _blocks.pop_front();
-      lock.unlock();
-      block();
-      lock.lock();
-    }
-  }
-
-  std::mutex _mutex;
-  std::condition_variable _changed;
-  std::deque<std::function<void()>> _blocks;
-  bool _isEnded = false;
-  std::vector<std::jthread> _threads;
-};
 
 // Posts tiny blocks and waits for the last to have run; the answer is how many have. On a serial
 // queue only one counts at a time, yet all count in the same way.

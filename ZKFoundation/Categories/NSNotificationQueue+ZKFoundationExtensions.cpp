@@ -9,10 +9,11 @@ namespace ZKFoundationExtensions {
 
 void enqueueNotificationInMainThread_postingStyle(const NSRef<NSNotification>& notification,
                                                   NSUInteger postingStyle) {
-  NSOperationQueue::mainQueue()->addOperationWithBlock([=] {
-    NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(notification,
-                                                                          postingStyle);
-  });
+  NSOperationQueue::mainQueue()->addOperationWithBlock(
+      [notification = NSRef(notification), postingStyle] {
+        NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(notification,
+                                                                              postingStyle);
+      });
 }
 
 void _mainThreadEnqueue(const NSRef<NSArray>& pair) {
