@@ -2,6 +2,7 @@
 #include "examples/workbench/Folder.h"
 #include "examples/workbench/FormatReport.h"
 #include "examples/workbench/NameReport.h"
+#include "examples/workbench/Reading.h"
 #include "examples/workbench/SavedReport.h"
 #include "examples/workbench/Shelf.h"
 #include "examples/workbench/Table.h"
@@ -12,7 +13,6 @@
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <unistd.h>
@@ -23,33 +23,6 @@ namespace fs = std::filesystem;
 using namespace ZKFoundationExtensions;
 
 namespace {
-
-// What tools keep for themselves and what builds produce is not the user's text.
-bool isLeftOut(const fs::path& path) {
-  const std::string name = path.filename().string();
-  return name.starts_with('.') || name == "build" || name == "node_modules";
-}
-
-std::vector<fs::path> filesBelow(const fs::path& directory) {
-  std::vector<fs::path> files;
-  fs::recursive_directory_iterator walk(directory, fs::directory_options::skip_permission_denied);
-  for (auto entry = fs::begin(walk); entry != fs::end(walk); ++entry) {
-    if (isLeftOut(entry->path())) {
-      entry.disable_recursion_pending();
-    } else if (entry->is_regular_file()) {
-      files.push_back(entry->path());
-    }
-  }
-  std::ranges::sort(files);
-  return files;
-}
-
-// A line that is written over on a terminal, and nothing elsewhere.
-void showProgress(std::size_t done, std::size_t total) {
-  if (isatty(STDERR_FILENO) == 0) return;
-  std::cerr << "\rreading " << done << " of " << total << (done == total ? "\r\033[K" : "")
-            << std::flush;
-}
 
 NSRef<NSString> valuesText(const std::vector<NSRef<NSString>>& words) {
   constexpr std::size_t shown = 2;
@@ -65,17 +38,6 @@ NSRef<NSString> valuesText(const std::vector<NSRef<NSString>>& words) {
                   {u"and "_ns, NSMake<NSNumber>(words.size() - shown)->stringValue(), u" more"_ns});
   }
   return text;
-}
-
-std::vector<NSRef<Document>> readDocuments(const fs::path& directory) {
-  std::vector<NSRef<Document>> documents;
-  const auto files = filesBelow(directory);
-  for (std::size_t k = 0; k < files.size(); ++k) {
-    const auto name = NSMake<NSString>(fs::relative(files[k], directory).native());
-    if (auto document = Document::read(files[k], name)) documents.push_back(std::move(document));
-    showProgress(k + 1, files.size());
-  }
-  return documents;
 }
 
 void printDocuments(std::ostream& out, const std::vector<NSRef<Document>>& documents,
