@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <compare>
 #include <cstdint>
 #include <vector>
 
@@ -34,7 +33,9 @@ class NSSchedule {
   struct Moment {
     Time time;
     std::uint64_t turn = 0;
-    friend auto operator<=>(const Moment&, const Moment&) = default;
+    friend bool operator<(const Moment& a, const Moment& b) noexcept {
+      return a.time == b.time ? a.turn < b.turn : a.time < b.time;
+    }
   };
 
   NSSchedule() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -46,8 +47,9 @@ NS_EXPORT NSRef<NSString> NSStringFromSelector(NSSelector aSelector);
 /// The name of a selector as a template argument.
 template <std::size_t size>
 struct NSSelectorName {
-  constexpr NSSelectorName(const char (&name)[size]) { std::copy_n(name, size, text); }
-  char text[size]{};
+  // NOLINTNEXTLINE(modernize-avoid-c-arrays): a literal is one.
+  constexpr NSSelectorName(const char (&name)[size]) { std::copy_n(name, size, text.begin()); }
+  std::array<char, size> text{};
 };
 
 /// Performs an operation with objects whose classes are found at run time.
@@ -56,7 +58,7 @@ struct NSSelectorTrampoline {
   static void perform(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument) {
     call(operation, receiver, argument);
   }
-  static constexpr NSSelector::Definition definition{name.text, perform};
+  static constexpr NSSelector::Definition definition{name.text.data(), perform};
 
  private:
   using Object = const NSRef<NSObject>&;
@@ -64,13 +66,13 @@ struct NSSelectorTrampoline {
   template <class T>
   static T& receiverAs(Object receiver) {
     T* const target = receiver.template cast<T>();
-    if (target == nullptr) NSRaiseUnknownSelector(name.text, receiver);
+    if (target == nullptr) NSRaiseUnknownSelector(name.text.data(), receiver);
     return *target;
   }
   template <class T>
   static NSRef<T> argumentAs(Object argument) {
     auto typed = argument.template as<T>();
-    if (argument && !typed) NSRaiseWrongArgument(name.text, argument);
+    if (argument && !typed) NSRaiseWrongArgument(name.text.data(), argument);
     return typed;
   }
 

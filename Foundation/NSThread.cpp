@@ -22,10 +22,12 @@ struct NSThread::Current {
     return current;
   }
   void enter(const NSRef<NSThread>& self) {
-    thread = NSRef<NSThread>(self).leak();
-    thread->_state = State::executing;
+    self->_state = State::executing;
+    self->retain();
+    thread = self.get();
   }
   void leave() {
+    if (thread == nullptr) return;
     thread->finish();
     isGone = true;
     (void)NSRef<NSThread>::adopt(std::exchange(thread, nullptr));

@@ -256,7 +256,7 @@ TEST(NSNotificationQueue, TakesThemFromEveryThread) {
     }
   }
   EXPECT_EQ(lasts, std::vector(threads, each - 1));
-  EXPECT_EQ(separate, std::size_t{threads * each});
+  EXPECT_EQ(separate, std::size_t{threads} * each);
 }
 
 TEST(NSNotificationQueue, EnqueuesOnTheMainThreadLater) {
