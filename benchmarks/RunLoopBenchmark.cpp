@@ -383,6 +383,7 @@ void addNotifications() {
     std::shared_ptr<void> object;
   };
   std::vector<std::string> texts;
+  texts.reserve(names.size());
   for (const auto& name : names) texts.push_back(name->utf8());
   addRow("Notifications/Coalesced/Std",
          [=] {
