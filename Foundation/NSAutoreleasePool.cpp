@@ -5,13 +5,19 @@
 
 namespace {
 
+// Whether the thread has come to an end at which nothing can be kept for it any more.
+thread_local bool isGone = false;
+
 // Every pool is the part of its thread's stack from where it began.
 class ObjectStack {
  public:
   ObjectStack() = default;
   ObjectStack(const ObjectStack&) = delete;
   ObjectStack& operator=(const ObjectStack&) = delete;
-  ~ObjectStack() { releaseFrom(0); }
+  ~ObjectStack() {
+    releaseFrom(0);
+    isGone = true;
+  }
 
   std::size_t size() const { return _objects.size(); }
   void push(const NSRef<NSObject>& object) { _objects.push_back(object); }
@@ -32,10 +38,18 @@ thread_local ObjectStack objectStack;
 
 }  // namespace
 
-NSAutoreleasePool::NSAutoreleasePool() noexcept : _start(objectStack.size()) {}
+NSAutoreleasePool::NSAutoreleasePool() noexcept : _start(isGone ? 0 : objectStack.size()) {}
 
-NSAutoreleasePool::~NSAutoreleasePool() { objectStack.releaseFrom(_start); }
+NSAutoreleasePool::~NSAutoreleasePool() {
+  if (!isGone) objectStack.releaseFrom(_start);
+}
 
 void NSAutoreleasePool::addObject(const NSRef<NSObject>& object) {
-  if (object) objectStack.push(object);
+  if (!object) return;
+  if (isGone) {
+    // There is no later moment: it stays.
+    (void)NSRef(object).leak();
+  } else {
+    objectStack.push(object);
+  }
 }

@@ -20,7 +20,8 @@ class NS_EXPORT NSAutoreleasePool {
   NSAutoreleasePool& operator=(const NSAutoreleasePool&) = delete;
 
   /// Keeps the object until the calling thread's innermost pool ends; without a pool, until the
-  /// thread does. Nil is nothing to keep.
+  /// thread does; in the destructors of what dies last with a thread, for ever. Nil is nothing to
+  /// keep.
   static void addObject(const NSRef<NSObject>& object);
 
  private:

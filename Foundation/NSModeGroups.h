@@ -11,6 +11,9 @@
 /// The default mode alone.
 const NSRef<NSArray>& NSDefaultRunLoopModes();
 
+/// The same modes, which nobody else can change.
+NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes);
+
 /// A set of few modes.
 class NSModeSet {
  public:
@@ -41,7 +44,7 @@ class NSModeGroups {
     for (Group& group : _groups) {
       if (group.modes == modes || group.modes->isEqualToArray(modes)) return group.contents;
     }
-    return _groups.emplace_back(modes->copy()).contents;
+    return _groups.emplace_back(NSCopiedModes(modes)).contents;
   }
 
   /// All that may go on in a pass in that mode.
@@ -58,6 +61,12 @@ class NSModeGroups {
     return result;
   }
 
+  /// Forgets lists of modes for which nothing waits, when there are many. Not while somebody walks.
+  void tidy() {
+    if (_groups.size() < fewGroups) return;
+    _groups.remove_if([](Group& group) { return group.contents.empty(); });
+  }
+
   template <class F>
   void forEach(F function) {
     function(_common);
@@ -65,6 +74,8 @@ class NSModeGroups {
   }
 
  private:
+  static constexpr std::size_t fewGroups = 16;
+
   struct Group {
     explicit Group(NSRef<NSArray> list) : modes(std::move(list)) {}
     NSRef<NSArray> modes;

@@ -7,17 +7,23 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 
 class NSNotificationCenter::Observer final : public NSObject {
  public:
   Observer(Key key, const NSRef<NSOperationQueue>& queue, const NSRef<NSBlock>& block,
            std::uint64_t turn)
-      : _key(std::move(key)), _queue(queue), _block(block), _turn(turn) {}
+      : _key(std::move(key)), _queue(queue), _turn(turn), _block(block) {}
 
-  const Key& key() const noexcept { return _key; }
   std::uint64_t turn() const noexcept { return _turn; }
-  void remove() noexcept { _isRemoved = true; }
+  // The centre's lock guards it.
+  Key& key() noexcept { return _key; }
+
+  // A post that is going on may be about to call it.
+  void letGo() {
+    NSRef<NSBlock> block;
+    const std::lock_guard lock(_mutex);
+    block = std::exchange(_block, nullptr);
+  }
 
   void notify(const NSRef<NSNotification>& notification) const {
     if (!_queue) return call(notification);
@@ -28,14 +34,17 @@ class NSNotificationCenter::Observer final : public NSObject {
 
  private:
   void call(const NSRef<NSNotification>& notification) const {
-    if (!_isRemoved) _block->invoke(notification);
+    std::unique_lock lock(_mutex);
+    const auto block = _block;
+    lock.unlock();
+    if (block) block->invoke(notification);
   }
 
-  const Key _key;
+  Key _key;
   const NSRef<NSOperationQueue> _queue;
-  const NSRef<NSBlock> _block;
   const std::uint64_t _turn;
-  std::atomic<bool> _isRemoved = false;
+  mutable std::mutex _mutex;
+  NSRef<NSBlock> _block;
 };
 
 bool NSNotificationCenter::Key::operator==(const Key& other) const {
@@ -70,16 +79,21 @@ NSRef<NSObject> NSNotificationCenter::addObserver(const NSRef<NSString>& name,
 void NSNotificationCenter::removeObserver(const NSRef<NSObject>& observer) {
   const auto token = observer.as<Observer>();
   if (!token) return;
-  const std::lock_guard lock(_mutex);
-  const auto place = _observers.find(token->key());
-  if (place == _observers.end()) return;
-  Observers& observers = place->second;
-  const auto found = std::ranges::find(observers, token);
-  if (found == observers.end()) return;
-  token->remove();
-  // The token still holds all that could die with the lock.
-  observers.erase(found);
-  if (observers.empty()) _observers.erase(place);
+  // What it held goes when the lock has.
+  Key key;
+  {
+    const std::lock_guard lock(_mutex);
+    const auto place = _observers.find(token->key());
+    if (place == _observers.end()) return;
+    Observers& observers = place->second;
+    const auto turnOf = [](const auto& other) { return other->turn(); };
+    const auto found = std::ranges::lower_bound(observers, token->turn(), {}, turnOf);
+    if (found == observers.end() || *found != token) return;
+    observers.erase(found);
+    if (observers.empty()) _observers.erase(place);
+    key = std::exchange(token->key(), {});
+  }
+  token->letGo();
 }
 
 NSNotificationCenter::Observers NSNotificationCenter::observersOf(
@@ -103,7 +117,9 @@ NSNotificationCenter::Observers NSNotificationCenter::observersOf(
 
 void NSNotificationCenter::postNotification(const NSRef<NSNotification>& notification) {
   if (!notification) NSRaiseNilArgument("notification", "postNotification:");
-  for (const auto& observer : observersOf(*notification)) observer->notify(notification);
+  // An observer may change the caller's own reference.
+  const auto held = notification;
+  for (const auto& observer : observersOf(*held)) observer->notify(held);
 }
 
 void NSNotificationCenter::postNotificationName_object(const NSRef<NSString>& name,

@@ -54,6 +54,7 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
  private:
   class Observer;
   struct Key {
+    /// Nil is any.
     NSRef<NSString> name;
     NSRef<NSObject> object;
     bool operator==(const Key& other) const;

@@ -6,6 +6,7 @@
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSString.h"
+#include "Foundation/NSWork.h"
 
 #include <array>
 #include <list>
@@ -143,14 +144,16 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
                            std::to_string(static_cast<NSInteger>(postingStyle)) + " (in '" +
                            operation + "')");
   }
-  const Hashes hashes(*notification);
-  _core->removeSame(*notification, hashes, coalesceMask);
+  // What is removed may change the caller's own reference.
+  const auto held = notification;
+  const Hashes hashes(*held);
+  _core->removeSame(*held, hashes, coalesceMask);
   if (postingStyle == NSPostNow) {
-    NSNotificationCenter::defaultCenter()->postNotification(notification);
+    NSNotificationCenter::defaultCenter()->postNotification(held);
   } else if (_core->runLoop != nullptr) {
     const bool hasModes = modes && modes->count() > 0;
     auto& groups = postingStyle == NSPostASAP ? _core->soon : _core->idle;
-    _core->add(notification, hashes, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
+    _core->add(held, hashes, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
     _core->runLoop->signal();
   }
 }
@@ -172,12 +175,19 @@ bool NSNotificationQueue::hasSoon(const NSRef<NSString>& mode, const NSModeSet& 
 
 void NSNotificationQueue::postSoon(const NSRef<NSString>& mode,
                                    const NSModeSet& commonModes) noexcept {
-  _core->post(_core->soon.in(mode, commonModes));
+  NSCallOrTerminate([&] { _core->post(_core->soon.in(mode, commonModes)); });
 }
 
 bool NSNotificationQueue::postIdle(const NSRef<NSString>& mode,
                                    const NSModeSet& commonModes) noexcept {
-  return _core->post(_core->idle.in(mode, commonModes));
+  bool hasPosted = false;
+  NSCallOrTerminate([&] { hasPosted = _core->post(_core->idle.in(mode, commonModes)); });
+  return hasPosted;
+}
+
+void NSNotificationQueue::tidy() {
+  _core->soon.tidy();
+  _core->idle.tidy();
 }
 
 void NSNotificationQueue::close() {

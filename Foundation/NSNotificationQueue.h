@@ -64,6 +64,7 @@ class NS_EXPORT NSNotificationQueue : public NSObject {
   void postSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes) noexcept;
   /// Whether there were any.
   bool postIdle(const NSRef<NSString>& mode, const NSModeSet& commonModes) noexcept;
+  void tidy();
   void close();
 
  private:

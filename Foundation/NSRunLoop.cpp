@@ -14,33 +14,68 @@
 #include "Foundation/NSWaiter.h"
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 
 namespace {
 
-// A delayed request. It stands in the run loop's schedule and, to be cancelled, in its chains.
-class DelayedPerform final : public NSScheduledEvent, public NSChainLink<DelayedPerform> {
+class DelayedPerform;
+
+// Finds delayed requests by target and argument. An argument is found by its identity, whatever has
+// become of its contents, and by what its hash was when the request was made.
+struct ByIdentity {};
+struct ByContents {};
+class DelayedPerforms {
  public:
-  DelayedPerform(NSChains<DelayedPerform>& chains, const NSRef<NSObject>& target,
-                 NSSelector selector, const NSRef<NSObject>& argument)
-      : _chains(&chains), _target(target), _selector(selector), _argument(argument) {
-    chains.add(*this, hashOf(target, argument));
+  struct Hashes {
+    Hashes(const NSRef<NSObject>& target, NSSelector selector, const NSRef<NSObject>& argument)
+        : Hashes(hash(target) * 31 + std::hash<std::string_view>()(selector.name()), argument) {}
+    Hashes(NSUInteger operation, const NSRef<NSObject>& argument)
+        : identity(operation * 31 + hash(argument)),
+          contents(operation * 31 + NSHashObject()(argument)) {}
+    static NSUInteger hash(const NSRef<NSObject>& object) noexcept {
+      return std::hash<NSRef<NSObject>>()(object);
+    }
+
+    NSUInteger identity;
+    NSUInteger contents;
+  };
+
+  void add(DelayedPerform& request, Hashes hashes);
+  void remove(DelayedPerform& request) noexcept;
+  // Each that may be meant, twice perhaps.
+  template <class F>
+  void forEach(Hashes hashes, F function) const {
+    _byIdentity.forEach(hashes.identity, function);
+    _byContents.forEach(hashes.contents, function);
+  }
+
+ private:
+  NSChains<DelayedPerform, ByIdentity> _byIdentity;
+  NSChains<DelayedPerform, ByContents> _byContents;
+};
+
+// A delayed request. It stands in the run loop's schedule and, to be cancelled, in its chains.
+class DelayedPerform final : public NSScheduledEvent,
+                             public NSChainLink<DelayedPerform, ByIdentity>,
+                             public NSChainLink<DelayedPerform, ByContents> {
+ public:
+  DelayedPerform(DelayedPerforms& others, const NSRef<NSObject>& target, NSSelector selector,
+                 const NSRef<NSObject>& argument)
+      : _others(&others), _target(target), _selector(selector), _argument(argument) {
+    others.add(*this, {target, selector, argument});
   }
   DelayedPerform(const DelayedPerform&) = delete;
-  ~DelayedPerform() override { _chains->remove(*this); }
-
-  static NSUInteger hashOf(const NSRef<NSObject>& target, const NSRef<NSObject>& argument) {
-    return std::hash<NSRef<NSObject>>()(target) * 31 + NSHashObject()(argument);
-  }
+  ~DelayedPerform() override { _others->remove(*this); }
 
   void happen() noexcept override {
-    _chains->remove(*this);
-    _selector.perform(_target, _argument);
+    _others->remove(*this);
+    NSCallOrTerminate([this] { _selector.perform(_target, _argument); });
   }
   /// The caller holds the request.
   void cancel() {
     unschedule();
-    _chains->remove(*this);
+    _others->remove(*this);
     const auto target = std::move(_target);
     const auto argument = std::move(_argument);
   }
@@ -49,15 +84,28 @@ class DelayedPerform final : public NSScheduledEvent, public NSChainLink<Delayed
     return _target == target && _selector == selector;
   }
   bool takes(const NSRef<NSObject>& argument) const {
-    return NSEqualObjects()(_argument, argument);
+    // Comparing may cancel the request.
+    const auto held = _argument;
+    return NSEqualObjects()(held, argument);
   }
 
  private:
-  NSChains<DelayedPerform>* const _chains;
+  DelayedPerforms* const _others;
   NSRef<NSObject> _target;
   const NSSelector _selector;
   NSRef<NSObject> _argument;
 };
+
+void DelayedPerforms::add(DelayedPerform& request, Hashes hashes) {
+  _byIdentity.add(request, hashes.identity);
+  // Blocks, for one, are their own contents.
+  if (hashes.contents != hashes.identity) _byContents.add(request, hashes.contents);
+}
+
+void DelayedPerforms::remove(DelayedPerform& request) noexcept {
+  _byIdentity.remove(request);
+  _byContents.remove(request);
+}
 
 // A request from the inbox, with its turn.
 struct Request {
@@ -67,6 +115,8 @@ struct Request {
 
 // What waits for one list of modes.
 struct Waiting {
+  bool empty() noexcept { return requests.empty() && schedule.isEmpty(); }
+
   NSSchedule schedule;
   std::deque<Request> requests;
 };
@@ -106,6 +156,9 @@ bool performRequests(const Groups& groups, std::uint64_t limit) {
   }
 }
 
+// What a burst has needed beyond is given back.
+constexpr std::size_t largestSpare = 10'000;
+
 bool isCommonModes(const NSRef<NSString>& mode) {
   return mode->isEqualToString(NSRunLoopCommonModes());
 }
@@ -114,35 +167,65 @@ bool isCommonModes(const NSRef<NSString>& mode) {
 
 struct NSRunLoop::Core {
   Groups groupsIn(const NSRef<NSString>& mode) { return waiting.in(mode, commonModes); }
+  // Between passes, when nobody walks over the groups.
+  void tidy() {
+    waiting.tidy();
+    if (notifications) notifications->tidy();
+  }
 
   NSRunLoopInbox inbox;
   // Room for what the inbox gives, and for requests that may be cancelled.
   std::vector<NSRunLoopInbox::Item> spare;
   std::vector<NSRef<DelayedPerform>> candidates;
   // Outlives the requests, which stand in it.
-  NSChains<DelayedPerform> delayedPerforms;
+  DelayedPerforms delayedPerforms;
   NSModeGroups<Waiting> waiting;
   NSModeSet commonModes{NSDefaultRunLoopMode()};
   NSRef<NSString> currentMode;
   std::uint64_t nextTurn = 0;
   std::function<Time()> clock;
   NSRef<NSNotificationQueue> notifications;
+  Run* run = nullptr;
   bool isHosted = false;
-  bool isStopped = false;
-  bool isEnded = false;
+  std::atomic<bool> isEnded = false;
 };
 
-// The mode of a pass or a run, which may lie within another one.
-class NSRunLoop::Running {
+// The mode of some passes, which may lie within another one.
+class NSRunLoop::Mode {
  public:
-  Running(Core& core, const NSRef<NSString>& mode)
+  Mode(Core& core, const NSRef<NSString>& mode)
       : _core(&core), _former(std::exchange(core.currentMode, mode)) {}
-  Running(const Running&) = delete;
-  ~Running() { _core->currentMode = std::move(_former); }
+  Mode(const Mode&) = delete;
+  ~Mode() {
+    _core->currentMode = std::move(_former);
+    if (!_core->currentMode) _core->tidy();
+  }
 
  private:
   Core* _core;
   NSRef<NSString> _former;
+};
+
+// A run, which may lie within another one and is stopped by itself.
+class NSRunLoop::Run {
+ public:
+  explicit Run(NSRunLoop& runLoop) : _runLoop(&runLoop) {
+    _former = std::exchange(runLoop._core->run, this);
+  }
+  Run(const Run&) = delete;
+  ~Run() {
+    _runLoop->_core->run = _former;
+    // What it found and left is news to a host.
+    _runLoop->signal();
+  }
+
+  void stop() noexcept { _isStopped = true; }
+  bool isStopped() const noexcept { return _isStopped; }
+
+ private:
+  NSRunLoop* _runLoop;
+  Run* _former = nullptr;
+  bool _isStopped = false;
 };
 
 const NSRef<NSString>& NSDefaultRunLoopMode() {
@@ -155,6 +238,12 @@ const NSRef<NSString>& NSRunLoopCommonModes() {
   return *modes;
 }
 
+NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes) {
+  auto copies = NSMake<NSMutableArray>();
+  for (const auto& mode : modes->objects()) copies->addObject(mode->copy());
+  return copies;
+}
+
 const NSRef<NSArray>& NSDefaultRunLoopModes() {
   static const NSNeverDestroyed<NSRef<NSArray>> modes(NSMake<NSArray>({NSDefaultRunLoopMode()}));
   return *modes;
@@ -162,7 +251,7 @@ const NSRef<NSArray>& NSDefaultRunLoopModes() {
 
 NSRunLoop::NSRunLoop() : _core(std::make_unique<Core>()) {}
 
-NSRunLoop::~NSRunLoop() = default;
+NSRunLoop::~NSRunLoop() { end(); }
 
 NSRef<NSRunLoop> NSRunLoop::currentRunLoop() { return NSThread::currentThread()->runLoop(); }
 
@@ -170,7 +259,7 @@ NSRef<NSRunLoop> NSRunLoop::mainRunLoop() { return NSThread::mainThread()->runLo
 
 void NSRunLoop::post(NSWork&& work, const NSRef<NSArray>& modes) {
   if (modes && modes->count() == 0) return;
-  _core->inbox.post({std::move(work), modes ? modes->copy() : nullptr});
+  _core->inbox.post({std::move(work), modes ? NSCopiedModes(modes) : nullptr});
 }
 
 void NSRunLoop::postAndWait(NSWork&& work, const NSRef<NSArray>& modes) {
@@ -193,7 +282,8 @@ void NSRunLoop::addCommonMode(const NSRef<NSString>& mode) {
 NSRef<NSString> NSRunLoop::currentMode() const { return _core->currentMode; }
 
 void NSRunLoop::requireOwnThread(const char* operation) const {
-  if (NSThread::currentThread()->runLoop().get() == this) return;
+  // What dies with a thread may still use its run loop, to no effect.
+  if (_core->isEnded || NSThread::currentThread()->runLoop().get() == this) return;
   NSException::raise(NSInternalInconsistencyException,
                      std::string("the run loop is another thread's (in '") + operation + "')");
 }
@@ -213,9 +303,8 @@ void NSRunLoop::schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& mo
   signal();
 }
 
-// During a pass a host learns what is next from the pass.
 void NSRunLoop::signal() {
-  if (_core->isHosted && !_core->currentMode) _core->inbox.signal();
+  if (_core->isHosted) _core->inbox.signal();
 }
 
 void NSRunLoop::schedulePerform(const NSRef<NSObject>& target, NSSelector selector,
@@ -232,16 +321,20 @@ void NSRunLoop::cancelPerforms(const NSRef<NSObject>& target, NSSelector selecto
   const auto collect = [&](DelayedPerform& request) {
     if (request.isFor(target, selector)) candidates.push_back(share(&request));
   };
-  _core->delayedPerforms.forEach(DelayedPerform::hashOf(target, argument), collect);
+  _core->delayedPerforms.forEach({target, selector, argument}, collect);
+  const auto held = argument;
   for (const auto& request : candidates) {
-    if (request->isScheduled() && request->takes(argument)) request->cancel();
+    if (request->isScheduled() && request->takes(held)) request->cancel();
   }
   candidates.clear();
   _core->candidates = std::move(candidates);
 }
 
 const NSRef<NSNotificationQueue>& NSRunLoop::notificationQueue() {
-  if (!_core->notifications) _core->notifications = NSMake<NSNotificationQueue>(*this);
+  if (!_core->notifications) {
+    _core->notifications = NSMake<NSNotificationQueue>(*this);
+    if (_core->isEnded) _core->notifications->close();
+  }
   return _core->notifications;
 }
 
@@ -253,7 +346,7 @@ void NSRunLoop::collect() {
     _core->waiting.of(item.modes).requests.push_back({std::move(item.work), _core->nextTurn++});
   }
   items.clear();
-  _core->spare = std::move(items);
+  if (items.capacity() <= largestSpare) _core->spare = std::move(items);
 }
 
 bool NSRunLoop::pass(const NSRef<NSString>& mode) {
@@ -296,9 +389,15 @@ NSRef<NSDate> NSRunLoop::limitDateForMode(const NSRef<NSString>& mode) {
   requireOwnThread("limitDateForMode:");
   if (!mode) NSRaiseNilArgument("mode", "limitDateForMode:");
   if (isCommonModes(mode) || _core->isEnded) return nullptr;
-  const Running running(*_core, mode);
-  pass(mode);
-  const auto next = nextTime(mode);
+  // What runs may change the caller's own reference.
+  const auto held = mode;
+  {
+    const Mode current(*_core, held);
+    pass(held);
+  }
+  // What it found and left is news to a host.
+  signal();
+  const auto next = nextTime(held);
   if (!next) return NSDate::distantFuture();
   return NSDate::dateWithTimeIntervalSinceNow(
       std::chrono::duration<NSTimeInterval>(*next - now()).count());
@@ -308,43 +407,53 @@ NSRunLoop::Time NSRunLoop::timeOf(const NSRef<NSDate>& date) const {
   return now() + NSDelay(date->timeIntervalSinceNow()).duration();
 }
 
-// Until a request has been performed, or that time. Whether the mode could be run in.
-bool NSRunLoop::runOnce(const NSRef<NSString>& mode, Time limit) {
+// Passes until a request has been performed, or that time. Whether the mode could be run in.
+bool NSRunLoop::runOnce(const Run& run, const NSRef<NSString>& mode, Time limit) {
   if (isCommonModes(mode) || _core->isEnded) return false;
-  const Running running(*_core, mode);
-  for (;;) {
-    if (pass(mode) || _core->isStopped) return true;
-    const Time time = now();
-    if (time >= limit) return true;
-    if (hasWork(mode) || postIdle(mode)) continue;
-    const Time next = std::min(limit, nextTime(mode).value_or(limit));
-    if (next > time) _core->inbox.wait(next - time);
+  const Mode current(*_core, mode);
+  while (!pass(mode) && !run.isStopped() && now() < limit) {
+    const auto idle = idleTime(mode);
+    if (run.isStopped()) break;
+    const auto left = limit - now();
+    _core->inbox.wait(idle ? std::min(*idle, left) : left);
   }
+  return true;
+}
+
+// How long nothing will have to be done; none if that is for ever. Uses the time for what waits for
+// an idle moment.
+std::optional<std::chrono::nanoseconds> NSRunLoop::idleTime(const NSRef<NSString>& mode) {
+  constexpr auto none = std::chrono::nanoseconds::zero();
+  if (hasWork(mode)) return none;
+  const auto next = nextTime(mode);
+  if (next && *next <= now()) return none;
+  if (postIdle(mode)) return none;
+  if (!next) return std::nullopt;
+  return std::max(*next - now(), none);
 }
 
 bool NSRunLoop::runMode_beforeDate(const NSRef<NSString>& mode, const NSRef<NSDate>& limitDate) {
   requireOwnThread("runMode:beforeDate:");
   if (!mode) NSRaiseNilArgument("mode", "runMode:beforeDate:");
   if (!limitDate) NSRaiseNilArgument("limitDate", "runMode:beforeDate:");
-  const bool hasRun = runOnce(mode, timeOf(limitDate));
-  _core->isStopped = false;
-  return hasRun;
+  const Run run(*this);
+  return runOnce(run, NSRef(mode), timeOf(limitDate));
 }
 
 void NSRunLoop::runUntilDate(const NSRef<NSDate>& limitDate) {
   requireOwnThread("runUntilDate:");
   if (!limitDate) NSRaiseNilArgument("limitDate", "runUntilDate:");
+  const Run run(*this);
   const Time limit = timeOf(limitDate);
-  while (runOnce(NSDefaultRunLoopMode(), limit) && !_core->isStopped && now() < limit) {
+  while (runOnce(run, NSDefaultRunLoopMode(), limit) && !run.isStopped() && now() < limit) {
   }
-  _core->isStopped = false;
 }
 
 void NSRunLoop::run() { runUntilDate(NSDate::distantFuture()); }
 
 void NSRunLoop::stop() {
   requireOwnThread("stop");
-  _core->isStopped = static_cast<bool>(_core->currentMode);
+  if (_core->run != nullptr) _core->run->stop();
 }
 
 int NSRunLoop::wakeUpDescriptor() {
@@ -357,13 +466,11 @@ std::optional<std::chrono::nanoseconds> NSRunLoop::performPass() {
   const auto& mode = NSDefaultRunLoopMode();
   requireOwnThread("performPass");
   if (_core->isEnded) return std::nullopt;
-  const Running running(*_core, mode);
+  const Mode current(*_core, mode);
   pass(mode);
-  if (!hasWork(mode)) postIdle(mode);
-  if (hasWork(mode)) return std::chrono::nanoseconds::zero();
-  const auto next = nextTime(mode);
-  if (!next) return std::nullopt;
-  return std::max(*next - now(), std::chrono::nanoseconds::zero());
+  const auto result = idleTime(mode);
+  // Looks once more: what the descriptor has told meanwhile must be in the result.
+  return hasWork(mode) ? std::chrono::nanoseconds::zero() : result;
 }
 
 void NSRunLoop::end() {
@@ -376,6 +483,6 @@ void NSRunLoop::end() {
       const NSWork dropped = std::move(group.requests.front().work);
       group.requests.pop_front();
     }
-    while (!group.schedule.isEmpty()) (void)group.schedule.takeFirst();
+    while (!group.schedule.isEmpty()) group.schedule.takeFirst()->drop();
   });
 }

@@ -30,10 +30,10 @@ NS_EXPORT const NSRef<NSString>& NSRunLoopCommonModes();
 /// has one, `currentRunLoop`, as soon as it asks.
 ///
 /// It runs in passes, each in one mode. A pass fires the timers and delayed requests that are due,
-/// then performs the other requests in the order in which they came, then posts the notifications
-/// that wait for the end of a pass. Only what was there when the pass began takes part, and only
-/// what was asked for in its mode; the rest stays for later. Each pass has an autorelease pool. A
-/// request may run the run loop again, in the same mode or another.
+/// then performs the other requests in the order in which they came; of both, those that were there
+/// when it began. Then it posts the notifications that wait for the end of a pass. What was asked
+/// for in another mode stays for later. Each pass has an autorelease pool. A request may run the
+/// run loop again, in the same mode or another.
 ///
 /// Where nothing else is said, a run loop is used by its own thread only, and running another's
 /// raises `NSInternalInconsistencyException`. When its thread ends, what has not run is dropped.
@@ -42,6 +42,7 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// The time by which timers and delays go, steady.
   using Time = std::chrono::steady_clock::time_point;
 
+  /// `NSThread` makes one for each thread.
   NSRunLoop();
   ~NSRunLoop() override;
 
@@ -61,10 +62,10 @@ class NS_EXPORT NSRunLoop : public NSObject {
     if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "performInModes:block:");
     if (modes) post(NSWork(std::forward<F>(block)), modes);
   }
-  /// What the two lead to; nil modes are the common ones here. Work that comes after the thread has
-  /// ended is dropped.
+  /// What the two lead to; nil modes are the common ones here. Work for no modes, or that comes
+  /// after the thread has ended, is dropped.
   void post(NSWork&& work, const NSRef<NSArray>& modes);
-  /// Returns when the work has run or been dropped.
+  /// Returns when the work has run or been dropped; on the run loop's own thread never.
   void postAndWait(NSWork&& work, const NSRef<NSArray>& modes);
 
   /// Adds a mode to the common set, which begins as the default mode alone.
@@ -77,21 +78,21 @@ class NS_EXPORT NSRunLoop : public NSObject {
   NSRef<NSString> currentMode() const;
 
   /// Makes one pass without waiting and gives the date of the next timer in the mode, the distant
-  /// future when there is none.
+  /// future when there is none; nil if the mode is the common modes.
   NSRef<NSDate> limitDateForMode(const NSRef<NSString>& mode);
-  /// Waits until a request comes or the date does, meanwhile firing timers, and posting what waits
-  /// for idle moments. False if the mode cannot be run in, true otherwise.
+  /// Makes passes until one has performed a request, the date comes or `stop` is called, and waits
+  /// between them. False if the mode is the common modes, true otherwise.
   bool runMode_beforeDate(const NSRef<NSString>& mode, const NSRef<NSDate>& limitDate);
   /// Runs in the default mode, one pass at least, until the date comes or `stop` is called.
   void runUntilDate(const NSRef<NSDate>& limitDate);
   /// Runs until `stop` is called.
   void run();
-  /// Lets the innermost run end after the pass that is going on.
+  /// Lets the innermost `run…` that is going on end after the pass that is going on.
   void stop();
 
   /// For a host with an event loop of its own: an eventfd that becomes readable when the run loop
-  /// wants a pass, because of another thread or a request between two passes. It belongs to the run
-  /// loop; only `performPass` reads it.
+  /// wants a pass of which the last `performPass` did not know. It belongs to the run loop, which
+  /// alone reads it.
   int wakeUpDescriptor();
   /// Makes a pass in the default mode without waiting, and posts what waits for idle moments if
   /// nothing else is left. The result is the time until the next pass is due; none if only the
@@ -118,7 +119,8 @@ class NS_EXPORT NSRunLoop : public NSObject {
 
  private:
   struct Core;
-  class Running;
+  class Mode;
+  class Run;
 
   void requireOwnThread(const char* operation) const;
   Time timeOf(const NSRef<NSDate>& date) const;
@@ -127,7 +129,8 @@ class NS_EXPORT NSRunLoop : public NSObject {
   bool hasWork(const NSRef<NSString>& mode);
   bool postIdle(const NSRef<NSString>& mode);
   std::optional<Time> nextTime(const NSRef<NSString>& mode);
-  bool runOnce(const NSRef<NSString>& mode, Time limit);
+  std::optional<std::chrono::nanoseconds> idleTime(const NSRef<NSString>& mode);
+  bool runOnce(const Run& run, const NSRef<NSString>& mode, Time limit);
 
   const std::unique_ptr<Core> _core;
 };

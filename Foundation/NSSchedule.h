@@ -12,6 +12,8 @@ class NSSchedule;
 class NSScheduledEvent : public NSObject {
  public:
   virtual void happen() noexcept = 0;
+  /// Instead of happening, when its run loop ends.
+  virtual void drop() noexcept {}
 
   bool isScheduled() const noexcept { return _schedule != nullptr; }
   /// Takes it out of its schedule, which may go on to hold the mere object for a while. So the

@@ -84,6 +84,10 @@ struct NSSelectorTrampoline {
   static void call(void (T::*method)(const NSRef<A>&), Object receiver, Object argument) {
     (receiverAs<T>(receiver).*method)(argumentAs<A>(argument));
   }
+  template <class A>
+  static void call(void (*function)(const NSRef<A>&), Object /*receiver*/, Object argument) {
+    function(argumentAs<A>(argument));
+  }
   template <class T, class A>
   static void call(void (*function)(const NSRef<T>&, const NSRef<A>&), Object receiver,
                    Object argument) {
@@ -92,7 +96,7 @@ struct NSSelectorTrampoline {
 };
 
 /// The selector of a method without arguments or with one object, or of a function that takes the
-/// receiver and one object; they return nothing:
+/// receiver and one object, or the object alone; they return nothing:
 ///
 ///     editor->performSelector_withObject_afterDelay(NSMakeSelector<"save:", &Editor::save>(),
 ///                                                   folder, 0.5);

@@ -115,7 +115,7 @@ void NSThread::run() noexcept {
   const NSAutoreleasePool pool;
   {
     const NSAutoreleasePool ofMain;
-    main();
+    NSCallOrTerminate([this] { main(); });
   }
   _work.reset();
   current.leave();

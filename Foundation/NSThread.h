@@ -55,7 +55,7 @@ class NS_EXPORT NSThread : public NSObject {
   bool isFinished() const noexcept { return _state == State::finished; }
 
   /// Empty at first, nil for an empty one. Debuggers show its first 15 bytes, if it is set before
-  /// the start or on the thread itself.
+  /// the start or on a started thread itself.
   NSRef<NSString> name() const;
   void setName(const NSRef<NSString>& name);
 

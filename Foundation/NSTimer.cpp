@@ -3,6 +3,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSSchedule.h"
 #include "Foundation/NSString.h"
+#include "Foundation/NSWork.h"
 
 namespace {
 
@@ -23,12 +24,13 @@ class NSTimer::Event final : public NSScheduledEvent {
   bool isOf(const NSRunLoop& runLoop) const noexcept { return _runLoop == &runLoop; }
 
   void addMode(const NSRef<NSString>& mode) {
-    if (!_modes->containsObject(mode)) _modes->addObject(mode);
+    if (_modes->containsObject(mode)) return;
+    _modes->addObject(mode->copy());
     // While it fires, it is scheduled afterwards.
     if (_isFiring) return;
     const auto alive = share(this);
     unschedule();
-    _runLoop->schedule(alive, _modes, _time);
+    _runLoop->schedule(alive, _modes, std::max(_time, _runLoop->now()));
   }
 
   /// The caller holds the event.
@@ -37,9 +39,12 @@ class NSTimer::Event final : public NSScheduledEvent {
     leave();
   }
 
+  void drop() noexcept override {
+    if (const auto timer = _timer) timer->invalidate();
+  }
   void happen() noexcept override {
     _isFiring = true;
-    _timer->fire();
+    NSCallOrTerminate([this] { NSRef(_timer)->fire(); });
     _isFiring = false;
     if (!_timer) return;
     const auto interval = _timer->_interval;
@@ -65,9 +70,10 @@ NSTimer::NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block)
       _block(std::move(block)) {}
 
 void NSTimer::fire() {
+  const auto alive = self();
   const auto block = _block;
   if (!block) return;
-  block->invoke(self());
+  block->invoke(alive);
   if (!_repeats) invalidate();
 }
 

@@ -14,18 +14,20 @@
 /// then holds it while it is valid. Used on that run loop's thread alone.
 ///
 /// A repeating timer keeps to the multiples of its interval, counted from when it was added, and
-/// leaves out those that it missed. An exception that leaves the block ends the program.
+/// leaves out those that it missed. An exception that leaves the block in a run loop ends the
+/// program.
 class NS_EXPORT NSTimer : public NSObject {
  public:
-  /// A timer in no run loop yet. No interval is one of 0.1 milliseconds.
+  /// A timer in no run loop yet. A shorter interval counts as one of 0.1 milliseconds.
   NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block);
 
   /// The block takes the timer, or nothing; a nil block raises `NSInvalidArgumentException`.
   template <class F>
   static NSRef<NSTimer> timerWithTimeInterval_repeats_block(NSDelay interval, bool repeats,
                                                             F&& block) {
-    if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "timerWithTimeInterval:repeats:block:");
-    return NSMake<NSTimer>(interval, repeats, NSMakeBlock<NSTimer>(std::forward<F>(block)));
+    auto made = NSMakeBlock<NSTimer>(std::forward<F>(block));
+    if (!made) NSRaiseNilArgument("block", "timerWithTimeInterval:repeats:block:");
+    return NSMake<NSTimer>(interval, repeats, std::move(made));
   }
   /// The same on the calling thread's run loop, in the default mode.
   template <class F>
@@ -39,7 +41,7 @@ class NS_EXPORT NSTimer : public NSObject {
   /// Calls the block now; a timer that does not repeat becomes invalid with it. An invalid one does
   /// nothing.
   void fire();
-  /// Takes it out of its run loop and lets the block go, for ever.
+  /// Takes it out of its run loop and lets the block go, for ever. So does the end of the run loop.
   void invalidate();
   bool isValid() const noexcept { return static_cast<bool>(_block); }
   /// 0 for one that does not repeat.

@@ -1,9 +1,21 @@
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
+
+/// Makes the call. What it throws ends the program as an exception does that nobody catches: with
+/// its name and reason on standard error, of which `noexcept` alone cannot be relied upon.
+template <class F>
+void NSCallOrTerminate(F&& call) noexcept {
+  try {
+    call();
+  } catch (...) {
+    std::terminate();
+  }
+}
 
 /// A call that is made once, somewhere else: owns any callable without arguments, which need not be
 /// copyable. A small one costs no allocation.
@@ -26,7 +38,7 @@ class NSWork {
   /// Makes the call and forgets the callable. What it throws ends the program, as an exception does
   /// that nobody catches.
   void perform() noexcept {
-    _operations->call(&_room);
+    NSCallOrTerminate([this] { _operations->call(&_room); });
     clear();
   }
 

@@ -1,10 +1,12 @@
 #include "Foundation/NSWorkerPool.h"
 
+#include "Foundation/NSAutoreleasePool.h"
 #include "Foundation/NSNeverDestroyed.h"
 
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <system_error>
 #include <utility>
 
 #include <pthread.h>
@@ -50,8 +52,7 @@ void NSWorkerPool::submit(NSWork work) {
   } else if (_workers.size() < processorCount()) {
     addWorker();
   } else if (!_isWatched) {
-    _isWatched = true;
-    std::thread(&NSWorkerPool::watch, this).detach();
+    startWatching();
   }
 }
 
@@ -64,6 +65,16 @@ void NSWorkerPool::addWorker() {
     _workers.erase(self);
     // Others will do the work, if there are any.
     if (_workers.empty()) throw;
+  }
+}
+
+// With the lock.
+void NSWorkerPool::startWatching() {
+  try {
+    std::thread(&NSWorkerPool::watch, this).detach();
+    _isWatched = true;
+  } catch (const std::system_error&) {
+    // The workers will come to it; the next call tries again.
   }
 }
 
@@ -82,7 +93,10 @@ void NSWorkerPool::run(std::list<Worker>::iterator self) {
     ++_taken;
     self->isBusy = true;
     lock.unlock();
-    work.perform();
+    {
+      const NSAutoreleasePool pool;
+      work.perform();
+    }
     lock.lock();
     self->isBusy = false;
   }
@@ -116,7 +130,12 @@ void NSWorkerPool::watch() {
     if (std::exchange(taken, _taken) != _taken) continue;
     const std::size_t running = runningWorkers();
     const std::size_t blocked = _workers.size() - running;
-    if (!_pending.empty() && running < processorCount() && blocked <= mostBlocked) addWorker();
+    if (_pending.empty() || running >= processorCount() || blocked > mostBlocked) continue;
+    try {
+      addWorker();
+    } catch (const std::system_error&) {
+      // There is nobody at all; perhaps there will be a thread next time.
+    }
   }
   _isWatched = false;
 }

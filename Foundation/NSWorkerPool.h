@@ -35,6 +35,7 @@ class NSWorkerPool {
 
   void addWorker();
   void run(std::list<Worker>::iterator self);
+  void startWatching();
   void watch();
   std::size_t runningWorkers();
 

@@ -1,5 +1,6 @@
 #include "Foundation/dispatch.h"
 
+#include "Foundation/NSAutoreleasePool.h"
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSString.h"
@@ -99,6 +100,7 @@ void SerialQueue::drain() noexcept {
       if (!_isOwned) return;
     }
     while (!_batch.empty()) {
+      const NSAutoreleasePool pool;
       _batch.front().perform();
       _batch.pop_front();
       if (auto* const owner = std::exchange(_nextOwner, nullptr)) return owner->wake();

@@ -20,7 +20,7 @@ enum dispatch_queue_attr_t {
   DISPATCH_QUEUE_CONCURRENT,
 };
 
-/// A queue; made by `dispatch_queue_create`. It lives until its last block has run.
+/// A queue; made by `dispatch_queue_create`. It lives at least until its last block has run.
 class NS_EXPORT dispatch_queue : public NSObject {
  public:
   const std::string& label() const noexcept { return _label; }

@@ -12,8 +12,8 @@
 // takes the receiver, as a reference to it (`[](Editor& editor) {…}`) or as an `NSRef`, or nothing;
 // or an `NSBlock`. The receiver, and the block or its copy, are held until the block has run or
 // been cancelled. A nil block takes its turn and does nothing. A nil receiver raises
-// `NSInvalidArgumentException`. An exception that leaves a block which a run loop, a queue or a new
-// thread runs ends the program.
+// `NSInvalidArgumentException`. An exception that leaves a block ends the program, except where it
+// runs within the call on the thread that was asked for: there the caller gets it.
 //
 // In a run loop a block runs by performing the selector `ZK_invokeTargetBlock:` with the block as
 // its argument, as `NSObject` and `NSRunLoop` tell.
@@ -42,10 +42,16 @@ NSRef<NSBlock> ZKBorrowBlock(F& block) {
   }
 }
 
-/// The block for a request: the caller's own for a call that waits, else a copy.
+/// The block for a request: the caller's own for a call that waits, else a copy; one that cannot be
+/// copied raises `NSInvalidArgumentException`.
 template <class Receiver, class F>
 NSRef<NSBlock> ZKBlockForRequest(F&& block, bool wait) {
-  return wait ? ZKBorrowBlock<Receiver>(block) : NSMakeBlock<Receiver>(std::forward<F>(block));
+  if (wait) return ZKBorrowBlock<Receiver>(block);
+  if constexpr (std::is_constructible_v<std::decay_t<F>, F>) {
+    return NSMakeBlock<Receiver>(std::forward<F>(block));
+  } else {
+    NSException::raise(NSInvalidArgumentException, "the block cannot be copied");
+  }
 }
 
 /// Runs the block on the calling thread's run loop, in the default mode or in those modes, after at
@@ -72,11 +78,15 @@ ZK_EXPORT void cancelPreviousPerformRequestsWithTarget_block(const NSRef<NSObjec
                                                              const NSRef<NSBlock>& block);
 
 /// On the main thread calls the block, which takes nothing, at once; elsewhere hands it to the main
-/// queue and returns. A nil block does nothing. The receiver plays no part.
+/// queue and returns. A nil block does nothing. The receiver plays no part and may be nil.
 template <class Receiver, class F>
-void performBlockOnMainThread(const NSRef<Receiver>& /*receiver*/, F&& block) {
-  if (NSIsNilCallable(block)) return;
-  if (NSThread::isMainThread()) {
+void performBlockOnMainThread(const NSRef<Receiver>& receiver, F&& block) {
+  if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
+    const NSRef<NSBlock> held = std::forward<F>(block);
+    if (held) performBlockOnMainThread(receiver, [held] { held->invoke(nullptr); });
+  } else if (NSIsNilCallable(block)) {
+    return;
+  } else if (NSThread::isMainThread()) {
     block();
   } else {
     dispatch_async(dispatch_get_main_queue(), std::forward<F>(block));

@@ -19,6 +19,8 @@ void attachMainRunLoop() {
   GSource* const source = g_source_new(&functions, sizeof(GSource));
   g_source_add_unix_fd(source, NSRunLoop::mainRunLoop()->wakeUpDescriptor(), G_IO_IN);
   g_source_set_ready_time(source, 0);
+  // In a main loop within a block, too.
+  g_source_set_can_recurse(source, TRUE);
   g_source_attach(source, nullptr);
   g_source_unref(source);
 }

@@ -104,7 +104,7 @@ TEST(NSNotificationCenter, HoldsAndLetsGo) {
   };
   auto observer = add(nullptr);
   EXPECT_EQ(alive, 2);
-  centre->removeObserver(std::exchange(observer, nullptr));
+  centre->removeObserver(observer);
   EXPECT_EQ(alive, 0);
   // On the main queue later, unless it is removed before.
   int calls = 0;
@@ -149,8 +149,9 @@ TEST(NSNotificationQueue, PostsAtItsOccasions) {
   enqueueNotificationName_object_postingStyle(queue, u"soon"_ns, nullptr, NSPostASAP);
   EXPECT_EQ(loop->performPass(), std::chrono::nanoseconds::zero());
   EXPECT_EQ(witness.names(), "soon ");
-  EXPECT_EQ(loop->performPass(), std::nullopt);
+  EXPECT_EQ(loop->performPass(), std::chrono::nanoseconds::zero());
   EXPECT_EQ(witness.names(), "next idle ");
+  EXPECT_EQ(loop->performPass(), std::nullopt);
   enqueueNotificationName_object_postingStyle(queue, u"idle"_ns, nullptr, NSPostWhenIdle);
   const auto stopping =
       NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
@@ -159,6 +160,25 @@ TEST(NSNotificationQueue, PostsAtItsOccasions) {
   EXPECT_EQ(witness.names(), "idle ");
   NSNotificationCenter::defaultCenter()->removeObserver(observer);
   NSNotificationCenter::defaultCenter()->removeObserver(stopping);
+
+  // Idle work that asks for more of it, and a delayed request that comes first.
+  int left = 3;
+  const auto working =
+      NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
+          u"work"_ns, nullptr, nullptr, [&](const NSRef<NSNotification>& notification) {
+            if (--left > 0) queue->enqueueNotification_postingStyle(notification, NSPostWhenIdle);
+          });
+  enqueueNotificationName_object_postingStyle(queue, u"work"_ns, nullptr, NSPostWhenIdle);
+  loop->performBlock([&] {
+    performBlock_afterDelay(
+        queue, [&] { EXPECT_EQ(left, 3); }, 0);
+  });
+  EXPECT_EQ(loop->performPass(), std::chrono::nanoseconds::zero());
+  EXPECT_EQ(left, 3);
+  while (loop->performPass()) {
+  }
+  EXPECT_EQ(left, 0);
+  NSNotificationCenter::defaultCenter()->removeObserver(working);
 }
 
 TEST(NSNotificationQueue, CoalescesAsAListWould) {
@@ -279,7 +299,12 @@ TEST(NSNotificationQueue, EnqueuesOnTheMainThreadLater) {
   makePass();
 
   const auto pair = [](const auto&... elements) { return NSMake<NSArray>({elements...}); };
-  _mainThreadEnqueue(pair(about(changed), NSMake<NSNumber>(3)));
+  // By one who can hand on one object only.
+  queue->performSelectorOnMainThread_withObject_waitUntilDone(
+      NSMakeSelector<"_mainThreadEnqueue:", &_mainThreadEnqueue>(),
+      pair(about(changed), NSMake<NSNumber>(3)), false);
+  EXPECT_EQ(witness.names(), "");
+  makePass();
   EXPECT_EQ(witness.names(), "Changed ");
   // The number counts as 32 bits with a sign.
   _mainThreadEnqueue(pair(about(changed), NSMake<NSNumber>(0x1'0000'0003)));

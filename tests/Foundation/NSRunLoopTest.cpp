@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -266,14 +267,26 @@ TEST(NSRunLoop, WaitsUntilADateOrARequest) {
   EXPECT_EQ(diary->taken(), std::vector{1});
   makePass(tracking);
   EXPECT_EQ(diary->taken(), std::vector{2});
-  // Timers fire while it waits, and the date ends it.
+  // Timers fire while it waits, and the date ends it; the clock goes on whenever it is looked at.
+  loop->setClock([now = std::chrono::steady_clock::now()]() mutable { return now += 100us; });
   diary->performSelector_withObject_afterDelay(noting, box(3), 1ms);
   diary->performSelector_withObject_afterDelay(noting, box(4), 1h);
   EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(),
-                                       NSDate::dateWithTimeIntervalSinceNow(0.002)));
+                                       NSDate::dateWithTimeIntervalSinceNow(0.005)));
   EXPECT_EQ(diary->taken(), std::vector{3});
-  // The inner run ends, the outer goes on; a stop without a run ends none.
+  loop->setClock({});
+  // The inner run ends, the outer goes on; a stop without a run ends none, nor does one for the
+  // outer run end an inner one.
   loop->stop();
+  loop->performBlock([&] { loop->stop(); });
+  (void)loop->performPass();
+  loop->performBlock([&] {
+    loop->stop();
+    loop->performBlock([&] { diary->note(0); });
+    EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture()));
+  });
+  loop->run();
+  EXPECT_EQ(diary->taken(), std::vector{0});
   loop->performBlock([&] {
     loop->performBlock([&] { loop->stop(); });
     loop->run();
@@ -323,7 +336,65 @@ TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
   EXPECT_EQ(loop->performPass(), 1ms);
   clock.advance(1h);
   EXPECT_EQ(loop->performPass(), std::nullopt);
-  EXPECT_EQ(diary->notes, (std::vector{1, 2, 3, 4}));
+  EXPECT_EQ(diary->taken(), (std::vector{1, 2, 3, 4}));
+  // What another pass has found and left is told by the descriptor.
+  loop->performBlock([&] { diary->note(5); });
+  makePass(tracking);
+  EXPECT_TRUE(isReadable());
+  EXPECT_EQ(loop->performPass(), std::nullopt);
+  loop->performBlock([&] { diary->performSelector_withObject_afterDelay(noting, box(6), 1ms); });
+  makePass();
+  EXPECT_TRUE(isReadable());
+  EXPECT_EQ(loop->performPass(), 1ms);
+  clock.advance(1ms);
+  // A host's loop within a block learns what comes while it runs.
+  loop->performBlock([&] {
+    EXPECT_FALSE(isReadable());
+    diary->performSelector_withObject_afterDelay(noting, box(7), 0);
+    EXPECT_TRUE(isReadable());
+    EXPECT_EQ(loop->performPass(), std::nullopt);
+  });
+  EXPECT_EQ(loop->performPass(), std::nullopt);
+  EXPECT_EQ(diary->notes, (std::vector{5, 6, 7}));
+}
+
+TEST(NSRunLoop, FindsWhatItCancelsByIdentityAndContents) {
+  DrivenClock clock;
+  struct Keeper : NSObject {
+    void keep(const NSRef<NSArray>& /*array*/) { ++count; }
+    int count = 0;
+  };
+  const auto keeper = NSMake<Keeper>();
+  const auto keeping = NSMakeSelector<"keep:", &Keeper::keep>();
+  const auto array = NSMake<NSMutableArray>();
+  const auto cancel = [&](const NSRef<NSObject>& argument) {
+    NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(keeper, keeping, argument);
+  };
+  for (const bool isChanged : {false, true}) {
+    keeper->performSelector_withObject_afterDelay(keeping, array, 0);
+    if (isChanged) array->addObject(keeper);
+    cancel(isChanged ? array : NSMake<NSArray>());
+  }
+  array->removeAllObjects();
+  keeper->performSelector_withObject_afterDelay(keeping, array, 0);
+  cancel(nullptr);
+  makePass();
+  EXPECT_EQ(keeper->count, 1);
+  EXPECT_EQ(array->retainCount(), 1U);
+  // Comparing arguments may run anything.
+  struct Meddler : NSArray {
+    bool isEqual(const NSRef<NSObject>& other) const override {
+      std::exchange(meddle, [] {})();
+      return NSArray::isEqual(other);
+    }
+    mutable std::function<void()> meddle;
+  };
+  auto meddler = NSMake<Meddler>();
+  meddler->meddle = [&, argument = meddler.get()] { cancel(NSRef<NSObject>::share(argument)); };
+  keeper->performSelector_withObject_afterDelay(keeping, std::exchange(meddler, nullptr), 0);
+  cancel(NSMake<NSArray>());
+  makePass();
+  EXPECT_EQ(keeper->count, 1);
 }
 
 TEST(NSRunLoop, RefusesWhatItCannotDo) {
@@ -373,16 +444,31 @@ TEST(NSRunLoopDeathTest, AnExceptionEndsTheProgram) {
     };
     EXPECT_DEATH(run(), "NSInvalidArgumentException: NSString does not respond to 'note:'");
   }
-  const auto fire = [] {
-    NSTimer::scheduledTimerWithTimeInterval_repeats_block(
-        0, false, [] { NSException::raise(NSRangeException, "beyond"); });
-    try {
-      NSRunLoop::currentRunLoop()->run();
-    } catch (const NSException&) {
-      std::_Exit(0);
-    }
+  const auto raise = [] { NSException::raise(NSRangeException, "beyond"); };
+  const auto loop = NSRunLoop::currentRunLoop();
+  const std::vector<std::function<void()>> ways{
+      [=] { NSTimer::scheduledTimerWithTimeInterval_repeats_block(0, false, raise); },
+      [=] { loop->performBlock(raise); },
+      [=] { dispatch_async(dispatch_get_main_queue(), raise); },
+      [=] { NSMake<NSThread>(raise)->start(); },
+      [=] {
+        NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
+            nullptr, nullptr, nullptr, raise);
+        NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(
+            NSNotification::notificationWithName_object(tracking, nullptr), NSPostWhenIdle);
+      },
   };
-  EXPECT_DEATH(fire(), "NSRangeException: beyond");
+  for (const auto& way : ways) {
+    const auto run = [&] {
+      way();
+      try {
+        loop->run();
+      } catch (const NSException&) {
+        std::_Exit(0);
+      }
+    };
+    EXPECT_DEATH(run(), "NSRangeException: beyond");
+  }
 }
 
 }  // namespace

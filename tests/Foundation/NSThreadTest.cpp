@@ -55,10 +55,27 @@ TEST(NSThread, KnowsItself) {
     struct Asking : NSObject {
       Asking() = default;
       Asking(const Asking&) = delete;
-      ~Asking() override { EXPECT_NE(NSThread::currentThread(), nullptr); }
+      ~Asking() override {
+        EXPECT_NE(NSThread::currentThread(), nullptr);
+        // To no effect, and without harm.
+        const auto queue = NSNotificationQueue::defaultQueue();
+        queue->enqueueNotification_postingStyle(
+            NSNotification::notificationWithName_object(u"Late"_ns, nullptr), NSPostASAP);
+        NSTimer::scheduledTimerWithTimeInterval_repeats_block(1, true, [] {});
+        NSRunLoop::currentRunLoop()->performBlock([] {});
+        makePass();
+        NSAutorelease(NSMake<NSString>());
+      }
     };
     NSAutorelease(NSMake<Asking>());
   }).join();
+  // One that asks for the first time when it ends.
+  struct Late : NSObject {
+    Late() = default;
+    Late(const Late&) = delete;
+    ~Late() override { EXPECT_FALSE(NSThread::currentThread()->isCancelled()); }
+  };
+  std::jthread([] { NSAutorelease(NSMake<Late>()); }).join();
   EXPECT_TRUE(death.try_wait());
   EXPECT_TRUE(adopted->isFinished());
   EXPECT_EQ(adopted->retainCount(), 1U);

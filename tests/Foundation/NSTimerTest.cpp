@@ -55,6 +55,12 @@ TEST(NSTimer, FiresInEveryModeThatItIsAddedTo) {
   loop->addTimer_forMode(timer, tracking);
   EXPECT_EQ(timer->retainCount(), 1U);
 
+  // Nobody but the run loop holds it, until it lets itself go.
+  (void)NSTimer::scheduledTimerWithTimeInterval_repeats_block(
+      1s, true, [](NSTimer& self) { self.invalidate(); });
+  clock.advance(1s);
+  makePass();
+
   // One that does not repeat is valid until it has fired.
   int alive = 0;
   const auto once = NSTimer::scheduledTimerWithTimeInterval_repeats_block(
@@ -68,6 +74,28 @@ TEST(NSTimer, FiresInEveryModeThatItIsAddedTo) {
   makePass();
   EXPECT_FALSE(once->isValid());
   EXPECT_EQ(alive, 0);
+}
+
+TEST(NSTimer, KeepsTheOthersInTheirPass) {
+  DrivenClock clock;
+  const auto loop = NSRunLoop::currentRunLoop();
+  std::string fired;
+  NSRef<NSTimer> second;
+  const auto add = [&](char name, auto block) {
+    return NSTimer::scheduledTimerWithTimeInterval_repeats_block(1s, false, [&, name, block] {
+      fired += name;
+      block();
+    });
+  };
+  // The first makes the second, which is due, known in another mode.
+  add('1', [&] { loop->addTimer_forMode(second, u"tracking"_ns); });
+  second = add('2', [] {});
+  add('3', [] {});
+  clock.advance(2s);
+  makePass();
+  EXPECT_EQ(fired, "13");
+  makePass();
+  EXPECT_EQ(fired, "132");
 }
 
 TEST(NSTimer, RefusesWhatItCannotDo) {

@@ -108,6 +108,8 @@ TEST(NSObjectPerforming, CallsOnTheMainThread) {
   std::jthread([&] {
     performBlockOnMainThread(editor, call);
     performBlockOnMainThread(editor, std::function<void()>());
+    performBlockOnMainThread(editor, nullptr);
+    performBlockOnMainThread(editor, NSMakeBlock<NSString>(call));
   }).join();
   EXPECT_FALSE(isCalled);
   makePass();
@@ -196,6 +198,8 @@ TEST(NSObjectPerforming, BorrowsTheBlockOfACallThatWaits) {
   const LoopThread thread;
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
   struct Block {
+    Block() = default;
+    Block(const Block&) = delete;
     void operator()() { ++calls; }
     int calls = 0;
   };
@@ -203,8 +207,9 @@ TEST(NSObjectPerforming, BorrowsTheBlockOfACallThatWaits) {
   performBlock_onQueue_waitUntilDone(queue, block, queue, true);
   performBlock_onThread_waitUntilDone(queue, block, thread.get(), true);
   performBlockOnMainThread_waitUntilDone(queue, block, true);
-  // It is the caller's own that has counted.
   EXPECT_EQ(block.calls, 3);
+  expectRaises(NSInvalidArgumentException, "the block cannot be copied",
+               [&] { performBlock_onQueue_waitUntilDone(queue, block, queue, false); });
 }
 
 TEST(NSObjectPerforming, OpensAPoolForBlocksThatNobodyWaitsFor) {
