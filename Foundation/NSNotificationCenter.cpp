@@ -118,7 +118,7 @@ NSNotificationCenter::Observers NSNotificationCenter::observersOf(
 void NSNotificationCenter::postNotification(const NSRef<NSNotification>& notification) {
   if (!notification) NSRaiseNilArgument("notification", "postNotification:");
   // An observer may change the caller's own reference.
-  const auto held = notification;
+  const auto held = NSRef<NSNotification>::share(notification.get());
   for (const auto& observer : observersOf(*held)) observer->notify(held);
 }
 

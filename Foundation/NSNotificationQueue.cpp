@@ -145,7 +145,7 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
                            operation + "')");
   }
   // What is removed may change the caller's own reference.
-  const auto held = notification;
+  const auto held = NSRef<NSNotification>::share(notification.get());
   const Hashes hashes(*held);
   _core->removeSame(*held, hashes, coalesceMask);
   if (postingStyle == NSPostNow) {

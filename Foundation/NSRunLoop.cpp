@@ -317,12 +317,12 @@ void NSRunLoop::schedulePerform(const NSRef<NSObject>& target, NSSelector select
 void NSRunLoop::cancelPerforms(const NSRef<NSObject>& target, NSSelector selector,
                                const NSRef<NSObject>& argument) {
   // Comparing arguments and letting them go may run anything: not while the chains are walked.
-  auto candidates = std::move(_core->candidates);
+  auto candidates = std::exchange(_core->candidates, {});
   const auto collect = [&](DelayedPerform& request) {
     if (request.isFor(target, selector)) candidates.push_back(share(&request));
   };
   _core->delayedPerforms.forEach({target, selector, argument}, collect);
-  const auto held = argument;
+  const auto held = NSRef<NSObject>::share(argument.get());
   for (const auto& request : candidates) {
     if (request->isScheduled() && request->takes(held)) request->cancel();
   }
@@ -340,7 +340,7 @@ const NSRef<NSNotificationQueue>& NSRunLoop::notificationQueue() {
 
 // Gives everything that has come its turn.
 void NSRunLoop::collect() {
-  std::vector<NSRunLoopInbox::Item> items = std::move(_core->spare);
+  auto items = std::exchange(_core->spare, {});
   _core->inbox.takeInto(items);
   for (auto& item : items) {
     _core->waiting.of(item.modes).requests.push_back({std::move(item.work), _core->nextTurn++});
@@ -390,7 +390,7 @@ NSRef<NSDate> NSRunLoop::limitDateForMode(const NSRef<NSString>& mode) {
   if (!mode) NSRaiseNilArgument("mode", "limitDateForMode:");
   if (isCommonModes(mode) || _core->isEnded) return nullptr;
   // What runs may change the caller's own reference.
-  const auto held = mode;
+  const auto held = NSRef<NSString>::share(mode.get());
   {
     const Mode current(*_core, held);
     pass(held);
