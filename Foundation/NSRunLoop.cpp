@@ -29,7 +29,7 @@ class DelayedPerforms {
  public:
   struct Hashes {
     Hashes(const NSRef<NSObject>& target, NSSelector selector, const NSRef<NSObject>& argument)
-        : Hashes(hash(target) * 31 + std::hash<std::string_view>()(selector.name()), argument) {}
+        : Hashes(hash(target) * 31 + selector.hash(), argument) {}
     Hashes(NSUInteger operation, const NSRef<NSObject>& argument)
         : identity(operation * 31 + hash(argument)),
           contents(operation * 31 + NSHashObject()(argument)) {}
@@ -238,15 +238,17 @@ const NSRef<NSString>& NSRunLoopCommonModes() {
   return *modes;
 }
 
-NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes) {
-  auto copies = NSMake<NSMutableArray>();
-  for (const auto& mode : modes->objects()) copies->addObject(mode->copy());
-  return copies;
-}
-
 const NSRef<NSArray>& NSDefaultRunLoopModes() {
   static const NSNeverDestroyed<NSRef<NSArray>> modes(NSMake<NSArray>({NSDefaultRunLoopMode()}));
   return *modes;
+}
+
+NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes) {
+  // Mostly it is this one.
+  if (modes == NSDefaultRunLoopModes()) return modes;
+  auto copies = NSMake<NSMutableArray>();
+  for (const auto& mode : modes->objects()) copies->addObject(mode->copy());
+  return copies;
 }
 
 NSRunLoop::NSRunLoop() : _core(std::make_unique<Core>()) {}

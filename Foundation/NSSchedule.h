@@ -60,10 +60,13 @@ class NSSchedule {
   };
 
   bool isVacant(const Slot& slot) const noexcept;
+  void rise(std::size_t place, Slot slot) noexcept;
+  void sink(std::size_t place, Slot slot) noexcept;
   NSRef<NSScheduledEvent> pop() noexcept;
   void vacate() noexcept;
 
-  // A heap. The slots of events that have left it stay, though never more than three quarters.
+  // A heap of four branches, which needs half the levels of one of two. The slots of events that
+  // have left it stay, though never more than three quarters.
   std::vector<Slot> _slots;
   std::size_t _vacant = 0;
 };

@@ -12,18 +12,36 @@
 /// their names are. `NSMakeSelector` makes them.
 class NS_EXPORT NSSelector {
  public:
+  using Operation = void (*)(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument);
+
   /// Must live as long as the program.
-  struct Definition {
-    const char* name;
-    void (*perform)(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument);
+  class Definition {
+   public:
+    constexpr Definition(std::string_view name, Operation perform) noexcept
+        : _name(name), _hash(hashOf(name)), _perform(perform) {}
+
+   private:
+    friend NSSelector;
+    // FNV-1a.
+    static constexpr NSUInteger hashOf(std::string_view name) noexcept {
+      NSUInteger hash = 0xCBF29CE484222325;
+      for (const char sign : name) hash = (hash ^ static_cast<unsigned char>(sign)) * 0x100000001B3;
+      return hash;
+    }
+
+    std::string_view _name;
+    NSUInteger _hash;
+    Operation _perform;
   };
 
   constexpr NSSelector(const Definition& definition) noexcept : _definition(&definition) {}
 
-  constexpr std::string_view name() const noexcept { return _definition->name; }
+  constexpr std::string_view name() const noexcept { return _definition->_name; }
+  /// Of the name.
+  constexpr NSUInteger hash() const noexcept { return _definition->_hash; }
   /// Throws what the operation throws.
   void perform(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument) const {
-    _definition->perform(receiver, argument);
+    _definition->_perform(receiver, argument);
   }
 
   friend constexpr bool operator==(NSSelector a, NSSelector b) noexcept {

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include <sched.h>
 #include <semaphore.h>
 
 /// A thread that waits to be woken once. It may be gone as soon as it is woken, which a POSIX
@@ -13,6 +14,12 @@ class NSWaiter {
   ~NSWaiter() { sem_destroy(&_semaphore); }
 
   void wait() {
+    // What is done in a moment is not worth sleeping for.
+    constexpr int shortWait = 16;
+    for (int k = 0; k < shortWait; ++k) {
+      if (sem_trywait(&_semaphore) == 0) return;
+      sched_yield();
+    }
     while (sem_wait(&_semaphore) != 0 && errno == EINTR) {
     }
   }
