@@ -2,9 +2,9 @@
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSAutoreleasePool.h"
-#include "Foundation/NSChains.h"
 #include "Foundation/NSDate.h"
 #include "Foundation/NSDelay.h"
+#include "Foundation/NSDelayedPerforms.h"
 #include "Foundation/NSModeGroups.h"
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSNotificationQueue.h"
@@ -18,94 +18,6 @@
 #include <deque>
 
 namespace {
-
-class DelayedPerform;
-
-// Finds delayed requests by target and argument. An argument is found by its identity, whatever has
-// become of its contents, and by what its hash was when the request was made.
-struct ByIdentity {};
-struct ByContents {};
-class DelayedPerforms {
- public:
-  struct Hashes {
-    Hashes(const NSRef<NSObject>& target, NSSelector selector, const NSRef<NSObject>& argument)
-        : Hashes(hash(target) * 31 + selector.hash(), argument) {}
-    Hashes(NSUInteger operation, const NSRef<NSObject>& argument)
-        : identity(operation * 31 + hash(argument)),
-          contents(operation * 31 + NSHashObject()(argument)) {}
-    static NSUInteger hash(const NSRef<NSObject>& object) noexcept {
-      return std::hash<NSRef<NSObject>>()(object);
-    }
-
-    NSUInteger identity;
-    NSUInteger contents;
-  };
-
-  void add(DelayedPerform& request, Hashes hashes);
-  void remove(DelayedPerform& request) noexcept;
-  // Each that may be meant, twice perhaps.
-  template <class F>
-  void forEach(Hashes hashes, F function) const {
-    _byIdentity.forEach(hashes.identity, function);
-    _byContents.forEach(hashes.contents, function);
-  }
-
- private:
-  NSChains<DelayedPerform, ByIdentity> _byIdentity;
-  NSChains<DelayedPerform, ByContents> _byContents;
-};
-
-// A delayed request. It stands in the run loop's schedule and, to be cancelled, in its chains.
-class DelayedPerform final : public NSScheduledEvent,
-                             public NSChainLink<DelayedPerform, ByIdentity>,
-                             public NSChainLink<DelayedPerform, ByContents> {
- public:
-  DelayedPerform(DelayedPerforms& others, const NSRef<NSObject>& target, NSSelector selector,
-                 const NSRef<NSObject>& argument)
-      : _others(&others), _target(target), _selector(selector), _argument(argument) {
-    others.add(*this, {target, selector, argument});
-  }
-  DelayedPerform(const DelayedPerform&) = delete;
-  ~DelayedPerform() override { _others->remove(*this); }
-
-  void happen() noexcept override {
-    _others->remove(*this);
-    NSCallOrTerminate([this] { _selector.perform(_target, _argument); });
-  }
-  /// The caller holds the request.
-  void cancel() {
-    unschedule();
-    _others->remove(*this);
-    const auto target = std::move(_target);
-    const auto argument = std::move(_argument);
-  }
-
-  bool isFor(const NSRef<NSObject>& target, NSSelector selector) const noexcept {
-    return _target == target && _selector == selector;
-  }
-  bool takes(const NSRef<NSObject>& argument) const {
-    // Comparing may cancel the request.
-    const auto held = _argument;
-    return NSEqualObjects()(held, argument);
-  }
-
- private:
-  DelayedPerforms* const _others;
-  NSRef<NSObject> _target;
-  const NSSelector _selector;
-  NSRef<NSObject> _argument;
-};
-
-void DelayedPerforms::add(DelayedPerform& request, Hashes hashes) {
-  _byIdentity.add(request, hashes.identity);
-  // Blocks, for one, are their own contents.
-  if (hashes.contents != hashes.identity) _byContents.add(request, hashes.contents);
-}
-
-void DelayedPerforms::remove(DelayedPerform& request) noexcept {
-  _byIdentity.remove(request);
-  _byContents.remove(request);
-}
 
 // A request from the inbox, with its turn.
 struct Request {
@@ -174,11 +86,10 @@ struct NSRunLoop::Core {
   }
 
   NSRunLoopInbox inbox;
-  // Room for what the inbox gives, and for requests that may be cancelled.
+  // Room for what the inbox gives.
   std::vector<NSRunLoopInbox::Item> spare;
-  std::vector<NSRef<DelayedPerform>> candidates;
   // Outlives the requests, which stand in it.
-  DelayedPerforms delayedPerforms;
+  NSDelayedPerforms delayedPerforms;
   NSModeGroups<Waiting> waiting;
   NSModeSet commonModes{NSDefaultRunLoopMode()};
   NSRef<NSString> currentMode;
@@ -312,24 +223,13 @@ void NSRunLoop::signal() {
 void NSRunLoop::schedulePerform(const NSRef<NSObject>& target, NSSelector selector,
                                 const NSRef<NSObject>& argument, NSDelay delay,
                                 const NSRef<NSArray>& modes) {
-  schedule(NSMake<DelayedPerform>(_core->delayedPerforms, target, selector, argument), modes,
+  schedule(_core->delayedPerforms.make(target, selector, argument), modes,
            now() + delay.duration());
 }
 
 void NSRunLoop::cancelPerforms(const NSRef<NSObject>& target, NSSelector selector,
                                const NSRef<NSObject>& argument) {
-  // Comparing arguments and letting them go may run anything: not while the chains are walked.
-  auto candidates = std::exchange(_core->candidates, {});
-  const auto collect = [&](DelayedPerform& request) {
-    if (request.isFor(target, selector)) candidates.push_back(share(&request));
-  };
-  _core->delayedPerforms.forEach({target, selector, argument}, collect);
-  const auto held = NSRef<NSObject>::share(argument.get());
-  for (const auto& request : candidates) {
-    if (request->isScheduled() && request->takes(held)) request->cancel();
-  }
-  candidates.clear();
-  _core->candidates = std::move(candidates);
+  _core->delayedPerforms.cancel(target, selector, argument);
 }
 
 const NSRef<NSNotificationQueue>& NSRunLoop::notificationQueue() {
