@@ -1,5 +1,6 @@
 #include "tests/RunLoops.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -20,83 +21,127 @@ struct Worker : Farewell {
   int edits = 0;
 };
 
-// A way to have a block run with a receiver, and who runs it when.
+enum class Where { caller, mainThread, thread, newThread };
+
+// A way to have a block run with a receiver.
 struct Way {
   std::string name;
+  Where where;
+  bool waits;
   std::function<void(const NSRef<Worker>&, const NSRef<NSBlock>&)> perform;
-  bool isAtOnce;
-  bool isOnMainThread;
 };
 
 std::vector<Way> waysTo(const NSRef<NSThread>& thread) {
   const auto main = NSThread::mainThread();
   const auto modes = NSMake<NSArray>({NSDefaultRunLoopMode()});
   std::vector<Way> ways{
-      {"afterDelay", [](auto& e, auto& block) { performBlock_afterDelay(e, block, 0); }, false,
-       true},
-      {"afterDelay:inModes",
-       [=](auto& e, auto& block) { performBlock_afterDelay_inModes(e, block, 0, modes); }, false,
-       true},
-      {"inBackground", [](auto& e, auto& block) { performBlockInBackground(e, block); }, false,
-       false},
+      {"afterDelay", Where::caller, false,
+       [](auto& w, auto& block) { performBlock_afterDelay(w, block, 0); }},
+      {"afterDelay:inModes", Where::caller, false,
+       [=](auto& w, auto& block) { performBlock_afterDelay_inModes(w, block, 0, modes); }},
+      {"inBackground", Where::newThread, false,
+       [](auto& w, auto& block) { performBlockInBackground(w, block); }},
   };
   for (const bool waits : {false, true}) {
-    const std::string suffix = waits ? " and waits" : "";
-    ways.push_back(
-        {"onMainThread" + suffix,
-         [=](auto& e, auto& block) { performBlockOnMainThread_waitUntilDone(e, block, waits); },
-         waits, true});
-    ways.push_back({"onMainThread:modes" + suffix,
-                    [=](auto& e, auto& block) {
-                      performBlockOnMainThread_waitUntilDone_modes(e, block, waits, modes);
-                    },
-                    waits, true});
-    ways.push_back(
-        {"onThread, its own" + suffix,
-         [=](auto& e, auto& block) { performBlock_onThread_waitUntilDone(e, block, main, waits); },
-         waits, true});
-    ways.push_back({"onThread" + suffix,
-                    [=](auto& e, auto& block) {
-                      performBlock_onThread_waitUntilDone(e, block, thread, waits);
-                    },
-                    waits, false});
-    ways.push_back({"onThread:modes" + suffix,
-                    [=](auto& e, auto& block) {
-                      performBlock_onThread_waitUntilDone_modes(e, block, thread, waits, modes);
-                    },
-                    waits, false});
+    const auto add = [&](const std::string& name, Where where, auto perform) {
+      ways.push_back({name + (waits ? " and waits" : ""), where, waits, perform});
+    };
+    add("onMainThread", Where::mainThread,
+        [=](auto& w, auto& block) { performBlockOnMainThread_waitUntilDone(w, block, waits); });
+    add("onMainThread:modes", Where::mainThread, [=](auto& w, auto& block) {
+      performBlockOnMainThread_waitUntilDone_modes(w, block, waits, modes);
+    });
+    add("onThread, the main one", Where::mainThread,
+        [=](auto& w, auto& block) { performBlock_onThread_waitUntilDone(w, block, main, waits); });
+    add("onThread", Where::thread, [=](auto& w, auto& block) {
+      performBlock_onThread_waitUntilDone(w, block, thread, waits);
+    });
+    add("onThread:modes", Where::thread, [=](auto& w, auto& block) {
+      performBlock_onThread_waitUntilDone_modes(w, block, thread, waits, modes);
+    });
   }
   return ways;
 }
 
+// Has the block run from one of two threads, one of which is the main thread.
+void expectToRun(const Way& way, const NSRef<NSThread>& caller, const NSRef<NSThread>& thread) {
+  SCOPED_TRACE(way.name);
+  const auto loop = NSRunLoop::mainRunLoop();
+  std::latch deaths(2);
+  auto worker = NSMake<Worker>(deaths);
+  NSRef<NSThread> where;
+  auto block = NSMakeBlock<Worker>([&, held = NSMake<Farewell>(deaths)](Worker& target) {
+    ++target.edits;
+    where = NSThread::currentThread();
+    loop->performBlock([&] { loop->stop(); });
+  });
+  const auto expected = way.where == Where::caller       ? caller
+                        : way.where == Where::mainThread ? NSThread::mainThread()
+                        : way.where == Where::thread     ? thread
+                                                         : nullptr;
+  performBlock_onThread_waitUntilDone(
+      worker,
+      [&, way](Worker& target) {
+        way.perform(worker, block);
+        if (way.waits) {
+          EXPECT_EQ(target.edits, 1);
+        } else if (expected == caller) {
+          EXPECT_EQ(target.edits, 0);
+        }
+      },
+      caller, caller == NSThread::mainThread());
+  loop->run();
+  // The caller has done its part.
+  performBlock_onThread_waitUntilDone(
+      worker, [] {}, caller, true);
+  EXPECT_EQ(worker->edits, 1);
+  if (expected) {
+    EXPECT_EQ(where, expected);
+  } else {
+    EXPECT_TRUE(where != caller && where != thread);
+  }
+  worker = nullptr;
+  block = nullptr;
+  deaths.wait();
+}
+
 TEST(NSObjectPerforming, RunsBlocksOnThreads) {
   const LoopThread thread;
-  const auto loop = NSRunLoop::currentRunLoop();
+  const LoopThread other;
   for (const Way& way : waysTo(thread.get())) {
-    SCOPED_TRACE(way.name);
-    std::latch deaths(2);
-    auto worker = NSMake<Worker>(deaths);
-    bool isOnMainThread = false;
-    auto block = NSMakeBlock<Worker>([&, held = NSMake<Farewell>(deaths)](Worker& target) {
-      ++target.edits;
-      isOnMainThread = NSThread::isMainThread();
-      loop->performBlock([&] { loop->stop(); });
-    });
-    way.perform(worker, block);
-    if (way.isOnMainThread || way.isAtOnce) {
-      EXPECT_EQ(worker->edits, way.isAtOnce ? 1 : 0);
-    }
-    loop->run();
-    EXPECT_EQ(worker->edits, 1);
-    EXPECT_EQ(isOnMainThread, way.isOnMainThread);
-    // A nil block takes its turn.
-    way.perform(worker, nullptr);
+    expectToRun(way, NSThread::mainThread(), thread.get());
+    expectToRun(way, thread.get(), thread.get());
+    expectToRun(way, other.get(), thread.get());
+    // A nil block takes its turn, a nil receiver none.
+    std::latch death(1);
+    way.perform(NSMake<Worker>(death), nullptr);
     makePass();
-    EXPECT_THROW(way.perform(nullptr, block), NSException);
-    worker = nullptr;
-    block = nullptr;
-    deaths.wait();
+    death.wait();
+    EXPECT_THROW(way.perform(nullptr, NSMakeBlock<Worker>([] {})), NSException);
   }
+}
+
+TEST(NSObjectPerforming, DropsWhatNoRunLoopRuns) {
+  std::latch isReady(1);
+  std::latch mayEnd(1);
+  std::latch deaths(2);
+  std::atomic<int> edits = 0;
+  const auto edit = [&](Worker& /*target*/) { ++edits; };
+  auto worker = NSMake<Worker>(deaths);
+  const auto thread = NSMake<NSThread>([&] {
+    performBlock_afterDelay(worker, edit, 0);
+    isReady.count_down();
+    mayEnd.wait();
+  });
+  thread->start();
+  isReady.wait();
+  performBlock_onThread_waitUntilDone(
+      worker, [=, held = NSMake<Farewell>(deaths)](Worker& target) { edit(target); }, thread,
+      false);
+  worker = nullptr;
+  mayEnd.count_down();
+  deaths.wait();
+  EXPECT_EQ(edits, 0);
 }
 
 TEST(NSObjectPerforming, CallsOnTheMainThread) {
