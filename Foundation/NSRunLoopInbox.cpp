@@ -39,6 +39,7 @@ bool NSRunLoopInbox::isEmpty() {
 }
 
 void NSRunLoopInbox::wait(std::chrono::nanoseconds longest) {
+  if (longest <= std::chrono::nanoseconds::zero()) return;
   std::unique_lock lock(_mutex);
   const auto hasItems = [this] {
     _isWaiting = _items.empty();

@@ -26,7 +26,7 @@ class NSRunLoopInbox {
   /// Moves all items into the vector, which must be empty, and begins to wait for a signal anew.
   void takeInto(std::vector<Item>& items);
   bool isEmpty();
-  /// Returns when there are items, or after that time.
+  /// Returns when there are items, or after that time; at once when there is none.
   void wait(std::chrono::nanoseconds longest);
   /// Makes the descriptor readable, if somebody has asked for it.
   void signal();
