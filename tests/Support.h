@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <concepts>
 #include <ostream>
 #include <string>
@@ -43,6 +44,33 @@ void onThreads(int count, Action action) {
   threads.reserve(static_cast<std::size_t>(count));
   for (int k = 0; k < count; ++k) threads.emplace_back(action);
 }
+
+/// Calls from eight threads that must come one at a time and, of each thread, in their order.
+/// Nothing locks them: whatever runs the blocks has to keep them apart.
+class OrderedCalls {
+ public:
+  /// Submits blocks by `submit(k, block)`, with k from 0 on.
+  template <class Submit>
+  void make(int each, Submit submit) {
+    std::atomic<std::size_t> next = 0;
+    onThreads(threads, [&] {
+      const std::size_t self = next++;
+      for (int k = 0; k < each; ++k) {
+        submit(k, [this, self, k] {
+          EXPECT_EQ(_last[self], k - 1);
+          _last[self] = k;
+          ++count;
+        });
+      }
+    });
+  }
+
+  static constexpr int threads = 8;
+  int count = 0;
+
+ private:
+  std::vector<int> _last = std::vector<int>(threads, -1);
+};
 
 /// Counts the instances that are alive.
 struct Counted : NSObject {

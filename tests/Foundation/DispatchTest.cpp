@@ -17,30 +17,17 @@ void finish(const dispatch_queue_t& queue) {
 
 TEST(DispatchQueue, RunsBlocksOneAfterTheOther) {
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
-  constexpr int producers = 8;
   constexpr int each = 2000;
-  // Neither is locked: the queue is all that keeps the blocks apart.
-  std::vector<int> last(producers, -1);
-  int count = 0;
-  std::atomic<int> next = 0;
-  onThreads(producers, [&] {
-    const auto self = static_cast<std::size_t>(next++);
-    for (int k = 0; k < each; ++k) {
-      const auto block = [&, self, k] {
-        EXPECT_EQ(last[self], k - 1);
-        last[self] = k;
-        ++count;
-      };
-      if (k % 100 == 99) {
-        dispatch_sync(queue, block);
-        EXPECT_EQ(last[self], k);
-      } else {
-        dispatch_async(queue, block);
-      }
+  OrderedCalls calls;
+  calls.make(each, [&](int k, auto block) {
+    if (k % 100 == 99) {
+      dispatch_sync(queue, block);
+    } else {
+      dispatch_async(queue, block);
     }
   });
   finish(queue);
-  EXPECT_EQ(count, producers * each);
+  EXPECT_EQ(calls.count, OrderedCalls::threads * each);
 }
 
 TEST(DispatchQueue, RunsWaitingBlocksOnTheCallersThread) {

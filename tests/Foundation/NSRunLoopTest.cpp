@@ -178,36 +178,29 @@ TEST(NSRunLoop, DelaysAndCancelsAsAListWould) {
 }
 
 TEST(NSRunLoop, KeepsTheOrderOfEveryProducer) {
-  constexpr int producers = 8;
   constexpr int each = 5000;
   const auto loop = NSRunLoop::mainRunLoop();
-  std::vector<int> last(producers, -1);
-  int count = 0;
-  std::atomic<int> next = 0;
+  OrderedCalls calls;
   std::jthread producing([&] {
-    onThreads(producers, [&] {
-      const auto self = static_cast<std::size_t>(next++);
-      for (int k = 0; k < each; ++k) {
-        const auto block = [&, self, k] {
-          EXPECT_EQ(last[self], k - 1);
-          last[self] = k;
-          if (++count == producers * each) loop->stop();
-        };
-        // By every way onto the main thread.
-        if (k % 100 == 99) {
-          dispatch_sync(dispatch_get_main_queue(), block);
-        } else if (k % 3 == 0) {
-          dispatch_async(dispatch_get_main_queue(), block);
-        } else if (k % 3 == 1) {
-          NSOperationQueue::mainQueue()->addOperationWithBlock(block);
-        } else {
-          loop->performBlock(block);
-        }
+    calls.make(each, [&](int k, auto block) {
+      const auto counting = [&, block] {
+        block();
+        if (calls.count == OrderedCalls::threads * each) loop->stop();
+      };
+      // By every way onto the main thread.
+      if (k % 100 == 99) {
+        dispatch_sync(dispatch_get_main_queue(), counting);
+      } else if (k % 3 == 0) {
+        dispatch_async(dispatch_get_main_queue(), counting);
+      } else if (k % 3 == 1) {
+        NSOperationQueue::mainQueue()->addOperationWithBlock(counting);
+      } else {
+        loop->performBlock(counting);
       }
     });
   });
   loop->run();
-  EXPECT_EQ(count, producers * each);
+  EXPECT_EQ(calls.count, OrderedCalls::threads * each);
 }
 
 TEST(NSRunLoop, WakesForEveryWaitingCaller) {

@@ -151,11 +151,9 @@ TEST(NSDate, IsAPointInTime) {
   EXPECT_EQ(NSMake<NSDate>(0.75)->description()->utf8(), "2001-01-01 00:00:00 +0000");
   EXPECT_EQ(NSDate::distantPast()->description()->utf8(), "0001-01-01 00:00:00 +0000");
   EXPECT_EQ(NSDate::distantFuture()->description()->utf8(), "4001-01-01 00:00:00 +0000");
-  EXPECT_EQ(NSMake<NSDate>(1e300)->isEqual(NSMake<NSDate>(1e300)), true);
   EXPECT_EQ(epoch->compare(NSMake<NSDate>()), NSOrderedAscending);
   EXPECT_EQ(NSDate::distantFuture()->compare(epoch), NSOrderedDescending);
   EXPECT_EQ(epoch->copy()->hash(), epoch->hash());
-  EXPECT_LT(epoch->timeIntervalSinceNow(), 0);
   EXPECT_GT(NSDate::dateWithTimeIntervalSinceNow(1000)->timeIntervalSinceNow(), 0);
 }
 
