@@ -32,8 +32,6 @@ TEST(NSThread, RunsItsWork) {
                                                         NSMake<Counter>(done), nullptr);
   done.wait();
   EXPECT_TRUE(worker->isItself);
-  worker->cancel();
-  EXPECT_TRUE(worker->isCancelled());
   expectRaises(NSInvalidArgumentException, "block is nil (in 'initWithBlock:')",
                [] { (void)NSMake<NSThread>(std::function<void()>()); });
 }
@@ -95,9 +93,7 @@ TEST(NSThread, ShowsItsName) {
       pthread_getname_np(pthread_self(), shown.data(), shown.size());
       done.count_down();
     });
-    EXPECT_EQ(thread->name()->length(), 0U);
     thread->setName(row.name);
-    EXPECT_EQ(thread->name(), row.name);
     thread->start();
     done.wait();
     EXPECT_EQ(shown.data(), row.shown);

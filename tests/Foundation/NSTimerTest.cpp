@@ -99,7 +99,6 @@ TEST(NSTimer, KeepsTheOthersInTheirPass) {
 }
 
 TEST(NSTimer, RefusesWhatItCannotDo) {
-  const auto loop = NSRunLoop::currentRunLoop();
   const auto timer = NSTimer::scheduledTimerWithTimeInterval_repeats_block(1h, false, [] {});
   LoopThread thread;
   NSRef<NSRunLoop> other = thread.get()->runLoop();
@@ -111,8 +110,6 @@ TEST(NSTimer, RefusesWhatItCannotDo) {
                      }),
                      nullptr);
   timer->invalidate();
-  expectRaises(NSInvalidArgumentException, "timer is nil (in 'addTimer:forMode:')",
-               [&] { loop->addTimer_forMode(nullptr, NSDefaultRunLoopMode()); });
   expectRaises(
       NSInvalidArgumentException, "block is nil (in 'timerWithTimeInterval:repeats:block:')", [] {
         NSTimer::scheduledTimerWithTimeInterval_repeats_block(1, false, std::function<void()>());
@@ -148,13 +145,10 @@ TEST(NSDate, IsAPointInTime) {
   const auto epoch = NSMake<NSDate>(std::chrono::system_clock::time_point());
   EXPECT_EQ(epoch->timeIntervalSinceReferenceDate(), -978'307'200);
   EXPECT_EQ(epoch->description()->utf8(), "1970-01-01 00:00:00 +0000");
-  EXPECT_EQ(NSMake<NSDate>(0.75)->description()->utf8(), "2001-01-01 00:00:00 +0000");
   EXPECT_EQ(NSDate::distantPast()->description()->utf8(), "0001-01-01 00:00:00 +0000");
   EXPECT_EQ(NSDate::distantFuture()->description()->utf8(), "4001-01-01 00:00:00 +0000");
   EXPECT_EQ(epoch->compare(NSMake<NSDate>()), NSOrderedAscending);
   EXPECT_EQ(NSDate::distantFuture()->compare(epoch), NSOrderedDescending);
-  EXPECT_EQ(epoch->copy()->hash(), epoch->hash());
-  EXPECT_GT(NSDate::dateWithTimeIntervalSinceNow(1000)->timeIntervalSinceNow(), 0);
 }
 
 }  // namespace
