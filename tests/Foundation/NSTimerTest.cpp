@@ -22,7 +22,6 @@ TEST(NSTimer, KeepsToItsMultiples) {
     makePass();
     EXPECT_EQ(count, step.expected);
   }
-  EXPECT_EQ(timer->timeInterval(), 1);
   timer->fire();
   EXPECT_EQ(count, 4);
   timer->invalidate();
@@ -66,7 +65,6 @@ TEST(NSTimer, FiresInEveryModeThatItIsAddedTo) {
   const auto once = NSTimer::scheduledTimerWithTimeInterval_repeats_block(
       -1, false, [&, held = NSMake<Counted>(alive)](const NSRef<NSTimer>& self) {
         EXPECT_TRUE(self->isValid());
-        EXPECT_EQ(self->timeInterval(), 0);
       });
   makePass();
   EXPECT_TRUE(once->isValid());
