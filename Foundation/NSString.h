@@ -61,6 +61,7 @@ class NS_EXPORT NSString : public NSObject {
                                                     std::span<const NSFormatArgument> arguments);
 
   /// Strings are made with room behind them, so that their size is not that of their class.
+  static void* operator new(std::size_t size) { return ::operator new(size); }
   static void operator delete(void* string) noexcept { ::operator delete(string); }
 
   std::u16string_view view() const noexcept { return _text.view(); }
@@ -176,7 +177,7 @@ class NS_EXPORT NSString : public NSObject {
   template <class String>
   static NSRef<String> makeWithRoom(std::size_t units) {
     static_assert(sizeof(String) == sizeof(NSString));
-    void* const block = ::operator new(sizeof(String) + units * sizeof(char16_t));
+    void* const block = NSString::operator new(sizeof(String) + units * sizeof(char16_t));
     auto* const room = reinterpret_cast<char16_t*>(static_cast<String*>(block) + 1);
     return NSRef<String>::adopt(::new (block) String(std::span(room, units)));
   }

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#define HWY_WANT_AVX3_DL  // Compresses lanes of bytes and units in one instruction.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Foundation/NSUnicodeKernels.cpp"
 #include <hwy/foreach_target.h>

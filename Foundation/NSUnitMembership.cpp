@@ -6,7 +6,6 @@
 #include <cstring>
 #include <tuple>
 
-#define HWY_WANT_AVX3_DL  // Compresses lanes of units in one instruction.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Foundation/NSUnitMembership.cpp"
 #include <hwy/foreach_target.h>

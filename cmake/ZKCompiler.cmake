@@ -6,6 +6,15 @@ target_compile_options(zk_build_options INTERFACE
   $<$<BOOL:${ZK_WARNINGS_AS_ERRORS}>:-Werror>)
 # A product and a sum are two operations that round by themselves on every processor.
 target_compile_options(zk_build_options INTERFACE -ffp-contract=off)
+# What is built does not tell where.
+target_compile_options(zk_build_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+
+if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
+  find_program(ZK_CCACHE ccache)
+  if(ZK_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${ZK_CCACHE})
+  endif()
+endif()
 
 if(ZK_SANITIZE)
   target_compile_options(zk_build_options INTERFACE
@@ -19,15 +28,16 @@ else()
   add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:LINKER:--no-undefined>)
 endif()
 
-# A shared library of this project: version, SONAME, header search path, and its headers installed
-# with their folders.
+# A shared library of this project: version, SONAME, header search path, and where it finds its
+# neighbour. Before 1.0 every minor version may be incompatible with the one before.
 function(zk_configure_library target)
   set_target_properties(${target} PROPERTIES
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+    INSTALL_RPATH $ORIGIN)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
-    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation>)
+    $<INSTALL_INTERFACE:$<$<BOOL:${ZK_INSTALL}>:${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation>>)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zk_build_options>)
   # Calls within the library are direct: nobody replaces its functions by their own.
   target_compile_options(${target} PRIVATE -fno-semantic-interposition)

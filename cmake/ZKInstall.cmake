@@ -1,7 +1,7 @@
 include(CMakePackageConfigHelpers)
 
 set(zk_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZKFoundation)
-install(TARGETS Foundation ZKFoundation EXPORT ZKFoundationTargets
+install(TARGETS zk_platform ZKFoundation EXPORT ZKFoundationTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation)
 install(EXPORT ZKFoundationTargets NAMESPACE ZKFoundation:: DESTINATION ${zk_package_dir}
