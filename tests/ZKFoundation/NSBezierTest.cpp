@@ -194,6 +194,15 @@ TEST(NSBezier, EndsWhateverItIsGiven) {
   const Cubic curve = {{{0, 0}, {10, 0}, {-10, 0}, {30, 0}}};
   double t = 7;
   EXPECT_EQ(ZKNearestPointOnCurve(curve.data(), &t, {-0x1p60, 0}), NSMakePoint(0, 0));
+  for (std::size_t broken = 0; broken < curve.size(); ++broken) {
+    Cubic withoutNumber = curve;
+    withoutNumber[broken].y = nan;
+    double other = 7;
+    const NSPoint plain = ZKNearestPointOnCurve(withoutNumber.data(), &t, {1, 2});
+    const NSPoint refined = ZKNearestPointOnCurveRefined(withoutNumber.data(), &other, {1, 2});
+    EXPECT_TRUE(areSameBits(plain.x, refined.x) && areSameBits(plain.y, refined.y)) << broken;
+    EXPECT_TRUE(areSameBits(t, other)) << broken;
+  }
 }
 
 TEST(NSBezierDeathTest, StopsAtMoreRootsThanThereCanBe) {
