@@ -53,6 +53,13 @@ class NS_EXPORT NSException : public std::exception {
 /// Raises `NSInvalidArgumentException`: "anObject is nil (in 'addObject:')".
 [[noreturn]] NS_EXPORT void NSRaiseNilArgument(const char* argument, const char* operation);
 
+/// Raises `NSInvalidArgumentException`, as `NSRaiseNilArgument` does, when the argument is nil.
+template <class T>
+void NSCheckArgument(const char* operation, const char* name, const NSRef<T>& argument) {
+  if (!argument) [[unlikely]] {
+    NSRaiseNilArgument(name, operation);
+  }
+}
 /// Raises `NSRangeException` unless the index is below the count.
 inline void NSCheckIndex(const char* operation, NSUInteger index, NSUInteger count) {
   if (index >= count) [[unlikely]] {

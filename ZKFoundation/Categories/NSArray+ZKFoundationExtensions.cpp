@@ -83,29 +83,35 @@ namespace ZKFoundationExtensions {
 
 void makeObjectsPerformBlock(const NSRef<NSArray>& array,
                              NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) {
+  NSCheckArgument("makeObjectsPerformBlock:", "array", array);
   if (!aBlock) NSRaiseNilArgument("aBlock", "makeObjectsPerformBlock:");
   array->enumerateObjectsUsingBlock(aBlock);
 }
 
 NSRef<NSArray> transformedArrayUsingTransformator(const NSRef<NSArray>& array,
                                                   ZKTransformator transformator) {
+  NSCheckArgument("transformedArrayUsingTransformator:", "array", array);
   return ZKTransformedCollection<NSArray>(NSElements(array->elements()), transformator);
 }
 
 NSRef<NSArray> arrayWithObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {
+  NSCheckArgument("arrayWithObjectsKindOfClass:", "array", array);
   return array->filteredArrayUsingPredicate(NSPredicate::predicateWithBlock(KindOfClass(aClass)));
 }
 
 NSRef<NSArray> arrayWithObjectsMemberOfClass(const NSRef<NSArray>& array, NSClass aClass) {
+  NSCheckArgument("arrayWithObjectsMemberOfClass:", "array", array);
   return array->filteredArrayUsingPredicate(NSPredicate::predicateWithBlock(
       [=](const NSRef<NSObject>& object) { return object->isMemberOfClass(aClass); }));
 }
 
 bool containObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {
+  NSCheckArgument("containObjectsKindOfClass:", "array", array);
   return std::ranges::any_of(array->objects(), KindOfClass(aClass));
 }
 
 void removeAllObjectsWhichNotMemberOfClass(const NSRef<NSMutableArray>& array, NSClass aClass) {
+  NSCheckArgument("removeAllObjectsWhichNotMemberOfClass:", "array", array);
   RemovedObjects removed;
   for (const auto& object : array) {
     if (!object->isMemberOfClass(aClass)) removed.add(object);
@@ -128,11 +134,13 @@ NSRef<NSMutableArray> arrayFromArray_forKeyPath_matching(const NSRef<NSArray>& a
 }
 
 bool containsObjectIdenticalTo(const NSRef<NSArray>& array, const NSRef<NSObject>& object) {
+  NSCheckArgument("containsObjectIdenticalTo:", "array", array);
   return array->indexOfObjectIdenticalTo(object) != NSNotFound;
 }
 
 NSRef<NSMutableArray> arrayFromIndexes(const NSRef<NSArray>& array,
                                        const NSRef<NSIndexSet>& indexes) {
+  NSCheckArgument("arrayFromIndexes:", "array", array);
   auto result = NSMake<NSMutableArray>();
   if (!indexes) return result;
   std::array<NSUInteger, 20> found;
@@ -147,6 +155,7 @@ NSRef<NSMutableArray> arrayFromIndexes(const NSRef<NSArray>& array,
 
 void insertObjectsFromArray_atIndex(const NSRef<NSMutableArray>& array, const NSRef<NSArray>& other,
                                     NSInteger index) {
+  NSCheckArgument("insertObjectsFromArray:atIndex:", "array", array);
   if (!other || other->count() == 0) return;
   const auto place = static_cast<NSUInteger>(index);
   if (place > array->count())

@@ -204,6 +204,8 @@ template <class Compare>
 NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingFunction(const NSRef<NSArray>& array,
                                                                   const NSRef<NSObject>& object,
                                                                   Compare compare) {
+  NSCheckArgument("indexWhereObjectWouldBelong:inArraySortedUsingFunction:context:", "array",
+                  array);
   // Of its own: the comparison may change the array.
   const NSElements elements = array->elements();
   return indexWhereObjectWouldBelong_inArraySortedUsingFunction(elements.view(), object,
@@ -214,6 +216,7 @@ template <class Compare>
 NSUInteger indexOfObject_identical_inArraySortedUsingFunction(const NSRef<NSArray>& array,
                                                               const NSRef<NSObject>& object,
                                                               bool identical, Compare compare) {
+  NSCheckArgument("indexOfObject:identical:inArraySortedUsingFunction:context:", "array", array);
   const NSElements elements = array->elements();
   return indexOfObject_identical_inArraySortedUsingFunction(elements.view(), object, identical,
                                                             std::ref(compare));
@@ -224,6 +227,7 @@ NSUInteger indexOfObject_identical_inArraySortedUsingFunction(const NSRef<NSArra
 template <class Compare>
 void insertObject_inArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
                                              const NSRef<NSObject>& object, Compare compare) {
+  NSCheckArgument("insertObject:inArraySortedUsingFunction:context:", "array", array);
   const NSUInteger place = object ? indexWhereObjectWouldBelong_inArraySortedUsingFunction(
                                         array, object, std::ref(compare))
                                   : 0;
@@ -250,6 +254,7 @@ template <class Method>
 NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingSelector(const NSRef<NSArray>& array,
                                                                   const NSRef<NSObject>& object,
                                                                   Method method) {
+  NSCheckArgument("indexWhereObjectWouldBelong:inArraySortedUsingSelector:", "array", array);
   return indexWhereObjectWouldBelong_inArraySortedUsingFunction(array, object,
                                                                 ZKMethodOrdering(object, method));
 }
@@ -259,6 +264,7 @@ template <class Method>
 NSUInteger indexOfObjectIdenticalTo_inArraySortedUsingSelector(const NSRef<NSArray>& array,
                                                                const NSRef<NSObject>& object,
                                                                Method method) {
+  NSCheckArgument("indexOfObjectIdenticalTo:inArraySortedUsingSelector:", "array", array);
   return indexOfObject_identical_inArraySortedUsingFunction(array, object, true,
                                                             ZKMethodOrdering(object, method));
 }
@@ -266,6 +272,7 @@ NSUInteger indexOfObjectIdenticalTo_inArraySortedUsingSelector(const NSRef<NSArr
 template <class Method>
 void insertObject_inArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
                                              const NSRef<NSObject>& object, Method method) {
+  NSCheckArgument("insertObject:inArraySortedUsingSelector:", "array", array);
   insertObject_inArraySortedUsingFunction(array, object, ZKMethodOrdering(object, method));
 }
 
@@ -275,6 +282,7 @@ template <class Method>
 void removeObjectIdenticalTo_fromArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
                                                           const NSRef<NSObject>& object,
                                                           Method method) {
+  NSCheckArgument("removeObjectIdenticalTo:fromArraySortedUsingSelector:", "array", array);
   const NSUInteger index =
       indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object, method);
   // A comparison may have changed the array.

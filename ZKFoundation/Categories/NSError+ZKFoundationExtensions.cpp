@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSError+ZKFoundationExtensions.h"
 
 #include <cerrno>
@@ -5,6 +6,7 @@
 namespace ZKFoundationExtensions {
 
 bool isFileNotFoundError(const NSRef<NSError>& error) {
+  NSCheckArgument("isFileNotFoundError", "error", error);
   const NSInteger code = error->code();
   if (error->domain() == NSPOSIXErrorDomain()) return code == ENOENT;
   return error->domain() == NSCocoaErrorDomain() &&

@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSFileManager+ZKFoundationExtensions.h"
 
 #include <Foundation/NSPathUtilities.h>
@@ -34,6 +35,7 @@ NSRef<NSURL> temporaryFolder() {
 NSRef<NSURL> findOrCreateDirectory_inDomain_appendPathComponent_error(
     const NSRef<NSFileManager>& manager, NSUInteger directory, NSUInteger domain,
     const NSRef<NSString>& component, NSRef<NSError>* error) {
+  NSCheckArgument("findOrCreateDirectory:inDomain:appendPathComponent:error:", "manager", manager);
   auto url = manager->URLForDirectory_inDomain_appropriateForURL_create_error(
       directory, domain, nullptr, false, error);
   if (!url) return nullptr;

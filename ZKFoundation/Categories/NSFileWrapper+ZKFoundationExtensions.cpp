@@ -1,9 +1,11 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSFileWrapper+ZKFoundationExtensions.h"
 
 namespace ZKFoundationExtensions {
 
 NSRef<NSString> addFileWrapperWithUniqueFileName(const NSRef<NSFileWrapper>& directory,
                                                  const NSRef<NSFileWrapper>& child) {
+  NSCheckArgument("addFileWrapperWithUniqueFileName:", "directory", directory);
   // It takes the name that this wants; all that remains is to tell the child.
   auto name = directory->addFileWrapper(child);
   if (!name->isEqualToString(child->preferredFilename())) child->setPreferredFilename(name);

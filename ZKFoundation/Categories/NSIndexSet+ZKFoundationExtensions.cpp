@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "Foundation/NSString.h"
 #include "ZKFoundation/Categories/NSIndexSet+ZKFoundationExtensions.h"
 
@@ -8,6 +9,7 @@
 namespace ZKFoundationExtensions {
 
 NSRef<NSMutableIndexSet> indexesInRange(const NSRef<NSIndexSet>& indexes, NSRange range) {
+  NSCheckArgument("indexesInRange:", "indexes", indexes);
   const auto runs = indexes->ranges();
   const auto first = std::ranges::upper_bound(runs, range.location, {}, NSMaxRange);
   const auto end =
@@ -24,6 +26,7 @@ NSRef<NSMutableIndexSet> indexesInRange(const NSRef<NSIndexSet>& indexes, NSRang
 
 NSRef<NSString> stringValueWithSeparator(const NSRef<NSIndexSet>& indexes,
                                          const NSRef<NSString>& separator) {
+  NSCheckArgument("stringValueWithSeparator:", "indexes", indexes);
   const std::u16string_view between = separator ? separator->view() : u"(null)";
   NSUnitBuffer text;
   for (const NSRange& run : indexes->ranges()) {

@@ -1,9 +1,11 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSMapTable+ZKFoundationExtensions.h"
 
 namespace ZKFoundationExtensions {
 
 void setObjectIfAbsent_forKey(const NSRef<NSMapTable>& table, const NSRef<NSObject>& anObject,
                               const NSRef<NSObject>& aKey) {
+  NSCheckArgument("setObjectIfAbsent:forKey:", "table", table);
   if (!table->objectForKey(aKey)) table->setObject_forKey(anObject, aKey);
 }
 

@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h"
 
 #include <algorithm>
@@ -108,6 +109,7 @@ void roman_digit(const NSRef<NSString>& one, const NSRef<NSString>& five,
 namespace ZKFoundationExtensions {
 
 NSRef<NSString> numberToStringWithType(const NSRef<NSNumber>& number, NSUInteger type) {
+  NSCheckArgument("numberToStringWithType:", "number", number);
   return ZKBinToStr(number->unsignedLongValue(), type);
 }
 

@@ -37,6 +37,7 @@ namespace ZKFoundationExtensions {
 
 NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zone,
                                       ZKCopySpec copySpec) {
+  NSCheckArgument("copyWithZone:copySpec:", "object", object);
   const auto& copyable =
       checkedDeepCopyable(object, u"Cannot copy object using copyWithZone:copySpec:");
   ZKCopySpec sub = copySpec;
@@ -48,6 +49,7 @@ NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zon
 }
 
 NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object, ZKCopySpec copySpec) {
+  NSCheckArgument("copyWithCopySpec:", "object", object);
   checkedDeepCopyable(object, u"Cannot copy object using copyWithCopySpec");
   return copyWithZone_copySpec(object, nullptr, copySpec);
 }

@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "Foundation/NSLog.h"
 #include "ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h"
 
@@ -22,9 +23,13 @@ namespace ZKFoundationExtensions {
 
 NSRef<NSBundle> bundle(NSClass aClass) { return NSBundle::bundleForClass(aClass); }
 
-NSRef<NSBundle> bundle(const NSRef<NSObject>& object) { return bundle(object->objectClass()); }
+NSRef<NSBundle> bundle(const NSRef<NSObject>& object) {
+  NSCheckArgument("bundle", "object", object);
+  return bundle(object->objectClass());
+}
 
 NSRef<NSObject> valueForUndefinedKey(const NSRef<NSObject>& object, const NSRef<NSString>& key) {
+  NSCheckArgument("valueForUndefinedKey:", "object", object);
   return object->valueForUndefinedKey(key);
 }
 

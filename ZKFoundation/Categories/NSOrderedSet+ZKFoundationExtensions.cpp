@@ -6,12 +6,14 @@ namespace ZKFoundationExtensions {
 
 void makeObjectsPerformBlock(const NSRef<NSOrderedSet>& set,
                              NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) {
+  NSCheckArgument("makeObjectsPerformBlock:", "set", set);
   if (!aBlock) NSRaiseNilArgument("aBlock", "makeObjectsPerformBlock:");
   set->enumerateObjectsUsingBlock(aBlock);
 }
 
 NSRef<NSOrderedSet> transformedOrderedSetUsingTransformator(const NSRef<NSOrderedSet>& set,
                                                             ZKTransformator transformator) {
+  NSCheckArgument("transformedOrderedSetUsingTransformator:", "set", set);
   return ZKTransformedCollection<NSOrderedSet>(NSElements(set->elements()), transformator);
 }
 

@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSPointerArray+ZKFoundationExtensions.h"
 
 #include <algorithm>
@@ -10,10 +11,12 @@ NSRef<NSPointerArray> zk_pointerArrayWithWeakObjects() {
 }
 
 void* lastPointer(const NSRef<NSPointerArray>& array) {
+  NSCheckArgument("lastPointer", "array", array);
   return array->count() == 0 ? nullptr : array->pointers().back();
 }
 
 bool removePointerIdenticalTo(const NSRef<NSPointerArray>& array, const void* pointer) {
+  NSCheckArgument("removePointerIdenticalTo:", "array", array);
   const auto pointers = array->pointers();
   const auto found = std::find(pointers.rbegin(), pointers.rend(), pointer);
   if (found == pointers.rend()) return false;
@@ -22,12 +25,14 @@ bool removePointerIdenticalTo(const NSRef<NSPointerArray>& array, const void* po
 }
 
 bool containsPointer(const NSRef<NSPointerArray>& array, const void* pointer) {
+  NSCheckArgument("containsPointer:", "array", array);
   const auto pointers = array->pointers();
   return std::ranges::find(pointers, pointer) != pointers.end();
 }
 
 void addPointersFromPointerArray(const NSRef<NSPointerArray>& array,
                                  const NSRef<NSPointerArray>& other) {
+  NSCheckArgument("addPointersFromPointerArray:", "array", array);
   if (!other) return;
   const std::vector<void*> added(other->pointers().begin(), other->pointers().end());
   for (void* const pointer : added) array->addPointer(pointer);

@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSURL+ZKFoundationExtensions.h"
 #include "ZKFoundation/Categories/ZKNumberedName.h"
 
@@ -24,6 +25,7 @@ NSRef<NSString> pathInUTF8(const NSRef<NSURL>& url) {
 namespace ZKFoundationExtensions {
 
 NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url, const NSRef<NSArray>& urls) {
+  NSCheckArgument("uniqueURLWithURL:forURLArray:", "url", url);
   if (!url->isFileURL()) return url;
   const auto path = pathInUTF8(url);
   if (!path) return nullptr;
@@ -40,11 +42,13 @@ NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url, const NSRef<N
 }
 
 bool isSecurityScoped(const NSRef<NSURL>& url) {
+  NSCheckArgument("isSecurityScoped", "url", url);
   const auto query = url->query();
   return !query || query->view().find(u"applesecurityscope=") != std::u16string_view::npos;
 }
 
 NSRef<NSURL> strippedSecurityScopedURL(const NSRef<NSURL>& url) {
+  NSCheckArgument("strippedSecurityScopedURL", "url", url);
   if (!isSecurityScoped(url)) return url;
   return pathInUTF8(url) ? NSURL::fileURLWithPathComponents(url->pathComponents()) : nullptr;
 }
