@@ -37,7 +37,7 @@ function(zk_configure_library target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
-    $<INSTALL_INTERFACE:$<$<BOOL:${ZK_INSTALL}>:${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation>>)
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation>)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zk_build_options>)
   # Calls within the library are direct: nobody replaces its functions by their own.
   target_compile_options(${target} PRIVATE -fno-semantic-interposition)
