@@ -15,6 +15,8 @@ namespace {
 
 }  // namespace
 
+NSCoding::~NSCoding() = default;
+
 void NSCoder::encodeBool_forKey(bool /*value*/, const NSRef<NSString>& /*key*/) {
   raiseWrongDirection(*this, "encodeBool:forKey:");
 }

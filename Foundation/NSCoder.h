@@ -21,7 +21,7 @@ class NSString;
 /// `NSKeyedUnarchiver::registerClass<Chapter>()` allows archives to make it.
 class NS_EXPORT NSCoding {
  public:
-  virtual ~NSCoding() = default;
+  virtual ~NSCoding();
   virtual void encodeWithCoder(const NSRef<NSCoder>& coder) const = 0;
 
  protected:

@@ -2,6 +2,8 @@
 
 #include "Foundation/NSNeverDestroyed.h"
 
+NSOperationQueue::~NSOperationQueue() = default;
+
 const NSRef<NSOperationQueue>& NSOperationQueue::mainQueue() {
   static const NSNeverDestroyed<NSRef<NSOperationQueue>> queue(NSMake<NSOperationQueue>());
   return *queue;

@@ -12,6 +12,8 @@
 /// modes, in one order with the main dispatch queue.
 class NS_EXPORT NSOperationQueue : public NSObject {
  public:
+  ~NSOperationQueue() override;
+
   /// From any thread.
   static const NSRef<NSOperationQueue>& mainQueue();
 

@@ -5,3 +5,5 @@
 NSPredicate::NSPredicate(Block block) : _block(std::move(block)) {
   if (!_block) NSRaiseNilArgument("block", "predicateWithBlock:");
 }
+
+NSPredicate::~NSPredicate() = default;

@@ -30,6 +30,7 @@ class NS_EXPORT NSPredicate : public NSObject {
     }
   }
   explicit NSPredicate(Block block);
+  ~NSPredicate() override;
 
   /// Whether it holds for the object, which may be nil.
   bool evaluateWithObject(const NSRef<NSObject>& object) const { return _block(object, nullptr); }

@@ -69,6 +69,8 @@ NSTimer::NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block)
       _repeats(repeats),
       _block(std::move(block)) {}
 
+NSTimer::~NSTimer() = default;
+
 void NSTimer::fire() {
   const auto alive = self();
   const auto block = _block;

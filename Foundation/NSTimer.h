@@ -20,6 +20,7 @@ class NS_EXPORT NSTimer : public NSObject {
  public:
   /// A timer in no run loop yet. A shorter interval counts as one of 0.1 milliseconds.
   NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block);
+  ~NSTimer() override;
 
   /// The block takes the timer, or nothing; a nil block raises `NSInvalidArgumentException`.
   template <class F>

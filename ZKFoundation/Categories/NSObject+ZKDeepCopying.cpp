@@ -33,6 +33,8 @@ NSRef<NSMapTable> referenceTable() {
 
 }  // namespace
 
+ZKDeepObjectCopyingProtocol::~ZKDeepObjectCopyingProtocol() = default;
+
 namespace ZKFoundationExtensions {
 
 NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zone,

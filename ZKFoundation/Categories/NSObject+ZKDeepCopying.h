@@ -16,7 +16,7 @@ using ZKCopySpec = NSInteger;
 /// copied once. `docs/object-graphs.md` shows a whole class.
 class ZK_EXPORT ZKDeepObjectCopyingProtocol {
  public:
-  virtual ~ZKDeepObjectCopyingProtocol() = default;
+  virtual ~ZKDeepObjectCopyingProtocol();
 
   /// A copy under `copySpec`; what the object refers to is copied under `subCopySpec`. The table is
   /// the same one throughout a copy: copies by their originals, which it compares by `isEqual`, so

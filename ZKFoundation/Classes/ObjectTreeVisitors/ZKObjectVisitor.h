@@ -10,7 +10,7 @@ using ZKTraversableObject = NSObject;
 /// Told of each object by a traversal. `docs/object-graphs.md` shows one.
 class ZK_EXPORT ZKObjectVisitor {
  public:
-  virtual ~ZKObjectVisitor() = default;
+  virtual ~ZKObjectVisitor();
 
   /// Whether the traversal should visit the object.
   virtual bool shouldVisitObject(const NSRef<ZKTraversableObject>& object) = 0;
