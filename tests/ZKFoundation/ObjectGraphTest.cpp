@@ -190,7 +190,7 @@ TEST(ZKGenericVisitor, VisitsEqualObjectsOnce) {
   bool stop = false;
   visitor->visitObject_stop(u"b"_ns, stop);
   EXPECT_TRUE(after->description() == u"{(a)}");
-  EXPECT_EQ(visitor->visitedObjects()->count(), 2U);
+  EXPECT_EQ(visitor->valueForKey(u"visitedObjects"_ns).as<NSSet>()->count(), 2U);
   expectRaises(NSInvalidArgumentException, "anObject is nil (in 'addObject:')",
                [&] { visitor->visitObject_stop(nullptr, stop); });
 }
@@ -221,6 +221,22 @@ TEST(ZKGenericVisitor, ServesManyThreads) {
   });
   EXPECT_EQ(visitor->visitedObjects()->count(), 50U);
   EXPECT_GE(visits, 50);
+
+  // One thread visits, the other takes snapshots.
+  constexpr NSUInteger last = 3000;
+  const auto record = NSMake<ZKGenericVisitor>();
+  onThreads(2, [&, isFirst = std::make_shared<std::atomic<bool>>(true)] {
+    bool stop = false;
+    if (isFirst->exchange(false)) {
+      for (NSUInteger k = 1; k <= last; ++k) record->visitObject_stop(NSMake<NSNumber>(k), stop);
+    }
+    for (NSUInteger count = 0; count < last;) {
+      const auto snapshot = record->visitedObjects();
+      EXPECT_GE(snapshot->count(), count);
+      count = snapshot->count();
+      EXPECT_TRUE(count == 0 || snapshot->containsObject(NSMake<NSNumber>(count)));
+    }
+  });
 }
 
 }  // namespace

@@ -1,5 +1,9 @@
 #include "ZKFoundation/Classes/ObjectTreeVisitors/ZKGenericVisitor.h"
 
+#include <Foundation/NSKeyValueCoding.h>
+
+ZKObjectVisitor::~ZKObjectVisitor() = default;
+
 ZKGenericVisitor::ZKGenericVisitor() : _visitedObjects(NSMake<NSMutableSet>(NSUInteger{20})) {}
 
 NSRef<NSSet> ZKGenericVisitor::visitedObjects() const {
@@ -15,4 +19,10 @@ bool ZKGenericVisitor::shouldVisitObject(const NSRef<ZKTraversableObject>& objec
 void ZKGenericVisitor::visitObject_stop(const NSRef<ZKTraversableObject>& object, bool& /*stop*/) {
   const std::scoped_lock lock(_lock);
   _visitedObjects->addObject(object);
+}
+
+const NSPropertyTable& ZKGenericVisitor::propertyTable() const {
+  static const NSPropertyTable table({{u"visitedObjects", &ZKGenericVisitor::visitedObjects}},
+                                     NSObject::propertyTable());
+  return table;
 }

@@ -23,6 +23,9 @@ class ZK_EXPORT ZKGenericVisitor : public NSObject, public ZKObjectVisitor {
   /// Records the object and leaves `stop` alone. Nil raises `NSInvalidArgumentException`.
   void visitObject_stop(const NSRef<ZKTraversableObject>& object, bool& stop) override;
 
+  /// "visitedObjects" besides what every object publishes.
+  const NSPropertyTable& propertyTable() const override;
+
  private:
   // Recursive: the objects' own `isEqual` and `hash` may ask the visitor.
   mutable std::recursive_mutex _lock;
