@@ -23,8 +23,8 @@ namespace {
 constexpr mode_t everything = 0777;
 constexpr mode_t permissionBits = 07777;
 
-// Makes directories, and removes those that it has made unless it is told to keep them. All
-// functions give the `errno`, 0 for success.
+// Makes directories, and removes those that it has made unless it is told to keep them. What makes
+// one gives the `errno`, 0 for success.
 class DirectoryMaker {
  public:
   DirectoryMaker() = default;
@@ -36,7 +36,11 @@ class DirectoryMaker {
 
   int make(const fs::path& path, mode_t mode) {
     _made.reserve(_made.size() + 1);
-    if (mkdir(path.c_str(), mode) != 0) return errno;
+    if (mkdir(path.c_str(), mode) != 0) {
+      const int error = errno;
+      _refused = path;
+      return error;
+    }
     _made.push_back(path);
     return 0;
   }
@@ -59,19 +63,26 @@ class DirectoryMaker {
     return ENOENT;
   }
 
+  // What was refused last.
+  const fs::path& refused() const { return _refused; }
   bool hasMade(const fs::path& path) const { return !_made.empty() && _made.back() == path; }
   void keep() { _made.clear(); }
 
  private:
   std::vector<fs::path> _made;
+  fs::path _refused;
 };
 
-int makeDirectory(const fs::path& path, bool createIntermediates, const mode_t* permissions) {
+// After a failure `path` is the one that failed.
+int makeDirectory(fs::path& path, bool createIntermediates, const mode_t* permissions) {
   DirectoryMaker maker;
   const mode_t mode = permissions != nullptr ? *permissions : everything;
   const int error =
       createIntermediates ? maker.makeWithIntermediates(path, mode) : maker.make(path, mode);
-  if (error != 0) return error;
+  if (error != 0) {
+    path = maker.refused();
+    return error;
+  }
   // The file mode creation mask has taken its part.
   if (permissions != nullptr && maker.hasMade(path) && chmod(path.c_str(), mode) != 0) return errno;
   maker.keep();
@@ -120,6 +131,8 @@ const NSRef<NSString>& NSFileTypeUnknown() {
   static const NSNeverDestroyed<NSRef<NSString>> type(u"NSFileTypeUnknown"_ns);
   return *type;
 }
+
+NSFileManager::~NSFileManager() = default;
 
 const NSRef<NSFileManager>& NSFileManager::defaultManager() {
   static const NSNeverDestroyed<NSRef<NSFileManager>> manager(NSMake<NSFileManager>());

@@ -51,6 +51,8 @@ NS_EXPORT const NSRef<NSString>& NSFileTypeUnknown();
 /// refused. `error` may be null. A nil URL or path raises `NSInvalidArgumentException`.
 class NS_EXPORT NSFileManager : public NSObject {
  public:
+  ~NSFileManager() override;
+
   static const NSRef<NSFileManager>& defaultManager();
 
   /// The URL of a standard directory, which need not exist; with `create` it is made if need be.

@@ -25,15 +25,18 @@ std::string codes(NSCocoaErrorCode code, int number) {
   return std::to_string(code) + ' ' + std::to_string(number);
 }
 
-// Makes a directory and gives the error, "none" for success.
+// Makes a directory and gives the error, "none" for success, and the path that failed.
 std::string make(const fs::path& path, bool createIntermediates = true,
-                 const NSRef<NSDictionary>& attributes = nullptr) {
+                 const NSRef<NSDictionary>& attributes = nullptr, fs::path* failed = nullptr) {
   NSRef<NSError> error;
   const bool isMade = NSFileManager::defaultManager()
                           ->createDirectoryAtURL_withIntermediateDirectories_attributes_error(
                               NSURL::fileURLWithPath_isDirectory(path, true), createIntermediates,
                               attributes, &error);
   EXPECT_EQ(isMade, !error);
+  if (failed != nullptr) {
+    *failed = error->userInfo()->objectForKey(NSFilePathErrorKey()).as<NSString>()->utf8();
+  }
   return codesOf(error);
 }
 
@@ -53,6 +56,7 @@ TEST(NSFileManager, MakesDirectories) {
   const mode_t former = umask(027);
   const auto wanted = NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0702)}});
   EXPECT_EQ(make(folder / "m/n/./", true, wanted), "none");
+  EXPECT_EQ(make(folder / "m", true, wanted), "none");  // One that exists keeps its permissions.
   umask(former);
   EXPECT_EQ(static_cast<unsigned>(fs::status(folder / "m").permissions()), 0750U);
   NSRef<NSError> error;
@@ -92,7 +96,10 @@ TEST(NSFileManager, LeavesNothingOfADirectoryThatCannotBeMade) {
   EXPECT_EQ(make(folder / "file"), codes(NSFileWriteFileExistsError, EEXIST));
   EXPECT_EQ(make(folder / "file/a/b"), codes(NSFileWriteUnknownError, ENOTDIR));
   EXPECT_EQ(make(folder / "link"), codes(NSFileWriteFileExistsError, EEXIST));
-  EXPECT_EQ(make(folder / "link/a"), codes(NSFileWriteFileExistsError, EEXIST));
+  fs::path failed;
+  EXPECT_EQ(make(folder / "link/a/b", true, nullptr, &failed),
+            codes(NSFileWriteFileExistsError, EEXIST));
+  EXPECT_EQ(failed, folder / "link");
   EXPECT_EQ(make(folder / "a/b" / longName / "c"),
             codes(NSFileWriteInvalidFileNameError, ENAMETOOLONG));
   fs::path longPath = folder.path();
