@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <Foundation/NSExport.h>
+#include <Foundation/NSHashSeed.h>
 #include <Foundation/NSTypes.h>
 
 /// Where the elements of a sequence stand, by their hashes: an open-addressing table of positions,
@@ -13,6 +14,8 @@
 ///
 /// It keeps 32 bits of each hash, so that it never asks an element again, even one whose hash has
 /// changed since, and hardly ever compares with another element than the one that is looked for.
+/// Which bits depends on a random number of the process, so that nobody can choose hashes that
+/// meet.
 class NS_EXPORT NSHashIndex {
  public:
   static constexpr std::size_t notFound = std::numeric_limits<std::size_t>::max();
@@ -48,10 +51,14 @@ class NS_EXPORT NSHashIndex {
     std::uint32_t position = vacant;
   };
 
-  // Classes' own hashes may be small numbers or addresses. A product spreads them upwards; the
-  // factor is 2^64 over the golden ratio.
+  // Classes' own hashes may be small numbers or addresses. The first product, by 2^64 over the
+  // golden ratio, and the shift scatter such sequences without bringing any two together. The upper
+  // half of the second one, by a random odd number, is the same for two numbers, whichever they
+  // are, with a probability of at most 2^-31 (Dietzfelbinger et al., 1997).
   static std::uint32_t mix(NSUInteger hash) noexcept {
-    return static_cast<std::uint32_t>((hash * 0x9E3779B97F4A7C15) >> 32);
+    hash *= 0x9E3779B97F4A7C15;
+    hash ^= hash >> 32U;
+    return static_cast<std::uint32_t>((hash * NSHashSeed[0]) >> 32U);
   }
   std::size_t mask() const noexcept { return _slots.size() - 1; }
   // By the uppermost bits, to which every bit of a hash contributes.

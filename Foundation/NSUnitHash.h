@@ -4,10 +4,13 @@
 #include <cstring>
 #include <string_view>
 
+#include <Foundation/NSHashSeed.h>
+
 /// A hash of the units, of which every bit counts for all of its bits: each 16 bytes go into one
-/// product of 128 bits whose halves are folded, as in wyhash. Not meant against an opponent.
+/// product of 128 bits whose halves are folded, as in wyhash. The factors contain random numbers of
+/// the process, so that who does not know these cannot choose texts of one hash.
 inline std::uint64_t NSHashUnits(std::u16string_view units) noexcept {
-  constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;  // 2^64 over the golden ratio.
+  const std::uint64_t secret = NSHashSeed[1];
   __extension__ using Wide = unsigned __int128;
   const auto fold = [](std::uint64_t a, std::uint64_t b) {
     const Wide product = Wide{a} * b;
@@ -21,9 +24,9 @@ inline std::uint64_t NSHashUnits(std::u16string_view units) noexcept {
   constexpr std::size_t word = 4;
   const char16_t* at = units.data();
   std::size_t rest = units.size();
-  std::uint64_t hash = rest * odd;
+  std::uint64_t hash = rest * secret ^ NSHashSeed[2];
   for (; rest > 2 * word; at += 2 * word, rest -= 2 * word) {
-    hash = fold(load(at, word) ^ odd, load(at + word, word) ^ hash);
+    hash = fold(load(at, word) ^ secret, load(at + word, word) ^ hash);
   }
   // The last words may overlap: together they hold every unit that is left.
   std::uint64_t a = 0;
@@ -37,5 +40,5 @@ inline std::uint64_t NSHashUnits(std::u16string_view units) noexcept {
   } else if (rest == 1) {
     a = *at;
   }
-  return fold(a ^ odd, b ^ hash);
+  return fold(a ^ secret, b ^ hash);
 }

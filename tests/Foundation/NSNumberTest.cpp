@@ -67,6 +67,27 @@ TEST(NSNumber, ConvertsWithSaturationAndWrapping) {
   EXPECT_TRUE(NSMake<NSNumber>(1.0F)->isFloatingPoint());
 }
 
+// Numbers that differ in their upper bits alone, and numbers and texts that all meet in a hash table
+// which multiplies by 2^64 over the golden ratio.
+TEST(NSNumber, IsFoundAmongOthersThatWereChosen) {
+  constexpr std::uint64_t inverse = 0xF1DE83E19937733D;
+  static_assert(0x9E3779B97F4A7C15 * inverse == 1);
+  constexpr std::uint64_t count = 40'000;
+  const auto numbers = NSMake<NSMutableSet>();
+  const auto texts = NSMake<NSMutableSet>();
+  for (std::uint64_t k = 1; k <= count; ++k) {
+    for (const std::uint64_t number : {k * inverse, k << 40U, k << 44U}) {
+      numbers->addObject(NSMake<NSNumber>(number));
+    }
+    numbers->addObject(NSMake<NSNumber>(std::ldexp(static_cast<double>(k), -20)));
+    texts->addObject(NSMake<NSString>(u"\x7C15\x7F4A\x79B9\x9E37" +
+                                      std::u16string(1, static_cast<char16_t>(k)) + u"xxxxx"));
+  }
+  EXPECT_GT(numbers->count(), 3 * count);
+  EXPECT_TRUE(numbers->containsObject(NSMake<NSNumber>(count * inverse)));
+  EXPECT_EQ(texts->count(), count);
+}
+
 TEST(NSNumber, WritesItsValue) {
   EXPECT_TRUE(NSMake<NSNumber>(uint64Max)->stringValue() == u"18446744073709551615");
   EXPECT_TRUE(NSMake<NSNumber>(-2.2250738585072014e-308)->stringValue() ==
