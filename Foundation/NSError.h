@@ -65,9 +65,9 @@ class NS_EXPORT NSError : public NSObject {
     return NSMake<NSError>(domain, code, userInfo);
   }
 
-  const NSRef<NSString>& domain() const noexcept { return _domain; }
+  NSRef<NSString> domain() const noexcept { return _domain; }
   NSInteger code() const noexcept { return _code; }
-  const NSRef<NSDictionary>& userInfo() const noexcept { return _userInfo; }
+  NSRef<NSDictionary> userInfo() const noexcept { return _userInfo; }
 
   /// The text under `NSLocalizedDescriptionKey`. Without one that of the underlying error; for
   /// codes of `errno` the C library's; else the domain and the code.

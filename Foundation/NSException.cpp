@@ -26,6 +26,9 @@ NSException::NSException(const NSRef<NSString>& name, const NSRef<NSString>& rea
 
 NSException::~NSException() = default;
 
+NSRef<NSString> NSException::name() const noexcept { return _name; }
+NSRef<NSString> NSException::reason() const noexcept { return _reason; }
+
 const char* NSException::what() const noexcept {
   return static_cast<const Message&>(*_what).text();
 }

@@ -30,8 +30,8 @@ class NS_EXPORT NSException : public std::exception {
   NSException& operator=(const NSException&) noexcept = default;
   ~NSException() override;
 
-  const NSRef<NSString>& name() const noexcept { return _name; }
-  const NSRef<NSString>& reason() const noexcept { return _reason; }
+  NSRef<NSString> name() const noexcept;
+  NSRef<NSString> reason() const noexcept;
   /// "name: reason" in UTF-8.
   const char* what() const noexcept override;
 

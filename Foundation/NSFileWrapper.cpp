@@ -99,7 +99,7 @@ void NSFileWrapper::setFileAttributes(const NSRef<NSDictionary>& attributes) {
   }
 }
 
-const NSRef<NSData>& NSFileWrapper::regularFileContents() const {
+NSRef<NSData> NSFileWrapper::regularFileContents() const {
   if (!_contents) raiseWrongKind("regularFileContents", "regular file");
   return _contents;
 }

@@ -62,11 +62,11 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   bool isDirectory() const noexcept { return _children.get() != nullptr; }
 
   /// The name under which it would like to be added, or nil.
-  const NSRef<NSString>& preferredFilename() const noexcept { return _preferredFilename; }
+  NSRef<NSString> preferredFilename() const noexcept { return _preferredFilename; }
   /// A change does not touch the name by which a directory already has it.
   void setPreferredFilename(const NSRef<NSString>& name);
   /// The name that it had when it was read, or written with name updating; nil before.
-  const NSRef<NSString>& filename() const noexcept { return _filename; }
+  NSRef<NSString> filename() const noexcept { return _filename; }
   void setFilename(const NSRef<NSString>& name);
   /// `NSFilePosixPermissions`, if it has any: those that were read or set.
   NSRef<NSDictionary> fileAttributes() const;
@@ -74,7 +74,7 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   /// new files.
   void setFileAttributes(const NSRef<NSDictionary>& attributes);
 
-  const NSRef<NSData>& regularFileContents() const;
+  NSRef<NSData> regularFileContents() const;
 
   /// The children by name.
   NSRef<NSDictionary> fileWrappers() const;

@@ -149,6 +149,8 @@ std::uint64_t NSLocale::languagesGeneration() noexcept {
   return generationOfLanguages.load(std::memory_order_acquire);
 }
 
+NSRef<NSString> NSLocale::localeIdentifier() const noexcept { return _identifier; }
+
 const NSDecimalSymbols& NSLocale::decimalSymbols() const {
   std::call_once(_symbolsOnce, [this] {
     _symbols = std::make_unique<const NSDecimalSymbols>(_identifier->utf8());

@@ -82,7 +82,7 @@ class NS_EXPORT NSLocale : public NSObject {
   static std::uint64_t languagesGeneration() noexcept;
 
   /// As it was given.
-  const NSRef<NSString>& localeIdentifier() const noexcept { return _identifier; }
+  NSRef<NSString> localeIdentifier() const noexcept;
 
   /// How the locale writes decimal numbers; for the platform's own use.
   const NSDecimalSymbols& decimalSymbols() const;

@@ -24,6 +24,10 @@ NSRef<NSNotification> NSNotification::notificationWithName_object_userInfo(
   return NSMake<NSNotification>(name, object, userInfo);
 }
 
+NSRef<NSString> NSNotification::name() const noexcept { return _name; }
+NSRef<NSObject> NSNotification::object() const noexcept { return _object; }
+NSRef<NSDictionary> NSNotification::userInfo() const noexcept { return _userInfo; }
+
 NSRef<NSString> NSNotification::description() const {
   return u"NSNotification "_ns->stringByAppendingString(_name);
 }

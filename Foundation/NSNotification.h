@@ -21,9 +21,9 @@ class NS_EXPORT NSNotification : public NSObject {
       const NSRef<NSString>& name, const NSRef<NSObject>& object,
       const NSRef<NSDictionary>& userInfo);
 
-  const NSRef<NSString>& name() const noexcept { return _name; }
-  const NSRef<NSObject>& object() const noexcept { return _object; }
-  const NSRef<NSDictionary>& userInfo() const noexcept { return _userInfo; }
+  NSRef<NSString> name() const noexcept;
+  NSRef<NSObject> object() const noexcept;
+  NSRef<NSDictionary> userInfo() const noexcept;
 
   /// "NSNotification DocumentDidChange"
   NSRef<NSString> description() const override;

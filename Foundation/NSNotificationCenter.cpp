@@ -98,8 +98,8 @@ void NSNotificationCenter::removeObserver(const NSRef<NSObject>& observer) {
 
 NSNotificationCenter::Observers NSNotificationCenter::observersOf(
     const NSNotification& notification) {
-  const auto& name = notification.name();
-  const auto& object = notification.object();
+  const auto name = notification.name();
+  const auto object = notification.object();
   const std::array<Key, 4> keys{Key{name, object}, Key{name, nullptr}, Key{nullptr, object},
                                 Key{nullptr, nullptr}};
   Observers result;

@@ -223,6 +223,8 @@ void NSNumberFormatter::setMaximumFractionDigits(NSUInteger digits) {
   settingsChanged();
 }
 
+NSRef<NSNumber> NSNumberFormatter::roundingIncrement() const noexcept { return _roundingIncrement; }
+
 void NSNumberFormatter::setRoundingIncrement(const NSRef<NSNumber>& increment) {
   const double value = increment ? increment->doubleValue() : 0;
   // Beyond these ICU has no room for a number's steps.
@@ -240,6 +242,8 @@ void NSNumberFormatter::setRoundingMode(NSNumberFormatterRoundingMode mode) {
   _settings.mode = mode;
   settingsChanged();
 }
+
+NSRef<NSLocale> NSNumberFormatter::locale() const noexcept { return _locale; }
 
 void NSNumberFormatter::setLocale(const NSRef<NSLocale>& locale) {
   _locale = locale ? locale : NSLocale::currentLocale();

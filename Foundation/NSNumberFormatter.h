@@ -59,7 +59,7 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   void setMaximumFractionDigits(NSUInteger digits);
 
   /// What numbers are rounded to multiples of; nil when they are not.
-  const NSRef<NSNumber>& roundingIncrement() const noexcept { return _roundingIncrement; }
+  NSRef<NSNumber> roundingIncrement() const noexcept;
   /// Nil and anything but a number from 1e-12 to 2^53 stand for none. A number with more digits
   /// than ICU's arithmetic has, some 34 with those of the increment, is not rounded to a multiple.
   void setRoundingIncrement(const NSRef<NSNumber>& increment);
@@ -68,7 +68,7 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   /// Raises `NSInvalidArgumentException` for a number that is none of the modes.
   void setRoundingMode(NSNumberFormatterRoundingMode mode);
 
-  const NSRef<NSLocale>& locale() const noexcept { return _locale; }
+  NSRef<NSLocale> locale() const noexcept;
   /// Nil is the locale that is current now.
   void setLocale(const NSRef<NSLocale>& locale);
 

@@ -161,6 +161,8 @@ NSRef<NSString> NSURL::decoded(Part part) const {
   return NSMake<NSString>(std::string_view(*NSPercentDecoded(asciiOf(unitsOf(part)))));
 }
 
+NSRef<NSString> NSURL::absoluteString() const noexcept { return _text; }
+
 NSRef<NSString> NSURL::scheme() const { return written(_scheme); }
 
 NSRef<NSString> NSURL::user() const {

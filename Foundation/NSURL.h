@@ -38,7 +38,7 @@ class NS_EXPORT NSURL : public NSObject {
   static NSRef<NSURL> fileURLWithPathComponents(const NSRef<NSArray>& components);
 
   /// The text of the URL.
-  const NSRef<NSString>& absoluteString() const noexcept { return _text; }
+  NSRef<NSString> absoluteString() const noexcept;
   /// As it was written.
   NSRef<NSString> scheme() const;
   /// The part before "@" up to the first ":", and the one behind that; decoded.

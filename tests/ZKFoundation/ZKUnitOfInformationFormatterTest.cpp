@@ -209,6 +209,22 @@ TEST(ZKUnitOfInformationFormatter, FollowsTheLocaleAndTheTablesOfTheProgram) {
   }
   const Habits habits("es");
   EXPECT_EQ(text(NSMake<ZKUnitOfInformationFormatter>(), 8000), "1000 bytes");
+
+  // The languages may change on any thread.
+  std::atomic<bool> isDone = false;
+  onThreads(2, [&, isFirst = std::make_shared<std::atomic<bool>>(true)] {
+    if (isFirst->exchange(false)) {
+      const auto sizes = NSMake<ZKUnitOfInformationFormatter>();
+      for (int k = 0; k < 2000; ++k) {
+        const std::string written = text(sizes, 8);
+        EXPECT_TRUE(written == "1 Byte" || written == "1 bytes") << written;
+      }
+      isDone = true;
+    }
+    for (bool isGerman = true; !isDone; isGerman = !isGerman) {
+      NSLocale::setPreferredLanguages(NSMake<NSArray>({isGerman ? u"de"_ns : u"es"_ns}));
+    }
+  });
 }
 
 TEST(ZKUnitOfInformationFormatter, IsArchivedWithItsSwitches) {

@@ -40,6 +40,8 @@ const NSPropertyTable& ZKURLFormatter::propertyTable() const {
   return table;
 }
 
+NSRef<NSArray> ZKURLFormatter::allowedSchemes() const noexcept { return _allowedSchemes; }
+
 void ZKURLFormatter::setAllowedSchemes(const NSRef<NSArray>& schemes) {
   _allowedSchemes = schemes ? schemes->copy() : nullptr;
 }
@@ -55,7 +57,7 @@ bool ZKURLFormatter::getObjectValue_forString_errorDescription(NSRef<NSObject>& 
                                                                const NSRef<NSString>& string,
                                                                NSRef<NSString>* error) const {
   // The text may be in the reference that is about to be changed.
-  const auto text = string->copy();
+  const auto text = string ? string->copy() : u""_ns;
   object = nullptr;
   const NSRef<NSString> reason = objectForAddress(object, text);
   const bool isAccepted = !reason;

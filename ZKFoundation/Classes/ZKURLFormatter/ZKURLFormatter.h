@@ -16,7 +16,7 @@ class ZK_EXPORT ZKURLFormatter : public NSFormatter {
 
   /// The schemes that are accepted, as strings, in the order in which a refusal lists them. They
   /// are compared letter by letter: "HTTP" is another one. Nil accepts every scheme.
-  const NSRef<NSArray>& allowedSchemes() const noexcept { return _allowedSchemes; }
+  NSRef<NSArray> allowedSchemes() const noexcept;
   /// Keeps a copy.
   void setAllowedSchemes(const NSRef<NSArray>& schemes);
 
@@ -28,7 +28,7 @@ class ZK_EXPORT ZKURLFormatter : public NSFormatter {
   ///
   /// | text | object |
   /// |---|---|
-  /// | the empty text | nil |
+  /// | the empty text, nil | nil |
   /// | from "/" | the file URL of the path |
   /// | from ".." | the path standardized, as a string |
   /// | a URL with an allowed scheme, a path, which may be empty, and a host | the URL |
@@ -37,8 +37,7 @@ class ZK_EXPORT ZKURLFormatter : public NSFormatter {
   /// Else it gives false with the reason in `*error`, which is nil after success and may be null:
   /// "Invalid filesystem path", "Invalid URL", or "URL protocol must be %@" with the allowed
   /// schemes behind it, percent sign and all. The object is nil then if the text is no URL at all
-  /// or has neither a scheme nor a ".", and the refused URL otherwise. A nil text raises
-  /// `NSInvalidArgumentException`.
+  /// or has neither a scheme nor a ".", and the refused URL otherwise.
   bool getObjectValue_forString_errorDescription(NSRef<NSObject>& object,
                                                  const NSRef<NSString>& string,
                                                  NSRef<NSString>* error) const override;

@@ -128,7 +128,8 @@ NSRef<NSString> ZKUnitOfInformationFormatter::stringForObjectValue(
   return number ? stringFromNumberOfBits(number) : nullptr;
 }
 
-const NSRef<NSString>& ZKUnitOfInformationFormatter::localized(std::size_t text) const {
+// By value: the user's languages may change on another thread before the next is asked for.
+NSRef<NSString> ZKUnitOfInformationFormatter::localized(std::size_t text) const {
   static_assert(std::tuple_size_v<decltype(_texts)> == patternText + 1);
   const std::uint64_t generation = NSLocale::languagesGeneration();
   if (generation != _languagesGeneration) {
@@ -146,7 +147,7 @@ const NSRef<NSString>& ZKUnitOfInformationFormatter::localized(std::size_t text)
 
 NSRef<NSString> ZKUnitOfInformationFormatter::joined(std::u16string_view number,
                                                      std::size_t unit) const {
-  const auto& name = localized(unit);
+  const auto name = localized(unit);
   return NSString::stringWithFormat(localized(patternText), number,
                                     name ? name.get()->view() : u"(null)");
 }

@@ -49,7 +49,7 @@ class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
   explicit ZKUnitOfInformationFormatter(const NSRef<NSCoder>& coder);
 
   /// The formatter of the number, whose settings may be changed.
-  const NSRef<NSNumberFormatter>& numberFormatter() const noexcept { return _numberFormatter; }
+  NSRef<NSNumberFormatter> numberFormatter() const noexcept { return _numberFormatter; }
 
   /// Whether bytes are shown, not bits.
   bool displaysInTermsOfBytes() const noexcept { return _displaysInTermsOfBytes; }
@@ -89,7 +89,7 @@ class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
   const NSPropertyTable& propertyTable() const override;
 
  private:
-  const NSRef<NSString>& localized(std::size_t text) const;
+  NSRef<NSString> localized(std::size_t text) const;
   NSRef<NSString> joined(std::u16string_view number, std::size_t unit) const;
 
   NSRef<NSNumberFormatter> _numberFormatter;
