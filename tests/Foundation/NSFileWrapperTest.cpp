@@ -227,11 +227,22 @@ TEST(NSFileWrapper, LeavesTheOldDocumentWhenTheNewOneCannotBeWritten) {
     EXPECT_EQ(write(old, place), 0);
     mount("tmpfs", (folder / "document/b").c_str(), "tmpfs", 0, nullptr);
     writeFile(folder / "document/b/file", "precious");
+    std::string logged;
+    NSSetLogSink([&](const NSRef<NSString>& line) { logged = line->utf8(); });
     const int mounted = open((folder / "document/b").c_str(), O_RDONLY | O_DIRECTORY);
     EXPECT_EQ(write(large, place), 0);
     EXPECT_TRUE(areSame(large, read(place)));
     EXPECT_EQ(faccessat(mounted, "file", F_OK, 0), 0);
     close(mounted);
+    EXPECT_TRUE(logged.starts_with("Cannot remove a temporary folder")) << logged;
+  }));
+  // Nor can it be exchanged when it is mounted itself, and stays locked.
+  EXPECT_TRUE(onDisk(folder.path(), "size=8m", [&] {
+    fs::create_directory(place);
+    mount("tmpfs", place.c_str(), "tmpfs", 0, "mode=0500");
+    EXPECT_EQ(write(large, place), NSFileWriteUnknownError);
+    EXPECT_EQ(fs::status(place).permissions(), fs::perms{0500});
+    EXPECT_EQ(namesIn(folder.path()), std::set<std::string>{"document"});
   }));
 }
 

@@ -70,6 +70,8 @@ TEST(NSStringsTable, KeepsWhatCanBeReadOfABrokenTable) {
            {u"a = b\nc = d;\ne = f;", {{"e", "f"}}, "line 2: \";\" expected"},
            {u"a = \"b;\nc = d;", {{"c", "d"}}, "line 1: the text has no end"},
            {u"a = b; /* c = d;\ne = f;", {{"a", "b"}}, "line 1: the comment has no end"},
+           {u"a = b;\nc = /* d;\ne = f;", {{"a", "b"}}, "line 2: the comment has no end"},
+           {u"a = b; c /* = d;\ne = f;", {{"a", "b"}}, "line 1: the comment has no end"},
            {u"a = \"b\\", {}, "line 1: the text has no end"},
            {u"a", {}, "line 1: \";\" expected"},
            {u"{ a = b; }\nc = d;", {{"c", "d"}}, "line 1: text expected"},
@@ -99,15 +101,24 @@ class Tables : public testing::Test {
  protected:
   Tables() : _name("Test" + std::to_string(getpid())) {}
   ~Tables() override {
-    for (const auto& file : _files) fs::remove(file);
+    for (const auto& file : _files) {
+      fs::remove(file);
+      // Another process's table may be in the folder.
+      std::error_code error;
+      fs::remove(file.parent_path(), error);
+    }
     NSLocale::setPreferredLanguages(nullptr);
   }
 
   void write(const std::string& folder, std::string_view bytes) {
     const fs::path resources = NSBundle::mainBundle()->resourcePath()->utf8();
-    fs::create_directories(resources / folder);
     _files.push_back(resources / folder / (_name + ".strings"));
-    std::ofstream(_files.back(), std::ios::binary) << bytes;
+    std::ofstream stream;
+    // Another process may remove the folder before the file is in it.
+    for (; !stream.is_open(); stream.open(_files.back(), std::ios::binary)) {
+      fs::create_directories(resources / folder);
+    }
+    stream << bytes;
   }
   static void setLanguages(std::initializer_list<NSRef<NSObject>> languages) {
     NSLocale::setPreferredLanguages(NSMake<NSArray>(languages));

@@ -168,7 +168,7 @@ TEST(NSIndexSetExtensions, GivesThePartInARange) {
     NSRange range;
     std::u16string_view part;
   };
-  const std::vector<Row> rows = {{{2, 5}, u"(2-3 6)"},
+  const std::vector<Row> rows = {{{2, 8}, u"(2-3 6 9)"},
                                  {{4, 2}, u"()"},
                                  {{0, 0}, u"()"},
                                  {{10, NSUIntegerMax}, u"(10)"},
