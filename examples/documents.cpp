@@ -6,9 +6,8 @@ using namespace ZKFoundationExtensions;
 
 int main() {
   NSLocale::setCurrentLocale(NSLocale::localeWithLocaleIdentifier(u"en"_ns));
-  const auto languages = ZKLocaleEntity::entitiesForLocaleIdentifiers<ZKLocaleEntity>(
-      NSMake<NSArray>({u"de_CH"_ns, u"pl"_ns, u"not a language"_ns}));
-  for (const auto& item : languages) {
+  const auto identifiers = NSMake<NSArray>({u"de_CH"_ns, u"pl"_ns, u"not a language"_ns});
+  for (const auto& item : ZKLocaleEntity::entitiesForLocaleIdentifiers(identifiers)) {
     const auto identifier = item.as<ZKLocaleEntity>()->localeIdentifier();
     const auto opening = openingDoubleQuotationForLocaleIdentifier(identifier);
     const auto closing = closingDoubleQuotationForLocaleIdentifier(identifier);

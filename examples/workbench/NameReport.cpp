@@ -11,7 +11,7 @@ namespace {
 
 // Of the identifiers of a preference, say, what is none is left out.
 NSRef<NSArray> languages() {
-  return ZKLocaleEntity::entitiesForLocaleIdentifiers<ZKLocaleEntity>(
+  return ZKLocaleEntity::entitiesForLocaleIdentifiers(
       NSMake<NSArray>({u"en"_ns, u"de"_ns, u"de_CH"_ns, u"fr_CA"_ns, u"pl"_ns, u"no language"_ns}));
 }
 

@@ -11,17 +11,18 @@
 /// A locale as an item in a list of languages, with names for people in the user's current locale.
 /// Everything but the locale itself is asked anew on each call. May be used from any thread.
 ///
-/// The functions that make entities are told the class to make, as none can tell by which class's
-/// name it is called: `ZKLocaleEntity::entityForLocale<LanguageItem>(locale)`.
+/// The functions that make entities make instances of the class that is asked for:
+/// `ZKLocaleEntity::entityForLocale<LanguageItem>(locale)`. Without that they make plain ones, also
+/// when they are called by a subclass's name: C++ does not tell them by which.
 class ZK_EXPORT ZKLocaleEntity : public NSObject {
  public:
-  template <std::derived_from<ZKLocaleEntity> Entity>
+  template <std::derived_from<ZKLocaleEntity> Entity = ZKLocaleEntity>
   static NSRef<Entity> entityForLocale(const NSRef<NSLocale>& locale) {
     return NSMake<Entity>(locale);
   }
   /// Entities for the identifiers, strings, in their order. What gives no locale is left out. A nil
   /// array gives an empty one; one that changes meanwhile raises `NSGenericException`.
-  template <std::derived_from<ZKLocaleEntity> Entity>
+  template <std::derived_from<ZKLocaleEntity> Entity = ZKLocaleEntity>
   static NSRef<NSMutableArray> entitiesForLocaleIdentifiers(const NSRef<NSArray>& identifiers) {
     auto entities = NSMake<NSMutableArray>();
     if (!identifiers) return entities;
@@ -33,7 +34,7 @@ class ZK_EXPORT ZKLocaleEntity : public NSObject {
     return entities;
   }
   /// Nil for what `NSLocale::localeWithLocaleIdentifier` does not take.
-  template <std::derived_from<ZKLocaleEntity> Entity>
+  template <std::derived_from<ZKLocaleEntity> Entity = ZKLocaleEntity>
   static NSRef<Entity> initWithLocaleIdentifier(const NSRef<NSString>& identifier) {
     const auto locale = NSLocale::localeWithLocaleIdentifier(identifier);
     return locale ? NSMake<Entity>(locale) : nullptr;
