@@ -2,6 +2,7 @@
 
 #include "Foundation/NSCollectionWalks.h"
 #include "Foundation/NSException.h"
+#include "Foundation/NSNestedCollections.h"
 #include "Foundation/NSNull.h"
 #include "Foundation/NSPredicate.h"
 #include "Foundation/NSString.h"
@@ -61,26 +62,16 @@ NSRef<NSString> NSArray::componentsJoinedByString(const NSRef<NSString>& separat
 bool NSArray::isEqualToArray(const NSRef<NSArray>& other) const {
   if (!other || other->count() != count()) return false;
   const NSElements theirs = other->_elements;
-  return std::ranges::equal(*this, theirs.view(), NSEqualObjects{});
+  return NSCompareCollections(*this, other, [&](const auto& /*other*/) {
+    return std::ranges::equal(*this, theirs.view(), NSEqualObjects{});
+  });
 }
 
 bool NSArray::isEqual(const NSRef<NSObject>& other) const {
   return other.get() == this || isEqualToArray(other.as<NSArray>());
 }
 
-// Equal arrays need equal hashes and nothing more; the ends and the count tell most arrays apart at
-// a cost that does not grow with them. Of arrays in arrays the count alone is taken: arrays that
-// share others, level by level, would be walked twice as often at each.
-NSUInteger NSArray::hash() const {
-  const NSElements held = _elements;
-  const auto objects = held.view();
-  if (objects.empty()) return 0;
-  const auto hashOf = [](const NSRef<NSObject>& object) {
-    const auto* const nested = object.cast<NSArray>();
-    return nested != nullptr ? nested->count() : object->hash();
-  };
-  return objects.size() + 31 * (hashOf(objects.front()) + 31 * hashOf(objects.back()));
-}
+NSUInteger NSArray::hash() const { return NSHashSequence(_elements); }
 
 NSRef<NSString> NSArray::description() const { return NSDescribeObjects(u"(", *this, u")"); }
 

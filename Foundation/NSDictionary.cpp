@@ -3,6 +3,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSCollectionWalks.h"
 #include "Foundation/NSException.h"
+#include "Foundation/NSNestedCollections.h"
 #include "Foundation/NSString.h"
 
 NSDictionary::NSDictionary(Elements entries) {
@@ -44,14 +45,16 @@ void NSDictionary::enumerateKeysAndObjectsUsingBlock(
 }
 
 bool NSDictionary::isEqualToDictionary(const NSRef<NSDictionary>& other) const {
-  return other && _entries.isEqual(other->_entries);
+  return other && NSCompareCollections(*this, other, [&](const auto& /*other*/) {
+           return _entries.isEqual(other->_entries);
+         });
 }
 
 bool NSDictionary::isEqual(const NSRef<NSObject>& other) const {
   return other.get() == this || isEqualToDictionary(other.as<NSDictionary>());
 }
 
-NSUInteger NSDictionary::hash() const { return count(); }
+NSUInteger NSDictionary::hash() const { return NSHashEntries(_entries.list()); }
 
 NSRef<NSString> NSDictionary::description() const { return NSDescribeEntries(*this); }
 

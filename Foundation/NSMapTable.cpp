@@ -3,6 +3,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSCollectionWalks.h"
 #include "Foundation/NSException.h"
+#include "Foundation/NSNestedCollections.h"
 
 NSRef<NSObject> NSMapTable::objectForKey(const NSRef<NSObject>& key) const {
   const auto* const found = _entries.find(key);
@@ -21,7 +22,9 @@ NSRef<NSArray> NSMapTable::allValues() const { return NSMake<NSArray>(_entries.o
 
 bool NSMapTable::isEqual(const NSRef<NSObject>& other) const {
   const auto* const table = other.cast<NSMapTable>();
-  return table == this || (table != nullptr && _entries.isEqual(table->_entries));
+  if (table == nullptr || table == this) return table != nullptr;
+  return NSCompareCollections(
+      *this, other, [&](const auto& /*other*/) { return _entries.isEqual(table->_entries); });
 }
 
 NSRef<NSString> NSMapTable::description() const { return NSDescribeEntries(*this); }

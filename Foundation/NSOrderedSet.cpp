@@ -3,11 +3,14 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSCollectionWalks.h"
 #include "Foundation/NSException.h"
+#include "Foundation/NSNestedCollections.h"
 #include "Foundation/NSSet.h"
 #include "Foundation/NSString.h"
 
 NSOrderedSet::NSOrderedSet(std::span<const NSRef<NSObject>> elements) {
-  for (const auto& object : elements) {
+  // Of its own: an element may change, when it is asked for its hash, what they stand in.
+  const NSElements held(elements);
+  for (const auto& object : held.view()) {
     if (!object) NSRaiseNilArgument("an element", "initWithObjects:");
     _members.append(object);
   }
@@ -39,14 +42,16 @@ void NSOrderedSet::enumerateObjectsUsingBlock(
 }
 
 bool NSOrderedSet::isEqualToOrderedSet(const NSRef<NSOrderedSet>& other) const {
-  return other && array()->isEqualToArray(other->array());
+  return other && NSCompareCollections(*this, other, [&](const auto& /*other*/) {
+           return array()->isEqualToArray(other->array());
+         });
 }
 
 bool NSOrderedSet::isEqual(const NSRef<NSObject>& other) const {
   return other.get() == this || isEqualToOrderedSet(other.as<NSOrderedSet>());
 }
 
-NSUInteger NSOrderedSet::hash() const { return array()->hash(); }
+NSUInteger NSOrderedSet::hash() const { return NSHashSequence(_members.elements()); }
 
 NSRef<NSString> NSOrderedSet::description() const { return NSDescribeObjects(u"{(", *this, u")}"); }
 

@@ -3,6 +3,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSCollectionWalks.h"
 #include "Foundation/NSException.h"
+#include "Foundation/NSNestedCollections.h"
 #include "Foundation/NSPredicate.h"
 #include "Foundation/NSString.h"
 
@@ -56,14 +57,16 @@ NSRef<NSSet> NSSet::filteredSetUsingPredicate(const NSRef<NSPredicate>& predicat
 }
 
 bool NSSet::isEqualToSet(const NSRef<NSSet>& other) const {
-  return other && other->count() == count() && isSubsetOfSet(other);
+  return other && other->count() == count() &&
+         NSCompareCollections(*this, other,
+                              [&](const auto& /*other*/) { return isSubsetOfSet(other); });
 }
 
 bool NSSet::isEqual(const NSRef<NSObject>& other) const {
   return other.get() == this || isEqualToSet(other.as<NSSet>());
 }
 
-NSUInteger NSSet::hash() const { return count(); }
+NSUInteger NSSet::hash() const { return NSHashSet(_members.elements()); }
 
 NSRef<NSString> NSSet::description() const { return NSDescribeObjects(u"{(", *this, u")}"); }
 
