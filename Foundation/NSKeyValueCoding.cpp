@@ -41,7 +41,9 @@ NSRef<NSObject> NSObject::valueForKey(const NSRef<NSString>& key) const {
 }
 
 NSRef<NSObject> NSObject::valueForKeyPath(const NSRef<NSString>& keyPath) const {
-  std::u16string_view rest = keyPath->view();
+  // Of its own: what an object answers may change the path.
+  const auto path = keyPath->copy();
+  std::u16string_view rest = path->view();
   NSRef<NSObject> value = self();
   for (;;) {
     const std::size_t dot = rest.find(u'.');

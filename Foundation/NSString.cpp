@@ -47,7 +47,9 @@ NSRef<NSString> NSString::stringWithFormat_arguments(const NSRef<NSString>& form
   if (!format) NSRaiseNilArgument("format", "stringWithFormat:");
   std::array<char16_t, 128> room;
   NSUnitBuffer text(room);
-  NSAppendFormat(format->view(), arguments, text);
+  // Of its own: what an argument answers may change the format.
+  const auto pattern = format->copy();
+  NSAppendFormat(pattern->view(), arguments, text);
   return NSMake<NSString>(text.view());
 }
 

@@ -12,7 +12,10 @@ void NSUniqueElements::requireUnchanged(NSUInteger mutations) const {
 
 std::size_t NSUniqueElements::find(const NSRef<NSObject>& object, NSUInteger hash) const {
   return _index.find(hash, [&, before = _mutations.value()](std::size_t position) {
-    const bool isSame = NSEqualObjects{}(_elements[position], object);
+    if (_elements[position].get() == object.get()) return true;
+    // Held while it is asked: it may remove itself.
+    const NSRef<NSObject> element = _elements[position];
+    const bool isSame = element->isEqual(object);
     requireUnchanged(before);
     return isSame;
   });

@@ -11,7 +11,7 @@
 /// hashes. Counts its changes. Nil is never found.
 ///
 /// A `hash` or `isEqual` that changes the collection for which it is asked raises
-/// `NSGenericException`, if it leaves its own object and the collection alive.
+/// `NSGenericException`, if it leaves the collection alive.
 class NS_EXPORT NSUniqueElements {
  public:
   static constexpr std::size_t notFound = NSHashIndex::notFound;

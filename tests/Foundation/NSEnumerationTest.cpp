@@ -126,6 +126,19 @@ struct Meddler : NSObject {
   std::function<void()> meddleInHash = [] {};
 };
 
+// What an object is asked for while it is read stays as it was.
+TEST(NSEnumeration, AnswersMayChangeWhatTheyAreAskedFor) {
+  const auto meddler = NSMake<Meddler>();
+  const auto text = NSMake<NSMutableString>("%@ a %@");
+  meddler->meddle = [&] { text->setString(u"%@ b %@ is no key."_ns); };
+  EXPECT_EQ(NSString::stringWithFormat(text, meddler, meddler)->utf8(), "? a ?");
+  text->setString(u"description.length"_ns);
+  EXPECT_EQ(meddler->valueForKeyPath(text).as<NSNumber>()->intValue(), 1);
+  const auto list = NSMake<NSMutableArray>({meddler, u"a"_ns});
+  meddler->meddleInHash = [&] { list->replaceObjectAtIndex_withObject(1, u"b"_ns); };
+  EXPECT_EQ(NSMake<NSOrderedSet>(list->objects())->description()->utf8(), "{(?, a)}");
+}
+
 TEST(NSEnumeration, ElementsThatChangeTheirCollectionRaise) {
   const auto meddler = NSMake<Meddler>();
   const auto array = NSMake<NSMutableArray>({meddler});
