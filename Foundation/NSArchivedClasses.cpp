@@ -28,8 +28,7 @@ template <class Array>
 NSArchivedClass arrayClass(const char16_t* name) {
   return {NSClass::of<Array>(), name,
           [](const NSObject& object, NSKeyedArchiver& coder) {
-            coder.encodeObjects_forKey(static_cast<const Array&>(object).objects(),
-                                       u"NS.objects"_ns);
+            coder.encodeObjects_forKey(static_cast<const Array&>(object), u"NS.objects"_ns);
           },
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
             return NSMake<Array>(coder.decodeObjectsForKey(u"NS.objects"_ns));
@@ -40,8 +39,7 @@ template <class Set>
 NSArchivedClass setClass(const char16_t* name) {
   return {NSClass::of<Set>(), name,
           [](const NSObject& object, NSKeyedArchiver& coder) {
-            const auto elements = static_cast<const Set&>(object).allObjects();
-            coder.encodeObjects_forKey(elements->objects(), u"NS.objects"_ns);
+            coder.encodeObjects_forKey(static_cast<const Set&>(object), u"NS.objects"_ns);
           },
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
             const Objects elements = coder.decodeObjectsForKey(u"NS.objects"_ns);
@@ -60,8 +58,10 @@ NSArchivedClass dictionaryClass(const char16_t* name) {
   return {NSClass::of<Dictionary>(), name,
           [](const NSObject& object, NSKeyedArchiver& coder) {
             const auto& dictionary = static_cast<const Dictionary&>(object);
-            coder.encodeObjects_forKey(dictionary.allKeys()->objects(), u"NS.keys"_ns);
-            coder.encodeObjects_forKey(dictionary.allValues()->objects(), u"NS.objects"_ns);
+            const auto key = [](const NSEntry& entry) { return entry.first; };
+            const auto value = [](const NSEntry& entry) { return entry.second; };
+            coder.encodeObjects_forKey(dictionary, u"NS.keys"_ns, key);
+            coder.encodeObjects_forKey(dictionary, u"NS.objects"_ns, value);
           },
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
             const Objects keys = coder.decodeObjectsForKey(u"NS.keys"_ns);
@@ -85,8 +85,7 @@ NSArchivedClass mutableStringClass() {
             coder.encodeText_forKey(static_cast<const NSString&>(object), u"NS.string"_ns);
           },
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
-            return NSMake<NSMutableString>(
-                NSViewOf(coder.decodeObjectOfClass<NSString>(u"NS.string"_ns)));
+            return NSMake<NSMutableString>(NSViewOf(coder.decodeTextForKey(u"NS.string"_ns)));
           }};
 }
 

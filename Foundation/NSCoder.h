@@ -67,7 +67,6 @@ class NS_EXPORT NSCoder : public NSObject {
  protected:
   NSCoder() noexcept = default;
 
- private:
   [[noreturn]] static void raiseWrongClass(const NSObject& object, NSClass wanted,
                                            const NSRef<NSString>& key);
 };

@@ -21,7 +21,7 @@ NS_EXPORT const NSRef<NSString>& NSUnderlyingErrorKey();
 /// A string, the path of the file, or the text of a URL that is none's.
 NS_EXPORT const NSRef<NSString>& NSFilePathErrorKey();
 
-/// What went wrong with a file, with the `errno` from which each comes.
+/// What went wrong with a file, with the `errno` from which each comes, or with an archive.
 enum NSCocoaErrorCode : NSInteger {
   /// ENOENT while writing
   NSFileNoSuchFileError = 4,
@@ -51,6 +51,10 @@ enum NSCocoaErrorCode : NSInteger {
   NSFileWriteOutOfSpaceError = 640,
   /// EROFS
   NSFileWriteVolumeReadOnlyError = 642,
+  /// Bytes that are no archive, or one that cannot be read as what was asked for
+  NSCoderReadCorruptError = 4864,
+  /// An archive without the object
+  NSCoderValueNotFoundError = 4865,
 };
 
 /// What went wrong: a code of a domain. Immutable.

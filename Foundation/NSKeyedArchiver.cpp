@@ -2,12 +2,14 @@
 
 #include "Foundation/NSArchivedClasses.h"
 #include "Foundation/NSException.h"
+#include "Foundation/NSHashIndex.h"
+#include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSNumber.h"
-#include "Foundation/NSPropertyListNode.h"
+#include "Foundation/NSPropertyListWriter.h"
 #include "Foundation/NSString.h"
 
 #include <algorithm>
-#include <new>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,54 +19,32 @@
 
 namespace {
 
+using Reference = NSPropertyListWriter::Reference;
+
 constexpr unsigned deepest = 500;
+// Reading copies the text of a mutable string. Longer ones are not shared, so that what one archive
+// makes a reader copy stays within a small multiple of its bytes.
+constexpr std::size_t longestSharedText = 64;
 
 [[noreturn]] void raiseCannotArchive(const std::string& what) {
   NSException::raise(NSInvalidArchiveOperationException, what + " cannot be archived");
 }
 
-// libplist takes texts that end with a zero, and only well-formed ones come back as they were.
-std::string archivedText(const NSString& text) {
-  std::u16string_view rest = text.view();
-  while (!rest.empty()) {
-    const char32_t character = NSTakeCharacter(rest);
-    if (character == 0) raiseCannotArchive("text with U+0000");
-    if (NSIsHighSurrogate(character) || NSIsLowSurrogate(character)) {
-      raiseCannotArchive("text with half of a surrogate pair");
-    }
-  }
-  return text.utf8();
+struct ClassNames {
+  std::mutex mutex;
+  std::unordered_map<NSClass, NSRef<NSString>> byClass;
+};
+
+ClassNames& classNames() {
+  static NSNeverDestroyed<ClassNames> names;
+  return *names;
 }
 
-std::string archivedKey(const NSRef<NSString>& key, const char* operation) {
-  if (!key) NSRaiseNilArgument("key", operation);
-  std::string text = archivedText(*key);
-  if (text.starts_with('$')) text.insert(0, 1, '$');
-  return text;
-}
-
-plist_t checked(plist_t node) {
-  if (node == nullptr) throw std::bad_alloc();
-  return node;
-}
-
-// What stands in the table of objects without a record; null for all other objects.
-plist_t plainNode(const NSRef<NSObject>& object) {
-  if (const auto* const number = object.cast<NSNumber>()) {
-    if (number->isFloatingPoint()) return checked(plist_new_real(number->doubleValue()));
-    if (number->isBoolean()) return checked(plist_new_bool(number->boolValue() ? 1 : 0));
-    // libplist writes integers as signed ones.
-    if (number->compare(NSMake<NSNumber>(NSIntegerMax)) == NSOrderedDescending) {
-      raiseCannotArchive("the number " + number->stringValue()->utf8());
-    }
-    return checked(plist_new_uint(static_cast<std::uint64_t>(number->integerValue())));
-  }
-  if (const auto* const data = object.cast<NSData>()) {
-    return checked(plist_new_data(data->view().data(), data->length()));
-  }
-  const auto* const string = object.cast<NSString>();
-  if (string == nullptr || object.cast<NSMutableString>() != nullptr) return nullptr;
-  return checked(plist_new_string(archivedText(*string).c_str()));
+NSRef<NSString> nameOf(NSClass aClass) {
+  auto& [mutex, byClass] = classNames();
+  const std::lock_guard lock(mutex);
+  const auto found = byClass.find(aClass);
+  return found == byClass.end() ? aClass.name() : found->second;
 }
 
 const NSArchivedClass* platformClass(const NSObject& object) {
@@ -77,47 +57,77 @@ const NSArchivedClass* platformClass(const NSObject& object) {
 }  // namespace
 
 struct NSKeyedArchiver::Archive {
-  NSPropertyListNode root{checked(plist_new_dict())};
-  plist_t objects = checked(plist_new_array());
+  NSPropertyListWriter list;
+  Reference root = list.dictionary();
+  Reference table = list.array(16);
   // The dictionary that values are entered into: that of the object at hand.
-  plist_t current = checked(plist_new_dict());
-  std::uint64_t count = 0;
+  Reference current = list.dictionary();
   unsigned depth = 0;
-  std::unordered_map<NSRef<NSObject>, std::uint64_t> references;
-  std::unordered_map<NSClass, std::uint64_t> classes;
 
   Archive() {
-    plist_dict_set_item(root.get(), "$version", checked(plist_new_uint(100000)));
-    plist_dict_set_item(root.get(), "$archiver", checked(plist_new_string("NSKeyedArchiver")));
-    plist_dict_set_item(root.get(), "$top", current);
-    plist_dict_set_item(root.get(), "$objects", objects);
-    append(checked(plist_new_string("$null")));
+    set(root, u"$version", list.integer(100000));
+    set(root, u"$archiver", list.text(u"NSKeyedArchiver"));
+    set(root, u"$top", current);
+    set(root, u"$objects", table);
+    append(list.text(u"$null"), nullptr);
   }
 
-  std::uint64_t append(plist_t node) {
-    plist_array_append_item(objects, node);
-    return count++;
+  Reference key(const NSRef<NSString>& key, const char* operation) {
+    if (!key) NSRaiseNilArgument("key", operation);
+    const std::u16string_view text = key->view();
+    return list.text(text.starts_with(u'$') ? u'$' + std::u16string(text) : text);
   }
 
-  plist_t referenceTo(const NSRef<NSObject>& object, NSKeyedArchiver& coder) {
-    return checked(plist_new_uid(object ? indexOf(object, coder) : 0));
+  Reference referenceTo(const NSRef<NSObject>& object, NSKeyedArchiver& coder) {
+    return list.uid(object ? numberOf(object, coder) : 0);
   }
 
  private:
-  std::uint64_t indexOf(const NSRef<NSObject>& object, NSKeyedArchiver& coder) {
-    const auto known = references.find(object);
-    if (known != references.end()) return known->second;
-    plist_t const plain = plainNode(object);
-    plist_t const node = plain != nullptr ? plain : checked(plist_new_dict());
-    const std::uint64_t index = append(node);
-    references.emplace(object, index);
-    if (plain == nullptr) encodeRecord(object, node, coder);
-    return index;
+  void set(Reference dictionary, std::u16string_view key, Reference value) {
+    list.set(dictionary, list.text(key), value);
   }
 
-  void encodeRecord(const NSRef<NSObject>& object, plist_t record, NSKeyedArchiver& coder) {
+  // Puts it into the table of objects.
+  std::size_t append(Reference reference, const NSRef<NSObject>& object) {
+    const std::size_t number = objects.size();
+    list.append(table, reference);
+    objects.push_back(object);
+    numbers.insert(number, std::hash<const void*>{}(object.get()));
+    return number;
+  }
+
+  std::size_t numberOf(const NSRef<NSObject>& object, NSKeyedArchiver& coder) {
+    const std::size_t known =
+        numbers.find(std::hash<const void*>{}(object.get()),
+                     [&](std::size_t number) { return objects[number].get() == object.get(); });
+    if (known != NSHashIndex::notFound) return known;
+    if (const auto plain = plainValue(object)) return append(*plain, object);
+    const Reference record = list.dictionary();
+    const std::size_t number = append(record, object);
+    encodeRecord(NSRef<NSObject>(object), record, coder);
+    return number;
+  }
+
+  // What stands in the table of objects without a record.
+  std::optional<Reference> plainValue(const NSRef<NSObject>& object) {
+    if (const auto* const string = object.cast<NSString>()) {
+      if (object.cast<NSMutableString>() != nullptr) return std::nullopt;
+      return list.text(string->view());
+    }
+    if (const auto* const number = object.cast<NSNumber>()) {
+      if (number->isFloatingPoint()) return list.real(number->doubleValue());
+      if (number->isBoolean()) return list.boolean(number->boolValue());
+      const NSInteger value = number->integerValue();
+      const bool isLarge = value < 0 && number->doubleValue() > 0;
+      return isLarge ? list.largeInteger(number->unsignedIntegerValue()) : list.integer(value);
+    }
+    const auto* const data = object.cast<NSData>();
+    return data != nullptr ? std::optional(list.data(data->bytes())) : std::nullopt;
+  }
+
+  void encodeRecord(const NSRef<NSObject>& object, Reference record, NSKeyedArchiver& coder) {
     if (++depth > deepest) raiseCannotArchive("a graph of more than 500 objects in each other");
-    plist_t const outer = std::exchange(current, record);
+    const Reference outer = std::exchange(current, record);
     NSClass itself = object->objectClass();
     if (const auto* const coding = object.cast<NSCoding>()) {
       coding->encodeWithCoder(share(&coder));
@@ -127,24 +137,28 @@ struct NSKeyedArchiver::Archive {
     } else {
       raiseCannotArchive("an object of class " + itself.name()->utf8());
     }
-    plist_dict_set_item(record, "$class", checked(plist_new_uid(indexOfClass(itself))));
+    set(record, u"$class", list.uid(numberOfClass(itself)));
     current = outer;
     --depth;
   }
 
-  std::uint64_t indexOfClass(NSClass itself) {
+  std::size_t numberOfClass(NSClass itself) {
     const auto known = classes.find(itself);
     if (known != classes.end()) return known->second;
-    plist_t const names = checked(plist_new_array());
-    plist_t const record = checked(plist_new_dict());
-    plist_dict_set_item(record, "$classes", names);
-    const std::string name = itself.name()->utf8();
-    plist_dict_set_item(record, "$classname", checked(plist_new_string(name.c_str())));
+    const Reference names = list.array(4);
+    const Reference record = list.dictionary();
+    set(record, u"$classes", names);
+    set(record, u"$classname", list.text(nameOf(itself)->view()));
     for (std::optional<NSClass> each = itself; each; each = each->superclass()) {
-      plist_array_append_item(names, checked(plist_new_string(each->name()->utf8().c_str())));
+      list.append(names, list.text(nameOf(*each)->view()));
     }
-    return classes.emplace(itself, append(record)).first->second;
+    return classes.emplace(itself, append(record, nullptr)).first->second;
   }
+
+  // By their numbers; nil stands for records of classes too.
+  std::vector<NSRef<NSObject>> objects;
+  NSHashIndex numbers;
+  std::unordered_map<NSClass, std::size_t> classes;
 };
 
 NSRef<NSData> NSKeyedArchiver::archivedDataWithRootObject(const NSRef<NSObject>& root) {
@@ -153,53 +167,61 @@ NSRef<NSData> NSKeyedArchiver::archivedDataWithRootObject(const NSRef<NSObject>&
   return archiver->encodedData();
 }
 
+void NSKeyedArchiver::setClassName_forClass(const NSRef<NSString>& codedName, NSClass aClass) {
+  const auto name = codedName ? codedName->copy() : nullptr;
+  auto& [mutex, byClass] = classNames();
+  const std::lock_guard lock(mutex);
+  if (name) {
+    byClass[aClass] = name;
+  } else {
+    byClass.erase(aClass);
+  }
+}
+
 NSKeyedArchiver::NSKeyedArchiver() : _archive(std::make_unique<Archive>()) {}
 NSKeyedArchiver::~NSKeyedArchiver() = default;
 
 void NSKeyedArchiver::encodeBool_forKey(bool value, const NSRef<NSString>& key) {
-  const std::string text = archivedKey(key, "encodeBool:forKey:");
-  plist_dict_set_item(_archive->current, text.c_str(), checked(plist_new_bool(value ? 1 : 0)));
+  const Reference name = _archive->key(key, "encodeBool:forKey:");
+  _archive->list.set(_archive->current, name, _archive->list.boolean(value));
 }
 
 void NSKeyedArchiver::encodeInteger_forKey(NSInteger value, const NSRef<NSString>& key) {
-  const std::string text = archivedKey(key, "encodeInteger:forKey:");
-  plist_dict_set_item(_archive->current, text.c_str(),
-                      checked(plist_new_uint(static_cast<std::uint64_t>(value))));
+  const Reference name = _archive->key(key, "encodeInteger:forKey:");
+  _archive->list.set(_archive->current, name, _archive->list.integer(value));
 }
 
 void NSKeyedArchiver::encodeDouble_forKey(double value, const NSRef<NSString>& key) {
-  const std::string text = archivedKey(key, "encodeDouble:forKey:");
-  plist_dict_set_item(_archive->current, text.c_str(), checked(plist_new_real(value)));
+  const Reference name = _archive->key(key, "encodeDouble:forKey:");
+  _archive->list.set(_archive->current, name, _archive->list.real(value));
 }
 
 void NSKeyedArchiver::encodeObject_forKey(const NSRef<NSObject>& object,
                                           const NSRef<NSString>& key) {
-  const std::string text = archivedKey(key, "encodeObject:forKey:");
-  plist_t const reference = _archive->referenceTo(object, *this);
-  plist_dict_set_item(_archive->current, text.c_str(), reference);
+  const Reference name = _archive->key(key, "encodeObject:forKey:");
+  const Reference reference = _archive->referenceTo(object, *this);
+  _archive->list.set(_archive->current, name, reference);
 }
 
 void NSKeyedArchiver::encodeText_forKey(const NSString& text, const NSRef<NSString>& key) {
-  const std::string name = archivedKey(key, "encodeText:forKey:");
-  plist_dict_set_item(_archive->current, name.c_str(),
-                      checked(plist_new_string(archivedText(text).c_str())));
+  const Reference name = _archive->key(key, "encodeText:forKey:");
+  auto& list = _archive->list;
+  const bool isShared = text.length() <= longestSharedText;
+  list.set(_archive->current, name, isShared ? list.text(text.view()) : list.ownText(text.view()));
 }
 
-void NSKeyedArchiver::encodeObjects_forKey(std::span<const NSRef<NSObject>> objects,
-                                           const NSRef<NSString>& key) {
-  const std::string text = archivedKey(key, "encodeObjects:forKey:");
-  NSPropertyListNode list(checked(plist_new_array()));
-  for (const auto& object : objects) {
-    plist_array_append_item(list.get(), _archive->referenceTo(object, *this));
-  }
-  plist_dict_set_item(_archive->current, text.c_str(), list.release());
+std::uint32_t NSKeyedArchiver::beginList(const NSRef<NSString>& key) {
+  const Reference name = _archive->key(key, "encodeObjects:forKey:");
+  const Reference list = _archive->list.array(0);
+  _archive->list.set(_archive->current, name, list);
+  return list;
+}
+
+void NSKeyedArchiver::appendToList(std::uint32_t list, const NSRef<NSObject>& object) {
+  const Reference reference = _archive->referenceTo(object, *this);
+  _archive->list.append(list, reference);
 }
 
 NSRef<NSData> NSKeyedArchiver::encodedData() const {
-  char* bytes = nullptr;
-  std::uint32_t length = 0;
-  plist_to_bin(_archive->root.get(), &bytes, &length);
-  if (bytes == nullptr) throw std::bad_alloc();
-  const std::unique_ptr<char, decltype(&plist_to_bin_free)> owner(bytes, &plist_to_bin_free);
-  return NSMake<NSData>(std::string_view(bytes, length));
+  return NSMake<NSData>(_archive->list.bytes(_archive->root));
 }

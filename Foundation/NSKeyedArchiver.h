@@ -1,7 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
-#include <span>
 
 #include <Foundation/NSCoder.h>
 #include <Foundation/NSData.h>
@@ -13,20 +14,23 @@
 ///
 /// Objects stand in the table once, however often they are referred to: strings, numbers and data
 /// as they are, others as records of their keys with a reference to the record of their class. Keys
-/// that begin with "$" get another one in front.
+/// that begin with "$" get another one in front. Equal strings, numbers and data share their bytes,
+/// and come back as one object.
 ///
 /// These can be archived: strings, numbers, data, `NSNull`, arrays, sets, dictionaries, `NSURL`,
 /// `NSLocale`, and what derives from `NSCoding`; of other subclasses of these their contents. All
-/// else raises `NSInvalidArchiveOperationException`, and so do a graph of more than 500 objects
-/// in each other, and what libplist does not hold: an unsigned number of 2^63 and above, and text
-/// with U+0000 or half of a surrogate pair. An archiver that has raised cannot be used further.
-///
-/// libplist's writer looks up each value among the others in a table of fixed size: documents are
-/// written at once, hundreds of thousands of objects take minutes.
+/// else raises `NSInvalidArchiveOperationException`, and so does a graph of more than 500 objects
+/// in each other. A collection that is changed while its elements are encoded raises
+/// `NSGenericException`. An archiver that has raised cannot be used further.
 class NS_EXPORT NSKeyedArchiver : public NSCoder {
  public:
   /// The archive of one object, under the key "root". Nil is archived as nil.
   static NSRef<NSData> archivedDataWithRootObject(const NSRef<NSObject>& root);
+
+  /// Gives the class another name in all archives that are written from now on than its C++ name,
+  /// which a class in an unnamed namespace shares with others. Nil takes that back.
+  /// `NSKeyedUnarchiver::setClass_forClassName` is its counterpart. May be called from any thread.
+  static void setClassName_forClass(const NSRef<NSString>& codedName, NSClass aClass);
 
   NSKeyedArchiver();
   ~NSKeyedArchiver() override;
@@ -37,13 +41,22 @@ class NS_EXPORT NSKeyedArchiver : public NSCoder {
   void encodeObject_forKey(const NSRef<NSObject>& object, const NSRef<NSString>& key) override;
   /// Text in its place, not as an object, as mutable strings write theirs.
   void encodeText_forKey(const NSString& text, const NSRef<NSString>& key);
-  /// Objects as a list without a class, as collections write theirs.
-  void encodeObjects_forKey(std::span<const NSRef<NSObject>> objects, const NSRef<NSString>& key);
+  /// The objects of a collection, or what the projection takes of its elements, as a list without a
+  /// class, as collections write theirs.
+  template <class Objects, class Projection = std::identity>
+  void encodeObjects_forKey(const Objects& objects, const NSRef<NSString>& key,
+                            Projection projection = {}) {
+    const std::uint32_t list = beginList(key);
+    for (const auto& object : objects) appendToList(list, projection(object));
+  }
 
   /// The archive of what has been encoded up to now.
   NSRef<NSData> encodedData() const;
 
  private:
+  std::uint32_t beginList(const NSRef<NSString>& key);
+  void appendToList(std::uint32_t list, const NSRef<NSObject>& object);
+
   struct Archive;
   std::unique_ptr<Archive> _archive;
 };

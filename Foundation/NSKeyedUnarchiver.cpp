@@ -1,17 +1,17 @@
 #include "Foundation/NSKeyedUnarchiver.h"
 
 #include "Foundation/NSArchivedClasses.h"
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSError.h"
 #include "Foundation/NSException.h"
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSNumber.h"
-#include "Foundation/NSPropertyListCheck.h"
-#include "Foundation/NSPropertyListNode.h"
+#include "Foundation/NSPropertyListReader.h"
 #include "Foundation/NSString.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstdint>
 #include <exception>
-#include <limits>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -20,6 +20,10 @@
 #include <utility>
 
 namespace {
+
+using Index = NSPropertyListReader::Index;
+using Kind = NSPropertyListKind;
+using Value = NSPropertyListObject;
 
 constexpr unsigned deepest = 500;
 
@@ -44,192 +48,167 @@ Readers<Reader>& readers() {
   return *instance;
 }
 
-std::string_view textOf(plist_t node) {
-  std::uint64_t length = 0;
-  const char* const text = plist_get_string_ptr(node, &length);
-  return text == nullptr ? std::string_view() : std::string_view(text, length);
-}
+// Where an archive says of itself what it is.
+constexpr std::int64_t version = 100000;
+// Copies of texts may add up to so many times the archive, or to what is no matter. The archiver
+// shares only texts of which a record is long enough for that.
+constexpr std::size_t copiesPerByte = 32;
+constexpr std::size_t copiesAlways = std::size_t{1} << 20U;
 
-// Gives null for a node that is no dictionary, as a look-up of libplist's does.
-plist_t item(plist_t dictionary, const char* key) { return plist_dict_get_item(dictionary, key); }
-
-bool is(plist_t node, plist_type type) {
-  return node != nullptr && plist_get_node_type(node) == type;
-}
-
-std::uint64_t integerOf(plist_t node) {
-  std::uint64_t value = 0;
-  plist_get_uint_val(node, &value);
-  return value;
-}
-
-// The number of the object that a reference means; nothing for what is no reference.
-std::optional<std::uint64_t> referenced(plist_t node) {
-  if (is(node, PLIST_UID)) {
-    std::uint64_t index = 0;
-    plist_get_uid_val(node, &index);
-    return index;
-  }
-  plist_t const number = item(node, "CF$UID");
-  if (is(number, PLIST_UINT) && plist_dict_get_size(node) == 1) return integerOf(number);
-  return std::nullopt;
-}
-
-std::vector<plist_t> itemsOf(plist_t array) {
-  std::vector<plist_t> items;
-  items.reserve(plist_array_get_size(array));
-  plist_array_iter walk = nullptr;
-  plist_array_new_iter(array, &walk);
-  const std::unique_ptr<void, decltype(&std::free)> owner(walk, &std::free);
-  for (plist_t each = nullptr; plist_array_next_item(array, walk, &each), each != nullptr;) {
-    items.push_back(each);
-  }
-  return items;
-}
-
-NSPropertyListNode parse(const NSRef<NSData>& data) {
-  if (!data) NSRaiseNilArgument("data", "initForReadingWithData:");
-  const std::string_view bytes = data->view();
-  plist_t node = nullptr;
-  if (bytes.size() <= std::numeric_limits<std::uint32_t>::max() &&
-      NSIsFlatBinaryPropertyList(data->bytes())) {
-    plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &node);
-  }
-  return NSPropertyListNode(node);
+NSPropertyListReader opened(const NSData& data) {
+  auto list = NSPropertyListReader::open(data.bytes());
+  if (!list) raiseNoArchive();
+  return *std::move(list);
 }
 
 }  // namespace
 
 struct NSKeyedUnarchiver::Archive {
-  explicit Archive(const NSRef<NSData>& data) : root(parse(data)) {
-    current = item(root.get(), "$top");
-    plist_t const table = item(root.get(), "$objects");
-    if (!is(current, PLIST_DICT) || !is(table, PLIST_ARRAY) ||
-        !is(item(root.get(), "$archiver"), PLIST_STRING) ||
-        textOf(item(root.get(), "$archiver")) != "NSKeyedArchiver" ||
-        !is(item(root.get(), "$version"), PLIST_UINT) ||
-        integerOf(item(root.get(), "$version")) != 100000) {
+  explicit Archive(const NSRef<NSData>& archived) : data(archived), list(opened(*data)) {
+    const auto top = list.find(list.top(), u"$top");
+    const auto objects = list.find(list.top(), u"$objects");
+    const auto archiver = list.find(list.top(), u"$archiver");
+    const auto number = list.find(list.top(), u"$version");
+    if (!top || !list.object(*top).is(Kind::dictionary) || !objects ||
+        !list.object(*objects).is(Kind::array) || !archiver ||
+        !list.object(*archiver).isText(u"NSKeyedArchiver") || !number ||
+        list.object(*number).integer() != version) {
       raiseNoArchive();
     }
-    nodes = itemsOf(table);
-    objects.resize(nodes.size());
-    states.resize(nodes.size(), State::unread);
-    heights.resize(nodes.size(), 0);
+    current = *top;
+    table = list.object(*objects);
+    slots.resize(list.count());
   }
 
-  // The value under the key of the object at hand, null when there is none.
-  plist_t value(const NSRef<NSString>& key, const char* operation) const {
+  // The value under the key of the object at hand.
+  std::optional<Index> value(const NSRef<NSString>& key, const char* operation) {
     if (!key) NSRaiseNilArgument("key", operation);
-    if (key->view().find(u'\0') != std::u16string_view::npos) return nullptr;
-    std::string text = key->utf8();
-    if (text.starts_with('$')) text.insert(0, 1, '$');
-    return item(current, text.c_str());
-  }
-  plist_t valueOfType(const NSRef<NSString>& key, plist_type type, const char* kind,
-                      const char* operation) const {
-    plist_t const node = value(key, operation);
-    if (node != nullptr && !is(node, type)) raiseWrongKind(key, kind);
-    return node;
+    const std::u16string_view text = key->view();
+    if (!text.starts_with(u'$')) return list.find(current, text, place);
+    return list.find(current, u'$' + std::u16string(text), place);
   }
   [[noreturn]] static void raiseWrongKind(const NSRef<NSString>& key, const char* kind) {
     raiseBroken("value for key '" + key->utf8() + "' is not " + kind);
   }
 
-  NSRef<NSObject> object(plist_t reference, const NSRef<NSString>& key, NSKeyedUnarchiver& coder) {
+  NSRef<NSObject> object(Index reference, const NSRef<NSString>& key, NSKeyedUnarchiver& coder) {
+    const Value value = list.object(reference);
     // Some classes write text and data in their place.
-    if (is(reference, PLIST_STRING) || is(reference, PLIST_DATA)) return read(reference, coder);
-    const auto index = referenced(reference);
-    if (!index) raiseWrongKind(key, "an object");
-    if (*index == 0) return nullptr;
-    if (*index >= nodes.size()) {
+    if (value.isText() || value.is(Kind::data)) return plain(reference, value);
+    const auto number = referenced(value);
+    if (!number) raiseWrongKind(key, "an object");
+    if (*number == 0) return nullptr;
+    if (*number >= list.references(table)) {
       raiseBroken("value for key '" + key->utf8() + "' refers to an object that is not there");
     }
-    if (states[*index] == State::isBeingRead) {
+    const Index index = list.reference(table, *number);
+    const Value found = list.object(index);
+    if (!found.is(Kind::dictionary)) return plain(index, found);
+    const Slot& slot = slots[index];
+    if (slot.state == State::isBeingRead) {
       raiseBroken("the object for key '" + key->utf8() + "' contains itself");
     }
-    if (states[*index] == State::unread) {
-      const BeingRead reading(*this, *index);
-      objects[*index] = read(nodes[*index], coder);
+    if (slot.state == State::unread) {
+      const BeingRead reading(*this, slots[index]);
+      slots[index].object = readRecord(index, coder);
     }
-    tallest = std::max(tallest, heights[*index]);
+    tallest = std::max(tallest, unsigned{slot.height});
     // An object that has been read before may itself be the top of a tall graph.
-    if (depth + heights[*index] > deepest) raiseTooDeep();
-    return objects[*index];
+    if (depth + slot.height > deepest) raiseTooDeep();
+    return slot.object;
   }
 
-  NSPropertyListNode root;
-  plist_t current = nullptr;
+  void noteCopy(std::size_t size) {
+    copied += size;
+    if (copied > copiesAlways + copiesPerByte * list.size()) {
+      raiseBroken("texts are repeated too often");
+    }
+  }
+
+  const NSRef<NSData> data;
+  const NSPropertyListReader list;
+  // The dictionary of the object at hand, and where its values were found last.
+  Index current = 0;
+  std::size_t place = 0;
 
  private:
   enum class State : std::uint8_t { unread, isBeingRead, isRead };
+  struct Slot {
+    NSRef<NSObject> object;
+    // How many objects are in each other below and with it.
+    std::uint16_t height = 0;
+    State state = State::unread;
+  };
 
   // Both also when reading raises: the reader may catch that and go on.
   class BeingRead {
    public:
-    BeingRead(Archive& archive, std::uint64_t index)
-        : _archive(archive), _index(index), _outerTallest(std::exchange(archive.tallest, 0)) {
-      _archive.states[_index] = State::isBeingRead;
+    BeingRead(Archive& archive, Slot& slot)
+        : _archive(archive), _slot(slot), _outerTallest(std::exchange(archive.tallest, 0)) {
+      _slot.state = State::isBeingRead;
     }
     BeingRead(const BeingRead&) = delete;
     ~BeingRead() {
       const bool hasRaised = std::uncaught_exceptions() > _exceptions;
-      _archive.states[_index] = hasRaised ? State::unread : State::isRead;
-      _archive.heights[_index] = _archive.tallest;
+      _slot.state = hasRaised ? State::unread : State::isRead;
+      _slot.height = static_cast<std::uint16_t>(_archive.tallest);
       _archive.tallest = _outerTallest;
     }
 
    private:
     Archive& _archive;
-    std::uint64_t _index;
+    Slot& _slot;
     unsigned _outerTallest;
     int _exceptions = std::uncaught_exceptions();
   };
   class Entering {
    public:
-    Entering(Archive& archive, plist_t record)
-        : _archive(archive), _outer(std::exchange(archive.current, record)) {
+    Entering(Archive& archive, Index record)
+        : _archive(archive),
+          _current(std::exchange(archive.current, record)),
+          _place(std::exchange(archive.place, 0)) {
       ++archive.depth;
     }
     Entering(const Entering&) = delete;
     ~Entering() {
-      _archive.current = _outer;
+      _archive.current = _current;
+      _archive.place = _place;
       --_archive.depth;
     }
 
    private:
     Archive& _archive;
-    plist_t _outer;
+    Index _current;
+    std::size_t _place;
   };
 
-  NSRef<NSObject> read(plist_t node, NSKeyedUnarchiver& coder) {
-    switch (plist_get_node_type(node)) {
-      case PLIST_STRING:
-        return NSMake<NSString>(textOf(node));
-      case PLIST_UINT:
-        return NSMake<NSNumber>(static_cast<NSInteger>(integerOf(node)));
-      case PLIST_DICT:
-        return readRecord(node, coder);
-      case PLIST_BOOLEAN: {
-        std::uint8_t value = 0;
-        plist_get_bool_val(node, &value);
-        return NSMake<NSNumber>(value != 0);
-      }
-      case PLIST_REAL: {
-        double value = 0;
-        plist_get_real_val(node, &value);
-        return NSMake<NSNumber>(value);
-      }
-      case PLIST_DATA: {
-        std::uint64_t length = 0;
-        const char* const bytes = plist_get_data_ptr(node, &length);
-        return NSMake<NSData>(std::string_view(bytes, length));
-      }
-      default:
-        raiseBroken("an object of the archive is of no kind that objects have");
-    }
+  // The number of the object that a reference means; nothing for what is no reference.
+  std::optional<std::uint64_t> referenced(const Value& value) const {
+    if (!value.is(Kind::dictionary)) return value.uid();
+    if (list.references(value) != 2) return std::nullopt;
+    if (!list.object(list.reference(value, 0)).isText(u"CF$UID")) return std::nullopt;
+    const auto number = list.object(list.reference(value, 1)).integer();
+    return number ? std::optional(static_cast<std::uint64_t>(*number)) : std::nullopt;
   }
 
-  NSRef<NSObject> readRecord(plist_t record, NSKeyedUnarchiver& coder) {
+  // Made once, so that what is shared in the archive is shared in memory.
+  NSRef<NSObject> plain(Index index, const Value& value) {
+    auto& object = slots[index].object;
+    if (!object) object = madeOf(value);
+    return object;
+  }
+
+  static NSRef<NSObject> madeOf(const Value& value) {
+    if (value.isText()) return value.text();
+    if (value.is(Kind::data)) return NSMake<NSData>(value.bytes);
+    if (const auto integer = value.integer()) return NSMake<NSNumber>(NSInteger{*integer});
+    if (const auto large = value.largeInteger()) return NSMake<NSNumber>(NSUInteger{*large});
+    if (const auto real = value.real()) return NSMake<NSNumber>(*real);
+    if (const auto boolean = value.boolean()) return NSMake<NSNumber>(*boolean);
+    raiseBroken("an object of the archive is of no kind that objects have");
+  }
+
+  NSRef<NSObject> readRecord(Index record, NSKeyedUnarchiver& coder) {
     const std::u16string& name = className(record);
     if (depth == deepest) raiseTooDeep();
     const Entering entering(*this, record);
@@ -238,15 +217,16 @@ struct NSKeyedUnarchiver::Archive {
     return object;
   }
 
-  // Kept, as a look-up of libplist's goes through all keys of the class's record.
-  const std::u16string& className(plist_t record) {
-    const auto index = referenced(item(record, "$class"));
-    if (!index || *index >= nodes.size()) raiseBroken("an object has no class");
-    if (const auto known = classNames.find(*index); known != classNames.end()) return known->second;
-    plist_t const name = item(nodes[*index], "$classname");
-    if (!is(name, PLIST_STRING)) raiseBroken("a class has no name");
-    const NSUnitBuffer units = NSUnitsFromUTF8(textOf(name));
-    return classNames.emplace(*index, units.view()).first->second;
+  const std::u16string& className(Index record) {
+    const auto reference = list.find(record, u"$class");
+    const auto number = reference ? referenced(list.object(*reference)) : std::nullopt;
+    if (!number || *number >= list.references(table)) raiseBroken("an object has no class");
+    const auto known = classNames.find(*number);
+    if (known != classNames.end()) return known->second;
+    const auto name = list.find(list.reference(table, *number), u"$classname");
+    if (!name || !list.object(*name).isText()) raiseBroken("a class has no name");
+    const auto text = list.object(*name).text();
+    return classNames.emplace(*number, text->view()).first->second;
   }
 
   [[noreturn]] static void raiseTooDeep() {
@@ -271,13 +251,10 @@ struct NSKeyedUnarchiver::Archive {
     return found == byName.end() ? nullptr : found->second;
   }
 
-  std::vector<plist_t> nodes;
-  std::vector<NSRef<NSObject>> objects;
-  std::vector<State> states;
-  // How many objects are in each other below and with each one; and the most of those that the
-  // object at hand has asked for.
-  std::vector<unsigned> heights;
-  unsigned tallest = 0;
+  Value table{};            // The references to the objects, by their numbers.
+  std::vector<Slot> slots;  // By the index in the list.
+  unsigned tallest = 0;     // Of the heights that the object at hand has asked for.
+  std::size_t copied = 0;
   std::unordered_map<std::uint64_t, std::u16string> classNames;
   unsigned depth = 0;
 };
@@ -293,49 +270,82 @@ NSRef<NSObject> NSKeyedUnarchiver::unarchiveObjectWithData(const NSRef<NSData>& 
   return NSMake<NSKeyedUnarchiver>(data)->decodeObjectForKey(u"root"_ns);
 }
 
-NSKeyedUnarchiver::NSKeyedUnarchiver(const NSRef<NSData>& data)
-    : _archive(std::make_unique<Archive>(data)) {}
+NSRef<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClass_fromData_error(NSClass aClass,
+                                                                          const NSRef<NSData>& data,
+                                                                          NSRef<NSError>* error) {
+  if (!data) NSRaiseNilArgument("data", "unarchivedObjectOfClass:fromData:error:");
+  const auto failed = [&](NSInteger code, const NSRef<NSString>& reason) {
+    const auto info = NSMake<NSDictionary>({{NSLocalizedDescriptionKey(), reason}});
+    if (error != nullptr) *error = NSMake<NSError>(NSCocoaErrorDomain(), code, info);
+    return nullptr;
+  };
+  try {
+    auto object = unarchiveObjectWithData(data);
+    if (!object) return failed(NSCoderValueNotFoundError, u"the archive has no object"_ns);
+    if (!object->isKindOfClass(aClass)) raiseWrongClass(*object, aClass, u"root"_ns);
+    return object;
+  } catch (const NSException& exception) {
+    return failed(NSCoderReadCorruptError, exception.reason());
+  }
+}
+
+NSKeyedUnarchiver::NSKeyedUnarchiver(const NSRef<NSData>& data) {
+  if (!data) NSRaiseNilArgument("data", "initForReadingWithData:");
+  _archive = std::make_unique<Archive>(data);
+}
 NSKeyedUnarchiver::~NSKeyedUnarchiver() = default;
 
 bool NSKeyedUnarchiver::containsValueForKey(const NSRef<NSString>& key) const {
-  return _archive->value(key, "containsValueForKey:") != nullptr;
+  return _archive->value(key, "containsValueForKey:").has_value();
 }
 
 bool NSKeyedUnarchiver::decodeBoolForKey(const NSRef<NSString>& key) {
-  std::uint8_t value = 0;
-  plist_get_bool_val(_archive->valueOfType(key, PLIST_BOOLEAN, "a boolean", "decodeBoolForKey:"),
-                     &value);
-  return value != 0;
+  const auto index = _archive->value(key, "decodeBoolForKey:");
+  if (!index) return false;
+  const auto value = _archive->list.object(*index).boolean();
+  if (!value) Archive::raiseWrongKind(key, "a boolean");
+  return *value;
 }
 
 NSInteger NSKeyedUnarchiver::decodeIntegerForKey(const NSRef<NSString>& key) {
-  return static_cast<NSInteger>(
-      integerOf(_archive->valueOfType(key, PLIST_UINT, "an integer", "decodeIntegerForKey:")));
+  const auto index = _archive->value(key, "decodeIntegerForKey:");
+  if (!index) return 0;
+  const auto value = _archive->list.object(*index).integer();
+  if (!value) Archive::raiseWrongKind(key, "an integer");
+  return *value;
 }
 
 double NSKeyedUnarchiver::decodeDoubleForKey(const NSRef<NSString>& key) {
-  plist_t const node = _archive->value(key, "decodeDoubleForKey:");
-  if (is(node, PLIST_UINT)) return static_cast<double>(static_cast<NSInteger>(integerOf(node)));
-  double value = 0;
-  plist_get_real_val(_archive->valueOfType(key, PLIST_REAL, "a number", "decodeDoubleForKey:"),
-                     &value);
-  return value;
+  const auto index = _archive->value(key, "decodeDoubleForKey:");
+  if (!index) return 0;
+  const Value value = _archive->list.object(*index);
+  if (const auto real = value.real()) return *real;
+  if (const auto integer = value.integer()) return static_cast<double>(*integer);
+  if (const auto large = value.largeInteger()) return static_cast<double>(*large);
+  Archive::raiseWrongKind(key, "a number");
 }
 
 NSRef<NSObject> NSKeyedUnarchiver::decodeObjectForKey(const NSRef<NSString>& key) {
-  plist_t const node = _archive->value(key, "decodeObjectForKey:");
-  return node == nullptr ? nullptr : _archive->object(node, key, *this);
+  const auto index = _archive->value(key, "decodeObjectForKey:");
+  return index ? _archive->object(*index, key, *this) : nullptr;
+}
+
+NSRef<NSString> NSKeyedUnarchiver::decodeTextForKey(const NSRef<NSString>& key) {
+  auto text = decodeObjectOfClass<NSString>(key);
+  if (text) _archive->noteCopy(text->length() * sizeof(char16_t));
+  return text;
 }
 
 std::vector<NSRef<NSObject>> NSKeyedUnarchiver::decodeObjectsForKey(const NSRef<NSString>& key) {
   std::vector<NSRef<NSObject>> objects;
-  plist_t const list =
-      _archive->valueOfType(key, PLIST_ARRAY, "a list of objects", "decodeObjectsForKey:");
-  if (list == nullptr) return objects;
-  const auto references = itemsOf(list);
-  objects.reserve(references.size());
-  for (plist_t const reference : references) {
-    objects.push_back(_archive->object(reference, key, *this));
+  const auto index = _archive->value(key, "decodeObjectsForKey:");
+  if (!index) return objects;
+  const auto& list = _archive->list;
+  const Value array = list.object(*index);
+  if (!array.is(Kind::array)) Archive::raiseWrongKind(key, "a list of objects");
+  objects.reserve(list.references(array));
+  for (std::size_t k = 0; k < list.references(array); ++k) {
+    objects.push_back(_archive->object(list.reference(array, k), key, *this));
   }
   return objects;
 }

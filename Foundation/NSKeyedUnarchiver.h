@@ -5,6 +5,7 @@
 
 #include <Foundation/NSCoder.h>
 #include <Foundation/NSData.h>
+#include <Foundation/NSError.h>
 #include <Foundation/NSExport.h>
 
 /// Reads what `NSKeyedArchiver` writes; also where its references went through a property list
@@ -14,9 +15,13 @@
 /// A reference that leads nowhere, a value of another kind than its reader asks for, an object that
 /// contains itself, more than 500 objects in each other, and a class that is neither the
 /// platform's own nor registered raise `NSInvalidUnarchiveOperationException`. What a class raises
-/// itself, such as for nil in an array, comes through. Memory is proportional to the bytes, at most
-/// some hundred times as much, and 512 KiB of stack are enough for the platform's classes. Time is
-/// not bounded so: equal collections in each other, as keys or in sets, take long to compare.
+/// itself, such as for nil in an array, comes through. Where damage is an ordinary outcome, as with
+/// a file, `unarchivedObjectOfClass_fromData_error` gives it back as an error.
+///
+/// Memory is proportional to the bytes, for the platform's classes at most some hundred times as
+/// much, and 512 KiB of stack are enough. Time is too, but for keys and members of sets that have
+/// equal hashes and are compared with each other, and for URLs of one long text, each of which
+/// parses it.
 class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
  public:
   /// The object under the key "root", nil when there is none.
@@ -25,6 +30,20 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
   template <class T>
   static NSRef<T> unarchivedObjectOfClass(const NSRef<NSData>& data) {
     return unarchiveObjectWithData(data).template as<T>();
+  }
+
+  /// The object under the key "root". Nil, with an `NSError` of the domain `NSCocoaErrorDomain`
+  /// whose text is the reason, when there is none (`NSCoderValueNotFoundError`), and when it is of
+  /// another class or reading raises an `NSException` (`NSCoderReadCorruptError`). The place for
+  /// the error may be null. Nil as data raises `NSInvalidArgumentException`.
+  static NSRef<NSObject> unarchivedObjectOfClass_fromData_error(NSClass aClass,
+                                                                const NSRef<NSData>& data,
+                                                                NSRef<NSError>* error);
+  /// The same as a `T`.
+  template <class T>
+  static NSRef<T> unarchivedObjectOfClass_fromData_error(const NSRef<NSData>& data,
+                                                         NSRef<NSError>* error) {
+    return unarchivedObjectOfClass_fromData_error(NSClass::of<T>(), data, error).template as<T>();
   }
 
   explicit NSKeyedUnarchiver(const NSRef<NSData>& data);
@@ -36,7 +55,8 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
   static void registerClass() {
     setClass_forClassName<T>(NSClass::of<T>().name());
   }
-  /// The same, under the name that the class has in the archive.
+  /// The same, under the name that the class has in the archive, such as one that was given to
+  /// `NSKeyedArchiver::setClassName_forClass`.
   template <class T>
   static void setClass_forClassName(const NSRef<NSString>& name) {
     setReader(name, [](const NSRef<NSCoder>& coder) -> NSRef<NSObject> {
@@ -53,6 +73,9 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
   NSInteger decodeIntegerForKey(const NSRef<NSString>& key) override;
   double decodeDoubleForKey(const NSRef<NSString>& key) override;
   NSRef<NSObject> decodeObjectForKey(const NSRef<NSString>& key) override;
+  /// A text that the caller is going to copy. In one archive these may add up to 1 MiB and 32 times
+  /// its bytes; more raise `NSInvalidUnarchiveOperationException`.
+  NSRef<NSString> decodeTextForKey(const NSRef<NSString>& key);
   /// Objects that were written as a list without a class; none when there is no such key.
   std::vector<NSRef<NSObject>> decodeObjectsForKey(const NSRef<NSString>& key);
 
