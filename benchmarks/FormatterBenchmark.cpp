@@ -8,12 +8,14 @@
 #include <unordered_map>
 #include <vector>
 
-#include <plist/plist.h>
 #include <unicode/unum.h>
 #include <uriparser/Uri.h>
 
 #include <ZKFoundation/ZKFoundation.h>
 
+#ifdef ZK_HAS_PLIST
+#include <plist/plist.h>
+#endif
 #ifdef ZK_HAS_QT
 #include <QLocale>
 #include <QString>
@@ -175,17 +177,23 @@ void addAddresses() {
 #endif
 }
 
-void addArchives() {
-  const auto formatter = NSMake<ZKUnitOfInformationFormatter>();
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(formatter);
-  plist_t tree = nullptr;
-  plist_from_bin(data->view().data(), static_cast<std::uint32_t>(data->length()), &tree);
+// Writes and reads the object.
+void addArchive(const std::string& subject, const NSRef<NSObject>& object) {
+  const auto data = NSKeyedArchiver::archivedDataWithRootObject(object);
+  const NSClass kind = object->objectClass();
   addRow(
-      "Archive/Write/ZK", [=] { return NSKeyedArchiver::archivedDataWithRootObject(formatter); },
+      subject + "/Write/ZK", [=] { return NSKeyedArchiver::archivedDataWithRootObject(object); },
       [=](const NSRef<NSData>& written) { return written->isEqualToData(data); });
-  // The bytes alone, of a tree that is there.
   addRow(
-      "Archive/Write/libplist",
+      subject + "/Read/ZK", [=] { return NSKeyedUnarchiver::unarchiveObjectWithData(data); },
+      [=](const NSRef<NSObject>& read) { return read->isMemberOfClass(kind); });
+#ifdef ZK_HAS_PLIST
+  // The bytes alone, from and to a tree of values.
+  const auto size = static_cast<std::uint32_t>(data->length());
+  plist_t tree = nullptr;
+  plist_from_bin(data->view().data(), size, &tree);
+  addRow(
+      subject + "/Write/libplist",
       [=] {
         char* bytes = nullptr;
         std::uint32_t length = 0;
@@ -193,21 +201,27 @@ void addArchives() {
         plist_to_bin_free(bytes);
         return length;
       },
-      [=](std::uint32_t length) { return length == data->length(); });
+      [](std::uint32_t length) { return length != 0; });
   addRow(
-      "Archive/Read/ZK", [=] { return NSKeyedUnarchiver::unarchiveObjectWithData(data); },
-      [](const NSRef<NSObject>& object) {
-        return object->isMemberOfClass(NSClass::of<ZKUnitOfInformationFormatter>());
-      });
-  addRow(
-      "Archive/Read/libplist",
+      subject + "/Read/libplist",
       [=] {
         plist_t node = nullptr;
-        plist_from_bin(data->view().data(), static_cast<std::uint32_t>(data->length()), &node);
+        plist_from_bin(data->view().data(), size, &node);
         plist_free(node);
         return node;
       },
       [](plist_t node) { return node != nullptr; });
+#endif
+}
+
+void addArchives() {
+  addArchive("Archive", NSMake<ZKUnitOfInformationFormatter>());
+  const auto texts = NSMake<NSMutableArray>();
+  const auto arrays = NSMake<NSMutableArray>();
+  for (int k = 0; k < 100'000; ++k) texts->addObject(NSMake<NSString>(std::to_string(k)));
+  for (int k = 0; k < 20'000; ++k) arrays->addObject(NSMake<NSArray>({texts->objectAtIndex(0)}));
+  addArchive("ArchiveOf100000Texts", texts);
+  addArchive("ArchiveOf20000Arrays", arrays);
 }
 
 void addLookUp() {
