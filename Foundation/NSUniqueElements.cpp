@@ -1,7 +1,9 @@
 #include "Foundation/NSUniqueElements.h"
 
 #include "Foundation/NSException.h"
+#include "Foundation/NSString.h"
 
+#include <typeinfo>
 #include <utility>
 
 void NSUniqueElements::requireUnchanged(NSUInteger mutations) const {
@@ -12,10 +14,12 @@ void NSUniqueElements::requireUnchanged(NSUInteger mutations) const {
 
 std::size_t NSUniqueElements::find(const NSRef<NSObject>& object, NSUInteger hash) const {
   return _index.find(hash, [&, before = _mutations.value()](std::size_t position) {
-    if (_elements[position].get() == object.get()) return true;
-    // Held while it is asked: it may remove itself.
-    const NSRef<NSObject> element = _elements[position];
-    const bool isSame = element->isEqual(object);
+    const NSObject* const element = _elements[position].get();
+    if (element == object.get()) return true;
+    // Texts, which most are, ask nobody else; others are held, as they may remove themselves.
+    if (typeid(*element) == typeid(NSString)) return element->isEqual(object);
+    const auto held = element->self();
+    const bool isSame = held->isEqual(object);
     requireUnchanged(before);
     return isSame;
   });
