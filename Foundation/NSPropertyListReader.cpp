@@ -1,6 +1,7 @@
 #include "Foundation/NSPropertyListReader.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 #include <utility>
@@ -124,13 +125,21 @@ std::size_t NSPropertyListObject::unitCount() const noexcept {
 }
 
 NSRef<NSString> NSPropertyListObject::text() const {
-  NSUnitBuffer text;
   const std::size_t count = unitCount();
-  text.reserve(count);
-  char16_t* const units = text.extend(count);
-  for (std::size_t k = 0; k < count; ++k) {
-    units[k] = is(Kind::utf16) ? unitAt(bytes, k) : std::to_integer<char16_t>(bytes[k]);
+  const auto copyTo = [&](char16_t* units) {
+    for (std::size_t k = 0; k < count; ++k) {
+      units[k] = is(Kind::utf16) ? unitAt(bytes, k) : std::to_integer<char16_t>(bytes[k]);
+    }
+  };
+  // Short ones, which most are, go into one block with their string.
+  std::array<char16_t, 64> room;
+  if (count <= room.size()) {
+    copyTo(room.data());
+    return NSMake<NSString>(std::u16string_view(room.data(), count));
   }
+  NSUnitBuffer text;
+  text.reserve(count);
+  copyTo(text.extend(count));
   return NSMake<NSString>(std::move(text));
 }
 

@@ -54,9 +54,9 @@ class Archiving : public testing::Test {
   Archiving() { NSKeyedUnarchiver::setClass_forClassName<Page>(NSClass::of<Page>().name()); }
 };
 
-NSRef<NSObject> everything() {
+NSRef<NSMutableArray> everything() {
   const auto shared = NSMake<NSMutableString>("geändert 😀");
-  return NSMake<NSArray>(
+  return NSMake<NSMutableArray>(
       {u""_ns,
        u"Größe 😀"_ns,
        shared,
@@ -83,7 +83,12 @@ NSRef<NSObject> everything() {
 }
 
 TEST_F(Archiving, KeepsThePlatformsObjects) {
-  const auto original = everything().as<NSArray>();
+  const auto original = everything();
+  // Texts that no XML could hold.
+  for (const auto units : {u"a\0b"sv, u"\0ä"sv, u"\xDC00\xD800"sv}) {
+    original->addObject(NSMake<NSString>(units));
+    original->addObject(NSMake<NSMutableString>(units));
+  }
   const auto copy = roundTrip(original).as<NSArray>();
   ASSERT_TRUE(copy);
   ASSERT_EQ(copy->count(), original->count());
@@ -96,18 +101,6 @@ TEST_F(Archiving, KeepsThePlatformsObjects) {
   EXPECT_EQ(copy->objectAtIndex(2), copy->objectAtIndex(3));
   EXPECT_TRUE(copy->objectAtIndex(4).as<NSNumber>()->isBoolean());
   EXPECT_TRUE(std::isnan(roundTrip(NSMake<NSNumber>(std::nan(""))).as<NSNumber>()->doubleValue()));
-  // Texts that no XML could hold.
-  for (const std::u16string_view units : {u"a\0b"sv, u"\0ä"sv, u"\xDC00\xD800"sv}) {
-    for (const auto& text :
-         {NSMake<NSString>(units), NSMake<NSMutableString>(units).as<NSString>()})
-      EXPECT_EQ(roundTrip(NSMake<NSDictionary>({{text, text}}))
-                    .as<NSDictionary>()
-                    ->allKeys()
-                    ->firstObject()
-                    .as<NSString>()
-                    ->view(),
-                units);
-  }
   EXPECT_FALSE(roundTrip(nullptr));
   EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<NSArray>(archived(u"text"_ns)));
 }
@@ -145,19 +138,17 @@ TEST_F(Archiving, RaisesWhenWhatItWalksIsChanged) {
     NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
     std::function<void()> change;
   };
-  const auto saboteur = NSMake<Saboteur>();
-  const auto array = NSMake<NSMutableArray>({saboteur, NSMake<NSArray>()});
-  const auto set = NSMake<NSMutableSet>({saboteur});
-  const auto dictionary = NSMake<NSMutableDictionary>({{saboteur, saboteur}});
-  const auto refused = [&](const NSRef<NSObject>& collection, auto change) {
-    saboteur->change = change;
+  const auto refused = [](const auto& make) {
+    const auto saboteur = NSMake<Saboteur>();
+    const auto collection = make(saboteur);
+    saboteur->change = [&] { collection->removeAllObjects(); };
     expectRaises(NSGenericException,
                  collection->objectClass().name()->utf8() + " was mutated while being enumerated",
                  [&] { archived(collection); });
   };
-  refused(array, [&] { array->removeAllObjects(); });
-  refused(set, [&] { set->removeAllObjects(); });
-  refused(dictionary, [&] { dictionary->removeAllObjects(); });
+  refused([](const auto& a) { return NSMake<NSMutableArray>({a, NSMake<NSArray>()}); });
+  refused([](const auto& a) { return NSMake<NSMutableSet>({a}); });
+  refused([](const auto& a) { return NSMake<NSMutableDictionary>({{a, a}}); });
 }
 
 TEST_F(Archiving, RefusesWhatTheFormCannotHold) {
@@ -237,28 +228,19 @@ TEST_F(Archiving, SurvivesBrokenBytes) {
   const auto page = NSMake<Page>();
   page->next = everything();
   const std::string bytes(archived(page)->view());
-  const auto survives = [](std::string_view broken) {
-    NSRef<NSError> error;
-    const auto object = NSKeyedUnarchiver::unarchivedObjectOfClass_fromData_error<Page>(
-        NSMake<NSData>(broken), &error);
-    return object ? !error && object->hash() != 1
-                  : error->domain() == NSCocoaErrorDomain() && error->localizedDescription();
-  };
   for (std::size_t bit = 0; bit < 8 * bytes.size(); ++bit) {
     std::string broken = bytes;
     broken[bit / 8] = static_cast<char>(broken[bit / 8] ^ 1 << bit % 8);
-    EXPECT_TRUE(survives(broken)) << bit;
+    NSRef<NSError> error;
+    const auto object = NSKeyedUnarchiver::unarchivedObjectOfClass_fromData_error<Page>(
+        NSMake<NSData>(broken), &error);
+    EXPECT_NE(static_cast<bool>(object), static_cast<bool>(error)) << bit;
   }
   for (std::size_t length = 0; length < bytes.size(); ++length) {
     expectRaises(NSInvalidArgumentException,
                  "the data is no keyed archive (in 'initForReadingWithData:')",
                  [&] { read(NSMake<NSData>(std::string_view(bytes).substr(0, length))); });
   }
-  expectProperty("changed bytes", [&](const std::vector<std::pair<std::uint16_t, char>>& changes) {
-    std::string broken = bytes;
-    for (const auto& [at, byte] : changes) broken[at % broken.size()] = byte;
-    RC_ASSERT(survives(broken));
-  });
   expectRaises(NSInvalidArgumentException, "data is nil (in 'initForReadingWithData:')",
                [] { read(nullptr); });
 }
@@ -276,9 +258,6 @@ TEST_F(Archiving, GivesDamageBackAsAnError) {
   EXPECT_EQ(outcome(archived(NSMake<NSNumber>(1))),
             "NSCocoaErrorDomain 4864: value for key 'root' is a NSNumber, not a NSString");
   EXPECT_EQ(outcome(archived(nullptr)), "NSCocoaErrorDomain 4865: the archive has no object");
-  EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass_fromData_error<NSString>(NSMake<NSData>(),
-                                                                                   nullptr));
-  EXPECT_THROW(outcome(nullptr), NSException);
 }
 
 // Binary property lists written by hand: one byte for each offset and reference.
@@ -448,29 +427,24 @@ TEST_F(Archiving, MayBeLarge) {
   EXPECT_LT(repeated(20'000, [] { return NSMake<NSString>(std::string(300, 'x')); }), 300'000);
   repeated(600, [] { return NSMake<NSMutableString>(std::string(2000, 'x')); });
   repeated(20'000, [] { return NSMake<NSMutableString>(std::string(64, 'x')); });
-  repeated(200'000, [] { return NSMake<NSArray>({u"x"_ns}); });
+  repeated(100'000, [] { return NSMake<NSArray>({u"x"_ns}); });
+  const auto rows = NSMake<NSMutableSet>();
+  for (int k = 0; k < 50'000; ++k)
+    rows->addObject(NSMake<NSDictionary>({{u"id"_ns, NSMake<NSSet>({NSMake<NSNumber>(k)})}}));
+  EXPECT_TRUE(roundTrip(rows)->isEqual(rows));
 }
 
 // Collections that share the next one twice, in each other, and once more, in a set.
 TEST_F(Archiving, ComparesWhatIsSharedOnce) {
-  using Objects = NSRef<NSObject>;
-  const std::vector<std::function<Objects(const Objects&)>> steps = {
-      [](const Objects& next) {
-        return NSMake<NSArray>({next, next});
-      },
-      [](const Objects& next) {
-        return NSMake<NSSet>({next, NSMake<NSArray>({next})});
-      },
-      [](const Objects& next) {
-        return NSMake<NSDictionary>({{u"a"_ns, next}, {u"b"_ns, next}});
-      },
-      [](const Objects& next) {
-        return NSMake<NSDictionary>({{next, next}});
-      }};
-  for (const auto& step : steps) {
+  const auto doubled = [](int kind, const NSRef<NSObject>& next) -> NSRef<NSObject> {
+    if (kind == 0) return NSMake<NSArray>({next, next});
+    if (kind == 1) return NSMake<NSSet>({next, NSMake<NSArray>({next})});
+    return NSMake<NSDictionary>({{next, next}, {u"b"_ns, next}});
+  };
+  for (const int kind : {0, 1, 2}) {
     const auto nested = [&](const char* last) {
-      Objects chain = NSMake<NSArray>({NSMake<NSString>(last)});
-      for (int k = 0; k < 60; ++k) chain = step(chain);
+      NSRef<NSObject> chain = NSMake<NSString>(last);
+      for (int k = 0; k < 60; ++k) chain = doubled(kind, chain);
       return chain;
     };
     EXPECT_FALSE(nested("a")->isEqual(nested("b")));
