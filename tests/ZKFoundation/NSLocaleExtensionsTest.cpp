@@ -124,9 +124,17 @@ TEST(ZKLocaleEntity, ChangesItsLocaleOnAnyThread) {
   const auto german = NSLocale::localeWithLocaleIdentifier(u"de"_ns);
   const auto english = NSLocale::localeWithLocaleIdentifier(u"en_US"_ns);
   const auto entity = NSMake<ZKLocaleEntity>(german);
-  onThreads(4, [&] {
-    for (int k = 0; k < 20'000; ++k) {
+  // Often enough for the threads to meet, also on one processor. Nothing here orders their changes.
+  constexpr auto relaxed = std::memory_order_relaxed;
+  std::atomic<int> threads = 0;
+  std::atomic<int> latest = 0;
+  std::atomic<int> turns = 0;
+  onThreads(2, [&] {
+    const int self = threads.fetch_add(1, relaxed);
+    for (int k = 0; k < 100'000 || turns.load(relaxed) < 200; ++k) {
+      if (latest.exchange(self, relaxed) != self) turns.fetch_add(1, relaxed);
       entity->setLocale(k % 2 == 0 ? english : german);
+      if (k % 16 != 0) continue;
       const auto identifier = entity->localeIdentifier();
       EXPECT_TRUE(identifier == u"de" || identifier == u"en_US");
     }

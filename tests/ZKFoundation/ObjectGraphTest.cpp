@@ -1,5 +1,6 @@
 #include "tests/Support.h"
 
+#include <chrono>
 #include <functional>
 
 #include <ZKFoundation/ZKFoundation.h>
@@ -222,21 +223,30 @@ TEST(ZKGenericVisitor, ServesManyThreads) {
   EXPECT_EQ(visitor->visitedObjects()->count(), 50U);
   EXPECT_GE(visits, 50);
 
-  // One thread visits, the other takes snapshots.
-  constexpr NSUInteger last = 3000;
+  // A snapshot waits for the visit that is going on, which takes its time to hash the object.
+  struct Slow : NSObject {
+    Slow(std::atomic<NSUInteger>& aBegun, NSUInteger aNumber) : begun(aBegun), number(aNumber) {}
+    NSUInteger hash() const override {
+      begun = number;
+      begun.notify_one();
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      return 0;
+    }
+    std::atomic<NSUInteger>& begun;
+    NSUInteger number;
+  };
+  constexpr NSUInteger last = 30;
   const auto record = NSMake<ZKGenericVisitor>();
-  onThreads(2, [&, isFirst = std::make_shared<std::atomic<bool>>(true)] {
+  std::atomic<NSUInteger> begun = 0;
+  const std::jthread visiting([&] {
     bool stop = false;
-    if (isFirst->exchange(false)) {
-      for (NSUInteger k = 1; k <= last; ++k) record->visitObject_stop(NSMake<NSNumber>(k), stop);
-    }
-    for (NSUInteger count = 0; count < last;) {
-      const auto snapshot = record->visitedObjects();
-      EXPECT_GE(snapshot->count(), count);
-      count = snapshot->count();
-      EXPECT_TRUE(count == 0 || snapshot->containsObject(NSMake<NSNumber>(count)));
-    }
+    for (NSUInteger k = 1; k <= last; ++k) record->visitObject_stop(NSMake<Slow>(begun, k), stop);
   });
+  for (NSUInteger count = 0; count < last;) {
+    begun.wait(count);
+    count = begun;
+    EXPECT_GE(record->visitedObjects()->count(), count);
+  }
 }
 
 }  // namespace
