@@ -71,7 +71,7 @@ bool NSArray::isEqual(const NSRef<NSObject>& other) const {
   return other.get() == this || isEqualToArray(other.as<NSArray>());
 }
 
-NSUInteger NSArray::hash() const { return NSHashSequence(_elements); }
+NSUInteger NSArray::hash() const { return NSHashSequence(NSElements(_elements)); }
 
 NSRef<NSString> NSArray::description() const { return NSDescribeObjects(u"(", *this, u")"); }
 

@@ -58,7 +58,7 @@ constexpr std::size_t copiesAlways = std::size_t{1} << 20U;
 NSPropertyListReader opened(const NSData& data) {
   auto list = NSPropertyListReader::open(data.bytes());
   if (!list) raiseNoArchive();
-  return *std::move(list);
+  return *list;
 }
 
 }  // namespace

@@ -14,13 +14,15 @@
 namespace {
 
 // The share of each of so many objects in what their collection may ask, itself not counted.
-std::size_t shareOf(std::size_t most, std::size_t count) { return (most - 1) / count; }
+std::size_t shareOf(std::size_t most, std::size_t count) {
+  return count == 0 ? 0 : (most - 1) / count;
+}
 
 NSUInteger hashOf(const NSRef<NSObject>& object, std::size_t most) {
   // Most elements are texts.
   if (const auto* const text = object.cast<NSString>()) return text->hash();
   if (const auto* const array = object.cast<NSArray>()) {
-    return NSHashSequence(array->elements(), most);
+    return NSHashSequence(NSElements(array->elements()), most);
   }
   if (const auto* const dictionary = object.cast<NSDictionary>()) {
     return NSHashEntries({dictionary->allKeys()->elements(), dictionary->allValues()->elements()},
@@ -29,7 +31,7 @@ NSUInteger hashOf(const NSRef<NSObject>& object, std::size_t most) {
   if (const auto* const set = object.cast<NSSet>())
     return NSHashSet(set->allObjects()->elements(), most);
   if (const auto* const set = object.cast<NSOrderedSet>()) {
-    return NSHashSequence(set->elements(), most);
+    return NSHashSequence(NSElements(set->elements()), most);
   }
   return object->hash();
 }
@@ -76,23 +78,21 @@ bool compareOutermost(const NSRef<NSObject>& b,
 }  // namespace
 
 NSUInteger NSHashSequence(const NSElements& elements, std::size_t most) {
-  const NSElements held = elements;
   constexpr std::size_t mostElements = 8;
-  const std::size_t taken = std::min({held.size(), most, mostElements});
-  NSUInteger hash = held.size();
+  const std::size_t taken = std::min({elements.size(), most, mostElements});
+  NSUInteger hash = elements.size();
   for (std::size_t k = 0; k < taken; ++k) {
-    const std::size_t at = k == 0 ? 0 : k * (held.size() - 1) / (taken - 1);
-    hash = 31 * hash + hashOf(held[at], shareOf(most, taken));
+    const std::size_t at = k == 0 ? 0 : k * (elements.size() - 1) / (taken - 1);
+    hash = 31 * hash + hashOf(elements[at], shareOf(most, taken));
   }
   return hash;
 }
 
 NSUInteger NSHashSet(const NSElements& elements, std::size_t most) {
-  const NSElements held = elements;
-  NSUInteger hash = held.size();
-  if (held.size() > most) return hash;
-  for (const auto& element : held.view()) {
-    hash += mixed(hashOf(element, shareOf(most, held.size())));
+  NSUInteger hash = elements.size();
+  if (elements.size() > most) return hash;
+  for (const auto& element : elements.view()) {
+    hash += mixed(hashOf(element, shareOf(most, elements.size())));
   }
   return hash;
 }

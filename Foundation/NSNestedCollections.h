@@ -11,6 +11,8 @@
 /// How many objects a hash asks for theirs at most, in collections in each other altogether.
 inline constexpr std::size_t NSMostHashedObjects = 64;
 
+// The elements are to be a copy of their collection's, which an element may change.
+
 /// The hash of elements in their order: of some of them, spread evenly.
 NSUInteger NSHashSequence(const NSElements& elements, std::size_t most = NSMostHashedObjects);
 /// The hash of elements in any order: of all of them, or of their number alone.

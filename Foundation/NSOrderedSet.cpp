@@ -51,7 +51,7 @@ bool NSOrderedSet::isEqual(const NSRef<NSObject>& other) const {
   return other.get() == this || isEqualToOrderedSet(other.as<NSOrderedSet>());
 }
 
-NSUInteger NSOrderedSet::hash() const { return NSHashSequence(_members.elements()); }
+NSUInteger NSOrderedSet::hash() const { return NSHashSequence(NSElements(_members.elements())); }
 
 NSRef<NSString> NSOrderedSet::description() const { return NSDescribeObjects(u"{(", *this, u")}"); }
 

@@ -66,7 +66,7 @@ bool NSSet::isEqual(const NSRef<NSObject>& other) const {
   return other.get() == this || isEqualToSet(other.as<NSSet>());
 }
 
-NSUInteger NSSet::hash() const { return NSHashSet(_members.elements()); }
+NSUInteger NSSet::hash() const { return NSHashSet(NSElements(_members.elements())); }
 
 NSRef<NSString> NSSet::description() const { return NSDescribeObjects(u"{(", *this, u")}"); }
 
