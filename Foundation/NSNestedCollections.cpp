@@ -28,8 +28,9 @@ NSUInteger hashOf(const NSRef<NSObject>& object, std::size_t most) {
     return NSHashEntries({dictionary->allKeys()->elements(), dictionary->allValues()->elements()},
                          most);
   }
-  if (const auto* const set = object.cast<NSSet>())
+  if (const auto* const set = object.cast<NSSet>()) {
     return NSHashSet(set->allObjects()->elements(), most);
+  }
   if (const auto* const set = object.cast<NSOrderedSet>()) {
     return NSHashSequence(NSElements(set->elements()), most);
   }
