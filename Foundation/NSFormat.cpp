@@ -104,6 +104,15 @@ void appendUTF8(const Conversion& conversion, std::string_view utf8, NSUnitBuffe
   appendPadded(conversion, NSUnitsFromUTF8(utf8).view(), text);
 }
 
+// What "%@" and "%s" write. The precision of another conversion was not meant for text.
+void appendText(const Conversion& conversion, std::u16string_view body, NSUnitBuffer& text) {
+  if (conversion.precision && (conversion.letter == '@' || conversion.letter == 's')) {
+    const std::size_t most = *conversion.precision;
+    body = body.substr(0, NSSplitsPair(body, most) ? most - 1 : most);
+  }
+  appendPadded(conversion, body, text);
+}
+
 // Sign or "0x", zeros, and digits; zeros fill the width only where nothing else does.
 void appendNumber(const Conversion& conversion, std::string_view sign, std::string digits,
                   std::size_t leastDigits, bool mayHaveZeros, NSUnitBuffer& text) {
@@ -133,8 +142,7 @@ void appendInteger(const Conversion& conversion, const NSFormatArgument::Integer
                    NSUnitBuffer& text) {
   const char letter = conversion.letter;
   if (letter == 'c' || letter == 'C') return appendCharacter(conversion, integer.bits, text);
-  const bool isNegative =
-      (letter == 'd' || letter == 'i' || letter == '@') && integer.isSigned && integer.value < 0;
+  const bool isNegative = (letter == 'd' || letter == 'i') && integer.isSigned && integer.value < 0;
   const std::uint64_t magnitude =
       isNegative ? 0 - static_cast<std::uint64_t>(integer.value) : integer.bits;
   const bool isHexadecimal = letter == 'x' || letter == 'X' || letter == 'p';
@@ -146,9 +154,7 @@ void appendInteger(const Conversion& conversion, const NSFormatArgument::Integer
   // Zero has no digits when none are asked for, and no prefix.
   if (magnitude == 0 && conversion.precision == 0) digits.clear();
   if (letter == 'o' && conversion.hasPrefix && !digits.starts_with('0')) digits.insert(0, 1, '0');
-  std::string_view sign = letter == 'd' || letter == 'i' ? signOf(conversion, isNegative)
-                          : isNegative                   ? "-"
-                                                         : "";
+  std::string_view sign = letter == 'd' || letter == 'i' ? signOf(conversion, isNegative) : "";
   if (isHexadecimal && (letter == 'p' || (conversion.hasPrefix && magnitude != 0))) {
     sign = letter == 'X' ? "0X" : "0x";
   }
@@ -185,40 +191,34 @@ void appendFloating(const Conversion& conversion, double value, NSUnitBuffer& te
   appendNumber(conversion, sign, std::move(digits), 0, std::isfinite(value), text);
 }
 
-// The conversion itself if its letter is one of those, else "%@" of the same width.
-Conversion fitting(const Conversion& conversion, std::string_view letters) {
-  if (letters.find(conversion.letter) != std::string_view::npos) return conversion;
-  Conversion result;
-  result.letter = '@';
-  result.width = conversion.width;
-  result.isLeft = conversion.isLeft;
-  return result;
+bool isOneOf(char letter, std::string_view letters) {
+  return letters.find(letter) != std::string_view::npos;
 }
 
 void appendArgument(const Conversion& conversion, const NSFormatArgument& argument,
                     NSUnitBuffer& text) {
+  const char letter = conversion.letter;
   if (const auto* const object = std::get_if<const NSObject*>(&argument.value())) {
-    if (conversion.letter == 'p') {
+    if (letter == 'p') {
       const auto address = reinterpret_cast<std::uintptr_t>(*object);
       return appendInteger(conversion, {0, address, false}, text);
     }
     const auto description = *object != nullptr ? (*object)->description() : u"(null)"_ns;
-    appendPadded(conversion, NSViewOf(description), text);
+    appendText(conversion, NSViewOf(description), text);
   } else if (const auto* const integer =
                  std::get_if<NSFormatArgument::Integer>(&argument.value())) {
-    appendInteger(fitting(conversion, "diuoxXcCp"), *integer, text);
+    if (isOneOf(letter, "diuoxXcCp")) return appendInteger(conversion, *integer, text);
+    const auto digits =
+        integer->isSigned ? std::to_string(integer->value) : std::to_string(integer->bits);
+    appendText(conversion, NSUnitsFromUTF8(digits).view(), text);
   } else if (const auto* const number = std::get_if<double>(&argument.value())) {
-    const Conversion fit = fitting(conversion, "fFeEgGaA");
-    if (fit.letter != '@') return appendFloating(fit, *number, text);
-    appendPadded(fit, NSMake<NSNumber>(*number)->stringValue()->view(), text);
+    if (isOneOf(letter, "fFeEgGaA")) return appendFloating(conversion, *number, text);
+    appendText(conversion, NSMake<NSNumber>(*number)->stringValue()->view(), text);
   } else if (const auto* const units = std::get_if<std::u16string_view>(&argument.value())) {
-    appendPadded(conversion, *units, text);
+    appendText(conversion, *units, text);
   } else {
-    std::string_view utf8 = std::get<std::string_view>(argument.value());
-    if (conversion.letter == 's' && conversion.precision) {
-      utf8 = utf8.substr(0, *conversion.precision);
-    }
-    appendUTF8(conversion, utf8, text);
+    const auto utf8 = std::get<std::string_view>(argument.value());
+    appendText(conversion, NSUnitsFromUTF8(utf8).view(), text);
   }
 }
 

@@ -46,7 +46,8 @@ class NS_EXPORT NSString : public NSObject {
   /// the description of an object, "(null)" for nil; "%d %i %u %x %X %o %c %C" are integers, of any
   /// size ("%ld" is "%d"); "%f %e %g %a" and their capitals floating-point numbers, always with a
   /// point; "%s" is UTF-8 text, "%p" an address, "%%" the sign itself. "%2$@" takes the second
-  /// argument. Flags, widths and precisions are printf's, up to 1,000; "*" is not known.
+  /// argument. Flags, widths and precisions are printf's, up to 1,000; "*" is not known. Those of
+  /// text count units: "%.3@" and "%.3s" write at most three, and never half of a surrogate pair.
   ///
   /// A format may come from a translator: a conversion that does not fit its argument writes it as
   /// "%@" does, one without an argument writes "(null)", an unknown one stays as it is. A nil

@@ -22,6 +22,12 @@ NS_EXPORT std::string NSUTF8FromUnits(std::u16string_view text);
 constexpr bool NSIsHighSurrogate(char32_t unit) { return (unit & 0xFFFFFC00U) == 0xD800U; }
 constexpr bool NSIsLowSurrogate(char32_t unit) { return (unit & 0xFFFFFC00U) == 0xDC00U; }
 
+/// Whether a place in a text lies between the halves of a surrogate pair.
+constexpr bool NSSplitsPair(std::u16string_view text, std::size_t at) {
+  return at > 0 && at < text.size() && NSIsHighSurrogate(text[at - 1]) &&
+         NSIsLowSurrogate(text[at]);
+}
+
 /// Takes the first character off a text that is not empty; a surrogate half that stands alone is
 /// given as it is.
 constexpr char32_t NSTakeCharacter(std::u16string_view& text) {

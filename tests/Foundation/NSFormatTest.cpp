@@ -32,8 +32,9 @@ TEST(NSFormat, ReplacesConversions) {
   EXPECT_EQ(format("%@ %@", word, nothing), "Größe (null)");
   EXPECT_EQ(format("%2$@ %1$@ %2$@", word, NSMake<NSNumber>(2)), "2 Größe 2");
   EXPECT_EQ(format("%@ %1$@ %@", 1, 2), "1 1 2");
-  EXPECT_EQ(format("%s|%.2s|%@|%s", "naïve", "abc", "d", static_cast<const char*>(nullptr)),
-            "naïve|ab|d|(null)");
+  EXPECT_EQ(format("%s|%@|%s", "naïve", "d", static_cast<const char*>(nullptr)), "naïve|d|(null)");
+  EXPECT_EQ(format("%.3s|%.2@|%5.1@|%.0s", "naïve", word, word, u"d"), "naï|Gr|    G|");
+  EXPECT_EQ(format("%.2@|%.3@|%.9@|%.2@", u"a𝒜b", u"a𝒜b", u"a𝒜b", -12), "a|a𝒜|a𝒜b|-1");
   EXPECT_EQ(format("[%8@] [%-8@]", word, word), "[   Größe] [Größe   ]");
   EXPECT_EQ(format("%C%c", u'ß', 'x'), "ßx");
   EXPECT_EQ(format("%lu %zd %lld %hhd", NSUIntegerMax, NSIntegerMin, -1LL, 300),
@@ -48,6 +49,7 @@ TEST(NSFormat, SurvivesWrongFormats) {
   EXPECT_EQ(format("%@ %@", word), "word (null)");
   EXPECT_EQ(format("%3$@ %0$@", word), "(null) %0$@");
   EXPECT_EQ(format("%d %f %s %x", word, word, word, 1.5), "word word word 1.5");
+  EXPECT_EQ(format("%.1d %.1f", word, word), "word word");
   EXPECT_EQ(format("%f %@ %s", 7, 7U, -7), "7 7 -7");
   EXPECT_EQ(format("%@ %d", -2.5, "text"), "-2.5 text");
   EXPECT_EQ(format("50 % z %q", 1), "50 % z %q");
@@ -61,7 +63,7 @@ TEST(NSFormat, WritesNumbersAsPrintfDoes) {
   expectProperty("integers", [](int value) {
     for (const char* const pattern :
          {"%d", "%5i", "%-5d|", "%05d", "%+d", "% d", "%.3d", "%8.3d", "%u", "%x", "%X", "%#x",
-          "%#010x", "%o", "%#o", "%-#8o|", "%.0d", "%+.0d"}) {
+          "%#010x", "%o", "%#o", "%-#8o|", "%.0d", "%+.0d", "%-05d|"}) {
       RC_ASSERT(format(pattern, value) == printed(pattern, value));
     }
   });
