@@ -186,19 +186,20 @@ NSRef<NSString> stringByAppendingEllipsis(const NSRef<NSString>& string) {
 
 NSRef<NSString> stringByRemovingPrefix(const NSRef<NSString>& string,
                                        const NSRef<NSString>& prefix) {
-  if (isEmptyString(prefix) || !string->hasPrefix(prefix)) return string;
+  if (!string->hasPrefix(prefix) || isEmptyString(prefix)) return string;
   return string->substringFromIndex(prefix->length());
 }
 
 NSRef<NSString> stringByRemovingSuffix(const NSRef<NSString>& string,
                                        const NSRef<NSString>& suffix) {
-  if (isEmptyString(suffix) || !string->hasSuffix(suffix)) return string;
+  if (!string->hasSuffix(suffix) || isEmptyString(suffix)) return string;
   return string->substringToIndex(string->length() - suffix->length());
 }
 
 bool hasCaseInsensitivePrefix(const NSRef<NSString>& string, const NSRef<NSString>& prefix) {
-  if (!prefix || prefix->length() > string->length()) return false;
-  return NSCompareUnits(string->view().substr(0, prefix->length()), prefix->view(),
+  const std::u16string_view text = string->view();
+  if (!prefix || prefix->length() > text.size()) return false;
+  return NSCompareUnits(text.substr(0, prefix->length()), prefix->view(),
                         NSCaseInsensitiveSearch | NSLiteralSearch) == NSOrderedSame;
 }
 

@@ -144,8 +144,27 @@ TEST(NSStringExtensions, ReadsHexadecimalText) {
     EXPECT_EQ(maxHexValue(string), strict) << '"' << string << '"';
   }
   std::setlocale(LC_CTYPE, former.c_str());
-  expectRaises(NSInvalidArgumentException, "NSString is nil where an object is needed",
-               [] { (void)hexValue(nullptr); });
+}
+
+TEST(NSStringExtensions, RaisesForNilReceivers) {
+  const NSRef<NSString> nothing;
+  const std::vector<std::function<void()>> operations = {
+      [&] { (void)hexValue(nothing); },
+      [&] { (void)stringByRemovingPrefix(nothing, nothing); },
+      [&] { (void)stringByRemovingSuffix(nothing, nothing); },
+      [&] { (void)stringByRemovingString(nothing, nothing); },
+      [&] { (void)hasCaseInsensitivePrefix(nothing, nothing); },
+      [&] {
+        (void)rangeOfWordsIntersectingRange(nothing, {0, 0});
+      },
+      [&] {
+        (void)findString_searchRange_options_wordCompareOption(nothing, nothing, {0, 0}, 0, 0);
+      },
+  };
+  for (const auto& operation : operations) {
+    expectRaises(NSInvalidArgumentException, "NSString is nil where an object is needed",
+                 operation);
+  }
 }
 
 // The rules one by one, in the "C" locale.
