@@ -1,6 +1,7 @@
 #include "Foundation/NSStringComparison.h"
 
 #include "Foundation/NSICU.h"
+#include "Foundation/NSNormalForm.h"
 
 #include <algorithm>
 
@@ -36,6 +37,9 @@ NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
   if (isASCII(a) && isASCII(b))
     return foldsCase ? compareASCIIFolded(a, b) : resultOf(a.compare(b));
   if (isLiteral && !foldsCase) return resultOf(a.compare(b));
+  if (!isLiteral && (NSHasLongRunsOfMarks(a) || NSHasLongRunsOfMarks(b))) {
+    return resultOf(NSNormalForm(a, options).compare(NSNormalForm(b, options)));
+  }
 
   UErrorCode status = U_ZERO_ERROR;
   const auto compare = isLiteral ? u_strCaseCompare : unorm_compare;

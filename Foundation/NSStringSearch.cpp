@@ -1,7 +1,7 @@
 #include "Foundation/NSStringSearch.h"
 
-#include "Foundation/NSICU.h"
 #include "Foundation/NSLinearSearch.h"
+#include "Foundation/NSNormalForm.h"
 #include "Foundation/NSUnicode.h"
 #include "Foundation/NSUnitMembership.h"
 #include "Foundation/NSUnitSearch.h"
@@ -12,49 +12,9 @@
 #include <string>
 #include <vector>
 
-#include <unicode/uchar.h>
-#include <unicode/unorm2.h>
-#include <unicode/ustring.h>
-
 namespace {
 
 constexpr std::size_t none = std::u16string_view::npos;
-
-const UNormalizer2* composition() {
-  UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* const instance = unorm2_getNFCInstance(&status);
-  NSCheckICU(status);
-  return instance;
-}
-
-const UNormalizer2* decomposition() {
-  UErrorCode status = U_ZERO_ERROR;
-  const UNormalizer2* const instance = unorm2_getNFDInstance(&status);
-  NSCheckICU(status);
-  return instance;
-}
-
-char32_t characterAt(std::u16string_view text, std::size_t at) {
-  std::u16string_view rest = text.substr(at);
-  return NSTakeCharacter(rest);
-}
-
-bool splitsPair(std::u16string_view text, std::size_t at) {
-  return at > 0 && at < text.size() && NSIsHighSurrogate(text[at - 1]) &&
-         NSIsLowSurrogate(text[at]);
-}
-
-// All below the first combining mark: composed, decomposed and equivalent to nothing but itself.
-constexpr char16_t firstMark = 0x300;
-
-// Whether a composed character may end, and another begin, in front of the unit.
-bool isBoundary(std::u16string_view text, std::size_t at) {
-  if (at == 0 || at == text.size() || text[at] < firstMark) return true;
-  if (splitsPair(text, at)) return false;
-  const auto character = static_cast<UChar32>(characterAt(text, at));
-  return (U_GET_GC_MASK(character) & U_GC_M_MASK) == 0 &&
-         unorm2_hasBoundaryBefore(composition(), character) != 0;
-}
 
 char16_t lowerASCII(char16_t unit) {
   return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit | 0x20) : unit;
@@ -74,30 +34,51 @@ struct FoldedMatcher {
   static bool isEqual(char16_t a, char16_t b) { return lowerASCII(a) == lowerASCII(b); }
 };
 
-// Finds, unit by unit, what `accept` agrees to.
-template <class Matcher, class Accept>
+// Finds places where the units are the needle's, from left to right, until `judge` settles on one.
+// It gives how many units behind the place the search goes on, 0 where it ends.
+template <class Matcher, class Judge>
+std::size_t findForwards(std::u16string_view text, std::u16string_view needle, Judge judge) {
+  // Units that may be compared for places that overlap before a search takes over that compares
+  // none twice.
+  std::size_t budget = 4 * text.size() + 1024;
+  std::size_t from = 0;
+  while (budget > 0) {
+    const std::size_t place = Matcher::find(text, needle, from);
+    if (place == none) return none;
+    const std::size_t step = judge(place);
+    if (step == 0) return place;
+    if (step < needle.size()) budget -= std::min(budget, needle.size());
+    from = place + step;
+  }
+  const std::u16string_view rest = text.substr(from);
+  const NSLinearSearch search(needle.begin(), needle.end(), Matcher::isEqual);
+  std::size_t next = 0;
+  const std::size_t offset = search.find(rest.begin(), rest.end(), [&](std::size_t at) {
+    if (at < next) return false;
+    const std::size_t step = judge(from + at);
+    next = at + step;
+    return step == 0;
+  });
+  return offset == rest.size() ? none : from + offset;
+}
+
+// The first such place; with options the last, or one at an end.
+template <class Matcher, class Judge>
 std::size_t findPlace(std::u16string_view text, std::u16string_view needle, NSUInteger options,
-                      Accept accept) {
+                      Judge judge) {
   if (needle.empty() || needle.size() > text.size()) return none;
   const std::size_t last = text.size() - needle.size();
-  const auto matches = [&](std::size_t place) {
-    return std::ranges::equal(text.substr(place, needle.size()), needle, Matcher::isEqual) &&
-           accept(place);
-  };
   const bool isBackwards = (options & NSBackwardsSearch) != 0;
   if ((options & NSAnchoredSearch) != 0) {
     const std::size_t place = isBackwards ? last : 0;
-    return matches(place) ? place : none;
+    const std::u16string_view end = text.substr(place, needle.size());
+    return std::ranges::equal(end, needle, Matcher::isEqual) && judge(place) == 0 ? place : none;
   }
-  if (isBackwards) {
-    const NSLinearSearch search(needle.rbegin(), needle.rend(), Matcher::isEqual);
-    const std::size_t fromEnd = search.find(
-        text.rbegin(), text.rend(), [&](std::size_t offset) { return accept(last - offset); });
-    return fromEnd == text.size() ? none : last - fromEnd;
-  }
-  std::size_t place = Matcher::find(text, needle, 0);
-  while (place != none && !accept(place)) place = Matcher::find(text, needle, place + 1);
-  return place;
+  if (!isBackwards) return findForwards<Matcher>(text, needle, judge);
+  const NSLinearSearch search(needle.rbegin(), needle.rend(), Matcher::isEqual);
+  const std::size_t fromEnd = search.find(
+      text.rbegin(), text.rend(), [&](std::size_t offset) { return judge(last - offset) == 0; });
+  return fromEnd == text.size() ? none : last - fromEnd;
 }
 
 // A text brought to a form in which equality is equality of units, with the way back: pieces[k] is
@@ -111,48 +92,12 @@ struct Normalized {
   std::vector<Piece> pieces;
 };
 
-std::u16string decomposed(std::u16string_view text) {
-  UErrorCode status = U_ZERO_ERROR;
-  std::u16string result(text.size() * 4, u'\0');
-  auto capacity = NSICULength(result);
-  auto length = unorm2_normalize(decomposition(), NSICUText(text), NSICULength(text), result.data(),
-                                 capacity, &status);
-  if (status == U_BUFFER_OVERFLOW_ERROR) {
-    status = U_ZERO_ERROR;
-    result.resize(static_cast<std::size_t>(length));
-    capacity = length;
-    length = unorm2_normalize(decomposition(), NSICUText(text), NSICULength(text), result.data(),
-                              capacity, &status);
-  }
-  NSCheckICU(status);
-  result.resize(static_cast<std::size_t>(length));
-  return result;
-}
-
-std::u16string folded(std::u16string_view text) {
-  // No unit's default folding is longer than three.
-  std::u16string result(text.size() * 3, u'\0');
-  UErrorCode status = U_ZERO_ERROR;
-  const auto length = u_strFoldCase(result.data(), NSICULength(result), NSICUText(text),
-                                    NSICULength(text), U_FOLD_CASE_DEFAULT, &status);
-  if (status != U_STRING_NOT_TERMINATED_WARNING) NSCheckICU(status);
-  result.resize(static_cast<std::size_t>(length));
-  return result;
-}
-
-std::u16string normalForm(std::u16string_view text, NSUInteger options) {
-  const bool isLiteral = (options & NSLiteralSearch) != 0;
-  if ((options & NSCaseInsensitiveSearch) == 0) return decomposed(text);
-  // Decomposed before and after: canonical caseless matching (Unicode, D145).
-  return isLiteral ? folded(text) : decomposed(folded(decomposed(text)));
-}
-
 // Pieces that begin in the range; those from `limit` on only as far as they give `margin` units.
 Normalized normalized(std::u16string_view text, NSUInteger options, NSRange range,
                       std::size_t limit, std::size_t margin) {
   const bool isLiteral = (options & NSLiteralSearch) != 0;
   const auto begins = [&](std::size_t at) {
-    return isLiteral ? !splitsPair(text, at) : isBoundary(text, at);
+    return isLiteral ? !NSSplitsPair(text, at) : NSIsComposedBoundary(text, at);
   };
   const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
   const std::size_t end = NSMaxRange(range);
@@ -173,7 +118,7 @@ Normalized normalized(std::u16string_view text, NSUInteger options, NSRange rang
     if (next == start + 1 && text[start] < 0x80) {
       result.form += foldsCase ? lowerASCII(text[start]) : text[start];
     } else {
-      result.form += normalForm(text.substr(start, next - start), options);
+      result.form += NSNormalForm(text.substr(start, next - start), options);
     }
     start = next;
   }
@@ -187,24 +132,20 @@ class FormSearch {
  public:
   FormSearch(std::u16string_view text, std::u16string_view needle, NSUInteger options,
              NSRange range, std::size_t limit)
-      : _wanted(normalForm(needle, options)),
+      : _wanted(NSNormalForm(needle, options)),
         _source(normalized(text, options, range, limit, _wanted.size())),
         _options(options),
         _range(range) {}
 
-  NSRange find() const {
-    const auto isWhole = [&](std::size_t place) { return rangeAt(place).length != 0; };
-    const std::size_t place = findPlace<LiteralMatcher>(_source.form, _wanted, _options, isWhole);
-    return place == none ? NSNotFoundRange : rangeAt(place);
-  }
-
-  void forEach(NSBlockRef<void(NSRange)> visit) const {
-    std::size_t place = NSFindUnits(_source.form, _wanted);
-    while (place != none) {
-      const NSRange found = rangeAt(place);
-      if (found.length != 0) visit(found);
-      place = NSFindUnits(_source.form, _wanted, place + (found.length != 0 ? _wanted.size() : 1));
-    }
+  NSRange find(NSBlockRef<bool(NSRange)> accept) const {
+    NSRange match;
+    const auto judge = [&](std::size_t place) -> std::size_t {
+      match = rangeAt(place);
+      if (match.length == 0) return 1;
+      return accept(match) ? 0 : _wanted.size();
+    };
+    const std::size_t place = findPlace<LiteralMatcher>(_source.form, _wanted, _options, judge);
+    return place == none ? NSNotFoundRange : match;
   }
 
  private:
@@ -233,94 +174,127 @@ class FormSearch {
   NSRange _range;
 };
 
-// Whether all units are below a power of two.
-bool isBelow(std::u16string_view text, char16_t bound) {
-  // Without an early end the loop becomes vector code.
-  constexpr std::size_t block = 256;
-  for (std::size_t at = 0; at < text.size(); at += block) {
-    char16_t bits = 0;
-    for (const char16_t unit : text.substr(at, block)) bits |= unit;
-    if (bits >= bound) return false;
-  }
-  return true;
-}
-
-bool isComposed(std::u16string_view text, bool hasNoMarks) {
-  if (hasNoMarks) return true;
-  UErrorCode status = U_ZERO_ERROR;
-  const auto result = unorm2_quickCheck(composition(), NSICUText(text), NSICULength(text), &status);
-  NSCheckICU(status);
-  return result == UNORM_YES;
-}
-
 // Below the first combining mark; a power of two is tested fastest.
-bool isWithoutMarks(std::u16string_view text) { return isBelow(text, 0x200); }
-
-bool isComposed(std::u16string_view text) { return isComposed(text, isWithoutMarks(text)); }
+bool isWithoutMarks(std::u16string_view text) { return NSIsBelow(text, 0x200); }
 
 bool isWithoutForms(std::u16string_view text, NSUInteger options) {
-  if ((options & NSCaseInsensitiveSearch) != 0) return isBelow(text, 0x80);
-  return (options & NSLiteralSearch) != 0 || isComposed(text);
+  if ((options & NSCaseInsensitiveSearch) != 0) return NSIsBelow(text, 0x80);
+  return (options & NSLiteralSearch) != 0 || NSIsComposed(text, isWithoutMarks(text));
 }
 
 // Searches a part of the range for matches that begin before the limit; those that begin behind it
 // may be found too. The part ends between composed characters, at least a needle's length behind
 // the limit or with the range.
 NSRange searchPart(std::u16string_view text, std::u16string_view needle, NSUInteger options,
-                   NSRange range, NSRange part, std::size_t limit) {
+                   NSRange range, NSRange part, std::size_t limit,
+                   NSBlockRef<bool(NSRange)> accept) {
   const std::u16string_view units = text.substr(part.location, part.length);
   if (!isWithoutForms(needle, options) || !isWithoutForms(units, options)) {
     const NSUInteger rest = NSMaxRange(range) - part.location;
-    return FormSearch(text, needle, options, {part.location, rest}, limit).find();
+    return FormSearch(text, needle, options, {part.location, rest}, limit).find(accept);
   }
-  const auto accept = [&](std::size_t place) {
-    if ((options & NSLiteralSearch) != 0) return true;
-    const std::size_t start = part.location + place;
-    return isBoundary(text, start) && isBoundary(text, start + needle.size());
+  const auto judge = [&](std::size_t place) -> std::size_t {
+    const NSRange match = {part.location + place, needle.size()};
+    const bool isWhole =
+        (options & NSLiteralSearch) != 0 || (NSIsComposedBoundary(text, match.location) &&
+                                             NSIsComposedBoundary(text, NSMaxRange(match)));
+    if (!isWhole) return 1;
+    return accept(match) ? 0 : needle.size();
   };
   const std::size_t place = (options & NSCaseInsensitiveSearch) != 0
-                                ? findPlace<FoldedMatcher>(units, needle, options, accept)
-                                : findPlace<LiteralMatcher>(units, needle, options, accept);
+                                ? findPlace<FoldedMatcher>(units, needle, options, judge)
+                                : findPlace<LiteralMatcher>(units, needle, options, judge);
   return place == none ? NSNotFoundRange : NSRange{part.location + place, needle.size()};
+}
+
+// A search goes part by part, each twice as long as the one before, so that it costs what lies in
+// front of its match, not what lies behind it.
+constexpr NSUInteger firstPart = 128;
+
+// Where the part ends whose matches begin before the limit.
+NSUInteger endOfPart(std::u16string_view text, std::u16string_view needle, NSUInteger limit,
+                     NSUInteger end) {
+  NSUInteger at = limit + std::min<NSUInteger>(needle.size() - 1, end - limit);
+  while (at < end && !NSIsComposedBoundary(text, at)) ++at;
+  return at;
+}
+
+NSRange searchForwards(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+                       NSRange range, NSBlockRef<bool(NSRange)> accept) {
+  // An anchored search looks at the start alone.
+  const bool isAnchored = (options & NSAnchoredSearch) != 0;
+  const NSUInteger end = NSMaxRange(range);
+  NSUInteger size = isAnchored ? 1 : firstPart;
+  NSUInteger start = range.location;
+  while (start < end) {
+    NSUInteger limit = start + std::min(size, end - start);
+    while (limit < end && !NSIsComposedBoundary(text, limit)) ++limit;
+    const NSUInteger stop = endOfPart(text, needle, limit, end);
+    NSUInteger next = start;  // Behind what has been refused.
+    const NSRange found = searchPart(text, needle, options, {start, end - start},
+                                     {start, stop - start}, limit, [&](NSRange match) {
+                                       next = NSMaxRange(match);
+                                       return accept(match);
+                                     });
+    if (found.length != 0 || (isAnchored && next == start)) return found;
+    start = isAnchored ? next : std::max(limit, next);
+    if (!isAnchored) size *= 2;
+  }
+  return NSNotFoundRange;
+}
+
+NSRange searchBackwards(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+                        NSRange range) {
+  const bool isAnchored = (options & NSAnchoredSearch) != 0;
+  const NSUInteger end = NSMaxRange(range);
+  NSUInteger size = firstPart;
+  if (isAnchored) {
+    // A form has a unit at least for every pair.
+    size = 2 * std::max(needle.size(), NSNormalForm(needle, options).size());
+  }
+  NSUInteger limit = end;
+  while (limit > range.location) {
+    NSUInteger start = limit - std::min(size, limit - range.location);
+    while (start > range.location && !NSIsComposedBoundary(text, start)) --start;
+    const NSUInteger stop = endOfPart(text, needle, limit, end);
+    const NSRange found = searchPart(text, needle, options, {start, end - start},
+                                     {start, stop - start}, limit, [](NSRange) { return true; });
+    if (found.length != 0 || isAnchored) return found;
+    limit = start;
+    size *= 2;
+  }
+  return NSNotFoundRange;
 }
 
 }  // namespace
 
 NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUInteger options,
-                      NSRange range) {
+                      NSRange range, NSBlockRef<bool(NSRange)> accept) {
   if (needle.empty()) return NSNotFoundRange;
-  const NSUInteger end = NSMaxRange(range);
-  if ((options & NSBackwardsSearch) != 0) {
-    return searchPart(text, needle, options, range, range, end);
+  if ((options & NSBackwardsSearch) == 0) {
+    return searchForwards(text, needle, options, range, accept);
   }
-  // Part by part, each twice as long as the one before, so that a search costs what lies in front
-  // of its match, not what lies behind it. An anchored one looks at the start alone.
-  const bool isAnchored = (options & NSAnchoredSearch) != 0;
-  NSUInteger size = isAnchored ? 1 : 1024;
-  const auto boundaryFrom = [&](NSUInteger at) {
-    while (at < end && !isBoundary(text, at)) ++at;
-    return at;
-  };
-  for (NSUInteger start = range.location; start < end; size *= 2) {
-    const NSUInteger limit = boundaryFrom(start + std::min(size, end - start));
-    const NSUInteger stop =
-        boundaryFrom(limit + std::min<NSUInteger>(needle.size() - 1, end - limit));
-    const NSRange found = searchPart(text, needle, options, range, {start, stop - start}, limit);
-    if (found.length != 0 || isAnchored) return found;
-    start = limit;
-  }
-  return NSNotFoundRange;
+  // Nothing is behind the last match.
+  const NSRange last = searchBackwards(text, needle, options, range);
+  return last.length != 0 && accept(last) ? last : NSNotFoundRange;
+}
+
+NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+                      NSRange range) {
+  return NSSearchUnits(text, needle, options, range, [](NSRange) { return true; });
 }
 
 void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
                         NSBlockRef<void(std::span<const NSRange>)> visit) {
   if (needle.empty()) return;
+  const auto visitFrom = [&](std::size_t from) {
+    NSSearchUnits(text, needle, 0, {from, text.size() - from}, [&](NSRange found) {
+      visit({&found, 1});
+      return false;
+    });
+  };
   const bool hasNoMarks = isWithoutMarks(text);
-  if (!isComposed(needle) || !isComposed(text, hasNoMarks)) {
-    const FormSearch search(text, needle, 0, {0, text.size()}, text.size());
-    search.forEach([&](NSRange found) { visit({&found, 1}); });
-    return;
-  }
+  if (!isWithoutForms(needle, 0) || !NSIsComposed(text, hasNoMarks)) return visitFrom(0);
   const NSLinearSearch linear(needle.begin(), needle.end(), LiteralMatcher::isEqual);
   std::array<std::size_t, 64> places;
   std::array<NSRange, places.size()> ranges;
@@ -330,13 +304,12 @@ void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
     std::size_t count = 0;
     for (const std::size_t place : std::span(places).first(found)) {
       from = place + needle.size();
-      if (hasNoMarks || (isBoundary(text, place) && isBoundary(text, from))) {
+      if (hasNoMarks || (NSIsComposedBoundary(text, place) && NSIsComposedBoundary(text, from))) {
         ranges[count++] = {place, needle.size()};
       } else if (linear.overlapsItself()) {
         // A place that cuts a composed character is no match, but one that overlaps it may be.
-        from = place + 1;
-        found = places.size();
-        break;
+        visit(std::span(ranges).first(count));
+        return visitFrom(place + 1);
       }
     }
     visit(std::span(ranges).first(count));
@@ -349,7 +322,7 @@ NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text, NSUI
   const bool isBackwards = (options & NSBackwardsSearch) != 0;
   if ((options & NSAnchoredSearch) != 0) {
     const std::size_t width =
-        isBackwards ? splitsPair(text, text.size() - 1) + 1U : splitsPair(text, 1) + 1U;
+        isBackwards ? NSSplitsPair(text, text.size() - 1) + 1U : NSSplitsPair(text, 1) + 1U;
     const std::u16string_view end =
         isBackwards ? text.substr(text.size() - width) : text.substr(0, width);
     if (NSFirstMember(set, end, 0, characters) == none) return NSNotFoundRange;
@@ -358,12 +331,12 @@ NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text, NSUI
   if (isBackwards) {
     const std::size_t end = NSEndOfLastMember(set, text, characters);
     if (end == 0) return NSNotFoundRange;
-    const std::size_t width = splitsPair(text, end - 1) ? 2 : 1;
+    const std::size_t width = NSSplitsPair(text, end - 1) ? 2 : 1;
     return {end - width, width};
   }
   const std::size_t place = NSFirstMember(set, text, 0, characters);
   if (place == none) return NSNotFoundRange;
-  return {place, splitsPair(text, place + 1) ? 2U : 1U};
+  return {place, NSSplitsPair(text, place + 1) ? 2U : 1U};
 }
 
 std::size_t NSStartOfRun(const NSCharacterSet& set, std::u16string_view text, std::size_t index) {

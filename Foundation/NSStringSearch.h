@@ -19,6 +19,12 @@
 NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
                                 NSUInteger options, NSRange range);
 
+/// The same for a match that `accept` agrees to. Behind one that it refuses the search begins anew,
+/// over the rest of the range. All of it takes time linear in the range.
+NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
+                                NSUInteger options, NSRange range,
+                                NSBlockRef<bool(NSRange)> accept);
+
 /// Calls `visit`, with some at a time, for the occurrences that `rangeOfString` finds from left to
 /// right, each search starting where the last match ended.
 NS_EXPORT void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <Foundation/NSTypes.h>
+
+// Forms in which texts that count as the same have the same units.
+
+/// Whether a composed character may end, and another begin, in front of the unit.
+bool NSIsComposedBoundary(std::u16string_view text, std::size_t at);
+
+/// Whether all units are below a power of two.
+bool NSIsBelow(std::u16string_view text, char16_t bound);
+
+/// Whether a text, known to have no combining marks or not, is canonically composed.
+bool NSIsComposed(std::u16string_view text, bool hasNoMarks);
+
+/// Whether a text has runs of marks so long that ICU, which orders them by insertion, should not
+/// be asked to. False for runs of less than 33 units, true from 96 on.
+bool NSHasLongRunsOfMarks(std::u16string_view text);
+
+/// The form for the options of a comparison: the canonical decomposition without
+/// `NSLiteralSearch`, the case folding with `NSCaseInsensitiveSearch`, or both. Takes time linear
+/// in the text but for the sorting of marks.
+std::u16string NSNormalForm(std::u16string_view text, NSUInteger options);
