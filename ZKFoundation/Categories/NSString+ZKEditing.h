@@ -79,7 +79,8 @@ ZK_EXPORT NSRef<NSMutableArray> componentsSeparatedByCharactersInSet_trimWhitesp
     const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set, bool trimsWhitespace);
 
 /// The run of units around the index that are no members; it ends at the index when the unit there
-/// is one. The index may be the length; beyond it `NSRangeException` is raised.
+/// is one. The index may be the length; beyond it `NSRangeException` is raised. A surrogate pair is
+/// one member, but the halves of one that the index divides are asked about by themselves.
 ZK_EXPORT NSRange rangeWithoutCharactersFromSet_atIndex(const NSRef<NSString>& string,
                                                         const NSRef<NSCharacterSet>& set,
                                                         NSUInteger index);

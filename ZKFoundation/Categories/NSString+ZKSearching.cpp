@@ -25,10 +25,18 @@ const NSRef<NSCharacterSet>& nonWhitespace() {
   return *set;
 }
 
-// What ends the run of word characters, or of others, that the index stands in.
-const NSCharacterSet& delimitersAt(std::u16string_view text, NSUInteger index) {
+// The start of the character that the unit belongs to.
+NSUInteger startOfCharacter(std::u16string_view text, NSUInteger index) {
+  return NSSplitsPair(text, index) ? index - 1 : index;
+}
+
+// The run of word characters, or of others, that the unit belongs to.
+NSRange wordAt(std::u16string_view text, NSUInteger index) {
+  const NSUInteger start = startOfCharacter(text, index);
+  std::u16string_view rest = text.substr(start);
   const auto& boundaries = *ZKFoundationExtensions::wordBoundariesCharacterSet();
-  return boundaries.characterIsMember(text[index]) ? *alphanumerics() : boundaries;
+  const bool isBoundary = boundaries.longCharacterIsMember(NSTakeCharacter(rest));
+  return NSRunWithoutMembers(isBoundary ? *alphanumerics() : boundaries, text, start);
 }
 
 bool isAccepted(NSRange match, NSRange word, NSUInteger condition) {
@@ -97,24 +105,19 @@ NSRange findString_searchRange_options_wordCompareOption(const NSRef<NSString>& 
                                                          NSRange searchRange, NSUInteger options,
                                                          NSUInteger wordCompareOption) {
   NSCheckRange("findString:searchRange:options:wordCompareOption:", searchRange, string->length());
-  NSRange match = string->rangeOfString_options_range(needle, options, searchRange);
+  const std::u16string_view text = string->view();
   const NSUInteger anyBit = ZKWordCompareAny;
-  if ((wordCompareOption & ~anyBit) == 0) return match;
-  const NSUInteger end = NSMaxRange(searchRange);
-  NSRange word;
-  while (match.length != 0) {
-    // Matches in one long word are judged by it without walking it again. Halves of pairs are
-    // judged by themselves.
-    const char16_t unit = string->view()[match.location];
-    if (!NSLocationInRange(match.location, word) || (unit & 0xF800U) == 0xD800U ||
-        wordBoundariesCharacterSet()->characterIsMember(unit)) {
-      word = rangeOfWordContainingCharacter(string, match.location);
-    }
-    if (isAccepted(match, word, wordCompareOption)) return word;
-    const NSUInteger next = NSMaxRange(match);
-    match = string->rangeOfString_options_range(needle, options, {next, end - next});
+  if ((wordCompareOption & ~anyBit) == 0) {
+    return NSSearchUnits(text, NSViewOf(needle), options, searchRange);
   }
-  return NSNotFoundRange;
+  NSRange word;
+  const auto accept = [&](NSRange match) {
+    // Matches in one long word are judged by it without walking it again.
+    if (!NSLocationInRange(match.location, word)) word = wordAt(text, match.location);
+    return isAccepted(match, word, wordCompareOption);
+  };
+  const NSRange match = NSSearchUnits(text, NSViewOf(needle), options, searchRange, accept);
+  return match.length == 0 ? match : word;
 }
 
 NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string, NSUInteger index,
@@ -122,22 +125,23 @@ NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string, NSUI
   if (index > string->length()) {
     NSRaiseIndexOutOfBounds("rangeOfCharactersAtIndex:delimitedBy:", index, string->length());
   }
-  return rangeWithoutCharactersFromSet_atIndex(string, delimiters, index);
+  const NSUInteger start = startOfCharacter(string->view(), index);
+  return rangeWithoutCharactersFromSet_atIndex(string, delimiters, start);
 }
 
 NSRange rangeOfWordContainingCharacter(const NSRef<NSString>& string, NSUInteger index) {
   NSCheckIndex("rangeOfWordContainingCharacter:", index, string->length());
-  const std::u16string_view text = string->view();
-  return NSRunWithoutMembers(delimitersAt(text, index), text, index);
+  return wordAt(string->view(), index);
 }
 
 NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange range) {
-  NSCheckRange("rangeOfWordsIntersectingRange:", range, string->length());
-  if (range.length == 0) return {0, 0};
   const std::u16string_view text = string->view();
+  if (range.length == 0) return {0, 0};
+  NSCheckRange("rangeOfWordsIntersectingRange:", range, text.size());
+  const NSRange first = wordAt(text, range.location);
   const NSUInteger last = NSMaxRange(range) - 1;
-  const NSUInteger start = NSStartOfRun(delimitersAt(text, range.location), text, range.location);
-  return {start, NSEndOfRun(delimitersAt(text, last), text, last) - start};
+  const NSRange end = NSLocationInRange(last, first) ? first : wordAt(text, last);
+  return {first.location, NSMaxRange(end) - first.location};
 }
 
 NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSString>& string, NSRange range,
@@ -186,9 +190,7 @@ NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NS
   std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
   std::pmr::vector<NSRange> removed(&memory);
   NSForEachMember(*set, text, NSMembership::characters, [&](std::size_t place) {
-    const bool isSecondHalf =
-        place > 0 && NSIsLowSurrogate(text[place]) && NSIsHighSurrogate(text[place - 1]);
-    if (isSecondHalf) {
+    if (NSSplitsPair(text, place)) {
       removed.back().length = 2;
     } else {
       removed.push_back({place, 1});

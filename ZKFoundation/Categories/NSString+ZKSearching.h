@@ -9,6 +9,9 @@
 // Searches for editors, word ranges, trimming and title case. Ranges count units; one that does not
 // fit raises `NSRangeException` before anything is changed. "Not found" is `NSNotFoundRange`. A nil
 // receiver raises `NSInvalidArgumentException`.
+//
+// Of words and runs a surrogate pair is one character, whichever of its units an index names; it is
+// a member of the sets that have the character. A half that stands alone is asked about by itself.
 
 /// Which match `findString_searchRange_options_wordCompareOption` accepts. Other codes from 5 on
 /// accept the first match and give its word.
@@ -52,18 +55,18 @@ ZK_EXPORT NSRange findString_searchRange_options_wordCompareOption(const NSRef<N
                                                                    NSUInteger options,
                                                                    NSUInteger wordCompareOption);
 
-/// The run between the delimiters around the index; it ends at the index when the unit there is a
-/// delimiter. A nil set has no members.
+/// The run between the delimiters around the index; it ends in front of the character there when
+/// that is a delimiter. The index may be the length. A nil set has no members.
 ZK_EXPORT NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string,
                                                        NSUInteger index,
                                                        const NSRef<NSCharacterSet>& delimiters);
 
-/// The run of letters, marks and digits around the unit, or the run of everything else when the
-/// unit is none of them. The index must be below the length.
+/// The run of letters, marks and digits around the character at the index, or the run of everything
+/// else when that is none of them. The index must be below the length.
 ZK_EXPORT NSRange rangeOfWordContainingCharacter(const NSRef<NSString>& string, NSUInteger index);
 
 /// From the start of the word that holds the range's first unit to the end of the one that holds
-/// its last; {0, 0} for an empty range.
+/// its last; {0, 0} for an empty range, wherever it lies.
 ZK_EXPORT NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange range);
 
 /// Trims spaces and line breaks off the ends of the range that the `ZKTrimOptions` name. The runs
