@@ -102,29 +102,14 @@ std::u16string folded(std::u16string_view text) {
   return result;
 }
 
-// All below the first combining mark: composed, decomposed and equivalent to nothing but itself.
-constexpr char16_t firstMark = 0x300;
-
 }  // namespace
 
-bool NSIsComposedBoundary(std::u16string_view text, std::size_t at) {
-  if (at == 0 || at == text.size() || text[at] < firstMark) return true;
+bool NSIsBoundaryAmongMarks(std::u16string_view text, std::size_t at) {
   if (NSSplitsPair(text, at)) return false;
   std::u16string_view rest = text.substr(at);
   const UChar32 character = takeCharacter(rest);
   return (U_GET_GC_MASK(character) & U_GC_M_MASK) == 0 &&
          unorm2_hasBoundaryBefore(composition(), character) != 0;
-}
-
-bool NSIsBelow(std::u16string_view text, char16_t bound) {
-  // Without an early end the loop becomes vector code.
-  constexpr std::size_t block = 256;
-  for (std::size_t at = 0; at < text.size(); at += block) {
-    char16_t bits = 0;
-    for (const char16_t unit : text.substr(at, block)) bits |= unit;
-    if (bits >= bound) return false;
-  }
-  return true;
 }
 
 bool NSIsComposed(std::u16string_view text, bool hasNoMarks) {

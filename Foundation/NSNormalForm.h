@@ -8,11 +8,29 @@
 
 // Forms in which texts that count as the same have the same units.
 
+/// Whether a composed character may end, and another begin, in front of the unit at `at`, which is
+/// none of the ends of the text and not below `NSFirstMark`.
+bool NSIsBoundaryAmongMarks(std::u16string_view text, std::size_t at);
+
+/// All below the first combining mark: composed, decomposed and equivalent to nothing but itself.
+inline constexpr char16_t NSFirstMark = 0x300;
+
 /// Whether a composed character may end, and another begin, in front of the unit.
-bool NSIsComposedBoundary(std::u16string_view text, std::size_t at);
+inline bool NSIsComposedBoundary(std::u16string_view text, std::size_t at) {
+  return at == 0 || at == text.size() || text[at] < NSFirstMark || NSIsBoundaryAmongMarks(text, at);
+}
 
 /// Whether all units are below a power of two.
-bool NSIsBelow(std::u16string_view text, char16_t bound);
+inline bool NSIsBelow(std::u16string_view text, char16_t bound) {
+  // Without an early end the loop becomes vector code.
+  constexpr std::size_t block = 256;
+  for (std::size_t at = 0; at < text.size(); at += block) {
+    char16_t bits = 0;
+    for (const char16_t unit : text.substr(at, block)) bits |= unit;
+    if (bits >= bound) return false;
+  }
+  return true;
+}
 
 /// Whether a text, known to have no combining marks or not, is canonically composed.
 bool NSIsComposed(std::u16string_view text, bool hasNoMarks);

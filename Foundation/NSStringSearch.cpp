@@ -142,7 +142,7 @@ class FormSearch {
     const auto judge = [&](std::size_t place) -> std::size_t {
       match = rangeAt(place);
       if (match.length == 0) return 1;
-      return accept(match) ? 0 : _wanted.size();
+      return !accept || accept(match) ? 0 : _wanted.size();
     };
     const std::size_t place = findPlace<LiteralMatcher>(_source.form, _wanted, _options, judge);
     return place == none ? NSNotFoundRange : match;
@@ -199,7 +199,7 @@ NSRange searchPart(std::u16string_view text, std::u16string_view needle, NSUInte
         (options & NSLiteralSearch) != 0 || (NSIsComposedBoundary(text, match.location) &&
                                              NSIsComposedBoundary(text, NSMaxRange(match)));
     if (!isWhole) return 1;
-    return accept(match) ? 0 : needle.size();
+    return !accept || accept(match) ? 0 : needle.size();
   };
   const std::size_t place = (options & NSCaseInsensitiveSearch) != 0
                                 ? findPlace<FoldedMatcher>(units, needle, options, judge)
@@ -231,11 +231,12 @@ NSRange searchForwards(std::u16string_view text, std::u16string_view needle, NSU
     while (limit < end && !NSIsComposedBoundary(text, limit)) ++limit;
     const NSUInteger stop = endOfPart(text, needle, limit, end);
     NSUInteger next = start;  // Behind what has been refused.
+    const auto acceptOrGoOn = [&](NSRange match) {
+      next = NSMaxRange(match);
+      return !accept || accept(match);
+    };
     const NSRange found = searchPart(text, needle, options, {start, end - start},
-                                     {start, stop - start}, limit, [&](NSRange match) {
-                                       next = NSMaxRange(match);
-                                       return accept(match);
-                                     });
+                                     {start, stop - start}, limit, acceptOrGoOn);
     if (found.length != 0 || (isAnchored && next == start)) return found;
     start = isAnchored ? next : std::max(limit, next);
     if (!isAnchored) size *= 2;
@@ -258,7 +259,7 @@ NSRange searchBackwards(std::u16string_view text, std::u16string_view needle, NS
     while (start > range.location && !NSIsComposedBoundary(text, start)) --start;
     const NSUInteger stop = endOfPart(text, needle, limit, end);
     const NSRange found = searchPart(text, needle, options, {start, end - start},
-                                     {start, stop - start}, limit, [](NSRange) { return true; });
+                                     {start, stop - start}, limit, nullptr);
     if (found.length != 0 || isAnchored) return found;
     limit = start;
     size *= 2;
@@ -276,12 +277,12 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
   }
   // Nothing is behind the last match.
   const NSRange last = searchBackwards(text, needle, options, range);
-  return last.length != 0 && accept(last) ? last : NSNotFoundRange;
+  return last.length != 0 && (!accept || accept(last)) ? last : NSNotFoundRange;
 }
 
 NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUInteger options,
                       NSRange range) {
-  return NSSearchUnits(text, needle, options, range, [](NSRange) { return true; });
+  return NSSearchUnits(text, needle, options, range, nullptr);
 }
 
 void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,

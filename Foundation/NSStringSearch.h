@@ -19,8 +19,8 @@
 NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
                                 NSUInteger options, NSRange range);
 
-/// The same for a match that `accept` agrees to. Behind one that it refuses the search begins anew,
-/// over the rest of the range. All of it takes time linear in the range.
+/// The same for a match that `accept` agrees to, for any when it is nil. Behind one that it refuses
+/// the search begins anew, over the rest of the range. All of it takes time linear in the range.
 NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
                                 NSUInteger options, NSRange range,
                                 NSBlockRef<bool(NSRange)> accept);

@@ -30,13 +30,26 @@ NSUInteger startOfCharacter(std::u16string_view text, NSUInteger index) {
   return NSSplitsPair(text, index) ? index - 1 : index;
 }
 
-// The run of word characters, or of others, that the unit belongs to.
+// The character that a unit belongs to, and what ends the run of word characters, or of others,
+// that it stands in.
+struct WordPlace {
+  WordPlace(std::u16string_view text, NSUInteger index) : start(startOfCharacter(text, index)) {
+    std::u16string_view rest = text.substr(start);
+    const char32_t character = NSTakeCharacter(rest);
+    const auto& boundaries = *ZKFoundationExtensions::wordBoundariesCharacterSet();
+    const bool isBoundary = character <= 0xFFFF
+                                ? boundaries.characterIsMember(static_cast<unichar>(character))
+                                : boundaries.longCharacterIsMember(character);
+    delimiters = isBoundary ? alphanumerics().get() : &boundaries;
+  }
+
+  NSUInteger start;
+  const NSCharacterSet* delimiters;
+};
+
 NSRange wordAt(std::u16string_view text, NSUInteger index) {
-  const NSUInteger start = startOfCharacter(text, index);
-  std::u16string_view rest = text.substr(start);
-  const auto& boundaries = *ZKFoundationExtensions::wordBoundariesCharacterSet();
-  const bool isBoundary = boundaries.longCharacterIsMember(NSTakeCharacter(rest));
-  return NSRunWithoutMembers(isBoundary ? *alphanumerics() : boundaries, text, start);
+  const WordPlace place(text, index);
+  return NSRunWithoutMembers(*place.delimiters, text, place.start);
 }
 
 bool isAccepted(NSRange match, NSRange word, NSUInteger condition) {
@@ -138,10 +151,10 @@ NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange ran
   const std::u16string_view text = string->view();
   if (range.length == 0) return {0, 0};
   NSCheckRange("rangeOfWordsIntersectingRange:", range, text.size());
-  const NSRange first = wordAt(text, range.location);
-  const NSUInteger last = NSMaxRange(range) - 1;
-  const NSRange end = NSLocationInRange(last, first) ? first : wordAt(text, last);
-  return {first.location, NSMaxRange(end) - first.location};
+  const WordPlace first(text, range.location);
+  const WordPlace last(text, NSMaxRange(range) - 1);
+  const NSUInteger start = NSStartOfRun(*first.delimiters, text, first.start);
+  return {start, NSEndOfRun(*last.delimiters, text, last.start) - start};
 }
 
 NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSString>& string, NSRange range,

@@ -154,12 +154,7 @@ TEST(NSStringExtensions, RaisesForNilReceivers) {
       [&] { (void)stringByRemovingSuffix(nothing, nothing); },
       [&] { (void)stringByRemovingString(nothing, nothing); },
       [&] { (void)hasCaseInsensitivePrefix(nothing, nothing); },
-      [&] {
-        (void)rangeOfWordsIntersectingRange(nothing, {0, 0});
-      },
-      [&] {
-        (void)findString_searchRange_options_wordCompareOption(nothing, nothing, {0, 0}, 0, 0);
-      },
+      [&] { (void)rangeOfWordsIntersectingRange(nothing, NSRange()); },
   };
   for (const auto& operation : operations) {
     expectRaises(NSInvalidArgumentException, "NSString is nil where an object is needed",
