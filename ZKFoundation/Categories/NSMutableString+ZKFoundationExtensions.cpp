@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@ namespace ZKFoundationExtensions {
 
 void appendStrings(const NSRef<NSMutableString>& string,
                    std::initializer_list<NSRef<NSString>> strings) {
+  NSCheckArgument("appendStrings:", "string", string);
   const std::span listed(strings.begin(), std::ranges::find(strings, nullptr));
   NSUInteger length = string->length();
   for (const auto& next : listed) length += next->length();

@@ -132,17 +132,20 @@ namespace ZKFoundationExtensions {
 void replaceOccurrencesOfCharactersInSet_withString(const NSRef<NSMutableString>& string,
                                                     const NSRef<NSCharacterSet>& set,
                                                     const NSRef<NSString>& replacement) {
+  NSCheckArgument("replaceOccurrencesOfCharactersInSet:withString:", "string", string);
   ZKReplaceCharactersInCharacterSet(string, set, replacement);
 }
 
 void removeCharactersInCharacterSet(const NSRef<NSMutableString>& string,
                                     const NSRef<NSCharacterSet>& set) {
+  NSCheckArgument("removeCharactersInCharacterSet:", "string", string);
   ZKRemoveCharactersInCharacterSet(string, set);
 }
 
 NSRef<NSMutableString> stringByRemovingCharactersInSet_options(const NSRef<NSString>& string,
                                                                const NSRef<NSCharacterSet>& set,
                                                                NSUInteger options) {
+  NSCheckArgument("stringByRemovingCharactersInSet:options:", "string", string);
   std::u16string_view text = string->view();
   if (!set) return NSMake<NSMutableString>(text);
   if ((options & NSAnchoredSearch) != 0) {
@@ -159,16 +162,19 @@ NSRef<NSMutableString> stringByRemovingCharactersInSet_options(const NSRef<NSStr
 
 NSRef<NSMutableString> stringByRemovingCharactersInSet(const NSRef<NSString>& string,
                                                        const NSRef<NSCharacterSet>& set) {
+  NSCheckArgument("stringByRemovingCharactersInSet:", "string", string);
   return stringByRemovingCharactersInSet_options(string, set, 0);
 }
 
 NSRef<NSMutableString> stringByRemovingCharacter(const NSRef<NSString>& string, unichar unit) {
+  NSCheckArgument("stringByRemovingCharacter:", "string", string);
   return stringByRemovingCharactersInSet(string, NSCharacterSet::characterSetWithRange({unit, 1}));
 }
 
 NSRef<NSString> stringByReplacingCharactersInSet_withString(const NSRef<NSString>& string,
                                                             const NSRef<NSCharacterSet>& set,
                                                             const NSRef<NSString>& replacement) {
+  NSCheckArgument("stringByReplacingCharactersInSet:withString:", "string", string);
   if (string->rangeOfCharacterFromSet(set).length == 0) return string;
   auto result = string->mutableCopy();
   ZKReplaceCharactersInCharacterSet(result, set, replacement);
@@ -176,25 +182,30 @@ NSRef<NSString> stringByReplacingCharactersInSet_withString(const NSRef<NSString
 }
 
 NSRef<NSMutableString> stringByRemovingWhitespace(const NSRef<NSString>& string) {
+  NSCheckArgument("stringByRemovingWhitespace", "string", string);
   return stringByRemovingCharactersInSet(string, NSCharacterSet::whitespaceCharacterSet());
 }
 
 NSRef<NSString> stringByRemovingSurroundingWhitespace(const NSRef<NSString>& string) {
+  NSCheckArgument("stringByRemovingSurroundingWhitespace", "string", string);
   return string->stringByTrimmingCharactersInSet(NSCharacterSet::whitespaceCharacterSet());
 }
 
 NSRef<NSString> stringByRemovingSurroundingWhitespaceAndNewlines(const NSRef<NSString>& string) {
+  NSCheckArgument("stringByRemovingSurroundingWhitespaceAndNewlines", "string", string);
   return stringByRemovingSurroundingWhitespace(string);
 }
 
 NSRef<NSMutableArray> componentsSeparatedByCharactersInSet_trimWhitespace(
     const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set, bool trimsWhitespace) {
+  NSCheckArgument("componentsSeparatedByCharactersInSet:trimWhitespace:", "string", string);
   return ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace(nullptr, string, set,
                                                                        trimsWhitespace);
 }
 
 NSRange rangeWithoutCharactersFromSet_atIndex(const NSRef<NSString>& string,
                                               const NSRef<NSCharacterSet>& set, NSUInteger index) {
+  NSCheckArgument("rangeWithoutCharactersFromSet:atIndex:", "string", string);
   if (index > string->length()) {
     NSRaiseIndexOutOfBounds("rangeWithoutCharactersFromSet:atIndex:", index, string->length());
   }

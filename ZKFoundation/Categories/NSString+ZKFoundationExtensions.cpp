@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSStringComparison.h"
 #include "Foundation/NSStringSearch.h"
@@ -149,6 +150,7 @@ NSRef<NSString> stringWithStrings(std::initializer_list<NSRef<NSString>> strings
 }
 
 std::uint32_t hexValue(const NSRef<NSString>& string) {
+  NSCheckArgument("hexValue", "string", string);
   const std::u16string_view text = string->view().substr(0, 40);
   bool isWide = false;
   const std::uint32_t value = lenientHexValue(text, [&](char16_t) { return !(isWide = true); });
@@ -156,6 +158,7 @@ std::uint32_t hexValue(const NSRef<NSString>& string) {
 }
 
 std::uint64_t maxHexValue(const NSRef<NSString>& string) {
+  NSCheckArgument("maxHexValue", "string", string);
   std::u16string_view text = string->view();
   skipSpace(text, [](char16_t unit) { return classOf(unit) == spaceClass; });
   const bool isNegative = text.starts_with(u'-');
@@ -181,22 +184,26 @@ std::uint64_t maxHexValue(const NSRef<NSString>& string) {
 }
 
 NSRef<NSString> stringByAppendingEllipsis(const NSRef<NSString>& string) {
+  NSCheckArgument("stringByAppendingEllipsis", "string", string);
   return string->stringByAppendingString(horizontalEllipsisString());
 }
 
 NSRef<NSString> stringByRemovingPrefix(const NSRef<NSString>& string,
                                        const NSRef<NSString>& prefix) {
+  NSCheckArgument("stringByRemovingPrefix:", "string", string);
   if (!string->hasPrefix(prefix) || isEmptyString(prefix)) return string;
   return string->substringFromIndex(prefix->length());
 }
 
 NSRef<NSString> stringByRemovingSuffix(const NSRef<NSString>& string,
                                        const NSRef<NSString>& suffix) {
+  NSCheckArgument("stringByRemovingSuffix:", "string", string);
   if (!string->hasSuffix(suffix) || isEmptyString(suffix)) return string;
   return string->substringToIndex(string->length() - suffix->length());
 }
 
 bool hasCaseInsensitivePrefix(const NSRef<NSString>& string, const NSRef<NSString>& prefix) {
+  NSCheckArgument("hasCaseInsensitivePrefix:", "string", string);
   const std::u16string_view text = string->view();
   if (!prefix || prefix->length() > text.size()) return false;
   return NSCompareUnits(text.substr(0, prefix->length()), prefix->view(),
@@ -205,6 +212,7 @@ bool hasCaseInsensitivePrefix(const NSRef<NSString>& string, const NSRef<NSStrin
 
 NSRef<NSString> stringByRemovingString(const NSRef<NSString>& string,
                                        const NSRef<NSString>& other) {
+  NSCheckArgument("stringByRemovingString:", "string", string);
   const std::u16string_view text = string->view();
   NSUnitBuffer result;
   NSUInteger start = 0;

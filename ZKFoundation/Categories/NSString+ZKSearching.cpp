@@ -103,6 +103,7 @@ namespace ZKFoundationExtensions {
 NSRange findString_selectedRange_options_wrap(const NSRef<NSString>& string,
                                               const NSRef<NSString>& needle, NSRange selectedRange,
                                               NSUInteger options, bool wrap) {
+  NSCheckArgument("findString:selectedRange:options:wrap:", "string", string);
   NSCheckRange("findString:selectedRange:options:wrap:", selectedRange, string->length());
   const NSUInteger end = NSMaxRange(selectedRange);
   NSRange first = {end, string->length() - end};
@@ -117,6 +118,7 @@ NSRange findString_searchRange_options_wordCompareOption(const NSRef<NSString>& 
                                                          const NSRef<NSString>& needle,
                                                          NSRange searchRange, NSUInteger options,
                                                          NSUInteger wordCompareOption) {
+  NSCheckArgument("findString:searchRange:options:wordCompareOption:", "string", string);
   NSCheckRange("findString:searchRange:options:wordCompareOption:", searchRange, string->length());
   const std::u16string_view text = string->view();
   const NSUInteger anyBit = ZKWordCompareAny;
@@ -135,6 +137,7 @@ NSRange findString_searchRange_options_wordCompareOption(const NSRef<NSString>& 
 
 NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string, NSUInteger index,
                                              const NSRef<NSCharacterSet>& delimiters) {
+  NSCheckArgument("rangeOfCharactersAtIndex:delimitedBy:", "string", string);
   if (index > string->length()) {
     NSRaiseIndexOutOfBounds("rangeOfCharactersAtIndex:delimitedBy:", index, string->length());
   }
@@ -143,11 +146,13 @@ NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string, NSUI
 }
 
 NSRange rangeOfWordContainingCharacter(const NSRef<NSString>& string, NSUInteger index) {
+  NSCheckArgument("rangeOfWordContainingCharacter:", "string", string);
   NSCheckIndex("rangeOfWordContainingCharacter:", index, string->length());
   return wordAt(string->view(), index);
 }
 
 NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange range) {
+  NSCheckArgument("rangeOfWordsIntersectingRange:", "string", string);
   const std::u16string_view text = string->view();
   if (range.length == 0) return {0, 0};
   NSCheckRange("rangeOfWordsIntersectingRange:", range, text.size());
@@ -160,6 +165,7 @@ NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange ran
 NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSString>& string, NSRange range,
                                                        NSRange* prefixRange, NSRange* postfixRange,
                                                        NSUInteger trimOptions) {
+  NSCheckArgument("trimRange:prefixRange:postfixRange:trimOptions:", "string", string);
   NSCheckRange("trimRange:prefixRange:postfixRange:trimOptions:", range, string->length());
   const bool trimsStart = (trimOptions & ZKTrimStart) != 0;
   const bool trimsEnd = (trimOptions & ZKTrimEnd) != 0;
@@ -188,6 +194,7 @@ NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSString>& st
 NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NSString>& string,
                                                                   NSRange range,
                                                                   NSRange* selectedRange) {
+  NSCheckArgument("normalizedSubStringWithRange:selectedRange:", "string", string);
   const char* const operation = "normalizedSubStringWithRange:selectedRange:";
   NSCheckRange(operation, range, string->length());
   if (selectedRange == nullptr) NSRaiseNilArgument("selectedRange", operation);
@@ -221,6 +228,7 @@ NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(const NSRef<NS
 }
 
 NSRef<NSString> titlecaseString(const NSRef<NSString>& string) {
+  NSCheckArgument("titlecaseString", "string", string);
   std::array<char16_t, 256> line;
   NSUnitBuffer capitalized{std::span(line)};
   NSAppendCapitalized(string->view(), capitalized);

@@ -1,3 +1,4 @@
+#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSString+ZKUniqueNames.h"
 #include "ZKFoundation/Categories/ZKNumberedName.h"
 
@@ -5,6 +6,7 @@ namespace ZKFoundationExtensions {
 
 NSRef<NSString> uniqueStringWithString_forStringArray(const NSRef<NSString>& string,
                                                       const NSRef<NSArray>& strings) {
+  NSCheckArgument("uniqueStringWithString:forStringArray:", "string", string);
   const auto taken = strings ? strings.get()->objects() : std::span<const NSRef<NSObject>>();
   ZKNumberedName name(string->view(), taken.size());
   for (const auto& object : taken) {

@@ -146,19 +146,35 @@ TEST(NSStringExtensions, ReadsHexadecimalText) {
   std::setlocale(LC_CTYPE, former.c_str());
 }
 
-TEST(NSStringExtensions, RaisesForNilReceivers) {
+TEST(NSStringExtensions, NamesTheReceiverThatIsNil) {
   const NSRef<NSString> nothing;
-  const std::vector<std::function<void()>> operations = {
-      [&] { (void)hexValue(nothing); },
-      [&] { (void)stringByRemovingPrefix(nothing, nothing); },
-      [&] { (void)stringByRemovingSuffix(nothing, nothing); },
-      [&] { (void)stringByRemovingString(nothing, nothing); },
-      [&] { (void)hasCaseInsensitivePrefix(nothing, nothing); },
-      [&] { (void)rangeOfWordsIntersectingRange(nothing, NSRange()); },
+  const NSRef<NSArray> noArray;
+  struct Row {
+    const char* reason;
+    std::function<void()> operation;
   };
-  for (const auto& operation : operations) {
-    expectRaises(NSInvalidArgumentException, "NSString is nil where an object is needed",
-                 operation);
+  for (const auto& [reason, operation] : std::vector<Row>{
+           {"string is nil (in 'hexValue')", [&] { (void)hexValue(nothing); }},
+           {"string is nil (in 'stringByRemovingPrefix:')",
+            [&] { (void)stringByRemovingPrefix(nothing, nothing); }},
+           {"string is nil (in 'stringByRemovingSuffix:')",
+            [&] { (void)stringByRemovingSuffix(nothing, nothing); }},
+           {"string is nil (in 'stringByRemovingString:')",
+            [&] { (void)stringByRemovingString(nothing, nothing); }},
+           {"string is nil (in 'hasCaseInsensitivePrefix:')",
+            [&] { (void)hasCaseInsensitivePrefix(nothing, nothing); }},
+           {"string is nil (in 'rangeOfWordsIntersectingRange:')",
+            [&] { (void)rangeOfWordsIntersectingRange(nothing, NSRange()); }},
+           {"string is nil (in 'titlecaseString')", [&] { (void)titlecaseString(nothing); }},
+           {"array is nil (in 'insertObjectsFromArray:atIndex:')",
+            [] { insertObjectsFromArray_atIndex(nullptr, nullptr, 0); }},
+           {"array is nil (in 'indexOfObjectIdenticalTo:inArraySortedUsingSelector:')",
+            [&] {
+              (void)indexOfObjectIdenticalTo_inArraySortedUsingSelector(noArray, nothing,
+                                                                        &NSString::compare);
+            }},
+       }) {
+    expectRaises(NSInvalidArgumentException, reason, operation);
   }
 }
 
