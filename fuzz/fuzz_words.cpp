@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const NSUInteger length = string->length();
   for (NSUInteger at = 0; at < length; ++at) {
     const NSRange word = rangeOfWordContainingCharacter(string, at);
-    require(NSRangeFits(word, length) && word.location <= at && at <= NSMaxRange(word));
+    require(NSRangeFits(word, length) && NSLocationInRange(at, word));
     const NSRange range = {at, (length - at) / 2};
     NSRange prefix;
     NSRange postfix;
