@@ -1,6 +1,7 @@
 #include "Foundation/NSRunLoopInbox.h"
 
 #include "Foundation/NSDelay.h"
+#include "Foundation/NSSystemThreads.h"
 
 #include <cerrno>
 #include <system_error>
@@ -67,7 +68,9 @@ int NSRunLoopInbox::descriptor() {
   const std::lock_guard lock(_mutex);
   if (_descriptor < 0) {
     _descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (_descriptor < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
+    if (_descriptor < 0) {
+      NSRaiseSystemError({errno, std::generic_category()}, "wakeUpDescriptor");
+    }
     // There may be work from before.
     signalLocked();
   }

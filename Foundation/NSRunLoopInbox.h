@@ -30,7 +30,7 @@ class NSRunLoopInbox {
   void wait(std::chrono::nanoseconds longest);
   /// Makes the descriptor readable, if somebody has asked for it.
   void signal();
-  /// An eventfd. Throws `std::system_error` when the system has none.
+  /// An eventfd. Raises `NSGenericException` when the system gives none.
   int descriptor();
   void close();
 

@@ -1,30 +1,51 @@
 #pragma once
 
-#include <cerrno>
+#include <atomic>
+#include <string>
 
-#include <sched.h>
 #include <semaphore.h>
+#include <sys/types.h>
+
+#include <Foundation/NSChains.h>
+
+/// Which thread serves what others wait for: runs a serial queue's blocks, or a run loop.
+class NSServer {
+ public:
+  void set(pid_t thread) noexcept { _thread.store(thread, std::memory_order_relaxed); }
+  void clear() noexcept { set(0); }
+  /// 0 while there is none.
+  pid_t get() const noexcept { return _thread.load(std::memory_order_relaxed); }
+
+ private:
+  std::atomic<pid_t> _thread = 0;
+};
 
 /// A thread that waits to be woken once. It may be gone as soon as it is woken, which a POSIX
 /// semaphore allows and a condition variable only under its lock.
-class NSWaiter {
+class NSWaiter : public NSChainLink<NSWaiter> {
  public:
-  NSWaiter() { sem_init(&_semaphore, 0, 0); }
+  /// The calling thread, which is about to wait for the server.
+  explicit NSWaiter(const NSServer& server);
   NSWaiter(const NSWaiter&) = delete;
-  ~NSWaiter() { sem_destroy(&_semaphore); }
+  ~NSWaiter();
 
-  void wait() {
-    // What is done in a moment is not worth sleeping for.
-    constexpr int shortWait = 16;
-    for (int k = 0; k < shortWait; ++k) {
-      if (sem_trywait(&_semaphore) == 0) return;
-      sched_yield();
-    }
-    while (sem_wait(&_semaphore) != 0 && errno == EINTR) {
-    }
+  /// Whether nobody would ever wake it: the server is the calling thread, or waits for it, perhaps
+  /// through others.
+  bool isEndless() const noexcept { return place == nullptr; }
+  void wait();
+  void wake() {
+    _isWoken.store(true, std::memory_order_relaxed);
+    sem_post(&_semaphore);
   }
-  void wake() { sem_post(&_semaphore); }
 
  private:
+  bool leadsTo(pid_t thread) const;
+
+  const NSServer* const _server;
+  std::atomic<bool> _isWoken = false;
   sem_t _semaphore{};
 };
+
+/// Raises `NSInternalInconsistencyException`: "waiting for dispatch_queue main would never end, as
+/// it waits for the calling thread (in 'dispatch_sync')".
+[[noreturn]] void NSRaiseEndlessWait(const std::string& server, const char* operation);

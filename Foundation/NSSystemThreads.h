@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <new>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include <sys/types.h>
+
+/// The system's number of the calling thread.
+pid_t NSThreadNumber() noexcept;
+
+/// How many threads the process may have without leaving others none: half of the least of the
+/// limits of the user (`RLIMIT_NPROC`), of the system (`threads-max`, `pid_max`) and of the cgroup
+/// (`pids.max`). Reads them anew.
+std::size_t NSMostThreads();
+
+/// Runs the callable on a new thread. The result is the error of a system that gives none; then the
+/// callable is gone.
+template <class F>
+std::error_code NSDetachThread(F&& callable) {
+  try {
+    std::thread(std::forward<F>(callable)).detach();
+    return {};
+  } catch (const std::system_error& error) {
+    return error.code();
+  } catch (const std::bad_alloc&) {
+    return std::make_error_code(std::errc::not_enough_memory);
+  }
+}
+
+/// Raises `NSGenericException`: "Resource temporarily unavailable (in 'start')".
+[[noreturn]] void NSRaiseSystemError(std::error_code error, const char* operation);
