@@ -19,8 +19,13 @@ struct NSChainLink {
 template <class Node, class Tag = Node>
 class NSChains {
  public:
-  void add(Node& node, NSUInteger hash) {
+  /// Makes room for one, so that the next `add` does not throw.
+  void makeRoom() {
     if (_count >= _chains.size()) grow();
+  }
+
+  void add(Node& node, NSUInteger hash) {
+    makeRoom();
     linkOf(node).hash = hash;
     attach(node);
     ++_count;

@@ -56,12 +56,17 @@ bool isSame(const NSNotification& a, const NSNotification& b, std::uint32_t mask
 struct NSNotificationQueue::Core {
   explicit Core(NSRunLoop& loop) : runLoop(&loop) {}
 
-  void add(const NSRef<NSNotification>& notification, const Hashes& hashes, Line& line) {
+  // What throws has changed nothing.
+  Queued& add(const NSRef<NSNotification>& notification, const Hashes& hashes, Line& line) {
+    names.makeRoom();
+    senders.makeRoom();
+    both.makeRoom();
     Queued& queued = line.emplace_back(notification, nextTurn++, line);
     queued.self = std::prev(line.end());
     names.add(queued, hashes.name);
     senders.add(queued, hashes.sender);
     both.add(queued, hashes.both);
+    return queued;
   }
 
   // What goes dies with the result, when all is in order again.
@@ -72,10 +77,14 @@ struct NSNotificationQueue::Core {
     taken.splice(taken.end(), *queued.line, queued.self);
   }
 
-  void removeSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask) {
+  // But not the one that has come in their place.
+  void removeSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask,
+                  const Queued* added = nullptr) {
     Line removed;
     const auto remove = [&](Queued& queued) {
-      if (isSame(*queued.notification, notification, mask)) take(queued, removed);
+      if (&queued != added && isSame(*queued.notification, notification, mask)) {
+        take(queued, removed);
+      }
     };
     switch (mask & (NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender)) {
       case NSNotificationNoCoalescing:
@@ -147,14 +156,16 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
   // What is removed may change the caller's own reference.
   const auto held = NSRef<NSNotification>::share(notification.get());
   const Hashes hashes(*held);
-  _core->removeSame(*held, hashes, coalesceMask);
   if (postingStyle == NSPostNow) {
+    _core->removeSame(*held, hashes, coalesceMask);
     NSNotificationCenter::defaultCenter()->postNotification(held);
   } else if (_core->runLoop != nullptr) {
     const bool hasModes = modes && modes->count() > 0;
     auto& groups = postingStyle == NSPostASAP ? _core->soon : _core->idle;
-    _core->add(held, hashes, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
+    const Queued& added =
+        _core->add(held, hashes, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
     _core->runLoop->signal();
+    _core->removeSame(*held, hashes, coalesceMask, &added);
   }
 }
 

@@ -7,6 +7,7 @@
 namespace {
 
 constexpr std::size_t branches = 4;
+constexpr std::size_t fewestSlots = 4;
 
 std::size_t parentOf(std::size_t place) noexcept { return (place - 1) / branches; }
 
@@ -17,6 +18,9 @@ void NSScheduledEvent::unschedule() noexcept {
 }
 
 void NSSchedule::add(NSRef<NSScheduledEvent> event, Moment moment) {
+  // Room first, so that what throws has changed nothing.
+  if (_slots.size() == _slots.capacity()) _slots.reserve(std::max(fewestSlots, 2 * _slots.size()));
+  event->unschedule();
   event->_schedule = this;
   event->_turn = moment.turn;
   _slots.emplace_back();

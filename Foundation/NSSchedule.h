@@ -47,7 +47,7 @@ class NSSchedule {
   /// The first of all; the schedule must have been asked whether there is one.
   Moment first() const noexcept { return _slots.front().moment; }
 
-  /// The event must not be scheduled.
+  /// The event leaves the schedule in which it stands.
   void add(NSRef<NSScheduledEvent> event, Moment moment);
   NSRef<NSScheduledEvent> takeFirst();
 

@@ -25,12 +25,11 @@ class NSTimer::Event final : public NSScheduledEvent {
 
   void addMode(const NSRef<NSString>& mode) {
     if (_modes->containsObject(mode)) return;
-    _modes->addObject(mode->copy());
+    auto modes = _modes->mutableCopy();
+    modes->addObject(mode->copy());
     // While it fires, it is scheduled afterwards.
-    if (_isFiring) return;
-    const auto alive = share(this);
-    unschedule();
-    _runLoop->schedule(alive, _modes, std::max(_time, _runLoop->now()));
+    if (!_isFiring) _runLoop->schedule(share(this), modes, std::max(_time, _runLoop->now()));
+    _modes = std::move(modes);
   }
 
   /// The caller holds the event.
