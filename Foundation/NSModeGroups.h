@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <list>
 #include <utility>
 #include <vector>
@@ -14,6 +15,16 @@ const NSRef<NSArray>& NSDefaultRunLoopModes();
 /// The same modes, which nobody else can change.
 NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes);
 
+/// Whether the two name the same mode, also where a class of strings has its own view of that: so
+/// nobody else's code runs while lists of modes are walked.
+template <class A, class B>
+bool NSIsSameMode(const NSRef<A>& a, const NSRef<B>& b) {
+  if (a == b) return true;
+  const auto* const text = a.template cast<const NSString>();
+  const auto* const other = b.template cast<const NSString>();
+  return text != nullptr && other != nullptr && text->view() == other->view();
+}
+
 /// A set of few modes.
 class NSModeSet {
  public:
@@ -21,7 +32,7 @@ class NSModeSet {
 
   bool contains(const NSRef<NSString>& mode) const {
     for (const auto& member : _modes) {
-      if (member == mode || member->isEqualToString(mode)) return true;
+      if (NSIsSameMode(member, mode)) return true;
     }
     return false;
   }
@@ -42,7 +53,10 @@ class NSModeGroups {
   T& of(const NSRef<NSArray>& modes) {
     if (!modes) return _common;
     for (Group& group : _groups) {
-      if (group.modes == modes || group.modes->isEqualToArray(modes)) return group.contents;
+      if (group.modes == modes || std::ranges::equal(group.modes->objects(), modes->objects(),
+                                                     NSIsSameMode<NSObject, NSObject>)) {
+        return group.contents;
+      }
     }
     return _groups.emplace_back(NSCopiedModes(modes)).contents;
   }
@@ -53,8 +67,8 @@ class NSModeGroups {
     const bool isCommon = commonModes.contains(mode);
     if (isCommon) result.push_back(&_common);
     for (Group& group : _groups) {
-      if (group.modes->containsObject(mode) ||
-          (isCommon && group.modes->containsObject(NSRunLoopCommonModes()))) {
+      if (contains(group.modes, mode) ||
+          (isCommon && contains(group.modes, NSRunLoopCommonModes()))) {
         result.push_back(&group.contents);
       }
     }
@@ -75,6 +89,11 @@ class NSModeGroups {
 
  private:
   static constexpr std::size_t fewGroups = 16;
+
+  static bool contains(const NSRef<NSArray>& modes, const NSRef<NSString>& mode) {
+    return std::ranges::any_of(modes->objects(),
+                               [&](const auto& other) { return NSIsSameMode(other, mode); });
+  }
 
   struct Group {
     explicit Group(NSRef<NSArray> list) : modes(std::move(list)) {}

@@ -48,11 +48,14 @@ class NSNotificationCenter::Observer final : public NSObject {
 };
 
 bool NSNotificationCenter::Key::operator==(const Key& other) const {
-  return object == other.object && NSEqualObjects()(name, other.name);
+  // A class of strings may override what is asked here with the lock.
+  return object == other.object &&
+         (name == other.name || (name && other.name && name->isEqualToString(other.name)));
 }
 
 std::size_t NSNotificationCenter::HashKey::operator()(const Key& key) const {
-  return NSHashObject()(key.name) * 31 + std::hash<NSRef<NSObject>>()(key.object);
+  const NSUInteger name = key.name ? key.name->NSString::hash() : 0;
+  return name * 31 + std::hash<NSRef<NSObject>>()(key.object);
 }
 
 NSNotificationCenter::NSNotificationCenter() = default;
