@@ -9,9 +9,12 @@ class NSDelayedPerform final : public NSScheduledEvent,
                                public NSChainLink<NSDelayedPerform, NSDelayedPerforms::ByIdentity>,
                                public NSChainLink<NSDelayedPerform, NSDelayedPerforms::ByContents> {
  public:
-  NSDelayedPerform(NSDelayedPerforms& others, const NSRef<NSObject>& target, NSSelector selector,
-                   const NSRef<NSObject>& argument)
-      : _others(&others), _target(target), _selector(selector), _argument(argument) {}
+  NSDelayedPerform(NSDelayedPerforms& others, NSRef<NSObject> target, NSSelector selector,
+                   NSRef<NSObject> argument)
+      : _others(&others),
+        _target(std::move(target)),
+        _selector(selector),
+        _argument(std::move(argument)) {}
   NSDelayedPerform(const NSDelayedPerform&) = delete;
   ~NSDelayedPerform() override { _others->remove(*this); }
 
@@ -64,10 +67,10 @@ NSDelayedPerforms::NSDelayedPerforms() = default;
 
 NSDelayedPerforms::~NSDelayedPerforms() = default;
 
-NSRef<NSScheduledEvent> NSDelayedPerforms::make(const NSRef<NSObject>& target, NSSelector selector,
-                                                const NSRef<NSObject>& argument) {
+NSRef<NSScheduledEvent> NSDelayedPerforms::make(NSRef<NSObject> target, NSSelector selector,
+                                                NSRef<NSObject> argument) {
   const Hashes hashes(target, selector, argument);
-  auto request = NSMake<NSDelayedPerform>(*this, target, selector, argument);
+  auto request = NSMake<NSDelayedPerform>(*this, std::move(target), selector, std::move(argument));
   _byIdentity.add(*request, hashes.identity);
   // Blocks, for one, are their own contents.
   if (hashes.contents != hashes.identity) _byContents.add(*request, hashes.contents);

@@ -17,8 +17,8 @@ class NSDelayedPerforms {
   ~NSDelayedPerforms();
 
   /// A request that performs the selector when it happens.
-  NSRef<NSScheduledEvent> make(const NSRef<NSObject>& target, NSSelector selector,
-                               const NSRef<NSObject>& argument);
+  NSRef<NSScheduledEvent> make(NSRef<NSObject> target, NSSelector selector,
+                               NSRef<NSObject> argument);
   /// Cancels those for this very target with an equal selector and argument. An argument whose
   /// contents have changed meanwhile is found by itself alone.
   void cancel(const NSRef<NSObject>& target, NSSelector selector, const NSRef<NSObject>& argument);

@@ -63,12 +63,11 @@ class NS_EXPORT NSObject {
   /// the default mode, after at least the delay and in a later pass. The request holds the receiver
   /// and the argument until it has run or been cancelled. Requests run in the order of their times,
   /// and of their making when these are equal.
-  void performSelector_withObject_afterDelay(NSSelector aSelector, const NSRef<NSObject>& object,
+  void performSelector_withObject_afterDelay(NSSelector aSelector, NSRef<NSObject> object,
                                              NSDelay delay);
   /// The same in those modes; with nil or no modes nothing is scheduled.
-  void performSelector_withObject_afterDelay_inModes(NSSelector aSelector,
-                                                     const NSRef<NSObject>& object, NSDelay delay,
-                                                     const NSRef<NSArray>& modes);
+  void performSelector_withObject_afterDelay_inModes(NSSelector aSelector, NSRef<NSObject> object,
+                                                     NSDelay delay, const NSRef<NSArray>& modes);
   /// Cancels the calling thread's delayed requests for this very target, with an equal selector and
   /// an equal argument.
   static void cancelPreviousPerformRequestsWithTarget_selector_object(
@@ -77,27 +76,28 @@ class NS_EXPORT NSObject {
   /// Performs the selector on that thread's run loop, in its common modes. With `wait` it returns
   /// when that has happened, and on the thread itself performs at once; else it is queued behind
   /// what is there, on the thread itself too. A thread that has ended, or ends first, performs
-  /// nothing, and who waits returns; one that never runs its run loop lets wait for ever. A nil
-  /// thread raises `NSInvalidArgumentException`.
+  /// nothing, and who waits returns; one that never runs its run loop lets wait for ever. Waiting
+  /// for a thread that itself waits for the calling one raises `NSInternalInconsistencyException`,
+  /// a nil thread `NSInvalidArgumentException`.
+  ///
+  /// Without `wait` the request alone holds an argument that is moved in, so that it dies on that
+  /// thread.
   void performSelector_onThread_withObject_waitUntilDone(NSSelector aSelector,
                                                          const NSRef<NSThread>& thread,
-                                                         const NSRef<NSObject>& object, bool wait);
+                                                         NSRef<NSObject> object, bool wait);
   /// The same in those modes; with nil or no modes nothing is performed.
   void performSelector_onThread_withObject_waitUntilDone_modes(NSSelector aSelector,
                                                                const NSRef<NSThread>& thread,
-                                                               const NSRef<NSObject>& object,
-                                                               bool wait,
+                                                               NSRef<NSObject> object, bool wait,
                                                                const NSRef<NSArray>& modes);
   /// The same on the main thread.
   void performSelectorOnMainThread_withObject_waitUntilDone(NSSelector aSelector,
-                                                            const NSRef<NSObject>& object,
-                                                            bool wait);
+                                                            NSRef<NSObject> object, bool wait);
   void performSelectorOnMainThread_withObject_waitUntilDone_modes(NSSelector aSelector,
-                                                                  const NSRef<NSObject>& object,
-                                                                  bool wait,
+                                                                  NSRef<NSObject> object, bool wait,
                                                                   const NSRef<NSArray>& modes);
-  /// Performs the selector on a new thread.
-  void performSelectorInBackground_withObject(NSSelector aSelector, const NSRef<NSObject>& object);
+  /// Performs the selector on a new thread. Raises `NSGenericException` when the system gives none.
+  void performSelectorInBackground_withObject(NSSelector aSelector, NSRef<NSObject> object);
 
   NSObject& operator=(const NSObject&) = delete;
 

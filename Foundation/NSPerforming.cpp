@@ -6,40 +6,40 @@
 #include "Foundation/NSSelector.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSThread.h"
+#include "Foundation/NSWaiter.h"
+
+#include <utility>
 
 namespace {
 
 // Nil modes are the common ones.
 void perform(NSRef<NSObject> receiver, NSSelector selector, const NSRef<NSThread>& thread,
-             const NSRef<NSObject>& object, bool wait, const NSRef<NSArray>& modes) {
-  if (!thread) {
-    NSRaiseNilArgument("thread", "performSelector:onThread:withObject:waitUntilDone:");
-  }
+             NSRef<NSObject> object, bool wait, const NSRef<NSArray>& modes) {
+  constexpr auto operation = "performSelector:onThread:withObject:waitUntilDone:";
+  if (!thread) NSRaiseNilArgument("thread", operation);
   if (wait && thread == NSThread::currentThread()) return selector.perform(receiver, object);
-  NSWork work([target = std::move(receiver), selector, argument = NSRef(object)] {
+  NSWork work([target = std::move(receiver), selector, argument = std::move(object)] {
     selector.perform(target, argument);
   });
   const auto runLoop = thread->runLoop();
-  if (wait) {
-    runLoop->postAndWait(std::move(work), modes);
-  } else {
-    runLoop->post(std::move(work), modes);
-  }
+  if (!wait) return runLoop->post(std::move(work), modes);
+  if (runLoop->postAndWait(std::move(work), modes)) return;
+  NSRaiseEndlessWait(thread->description()->utf8(), operation);
 }
 
 }  // namespace
 
-void NSObject::performSelector_withObject_afterDelay(NSSelector aSelector,
-                                                     const NSRef<NSObject>& object, NSDelay delay) {
-  performSelector_withObject_afterDelay_inModes(aSelector, object, delay, NSDefaultRunLoopModes());
+void NSObject::performSelector_withObject_afterDelay(NSSelector aSelector, NSRef<NSObject> object,
+                                                     NSDelay delay) {
+  performSelector_withObject_afterDelay_inModes(aSelector, std::move(object), delay,
+                                                NSDefaultRunLoopModes());
 }
 
 void NSObject::performSelector_withObject_afterDelay_inModes(NSSelector aSelector,
-                                                             const NSRef<NSObject>& object,
-                                                             NSDelay delay,
+                                                             NSRef<NSObject> object, NSDelay delay,
                                                              const NSRef<NSArray>& modes) {
   if (!modes || modes->count() == 0) return;
-  NSRunLoop::currentRunLoop()->schedulePerform(self(), aSelector, object, delay, modes);
+  NSRunLoop::currentRunLoop()->schedulePerform(self(), aSelector, std::move(object), delay, modes);
 }
 
 void NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
@@ -49,30 +49,31 @@ void NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
 
 void NSObject::performSelector_onThread_withObject_waitUntilDone(NSSelector aSelector,
                                                                  const NSRef<NSThread>& thread,
-                                                                 const NSRef<NSObject>& object,
+                                                                 NSRef<NSObject> object,
                                                                  bool wait) {
-  perform(self(), aSelector, thread, object, wait, nullptr);
+  perform(self(), aSelector, thread, std::move(object), wait, nullptr);
 }
 
 void NSObject::performSelector_onThread_withObject_waitUntilDone_modes(
-    NSSelector aSelector, const NSRef<NSThread>& thread, const NSRef<NSObject>& object, bool wait,
+    NSSelector aSelector, const NSRef<NSThread>& thread, NSRef<NSObject> object, bool wait,
     const NSRef<NSArray>& modes) {
-  if (modes && modes->count() > 0) perform(self(), aSelector, thread, object, wait, modes);
+  if (modes && modes->count() > 0)
+    perform(self(), aSelector, thread, std::move(object), wait, modes);
 }
 
 void NSObject::performSelectorOnMainThread_withObject_waitUntilDone(NSSelector aSelector,
-                                                                    const NSRef<NSObject>& object,
+                                                                    NSRef<NSObject> object,
                                                                     bool wait) {
-  perform(self(), aSelector, NSThread::mainThread(), object, wait, nullptr);
+  perform(self(), aSelector, NSThread::mainThread(), std::move(object), wait, nullptr);
 }
 
 void NSObject::performSelectorOnMainThread_withObject_waitUntilDone_modes(
-    NSSelector aSelector, const NSRef<NSObject>& object, bool wait, const NSRef<NSArray>& modes) {
-  performSelector_onThread_withObject_waitUntilDone_modes(aSelector, NSThread::mainThread(), object,
-                                                          wait, modes);
+    NSSelector aSelector, NSRef<NSObject> object, bool wait, const NSRef<NSArray>& modes) {
+  performSelector_onThread_withObject_waitUntilDone_modes(aSelector, NSThread::mainThread(),
+                                                          std::move(object), wait, modes);
 }
 
 void NSObject::performSelectorInBackground_withObject(NSSelector aSelector,
-                                                      const NSRef<NSObject>& object) {
-  NSThread::detachNewThreadSelector_toTarget_withObject(aSelector, self(), object);
+                                                      NSRef<NSObject> object) {
+  NSThread::detachNewThreadSelector_toTarget_withObject(aSelector, self(), std::move(object));
 }

@@ -86,6 +86,7 @@ struct NSRunLoop::Core {
   }
 
   NSRunLoopInbox inbox;
+  NSServer server;
   // Room for what the inbox gives.
   std::vector<NSRunLoopInbox::Item> spare;
   // Outlives the requests, which stand in it.
@@ -158,7 +159,7 @@ NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes) {
   // Mostly it is this one.
   if (modes == NSDefaultRunLoopModes()) return modes;
   auto copies = NSMake<NSMutableArray>();
-  for (const auto& mode : modes->objects()) copies->addObject(mode->copy());
+  for (const auto& mode : modes) copies->addObject(mode->copy());
   return copies;
 }
 
@@ -175,15 +176,17 @@ void NSRunLoop::post(NSWork&& work, const NSRef<NSArray>& modes) {
   _core->inbox.post({std::move(work), modes ? NSCopiedModes(modes) : nullptr});
 }
 
-void NSRunLoop::postAndWait(NSWork&& work, const NSRef<NSArray>& modes) {
+bool NSRunLoop::postAndWait(NSWork&& work, const NSRef<NSArray>& modes) {
   struct Wake {
     void operator()(NSWaiter* waiter) const { waiter->wake(); }
   };
-  NSWaiter waiter;
+  NSWaiter waiter(_core->server);
+  if (waiter.isEndless()) return false;
   // Also when it is dropped.
   std::unique_ptr<NSWaiter, Wake> done(&waiter);
   post(NSWork([&work, done = std::move(done)] { work.perform(); }), modes);
   waiter.wait();
+  return true;
 }
 
 void NSRunLoop::addCommonMode(const NSRef<NSString>& mode) {
@@ -220,10 +223,10 @@ void NSRunLoop::signal() {
   if (_core->isHosted) _core->inbox.signal();
 }
 
-void NSRunLoop::schedulePerform(const NSRef<NSObject>& target, NSSelector selector,
-                                const NSRef<NSObject>& argument, NSDelay delay,
+void NSRunLoop::schedulePerform(NSRef<NSObject> target, NSSelector selector,
+                                NSRef<NSObject> argument, NSDelay delay,
                                 const NSRef<NSArray>& modes) {
-  schedule(_core->delayedPerforms.make(target, selector, argument), modes,
+  schedule(_core->delayedPerforms.make(std::move(target), selector, std::move(argument)), modes,
            now() + delay.duration());
 }
 
@@ -345,13 +348,20 @@ bool NSRunLoop::runMode_beforeDate(const NSRef<NSString>& mode, const NSRef<NSDa
 void NSRunLoop::runUntilDate(const NSRef<NSDate>& limitDate) {
   requireOwnThread("runUntilDate:");
   if (!limitDate) NSRaiseNilArgument("limitDate", "runUntilDate:");
+  runUntil(limitDate);
+}
+
+void NSRunLoop::run() {
+  requireOwnThread("run");
+  runUntil(NSDate::distantFuture());
+}
+
+void NSRunLoop::runUntil(const NSRef<NSDate>& limitDate) {
   const Run run(*this);
   const Time limit = timeOf(limitDate);
   while (runOnce(run, NSDefaultRunLoopMode(), limit) && !run.isStopped() && now() < limit) {
   }
 }
-
-void NSRunLoop::run() { runUntilDate(NSDate::distantFuture()); }
 
 void NSRunLoop::stop() {
   requireOwnThread("stop");
@@ -360,8 +370,9 @@ void NSRunLoop::stop() {
 
 int NSRunLoop::wakeUpDescriptor() {
   requireOwnThread("wakeUpDescriptor");
+  const int descriptor = _core->inbox.descriptor();
   _core->isHosted = true;
-  return _core->inbox.descriptor();
+  return descriptor;
 }
 
 std::optional<std::chrono::nanoseconds> NSRunLoop::performPass() {
@@ -375,8 +386,11 @@ std::optional<std::chrono::nanoseconds> NSRunLoop::performPass() {
   return hasWork(mode) ? std::chrono::nanoseconds::zero() : result;
 }
 
+void NSRunLoop::begin(pid_t thread) { _core->server.set(thread); }
+
 void NSRunLoop::end() {
   _core->isEnded = true;
+  _core->server.clear();
   _core->inbox.close();
   if (_core->notifications) _core->notifications->close();
   _core->waiting.forEach([](Waiting& group) {

@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include <sys/types.h>
+
 #include <Foundation/NSArray.h>
 #include <Foundation/NSBlock.h>
 #include <Foundation/NSException.h>
@@ -65,8 +67,9 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// What the two lead to; nil modes are the common ones here. Work for no modes, or that comes
   /// after the thread has ended, is dropped.
   void post(NSWork&& work, const NSRef<NSArray>& modes);
-  /// Returns when the work has run or been dropped; on the run loop's own thread never.
-  void postAndWait(NSWork&& work, const NSRef<NSArray>& modes);
+  /// Returns when the work has run or been dropped. False, and nothing is asked for, when that
+  /// would never be: on the run loop's own thread, or when that waits for the calling one.
+  bool postAndWait(NSWork&& work, const NSRef<NSArray>& modes);
 
   /// Adds a mode to the common set, which begins as the default mode alone.
   void addCommonMode(const NSRef<NSString>& mode);
@@ -92,7 +95,7 @@ class NS_EXPORT NSRunLoop : public NSObject {
 
   /// For a host with an event loop of its own: an eventfd that becomes readable when the run loop
   /// wants a pass of which the last `performPass` did not know. It belongs to the run loop, which
-  /// alone reads it.
+  /// alone reads it. A system that gives no descriptor raises `NSGenericException`.
   int wakeUpDescriptor();
   /// Makes a pass in the default mode without waiting, and posts what waits for idle moments if
   /// nothing else is left. The result is the time until the next pass is due; none if only the
@@ -107,13 +110,15 @@ class NS_EXPORT NSRunLoop : public NSObject {
 
   Time now() const;
   void schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& modes, Time time);
-  void schedulePerform(const NSRef<NSObject>& target, NSSelector selector,
-                       const NSRef<NSObject>& argument, NSDelay delay, const NSRef<NSArray>& modes);
+  void schedulePerform(NSRef<NSObject> target, NSSelector selector, NSRef<NSObject> argument,
+                       NSDelay delay, const NSRef<NSArray>& modes);
   void cancelPerforms(const NSRef<NSObject>& target, NSSelector selector,
                       const NSRef<NSObject>& argument);
   const NSRef<NSNotificationQueue>& notificationQueue();
   /// Lets a host know that it should make a pass.
   void signal();
+  /// Tells the number of its thread, 0 when that has not begun.
+  void begin(pid_t thread);
   /// Drops all and takes no more.
   void end();
 
@@ -131,6 +136,7 @@ class NS_EXPORT NSRunLoop : public NSObject {
   std::optional<Time> nextTime(const NSRef<NSString>& mode);
   std::optional<std::chrono::nanoseconds> idleTime(const NSRef<NSString>& mode);
   bool runOnce(const Run& run, const NSRef<NSString>& mode, Time limit);
+  void runUntil(const NSRef<NSDate>& limitDate);
 
   const std::unique_ptr<Core> _core;
 };

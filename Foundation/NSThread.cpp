@@ -4,9 +4,10 @@
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSString.h"
+#include "Foundation/NSSystemThreads.h"
 
-#include <system_error>
-#include <thread>
+#include <string>
+#include <utility>
 
 #include <pthread.h>
 #include <unistd.h>
@@ -22,7 +23,7 @@ struct NSThread::Current {
     return current;
   }
   void enter(const NSRef<NSThread>& self) {
-    self->_state = State::executing;
+    self->begin();
     self->retain();
     thread = self.get();
   }
@@ -47,9 +48,8 @@ struct NSThread::Adopted {
   }
 };
 
-NSThread::NSThread(const NSRef<NSObject>& target, NSSelector selector,
-                   const NSRef<NSObject>& argument)
-    : NSThread([target = NSRef(target), selector, argument = NSRef(argument)] {
+NSThread::NSThread(NSRef<NSObject> target, NSSelector selector, NSRef<NSObject> argument)
+    : NSThread([target = std::move(target), selector, argument = std::move(argument)] {
         selector.perform(target, argument);
       }) {}
 
@@ -68,6 +68,7 @@ NSRef<NSThread> NSThread::mainThread() {
   static NSNeverDestroyed<NSRef<NSThread>> thread([] {
     auto main = NSMake<NSThread>();
     main->_state = State::executing;
+    main->_number = getpid();
     return main;
   }());
   return *thread;
@@ -90,9 +91,9 @@ NSRef<NSThread> NSThread::currentThread() {
 }
 
 void NSThread::detachNewThreadSelector_toTarget_withObject(NSSelector selector,
-                                                           const NSRef<NSObject>& target,
-                                                           const NSRef<NSObject>& argument) {
-  NSMake<NSThread>(target, selector, argument)->start();
+                                                           NSRef<NSObject> target,
+                                                           NSRef<NSObject> argument) {
+  NSMake<NSThread>(std::move(target), selector, std::move(argument))->start();
 }
 
 void NSThread::start() {
@@ -100,11 +101,9 @@ void NSThread::start() {
   if (!_state.compare_exchange_strong(ready, State::executing)) {
     NSException::raise(NSGenericException, "the thread has been started (in 'start')");
   }
-  try {
-    std::thread([self = share(this)] { self->run(); }).detach();
-  } catch (const std::system_error& error) {
+  if (const auto error = NSDetachThread([self = share(this)] { self->run(); })) {
     _state = State::ready;
-    NSException::raise(NSGenericException, std::string(error.what()) + " (in 'start')");
+    NSRaiseSystemError(error, "start");
   }
 }
 
@@ -123,6 +122,14 @@ void NSThread::run() noexcept {
 
 void NSThread::main() {
   if (_work) _work->perform();
+}
+
+// On the thread itself.
+void NSThread::begin() {
+  const std::lock_guard lock(_mutex);
+  _state = State::executing;
+  _number = NSThreadNumber();
+  if (_runLoop != nullptr) _runLoop.load()->begin(_number);
 }
 
 void NSThread::finish() {
@@ -148,6 +155,12 @@ void NSThread::setName(const NSRef<NSString>& name) {
   if (Current::get().thread == this) showName();
 }
 
+NSRef<NSString> NSThread::description() const {
+  const std::string text = this == mainThread().get() ? "main" : name()->utf8();
+  return NSMake<NSString>(objectClass().name()->utf8() + ' ' +
+                          (text.empty() ? "without a name" : text));
+}
+
 // The system takes so many bytes; half a character is left out.
 void NSThread::showName() const {
   constexpr std::size_t longest = 15;
@@ -168,6 +181,7 @@ NSRef<NSRunLoop> NSThread::runLoop() {
     runLoop = _runLoop;
     if (runLoop == nullptr) {
       auto made = NSMake<NSRunLoop>();
+      made->begin(_number);
       if (isFinished()) made->end();
       _runLoop = runLoop = made.leak();
     }

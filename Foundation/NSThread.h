@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include <sys/types.h>
+
 #include <Foundation/NSBlock.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSExport.h>
@@ -30,7 +32,7 @@ class NS_EXPORT NSThread : public NSObject {
     _work.emplace(std::forward<F>(block));
   }
   /// Performs the selector when it runs; target and argument are held until then.
-  NSThread(const NSRef<NSObject>& target, NSSelector selector, const NSRef<NSObject>& argument);
+  NSThread(NSRef<NSObject> target, NSSelector selector, NSRef<NSObject> argument);
   ~NSThread() override;
 
   static NSRef<NSThread> currentThread();
@@ -38,8 +40,8 @@ class NS_EXPORT NSThread : public NSObject {
   static NSRef<NSThread> mainThread();
   static bool isMainThread() noexcept;
   static void detachNewThreadSelector_toTarget_withObject(NSSelector selector,
-                                                          const NSRef<NSObject>& target,
-                                                          const NSRef<NSObject>& argument);
+                                                          NSRef<NSObject> target,
+                                                          NSRef<NSObject> argument);
 
   /// Begins the thread, which is held until it has ended. A second call, and a thread that the
   /// system does not give, raise `NSGenericException`.
@@ -59,6 +61,9 @@ class NS_EXPORT NSThread : public NSObject {
   NSRef<NSString> name() const;
   void setName(const NSRef<NSString>& name);
 
+  /// "NSThread reader"
+  NSRef<NSString> description() const override;
+
   /// The thread's run loop, made when it is first asked for. On other threads only what says so may
   /// be used.
   NSRef<NSRunLoop> runLoop();
@@ -69,6 +74,7 @@ class NS_EXPORT NSThread : public NSObject {
   struct Current;
 
   void run() noexcept;
+  void begin();
   void finish();
   void showName() const;
 
@@ -77,5 +83,7 @@ class NS_EXPORT NSThread : public NSObject {
   std::atomic<bool> _isCancelled = false;
   std::atomic<NSRunLoop*> _runLoop = nullptr;
   mutable std::mutex _mutex;
+  // The system's, once it has begun.
+  pid_t _number = 0;
   NSRef<NSString> _name;
 };

@@ -4,6 +4,7 @@
 #include "Foundation/NSNeverDestroyed.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSString.h"
+#include "Foundation/NSSystemThreads.h"
 #include "Foundation/NSWaiter.h"
 #include "Foundation/NSWorkerPool.h"
 
@@ -16,7 +17,9 @@ class ConcurrentQueue final : public dispatch_queue {
  public:
   explicit ConcurrentQueue(const char* label) : dispatch_queue(label) {}
 
-  void submit(NSWork work) override { NSWorkerPool::shared().submit(std::move(work)); }
+  void submit(NSWork work) override {
+    NSWorkerPool::shared().submit(std::move(work), *this, "dispatch_async");
+  }
   void performAndWait(NSWork work) override { work.perform(); }
 };
 
@@ -26,7 +29,8 @@ class MainQueue final : public dispatch_queue {
 
   void submit(NSWork work) override { NSRunLoop::mainRunLoop()->post(std::move(work), nullptr); }
   void performAndWait(NSWork work) override {
-    NSRunLoop::mainRunLoop()->postAndWait(std::move(work), nullptr);
+    if (NSRunLoop::mainRunLoop()->postAndWait(std::move(work), nullptr)) return;
+    NSRaiseEndlessWait(description()->utf8(), "dispatch_sync");
   }
 };
 
@@ -40,70 +44,88 @@ class SerialQueue final : public dispatch_queue {
   void performAndWait(NSWork work) override;
 
  private:
-  void schedule();
+  void schedule(const char* operation);
+  void own();
   void drain() noexcept;
-  void passOn();
+  void passOn() noexcept;
+  bool takeBatch();
 
   std::mutex _mutex;
   bool _isOwned = false;
+  // The thread of the owner, when it has come.
+  NSServer _server;
   std::deque<NSWork> _works;
   std::deque<NSWork> _batch;
   NSWaiter* _nextOwner = nullptr;
 };
 
-void SerialQueue::schedule() {
-  NSWorkerPool::shared().submit(NSWork([queue = share(this)] { queue.get()->drain(); }));
+void SerialQueue::schedule(const char* operation) {
+  NSWorkerPool::shared().submit(NSWork([queue = share(this)] { queue.get()->drain(); }), *this,
+                                operation);
 }
 
 void SerialQueue::submit(NSWork work) {
-  {
-    const std::lock_guard lock(_mutex);
-    _works.push_back(std::move(work));
-    if (std::exchange(_isOwned, true)) return;
+  constexpr auto operation = "dispatch_async";
+  const std::lock_guard lock(_mutex);
+  if (_isOwned) {
+    NSWorkerPool::shared().requireWorker(operation);
+  } else {
+    schedule(operation);
+    _isOwned = true;
   }
-  schedule();
+  _works.push_back(std::move(work));
 }
 
 void SerialQueue::performAndWait(NSWork work) {
   const auto alive = share(this);
-  NSWaiter waiter;
-  std::unique_lock lock(_mutex);
-  if (!_isOwned) {
-    _isOwned = true;
-    lock.unlock();
-  } else {
-    _works.emplace_back([this, &waiter] { _nextOwner = &waiter; });
-    lock.unlock();
-    waiter.wait();
-  }
+  own();
+  _server.set(NSThreadNumber());
   work.perform();
   passOn();
 }
 
+// Returns when the calling thread is the owner.
+void SerialQueue::own() {
+  constexpr auto operation = "dispatch_sync";
+  std::unique_lock lock(_mutex);
+  if (!std::exchange(_isOwned, true)) return;
+  NSWaiter waiter(_server);
+  if (waiter.isEndless()) NSRaiseEndlessWait(description()->utf8(), operation);
+  NSWorkerPool::shared().requireWorker(operation);
+  _works.emplace_back([this, &waiter] { _nextOwner = &waiter; });
+  lock.unlock();
+  waiter.wait();
+}
+
+// By the owner. Without any work, nobody owns the queue any more.
+bool SerialQueue::takeBatch() {
+  if (!_batch.empty()) return true;
+  const std::lock_guard lock(_mutex);
+  _batch.swap(_works);
+  _isOwned = !_batch.empty();
+  if (!_isOwned) _server.clear();
+  return _isOwned;
+}
+
 // By the owner, when it has done its own.
-void SerialQueue::passOn() {
-  if (_batch.empty()) {
-    const std::lock_guard lock(_mutex);
-    _isOwned = !_works.empty();
-    if (!_isOwned) return;
-  }
-  schedule();
+void SerialQueue::passOn() noexcept {
+  _server.clear();
+  if (takeBatch()) schedule("dispatch_async");
 }
 
 // By a worker as the owner. Whoever waits becomes the owner when its turn comes.
 void SerialQueue::drain() noexcept {
+  _server.set(NSThreadNumber());
   do {
-    if (_batch.empty()) {
-      const std::lock_guard lock(_mutex);
-      _batch.swap(_works);
-      _isOwned = !_batch.empty();
-      if (!_isOwned) return;
-    }
+    if (!takeBatch()) return;
     while (!_batch.empty()) {
       const NSAutoreleasePool pool;
       _batch.front().perform();
       _batch.pop_front();
-      if (auto* const owner = std::exchange(_nextOwner, nullptr)) return owner->wake();
+      if (auto* const owner = std::exchange(_nextOwner, nullptr)) {
+        _server.clear();
+        return owner->wake();
+      }
     }
     // A worker does not stay while others wait for one.
   } while (!NSWorkerPool::shared().hasPendingWork());

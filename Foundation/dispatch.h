@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -20,14 +21,14 @@ enum dispatch_queue_attr_t {
   DISPATCH_QUEUE_CONCURRENT,
 };
 
-/// A queue; made by `dispatch_queue_create`. It lives at least until its last block has run.
+/// A queue; made by `dispatch_queue_create`. It lives at least until its last block has begun.
 class NS_EXPORT dispatch_queue : public NSObject {
  public:
   const std::string& label() const noexcept { return _label; }
   /// "dispatch_queue com.example.queue"
   NSRef<NSString> description() const override;
 
-  /// Runs it some time. `dispatch_async` and `dispatch_sync` lead here.
+  /// Runs it some time. `dispatch_async` and `dispatch_sync` lead here, and tell what they raise.
   virtual void submit(NSWork work) = 0;
   /// Returns when it has run.
   virtual void performAndWait(NSWork work) = 0;
@@ -36,7 +37,11 @@ class NS_EXPORT dispatch_queue : public NSObject {
   explicit dispatch_queue(const char* label) : _label(label == nullptr ? "" : label) {}
 
  private:
+  friend class NSWorkerPool;
+
   const std::string _label;
+  // What waits for a thread, counted by the pool, which holds the queue meanwhile.
+  std::size_t _pendingWorks = 0;
 };
 
 using dispatch_queue_t = NSRef<dispatch_queue>;
@@ -48,8 +53,10 @@ NS_EXPORT dispatch_queue_t dispatch_queue_create(const char* label, dispatch_que
 /// other. (A block that runs the run loop itself lets the next ones in.) From any thread.
 NS_EXPORT const dispatch_queue_t& dispatch_get_main_queue();
 
-/// Runs the block on a thread of the queue some time and returns at once. A nil queue or block
-/// raises `NSInvalidArgumentException`.
+/// Runs the block on a thread of the queue some time and returns at once. The queue alone holds a
+/// block that is moved in, so that what it captures dies where it ran. A nil queue or block raises
+/// `NSInvalidArgumentException`, a system that gives the queues no thread at all
+/// `NSGenericException`: then the block is not kept.
 template <class F>
 void dispatch_async(const dispatch_queue_t& queue, F&& block) {
   if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "dispatch_async");
@@ -57,9 +64,12 @@ void dispatch_async(const dispatch_queue_t& queue, F&& block) {
 }
 
 /// Runs the block when all that came before it on a serial queue has run, and returns when it has;
-/// on the calling thread, for the main queue on the main thread. From a block of the same serial
-/// queue, or from the main thread for the main queue, that never comes. A nil queue or block raises
+/// on the calling thread, for the main queue on the main thread. A nil queue or block raises
 /// `NSInvalidArgumentException`.
+///
+/// Waiting for a serial queue from one of its blocks, for the main queue from the main thread, or
+/// for a queue whose block waits for the calling thread, would never end: it raises
+/// `NSInternalInconsistencyException`, and the block does not run.
 template <class F>
 void dispatch_sync(const dispatch_queue_t& queue, F&& block) {
   if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "dispatch_sync");
