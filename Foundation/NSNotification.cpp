@@ -4,9 +4,12 @@
 #include "Foundation/NSException.h"
 #include "Foundation/NSString.h"
 
-NSNotification::NSNotification(const NSRef<NSString>& name, const NSRef<NSObject>& object,
-                               const NSRef<NSDictionary>& userInfo)
-    : _object(object), _userInfo(userInfo ? userInfo->copy() : nullptr) {
+#include <utility>
+
+NSNotification::NSNotification(const NSRef<NSString>& name, NSRef<NSObject> object,
+                               NSRef<NSDictionary> userInfo)
+    : _object(std::move(object)),
+      _userInfo(userInfo ? std::exchange(userInfo, nullptr)->copy() : nullptr) {
   if (!name) NSRaiseNilArgument("name", "notificationWithName:object:userInfo:");
   _name = name->copy();
 }
@@ -14,14 +17,13 @@ NSNotification::NSNotification(const NSRef<NSString>& name, const NSRef<NSObject
 NSNotification::~NSNotification() = default;
 
 NSRef<NSNotification> NSNotification::notificationWithName_object(const NSRef<NSString>& name,
-                                                                  const NSRef<NSObject>& object) {
-  return NSMake<NSNotification>(name, object, nullptr);
+                                                                  NSRef<NSObject> object) {
+  return NSMake<NSNotification>(name, std::move(object), nullptr);
 }
 
 NSRef<NSNotification> NSNotification::notificationWithName_object_userInfo(
-    const NSRef<NSString>& name, const NSRef<NSObject>& object,
-    const NSRef<NSDictionary>& userInfo) {
-  return NSMake<NSNotification>(name, object, userInfo);
+    const NSRef<NSString>& name, NSRef<NSObject> object, NSRef<NSDictionary> userInfo) {
+  return NSMake<NSNotification>(name, std::move(object), std::move(userInfo));
 }
 
 NSRef<NSString> NSNotification::name() const noexcept { return _name; }

@@ -11,15 +11,14 @@ class NSString;
 class NS_EXPORT NSNotification : public NSObject {
  public:
   /// Object and user information may be nil; a nil name raises `NSInvalidArgumentException`.
-  NSNotification(const NSRef<NSString>& name, const NSRef<NSObject>& object,
-                 const NSRef<NSDictionary>& userInfo);
+  NSNotification(const NSRef<NSString>& name, NSRef<NSObject> object, NSRef<NSDictionary> userInfo);
   ~NSNotification() override;
 
   static NSRef<NSNotification> notificationWithName_object(const NSRef<NSString>& name,
-                                                           const NSRef<NSObject>& object);
-  static NSRef<NSNotification> notificationWithName_object_userInfo(
-      const NSRef<NSString>& name, const NSRef<NSObject>& object,
-      const NSRef<NSDictionary>& userInfo);
+                                                           NSRef<NSObject> object);
+  static NSRef<NSNotification> notificationWithName_object_userInfo(const NSRef<NSString>& name,
+                                                                    NSRef<NSObject> object,
+                                                                    NSRef<NSDictionary> userInfo);
 
   NSRef<NSString> name() const noexcept;
   NSRef<NSObject> object() const noexcept;

@@ -1,5 +1,7 @@
 #include "ZKFoundation/Categories/NSNotificationQueue+ZKFoundationExtensions.h"
 
+#include <utility>
+
 #include <Foundation/NSDate.h>
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSOperationQueue.h>
@@ -7,10 +9,10 @@
 
 namespace ZKFoundationExtensions {
 
-void enqueueNotificationInMainThread_postingStyle(const NSRef<NSNotification>& notification,
+void enqueueNotificationInMainThread_postingStyle(NSRef<NSNotification> notification,
                                                   NSUInteger postingStyle) {
   NSOperationQueue::mainQueue()->addOperationWithBlock(
-      [notification = NSRef(notification), postingStyle] {
+      [notification = std::move(notification), postingStyle] {
         NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(notification,
                                                                               postingStyle);
       });

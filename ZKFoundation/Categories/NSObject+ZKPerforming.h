@@ -11,7 +11,9 @@
 // Blocks with the receiver as their target, run later or elsewhere. A block is any callable that
 // takes the receiver, as a reference to it (`[](Editor& editor) {…}`) or as an `NSRef`, or nothing;
 // or an `NSBlock`. The receiver, and the block or its copy, are held until the block has run or
-// been cancelled. A nil block takes its turn and does nothing. A nil receiver raises
+// been cancelled. A lambda that is not waited for moves into the request, which alone then holds
+// what it captures, so that this dies where the block ran; not where the lambda cannot let go of
+// it, as of a captured constant. A nil block takes its turn and does nothing. A nil receiver raises
 // `NSInvalidArgumentException`. An exception that leaves a block ends the program, except where it
 // runs within the call on the thread that was asked for: there the caller gets it.
 //
@@ -82,8 +84,9 @@ ZK_EXPORT void cancelPreviousPerformRequestsWithTarget_block(const NSRef<NSObjec
 template <class Receiver, class F>
 void performBlockOnMainThread(const NSRef<Receiver>& receiver, F&& block) {
   if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
-    const NSRef<NSBlock> held = std::forward<F>(block);
-    if (held) performBlockOnMainThread(receiver, [held] { held->invoke(nullptr); });
+    NSRef<NSBlock> held = std::forward<F>(block);
+    if (!held) return;
+    performBlockOnMainThread(receiver, [held = std::move(held)] { held->invoke(nullptr); });
   } else if (NSIsNilCallable(block)) {
     return;
   } else if (NSThread::isMainThread()) {
@@ -127,7 +130,8 @@ void performBlock_onThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, 
       ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait, modes);
 }
 
-/// Runs the block on a new thread, within an autorelease pool.
+/// Runs the block on a new thread, within an autorelease pool. Raises `NSGenericException` when the
+/// system gives none.
 template <class Receiver, class F>
 void performBlockInBackground(const NSRef<Receiver>& receiver, F&& block) {
   receiver->performSelectorInBackground_withObject(
@@ -137,8 +141,8 @@ void performBlockInBackground(const NSRef<Receiver>& receiver, F&& block) {
 }
 
 /// Runs the block on the queue: with `wait` by `dispatch_sync`, and returns when it has run; else
-/// by `dispatch_async`, within an autorelease pool. Waiting for a serial queue on itself never
-/// ends.
+/// by `dispatch_async`, within an autorelease pool. What they raise comes back: a wait that would
+/// never end, such as one for a serial queue on itself, a system without threads.
 ///
 /// A null queue raises `NSInvalidArgumentException` with the reason "aQueue is NULL (in
 /// 'performBlock:onQueue:waitUntilDone:')".
