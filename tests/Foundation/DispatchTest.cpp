@@ -1,15 +1,34 @@
-#include "tests/Support.h"
+#include "tests/RunLoops.h"
 
+#include <array>
 #include <atomic>
 #include <latch>
 #include <memory>
+#include <string_view>
 #include <vector>
+
+#include <poll.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
 // Runs until all that the queue had before has run.
 void finish(const dispatch_queue_t& queue) {
   dispatch_sync(queue, [] {});
+}
+
+// Runs as many blocks as do not end before all of them have begun.
+void passGate(int count, const dispatch_queue_t& queue) {
+  std::latch gate(count);
+  std::latch gone(count);
+  for (int k = 0; k < count; ++k) {
+    dispatch_async(queue, [&] {
+      gate.arrive_and_wait();
+      gone.count_down();
+    });
+  }
+  gone.wait();
 }
 
 TEST(DispatchQueue, RunsBlocksOneAfterTheOther) {
@@ -47,30 +66,100 @@ TEST(DispatchQueue, RunsWaitingBlocksOnTheCallersThread) {
 }
 
 TEST(DispatchQueue, GoesOnWhileManyBlocksAreBlocked) {
-  const auto queue = dispatch_queue_create("many", DISPATCH_QUEUE_CONCURRENT);
-  constexpr int blocked = 64;
-  std::latch release(1);
-  std::latch gone(blocked);
-  for (int k = 0; k < blocked; ++k) {
-    dispatch_async(queue, [&] {
-      release.wait();
-      gone.count_down();
+  // Blocks that wait for one another, then queues each of which waits for the next one.
+  passGate(200, dispatch_queue_create("many", DISPATCH_QUEUE_CONCURRENT));
+  std::vector<dispatch_queue_t> queues(100);
+  for (auto& queue : queues) queue = dispatch_queue_create("link", DISPATCH_QUEUE_SERIAL);
+  std::latch gate(100);
+  std::latch done(100);
+  for (std::size_t k = 0; k < queues.size(); ++k) {
+    dispatch_async(queues[k], [&, k] {
+      gate.arrive_and_wait();
+      if (k + 1 < queues.size()) finish(queues[k + 1]);
+      done.count_down();
     });
   }
-  std::latch done(1);
-  dispatch_async(queue, [&] { done.count_down(); });
   done.wait();
-  release.count_down();
-  gone.wait();
+}
+
+TEST(DispatchQueue, TellsWhichQueueStarves) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  const int standardError = dup(STDERR_FILENO);
+  dup2(ends[1], STDERR_FILENO);
+  rlimit limit{};
+  getrlimit(RLIMIT_NPROC, &limit);
+  const rlimit low{2, limit.rlim_max};
+  setrlimit(RLIMIT_NPROC, &low);
+  const auto queue = dispatch_queue_create("many", DISPATCH_QUEUE_CONCURRENT);
+  // The last of those that have waited may go on after the test.
+  const auto gate = std::make_shared<std::latch>(1);
+  // There may be any number of threads from before.
+  for (pollfd end{ends[0], POLLIN, 0}; poll(&end, 1, 100) == 0;) {
+    for (int k = 0; k < 100; ++k) dispatch_async(queue, [gate] { gate->wait(); });
+  }
+  std::array<char, 200> line{};
+  EXPECT_GT(read(ends[0], line.data(), line.size() - 1), 0);
+  setrlimit(RLIMIT_NPROC, &limit);
+  // Now it may grow again.
+  passGate(1, queue);
+  gate->count_down();
+  const std::string_view told = line.data();
+  EXPECT_TRUE(told.starts_with("dispatch_queue many ") && told.find("starve") != told.npos) << told;
+  dup2(standardError, STDERR_FILENO);
+  close(standardError);
+  close(ends[1]);
+  EXPECT_EQ(read(ends[0], line.data(), 1), 0);
+  close(ends[0]);
+}
+
+TEST(DispatchQueue, RaisesWhereAWaitWouldNeverEnd) {
+  const auto expectEndless = [](const dispatch_queue_t& queue) {
+    expectRaises(NSInternalInconsistencyException,
+                 "waiting for " + queue->description()->utf8() +
+                     " would never end, as it waits for the calling thread (in 'dispatch_sync')",
+                 [&] { finish(queue); });
+  };
+  expectEndless(dispatch_get_main_queue());
+  const auto one = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  const auto two = dispatch_queue_create("two", DISPATCH_QUEUE_SERIAL);
+  dispatch_async(one, [&] { expectEndless(one); });
+  dispatch_sync(one, [&] { dispatch_sync(two, [&] { expectEndless(one); }); });
+  // Of two that wait for each other, one is told.
+  std::latch gate(2);
+  std::atomic<int> told = 0;
+  const auto waitFor = [&](const dispatch_queue_t& other) {
+    gate.arrive_and_wait();
+    try {
+      finish(other);
+    } catch (const NSException&) {
+      ++told;
+    }
+  };
+  dispatch_async(one, [&] { waitFor(two); });
+  dispatch_async(two, [&] { waitFor(one); });
+  finish(one);
+  finish(two);
+  EXPECT_EQ(told, 1);
 }
 
 TEST(DispatchQueue, RunsAllOfAConcurrentQueue) {
   const auto queue = dispatch_queue_create("many", DISPATCH_QUEUE_CONCURRENT);
   constexpr std::ptrdiff_t count = 20'000;
+  struct Left : NSObject {
+    explicit Left(std::atomic<int>& count) : alive(count) { ++alive; }
+    Left(const Left&) = delete;
+    ~Left() override { --alive; }
+    std::atomic<int>& alive;
+  };
   std::atomic<std::int64_t> sum = 0;
+  std::atomic<int> alive = 0;
   std::latch done(count);
   for (std::ptrdiff_t k = 0; k < count; ++k) {
     dispatch_async(queue, [&, k] {
+      // Goes with its block, not with the thread.
+      NSAutorelease(NSMake<Left>(alive));
+      EXPECT_LT(alive, count / 2);
       sum += k;
       done.count_down();
     });
@@ -85,6 +174,13 @@ TEST(DispatchQueue, LetsGoOfWhatHasRun) {
   dispatch_async(queue, [counted = NSMake<Counted>(alive)] { EXPECT_EQ(counted->alive, 1); });
   // The next block finds the former one gone.
   dispatch_sync(queue, [&] { EXPECT_EQ(alive, 0); });
+  // With what it has autoreleased, also when a worker runs them at one go.
+  std::latch gate(1);
+  dispatch_async(queue, [&] { gate.wait(); });
+  dispatch_async(queue, [&] { NSAutorelease(NSMake<Counted>(alive)); });
+  dispatch_async(queue, [&] { EXPECT_EQ(alive, 0); });
+  gate.count_down();
+  finish(queue);
   // A block larger than the queue's room for it, and one that cannot be copied.
   const std::string text(100, 'x');
   std::string seen;

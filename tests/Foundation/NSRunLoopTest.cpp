@@ -8,6 +8,7 @@
 #include <thread>
 
 #include <poll.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -367,6 +368,8 @@ TEST(NSRunLoop, FindsWhatItCancelsByIdentityAndContents) {
     keeper->performSelector_withObject_afterDelay(keeping, array, 0);
     if (isChanged) array->addObject(keeper);
     cancel(isChanged ? array : NSMake<NSArray>());
+    // Let go of at once.
+    EXPECT_EQ(array->retainCount(), 1U);
   }
   array->removeAllObjects();
   keeper->performSelector_withObject_afterDelay(keeping, array, 0);
@@ -394,8 +397,11 @@ TEST(NSRunLoop, RefusesWhatItCannotDo) {
   const LoopThread thread;
   const auto other = thread.get()->runLoop();
   const auto diary = NSMake<Diary>();
+  expectRaises(NSInternalInconsistencyException, "the run loop is another thread's (in 'run')",
+               [&] { other->run(); });
   expectRaises(NSInternalInconsistencyException,
-               "the run loop is another thread's (in 'runUntilDate:')", [&] { other->run(); });
+               "the run loop is another thread's (in 'runUntilDate:')",
+               [&] { other->runUntilDate(NSDate::distantPast()); });
   expectRaises(NSInvalidArgumentException, "mode is nil (in 'limitDateForMode:')",
                [&] { makePass(nullptr); });
   expectRaises(NSInvalidArgumentException,
@@ -411,6 +417,43 @@ TEST(NSRunLoop, RefusesWhatItCannotDo) {
                [&] { perform(u"text"_ns, box(1)); });
   expectRaises(NSInvalidArgumentException, "'note:' does not take a NSString",
                [&] { perform(diary, u"text"_ns); });
+  // A thread that waits for the calling one, here over a queue's block.
+  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  const auto refuse = [&] {
+    expectRaises(NSInternalInconsistencyException,
+                 "waiting for NSThread main would never end, as it waits for the calling thread "
+                 "(in 'performSelector:onThread:withObject:waitUntilDone:')",
+                 [&] { perform(diary, box(1)); });
+    EXPECT_THROW(dispatch_sync(queue, [] {}), NSException);
+    EXPECT_THROW(dispatch_sync(dispatch_get_main_queue(), [] {}), NSException);
+  };
+  dispatch_sync(queue, [&] { EXPECT_TRUE(other->postAndWait(NSWork(refuse), nullptr)); });
+  EXPECT_FALSE(NSRunLoop::mainRunLoop()->postAndWait(NSWork([] {}), nullptr));
+  EXPECT_EQ(diary->notes, std::vector<int>());
+  // A mode that changes the list of modes when it is copied.
+  struct Mode : NSString {
+    explicit Mode(const NSRef<NSMutableArray>& list) : modes(list.get()) {}
+    NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override {
+      for (int k = 0; k < 100; ++k) modes->addObject(tracking);
+      return self();
+    }
+    NSMutableArray* modes;
+  };
+  const auto modes = NSMake<NSMutableArray>();
+  modes->addObject(NSMake<Mode>(modes));
+  expectRaises(NSGenericException, "NSMutableArray was mutated while being enumerated",
+               [&] { other->performInModes_block(modes, [] {}); });
+  // A system that has no more descriptors.
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  const rlimit none{0, limit.rlim_max};
+  std::jthread([&] {
+    const auto loop = NSRunLoop::currentRunLoop();
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_THROW(loop->wakeUpDescriptor(), NSException);
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_GT(loop->wakeUpDescriptor(), 0);
+  }).join();
 }
 
 TEST(NSRunLoopDeathTest, AnExceptionEndsTheProgram) {

@@ -5,6 +5,9 @@
 #include <memory>
 #include <thread>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
@@ -261,14 +264,97 @@ TEST(NSObjectPerforming, OpensAPoolForBlocksThatNobodyWaitsFor) {
   int alive = 0;
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
   const auto block = [&] { NSAutorelease(NSMake<Counted>(alive)); };
-  performBlock_onQueue_waitUntilDone(queue, block, queue, false);
-  dispatch_sync(queue, [&] { EXPECT_EQ(alive, 0); });
+  // Within a pass there is a larger one.
+  performBlock_onQueue_waitUntilDone(queue, block, dispatch_get_main_queue(), false);
+  dispatch_async(dispatch_get_main_queue(), [&] { EXPECT_EQ(alive, 0); });
+  makePass();
   {
     const NSAutoreleasePool pool;
     performBlock_onQueue_waitUntilDone(queue, block, queue, true);
     EXPECT_EQ(alive, 1);
   }
   EXPECT_EQ(alive, 0);
+}
+
+// Tells when it dies on the thread that it is not for.
+struct Bound : Farewell {
+  Bound(std::latch& latch, std::thread::id thread, std::atomic<int>& count)
+      : Farewell(latch), sender(thread), strays(count) {}
+  Bound(const Bound&) = delete;
+  ~Bound() override {
+    if (std::this_thread::get_id() == sender) ++strays;
+  }
+  const std::thread::id sender;
+  std::atomic<int>& strays;
+};
+
+TEST(NSObjectPerforming, LeavesWhatItIsGivenToTheRequest) {
+  constexpr int each = 200;
+  constexpr int ways = 8;
+  std::latch deaths(each * ways);
+  std::atomic<int> strays = 0;
+  const LoopThread thread;
+  const auto loop = NSRunLoop::mainRunLoop();
+  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  const auto modes = NSMake<NSArray>({NSDefaultRunLoopMode()});
+  std::jthread([&] {
+    const auto bound = [&] { return NSMake<Bound>(deaths, std::this_thread::get_id(), strays); };
+    for (int k = 0; k < each; ++k) {
+      performBlockOnMainThread(queue, [held = bound()] {});
+      performBlockOnMainThread(queue, NSMakeBlock<NSObject>([held = bound()] {}));
+      performBlockOnMainThread_waitUntilDone(
+          queue, [held = bound()] {}, false);
+      performBlockOnMainThread_waitUntilDone_modes(
+          queue, [held = bound()] {}, false, modes);
+      performBlock_onThread_waitUntilDone(
+          queue, [held = bound()] {}, thread.get(), false);
+      performBlock_onQueue_waitUntilDone(
+          queue, [held = bound()] {}, queue, false);
+      performBlockInBackground(queue, [held = bound()] {});
+      enqueueNotificationInMainThread_postingStyle(
+          NSNotification::notificationWithName_object(u"Changed"_ns, bound()), NSPostNow);
+    }
+    loop->performBlock([&] { loop->stop(); });
+  }).detach();
+  loop->run();
+  deaths.wait();
+  EXPECT_EQ(strays, 0);
+}
+
+TEST(NSObjectPerformingDeathTest, KeepsNothingOfWhatIsRefused) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto run = [] {
+    int alive = 0;
+    const auto editor = NSMake<Editor>(alive);
+    const auto serial = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+    const auto concurrent = dispatch_queue_create("many", DISPATCH_QUEUE_CONCURRENT);
+    const auto edit = [held = NSMake<Counted>(alive)](Editor& target) { ++target.edits; };
+    rlimit limit{};
+    getrlimit(RLIMIT_NPROC, &limit);
+    const rlimit none{0, limit.rlim_max};
+    setrlimit(RLIMIT_NPROC, &none);
+    // The limit is not for an administrator.
+    constexpr uid_t nobody = 65534;
+    EXPECT_TRUE(geteuid() != 0 || setuid(nobody) == 0);
+    const auto refused = "Resource temporarily unavailable (in '";
+    for (const auto& queue : {serial, concurrent}) {
+      expectRaises(NSGenericException, refused + std::string("dispatch_async')"),
+                   [&] { performBlock_onQueue_waitUntilDone(editor, edit, queue, false); });
+    }
+    expectRaises(NSGenericException, refused + std::string("start')"),
+                 [&] { performBlockInBackground(editor, edit); });
+    EXPECT_EQ(alive, 2);
+    // Nor does a queue stall.
+    setrlimit(RLIMIT_NPROC, &limit);
+    for (const auto& queue : {serial, concurrent}) {
+      std::latch done(1);
+      dispatch_async(queue, [&] { done.count_down(); });
+      done.wait();
+    }
+    EXPECT_EQ(editor->edits, 0);
+    std::_Exit(testing::Test::HasFailure() ? 1 : 0);
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
 TEST(NSObjectPerforming, RefusesANullQueue) {
