@@ -33,11 +33,12 @@ NSWaiter::NSWaiter(const NSServer& server) : _server(&server) {
   const pid_t self = NSThreadNumber();
   auto& waiters = Waiters::shared();
   const std::lock_guard lock(waiters.mutex);
-  if (!leadsTo(self)) waiters.byThread.add(*this, hashOf(self));
+  _isEndless = leadsTo(self);
+  if (!_isEndless) waiters.byThread.add(*this, hashOf(self));
 }
 
 NSWaiter::~NSWaiter() {
-  if (!isEndless()) {
+  if (!_isEndless) {
     auto& waiters = Waiters::shared();
     const std::lock_guard lock(waiters.mutex);
     waiters.byThread.remove(*this);

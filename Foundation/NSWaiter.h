@@ -31,7 +31,7 @@ class NSWaiter : public NSChainLink<NSWaiter> {
 
   /// Whether nobody would ever wake it: the server is the calling thread, or waits for it, perhaps
   /// through others.
-  bool isEndless() const noexcept { return place == nullptr; }
+  bool isEndless() const noexcept { return _isEndless; }
   void wait();
   void wake() {
     _isWoken.store(true, std::memory_order_relaxed);
@@ -42,6 +42,7 @@ class NSWaiter : public NSChainLink<NSWaiter> {
   bool leadsTo(pid_t thread) const;
 
   const NSServer* const _server;
+  bool _isEndless = false;
   std::atomic<bool> _isWoken = false;
   sem_t _semaphore{};
 };
