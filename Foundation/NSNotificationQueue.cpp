@@ -56,17 +56,20 @@ bool isSame(const NSNotification& a, const NSNotification& b, std::uint32_t mask
 struct NSNotificationQueue::Core {
   explicit Core(NSRunLoop& loop) : runLoop(&loop) {}
 
-  // What throws has changed nothing.
-  Queued& add(const NSRef<NSNotification>& notification, const Hashes& hashes, Line& line) {
+  // All that may run out of memory, for `put`; until then nothing finds it.
+  Queued& make(const NSRef<NSNotification>& notification, Line& line) {
     names.makeRoom();
     senders.makeRoom();
     both.makeRoom();
     Queued& queued = line.emplace_back(notification, nextTurn++, line);
     queued.self = std::prev(line.end());
+    return queued;
+  }
+
+  void put(Queued& queued, const Hashes& hashes) {
     names.add(queued, hashes.name);
     senders.add(queued, hashes.sender);
     both.add(queued, hashes.both);
-    return queued;
   }
 
   // What goes dies with the result, when all is in order again.
@@ -77,25 +80,25 @@ struct NSNotificationQueue::Core {
     taken.splice(taken.end(), *queued.line, queued.self);
   }
 
-  // But not the one that has come in their place.
-  void removeSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask,
-                  const Queued* added = nullptr) {
-    Line removed;
-    const auto remove = [&](Queued& queued) {
-      if (&queued != added && isSame(*queued.notification, notification, mask)) {
-        take(queued, removed);
-      }
+  // Those that are the same; they die with the result.
+  Line takeSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask) {
+    Line taken;
+    const auto takeIt = [&](Queued& queued) {
+      if (isSame(*queued.notification, notification, mask)) take(queued, taken);
     };
     switch (mask & (NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender)) {
       case NSNotificationNoCoalescing:
-        return;
+        break;
       case NSNotificationCoalescingOnName:
-        return names.forEach(hashes.name, remove);
+        names.forEach(hashes.name, takeIt);
+        break;
       case NSNotificationCoalescingOnSender:
-        return senders.forEach(hashes.sender, remove);
+        senders.forEach(hashes.sender, takeIt);
+        break;
       default:
-        return both.forEach(hashes.both, remove);
+        both.forEach(hashes.both, takeIt);
     }
+    return taken;
   }
 
   // Posts what those lines hold, in the order of the turns. Whether there was anything.
@@ -157,15 +160,15 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
   const auto held = NSRef<NSNotification>::share(notification.get());
   const Hashes hashes(*held);
   if (postingStyle == NSPostNow) {
-    _core->removeSame(*held, hashes, coalesceMask);
+    _core->takeSame(*held, hashes, coalesceMask);
     NSNotificationCenter::defaultCenter()->postNotification(held);
   } else if (_core->runLoop != nullptr) {
     const bool hasModes = modes && modes->count() > 0;
     auto& groups = postingStyle == NSPostASAP ? _core->soon : _core->idle;
-    const Queued& added =
-        _core->add(held, hashes, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
+    Queued& queued = _core->make(held, groups.of(hasModes ? modes : NSDefaultRunLoopModes()));
+    const Line former = _core->takeSame(*held, hashes, coalesceMask);
+    _core->put(queued, hashes);
     _core->runLoop->signal();
-    _core->removeSame(*held, hashes, coalesceMask, &added);
   }
 }
 
@@ -174,7 +177,7 @@ void NSNotificationQueue::dequeueNotificationsMatching_coalesceMask(
   if (!notification) {
     NSRaiseNilArgument("notification", "dequeueNotificationsMatching:coalesceMask:");
   }
-  _core->removeSame(*notification, Hashes(*notification), coalesceMask);
+  _core->takeSame(*notification, Hashes(*notification), coalesceMask);
 }
 
 bool NSNotificationQueue::hasSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes) {

@@ -56,8 +56,7 @@ bool NSWorkerPool::hasPendingWork() {
   return !_pending.empty();
 }
 
-void NSWorkerPool::requireWorker(const char* operation) {
-  if (_hasWorker.load(std::memory_order_relaxed)) return;
+void NSWorkerPool::makeWorker(const char* operation) {
   const std::lock_guard lock(_mutex);
   requireWorkerLocked(operation);
 }

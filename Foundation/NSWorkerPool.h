@@ -29,7 +29,9 @@ class NSWorkerPool {
   /// `NSGenericException`, which names the operation, when the system gives no thread at all.
   void submit(NSWork work, dispatch_queue& queue, const char* operation);
   /// Raises likewise. Otherwise what is submitted later will have a thread.
-  void requireWorker(const char* operation);
+  void requireWorker(const char* operation) {
+    if (!_hasWorker.load(std::memory_order_relaxed)) makeWorker(operation);
+  }
   /// Whether work waits for a thread.
   bool hasPendingWork();
 
@@ -44,6 +46,7 @@ class NSWorkerPool {
     dispatch_queue* queue;
   };
   std::error_code addWorker();
+  void makeWorker(const char* operation);
   void requireWorkerLocked(const char* operation);
   std::error_code startWatching();
   void run(std::list<Worker>::iterator self);

@@ -17,10 +17,11 @@ class ConcurrentQueue final : public dispatch_queue {
  public:
   explicit ConcurrentQueue(const char* label) : dispatch_queue(label) {}
 
-  void submit(NSWork work) override {
-    NSWorkerPool::shared().submit(std::move(work), *this, "dispatch_async");
-  }
+  void submit(NSWork work) override { _pool.submit(std::move(work), *this, "dispatch_async"); }
   void performAndWait(NSWork work) override { work.perform(); }
+
+ private:
+  NSWorkerPool& _pool = NSWorkerPool::shared();
 };
 
 class MainQueue final : public dispatch_queue {
@@ -49,7 +50,9 @@ class SerialQueue final : public dispatch_queue {
   void drain() noexcept;
   void passOn() noexcept;
   bool takeBatch();
+  void takeBack();
 
+  NSWorkerPool& _pool = NSWorkerPool::shared();
   std::mutex _mutex;
   bool _isOwned = false;
   // The thread of the owner, when it has come.
@@ -60,20 +63,33 @@ class SerialQueue final : public dispatch_queue {
 };
 
 void SerialQueue::schedule(const char* operation) {
-  NSWorkerPool::shared().submit(NSWork([queue = share(this)] { queue.get()->drain(); }), *this,
-                                operation);
+  _pool.submit(NSWork([queue = share(this)] { queue.get()->drain(); }), *this, operation);
 }
 
 void SerialQueue::submit(NSWork work) {
   constexpr auto operation = "dispatch_async";
-  const std::lock_guard lock(_mutex);
-  if (_isOwned) {
-    NSWorkerPool::shared().requireWorker(operation);
-  } else {
-    schedule(operation);
-    _isOwned = true;
+  _pool.requireWorker(operation);
+  {
+    const std::lock_guard lock(_mutex);
+    _works.push_back(std::move(work));
+    if (std::exchange(_isOwned, true)) return;
   }
-  _works.push_back(std::move(work));
+  try {
+    schedule(operation);
+  } catch (...) {
+    takeBack();
+    throw;
+  }
+}
+
+// When there is no memory for the first work's turn. Whatever has come after it meanwhile goes on
+// with the next call.
+void SerialQueue::takeBack() {
+  std::unique_lock lock(_mutex);
+  const NSWork first = std::move(_works.front());
+  _works.pop_front();
+  _isOwned = false;
+  lock.unlock();
 }
 
 void SerialQueue::performAndWait(NSWork work) {
@@ -91,7 +107,7 @@ void SerialQueue::own() {
   if (!std::exchange(_isOwned, true)) return;
   NSWaiter waiter(_server);
   if (waiter.isEndless()) NSRaiseEndlessWait(description()->utf8(), operation);
-  NSWorkerPool::shared().requireWorker(operation);
+  _pool.requireWorker(operation);
   _works.emplace_back([this, &waiter] { _nextOwner = &waiter; });
   lock.unlock();
   waiter.wait();
@@ -128,7 +144,7 @@ void SerialQueue::drain() noexcept {
       }
     }
     // A worker does not stay while others wait for one.
-  } while (!NSWorkerPool::shared().hasPendingWork());
+  } while (!_pool.hasPendingWork());
   passOn();
 }
 
