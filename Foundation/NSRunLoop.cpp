@@ -348,19 +348,15 @@ bool NSRunLoop::runMode_beforeDate(const NSRef<NSString>& mode, const NSRef<NSDa
 void NSRunLoop::runUntilDate(const NSRef<NSDate>& limitDate) {
   requireOwnThread("runUntilDate:");
   if (!limitDate) NSRaiseNilArgument("limitDate", "runUntilDate:");
-  runUntil(limitDate);
-}
-
-void NSRunLoop::run() {
-  requireOwnThread("run");
-  runUntil(NSDate::distantFuture());
-}
-
-void NSRunLoop::runUntil(const NSRef<NSDate>& limitDate) {
   const Run run(*this);
   const Time limit = timeOf(limitDate);
   while (runOnce(run, NSDefaultRunLoopMode(), limit) && !run.isStopped() && now() < limit) {
   }
+}
+
+void NSRunLoop::run() {
+  requireOwnThread("run");
+  runUntilDate(NSDate::distantFuture());
 }
 
 void NSRunLoop::stop() {

@@ -136,7 +136,6 @@ class NS_EXPORT NSRunLoop : public NSObject {
   std::optional<Time> nextTime(const NSRef<NSString>& mode);
   std::optional<std::chrono::nanoseconds> idleTime(const NSRef<NSString>& mode);
   bool runOnce(const Run& run, const NSRef<NSString>& mode, Time limit);
-  void runUntil(const NSRef<NSDate>& limitDate);
 
   const std::unique_ptr<Core> _core;
 };

@@ -128,16 +128,16 @@ TEST(DispatchQueue, RaisesWhereAWaitWouldNeverEnd) {
   // Of two that wait for each other, one is told.
   std::latch gate(2);
   std::atomic<int> told = 0;
-  const auto waitFor = [&](const dispatch_queue_t& other) {
-    gate.arrive_and_wait();
-    try {
-      finish(other);
-    } catch (const NSException&) {
-      ++told;
-    }
-  };
-  dispatch_async(one, [&] { waitFor(two); });
-  dispatch_async(two, [&] { waitFor(one); });
+  for (const auto& [own, other] : {std::pair(one, two), std::pair(two, one)}) {
+    dispatch_async(own, [&, other = other] {
+      gate.arrive_and_wait();
+      try {
+        finish(other);
+      } catch (const NSException&) {
+        ++told;
+      }
+    });
+  }
   finish(one);
   finish(two);
   EXPECT_EQ(told, 1);

@@ -8,7 +8,6 @@
 #include <thread>
 
 #include <poll.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -443,17 +442,6 @@ TEST(NSRunLoop, RefusesWhatItCannotDo) {
   modes->addObject(NSMake<Mode>(modes));
   expectRaises(NSGenericException, "NSMutableArray was mutated while being enumerated",
                [&] { other->performInModes_block(modes, [] {}); });
-  // A system that has no more descriptors.
-  rlimit limit{};
-  getrlimit(RLIMIT_NOFILE, &limit);
-  const rlimit none{0, limit.rlim_max};
-  std::jthread([&] {
-    const auto loop = NSRunLoop::currentRunLoop();
-    setrlimit(RLIMIT_NOFILE, &none);
-    EXPECT_THROW(loop->wakeUpDescriptor(), NSException);
-    setrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_GT(loop->wakeUpDescriptor(), 0);
-  }).join();
 }
 
 TEST(NSRunLoopDeathTest, AnExceptionEndsTheProgram) {

@@ -124,29 +124,6 @@ TEST(NSObjectPerforming, RunsBlocksOnThreads) {
   }
 }
 
-TEST(NSObjectPerforming, DropsWhatNoRunLoopRuns) {
-  std::latch isReady(1);
-  std::latch mayEnd(1);
-  std::latch deaths(2);
-  std::atomic<int> edits = 0;
-  const auto edit = [&](Worker& /*target*/) { ++edits; };
-  auto worker = NSMake<Worker>(deaths);
-  const auto thread = NSMake<NSThread>([&] {
-    performBlock_afterDelay(worker, edit, 0);
-    isReady.count_down();
-    mayEnd.wait();
-  });
-  thread->start();
-  isReady.wait();
-  performBlock_onThread_waitUntilDone(
-      worker, [=, held = NSMake<Farewell>(deaths)](Worker& target) { edit(target); }, thread,
-      false);
-  worker = nullptr;
-  mayEnd.count_down();
-  deaths.wait();
-  EXPECT_EQ(edits, 0);
-}
-
 TEST(NSObjectPerforming, CallsOnTheMainThread) {
   const auto editor = NSMake<NSString>();
   bool isCalled = false;
