@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <Foundation/NSDate.h>
+#include <Foundation/NSException.h>
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSOperationQueue.h>
 #include <Foundation/NSRunLoop.h>
@@ -29,6 +30,7 @@ void enqueueNotificationName_object_postingStyle(const NSRef<NSNotificationQueue
                                                  const NSRef<NSString>& name,
                                                  const NSRef<NSObject>& object,
                                                  NSUInteger postingStyle) {
+  NSCheckArgument("enqueueNotificationName:object:postingStyle:", "queue", queue);
   queue->enqueueNotification_postingStyle(NSNotification::notificationWithName_object(name, object),
                                           postingStyle);
 }
@@ -38,6 +40,7 @@ void enqueueNotificationName_object_userInfo_postingStyle(const NSRef<NSNotifica
                                                           const NSRef<NSObject>& object,
                                                           const NSRef<NSDictionary>& userInfo,
                                                           NSUInteger postingStyle) {
+  NSCheckArgument("enqueueNotificationName:object:userInfo:postingStyle:", "queue", queue);
   queue->enqueueNotification_postingStyle(
       NSNotification::notificationWithName_object_userInfo(name, object, userInfo), postingStyle);
 }
@@ -46,6 +49,8 @@ void enqueueNotificationName_object_userInfo_postingStyle_coalesceMask_forModes(
     const NSRef<NSNotificationQueue>& queue, const NSRef<NSString>& name,
     const NSRef<NSObject>& object, const NSRef<NSDictionary>& userInfo, NSUInteger postingStyle,
     std::uint32_t coalesceMask, const NSRef<NSArray>& modes) {
+  NSCheckArgument("enqueueNotificationName:object:userInfo:postingStyle:coalesceMask:forModes:",
+                  "queue", queue);
   queue->enqueueNotification_postingStyle_coalesceMask_forModes(
       NSNotification::notificationWithName_object_userInfo(name, object, userInfo), postingStyle,
       coalesceMask, modes);
@@ -55,12 +60,13 @@ void dequeueNotificationsMatching_object_coalesceMask(const NSRef<NSNotification
                                                       const NSRef<NSString>& name,
                                                       const NSRef<NSObject>& object,
                                                       std::uint32_t coalesceMask) {
+  NSCheckArgument("dequeueNotificationsMatching:object:coalesceMask:", "queue", queue);
   queue->dequeueNotificationsMatching_coalesceMask(
       NSNotification::notificationWithName_object(name, object), coalesceMask);
 }
 
 void firePendingNotifications(const NSRef<NSNotificationQueue>& queue) {
-  if (!queue) NSRaiseNilDereference(typeid(NSNotificationQueue));
+  NSCheckArgument("firePendingNotifications", "queue", queue);
   const auto runLoop = NSRunLoop::currentRunLoop();
   const auto mode = runLoop->currentMode();
   runLoop->limitDateForMode(mode ? mode : NSDefaultRunLoopMode());

@@ -61,6 +61,7 @@ NSRef<NSBlock> ZKBlockForRequest(F&& block, bool wait) {
 /// the copy that will run, by which alone it can be cancelled; an `NSBlock` is its own copy.
 template <class Receiver, class F>
 NSRef<NSBlock> performBlock_afterDelay(const NSRef<Receiver>& receiver, F&& block, NSDelay delay) {
+  NSCheckArgument("performBlock:afterDelay:", "receiver", receiver);
   auto copy = NSMakeBlock<Receiver>(std::forward<F>(block));
   receiver->performSelector_withObject_afterDelay(ZKInvokeTargetBlockSelector(), copy, delay);
   return copy;
@@ -68,6 +69,7 @@ NSRef<NSBlock> performBlock_afterDelay(const NSRef<Receiver>& receiver, F&& bloc
 template <class Receiver, class F>
 NSRef<NSBlock> performBlock_afterDelay_inModes(const NSRef<Receiver>& receiver, F&& block,
                                                NSDelay delay, const NSRef<NSArray>& modes) {
+  NSCheckArgument("performBlock:afterDelay:inModes:", "receiver", receiver);
   auto copy = NSMakeBlock<Receiver>(std::forward<F>(block));
   receiver->performSelector_withObject_afterDelay_inModes(ZKInvokeTargetBlockSelector(), copy,
                                                           delay, modes);
@@ -100,6 +102,7 @@ void performBlockOnMainThread(const NSRef<Receiver>& receiver, F&& block) {
 /// it returns when the block has run, and on the main thread runs it at once.
 template <class Receiver, class F>
 void performBlockOnMainThread_waitUntilDone(const NSRef<Receiver>& receiver, F&& block, bool wait) {
+  NSCheckArgument("performBlockOnMainThread:waitUntilDone:", "receiver", receiver);
   receiver->performSelectorOnMainThread_withObject_waitUntilDone(
       ZKInvokeTargetBlockSelector(), ZKBlockForRequest<Receiver>(std::forward<F>(block), wait),
       wait);
@@ -107,6 +110,7 @@ void performBlockOnMainThread_waitUntilDone(const NSRef<Receiver>& receiver, F&&
 template <class Receiver, class F>
 void performBlockOnMainThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, F&& block,
                                                   bool wait, const NSRef<NSArray>& modes) {
+  NSCheckArgument("performBlockOnMainThread:waitUntilDone:modes:", "receiver", receiver);
   receiver->performSelectorOnMainThread_withObject_waitUntilDone_modes(
       ZKInvokeTargetBlockSelector(), ZKBlockForRequest<Receiver>(std::forward<F>(block), wait),
       wait, modes);
@@ -117,6 +121,7 @@ void performBlockOnMainThread_waitUntilDone_modes(const NSRef<Receiver>& receive
 template <class Receiver, class F>
 void performBlock_onThread_waitUntilDone(const NSRef<Receiver>& receiver, F&& block,
                                          const NSRef<NSThread>& thread, bool wait) {
+  NSCheckArgument("performBlock:onThread:waitUntilDone:", "receiver", receiver);
   receiver->performSelector_onThread_withObject_waitUntilDone(
       ZKInvokeTargetBlockSelector(), thread,
       ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait);
@@ -125,6 +130,7 @@ template <class Receiver, class F>
 void performBlock_onThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, F&& block,
                                                const NSRef<NSThread>& thread, bool wait,
                                                const NSRef<NSArray>& modes) {
+  NSCheckArgument("performBlock:onThread:waitUntilDone:modes:", "receiver", receiver);
   receiver->performSelector_onThread_withObject_waitUntilDone_modes(
       ZKInvokeTargetBlockSelector(), thread,
       ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait, modes);
@@ -134,6 +140,7 @@ void performBlock_onThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, 
 /// system gives none.
 template <class Receiver, class F>
 void performBlockInBackground(const NSRef<Receiver>& receiver, F&& block) {
+  NSCheckArgument("performBlockInBackground:", "receiver", receiver);
   receiver->performSelectorInBackground_withObject(
       NSMakeSelector<"ZK_invokeTargetBlockWithAutoreleasePool:",
                      &ZK_invokeTargetBlockWithAutoreleasePool>(),
@@ -149,7 +156,7 @@ void performBlockInBackground(const NSRef<Receiver>& receiver, F&& block) {
 template <class Receiver, class F>
 void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& block,
                                         const dispatch_queue_t& queue, bool wait) {
-  if (!receiver) NSRaiseNilDereference(typeid(Receiver));
+  NSCheckArgument("performBlock:onQueue:waitUntilDone:", "receiver", receiver);
   if (!queue) {
     NSException::raise(NSInvalidArgumentException,
                        "aQueue is NULL (in 'performBlock:onQueue:waitUntilDone:')");

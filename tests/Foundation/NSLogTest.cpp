@@ -12,6 +12,7 @@ namespace {
 std::vector<std::string> systemLines;
 
 TEST(NSLog, WritesOneLineToStandardErrorAndTheSystemLog) {
+  systemLines.clear();
   testing::internal::CaptureStderr();
   NSLog(u"100 %@ of %s,\nGrüße"_ns);
   NSLog(nullptr);

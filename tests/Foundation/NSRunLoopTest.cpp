@@ -69,8 +69,9 @@ TEST(NSRunLoop, MakesPassesOfWhatIsThere) {
 
 TEST(NSRunLoop, LeavesOtherModesAlone) {
   DrivenClock clock;
-  // Nobody else's, as it stays a common mode.
-  const auto modal = u"modal"_ns;
+  // Nobody else's, not even another run's, as it stays a common mode.
+  static int runs = 0;
+  const auto modal = NSString::stringWithFormat(u"modal %d"_ns, ++runs);
   const auto loop = NSRunLoop::currentRunLoop();
   const auto diary = NSMake<Diary>();
   const auto modesOf = [](const auto&... modes) { return NSMake<NSArray>({modes...}); };
