@@ -67,8 +67,8 @@ TEST(NSNumber, ConvertsWithSaturationAndWrapping) {
   EXPECT_TRUE(NSMake<NSNumber>(1.0F)->isFloatingPoint());
 }
 
-// Numbers that differ in their upper bits alone, and numbers and texts that all meet in a hash table
-// which multiplies by 2^64 over the golden ratio.
+// Numbers that differ in their upper bits alone, and numbers and texts that all meet in a hash
+// table which multiplies by 2^64 over the golden ratio.
 TEST(NSNumber, IsFoundAmongOthersThatWereChosen) {
   constexpr std::uint64_t inverse = 0xF1DE83E19937733D;
   static_assert(0x9E3779B97F4A7C15 * inverse == 1);
