@@ -180,9 +180,10 @@ void NSWorkerPool::watch() {
     if (reason.empty()) continue;
     interval = starvedInterval;
     if (std::exchange(isTold, true)) continue;
-    const std::string name = nameOf(*_pending.front().queue);
+    std::string line = nameOf(*_pending.front().queue);
+    line.append(" starves: ").append(reason);
     lock.unlock();
-    tell(name + " starves: " + reason);
+    tell(line);
     lock.lock();
   }
   _isWatched = false;
