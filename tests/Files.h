@@ -2,17 +2,13 @@
 
 #include "tests/Support.h"
 
-#include <array>
 #include <cerrno>
 #include <cstddef>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <stdexcept>
-#include <string>
-#include <string_view>
 
 #include <linux/filter.h>
 #include <linux/seccomp.h>

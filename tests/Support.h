@@ -1,17 +1,30 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <cmath>
 #include <concepts>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
 #include <thread>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
 #include <Foundation/Foundation.h>
+
+/// The rows of a table of cases; the loop over them names their columns.
+template <class... Cells>
+using Rows = std::vector<std::tuple<Cells...>>;
 
 /// Runs the action and expects an exception of this name with exactly this reason.
 template <class Action>

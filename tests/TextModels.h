@@ -2,10 +2,6 @@
 
 #include "tests/Support.h"
 
-#include <string>
-#include <string_view>
-#include <vector>
-
 // One-loop models of what the library does with characters and sets, and texts on which simple
 // mistakes show: few units, of kinds that are easily taken for each other.
 

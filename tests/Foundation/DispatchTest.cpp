@@ -1,12 +1,5 @@
 #include "tests/RunLoops.h"
 
-#include <array>
-#include <atomic>
-#include <latch>
-#include <memory>
-#include <string_view>
-#include <vector>
-
 #include <poll.h>
 #include <sys/resource.h>
 #include <unistd.h>

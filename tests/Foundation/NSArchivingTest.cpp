@@ -1,12 +1,5 @@
 #include "tests/Files.h"
 
-#include <array>
-#include <cmath>
-#include <cstdlib>
-#include <functional>
-#include <limits>
-#include <string>
-
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace std::string_view_literals;

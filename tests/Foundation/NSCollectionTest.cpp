@@ -1,9 +1,7 @@
 #include "tests/Support.h"
 
-#include <functional>
 #include <map>
 #include <set>
-#include <utility>
 
 namespace {
 
@@ -11,12 +9,7 @@ NSRef<NSNumber> number(int value) { return NSMake<NSNumber>(value); }
 
 TEST(NSArray, RaisesForWhatDoesNotFitAndChangesNothing) {
   const auto array = NSMake<NSMutableArray>({u"a"_ns, u"b"_ns});
-  struct Row {
-    std::u16string_view name;
-    const char* reason;
-    std::function<void()> action;
-  };
-  const std::vector<Row> rows = {
+  const Rows<std::u16string_view, const char*, std::function<void()>> rows = {
       {NSRangeException, "index 2 beyond bounds [0, 2) (in 'objectAtIndex:')",
        [&] { (void)array->objectAtIndex(2); }},
       {NSRangeException, "index 3 beyond bounds [0, 2) (in 'insertObject:atIndex:')",
@@ -42,7 +35,7 @@ TEST(NSArray, RaisesForWhatDoesNotFitAndChangesNothing) {
       {NSInvalidArgumentException, "anObject is nil (in 'addObject:')",
        [] { NSMake<NSMutableSet>()->addObject(nullptr); }},
   };
-  for (const auto& row : rows) expectRaises(row.name, row.reason, row.action);
+  for (const auto& [name, reason, action] : rows) expectRaises(name, reason, action);
   EXPECT_TRUE(array->description() == u"(a, b)");
 }
 

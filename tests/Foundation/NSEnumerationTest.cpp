@@ -1,7 +1,5 @@
 #include "tests/Support.h"
 
-#include <functional>
-
 namespace {
 
 NSRef<NSNumber> number(int value) { return NSMake<NSNumber>(value); }

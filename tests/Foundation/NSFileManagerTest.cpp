@@ -1,9 +1,5 @@
 #include "tests/Files.h"
 
-#include <array>
-#include <cerrno>
-#include <vector>
-
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;

@@ -1,9 +1,5 @@
 #include "tests/Files.h"
 
-#include <array>
-#include <atomic>
-#include <memory>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 

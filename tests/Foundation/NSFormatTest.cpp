@@ -1,10 +1,6 @@
 #include "tests/Support.h"
 
-#include <array>
-#include <cmath>
 #include <cstdio>
-#include <limits>
-#include <string>
 
 namespace {
 

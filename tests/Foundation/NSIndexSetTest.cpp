@@ -1,7 +1,5 @@
 #include "tests/Support.h"
 
-#include <algorithm>
-#include <array>
 #include <iterator>
 #include <set>
 

@@ -1,7 +1,6 @@
 #include "tests/Support.h"
 
-#include <array>
-#include <string>
+#include <sstream>
 
 namespace {
 
@@ -12,11 +11,8 @@ NSRef<NSLocale> locale(const char* text) {
 }
 
 TEST(NSLocaleNames, SplitsIdentifiers) {
-  struct Row {
-    const char* identifier;
-    std::array<const char*, 4> parts;  // Language, script, country, variant.
-  };
-  for (const auto& [identifier, parts] : std::to_array<Row>({
+  // Language, script, country, variant.
+  for (const auto& [identifier, parts] : Rows<const char*, std::array<const char*, 4>>{
            {"de_CH", {"de", "nil", "CH", "nil"}},
            {"zh-Hant-TW", {"zh", "Hant", "TW", "nil"}},
            {"es_419", {"es", "nil", "419", "nil"}},
@@ -34,7 +30,7 @@ TEST(NSLocaleNames, SplitsIdentifiers) {
            {"ü_CH", {"ü", "nil", "CH", "nil"}},
            {"-", {"nil", "nil", "nil", "nil"}},
            {"", {"nil", "nil", "nil", "nil"}},
-       })) {
+       }) {
     const auto components = NSLocale::componentsFromLocaleIdentifier(string(identifier));
     const std::array<NSRef<NSString>, 4> keys = {NSLocaleLanguageCode(), NSLocaleScriptCode(),
                                                  NSLocaleCountryCode(), NSLocaleVariantCode()};
@@ -46,50 +42,35 @@ TEST(NSLocaleNames, SplitsIdentifiers) {
 }
 
 TEST(NSLocaleNames, NamesTheLanguageAlone) {
-  struct Row {
-    const char* identifier;
-    const char* language;
+  const auto languageOf = [](const NSRef<NSString>& identifier) {
+    return shown(NSLocale::canonicalLanguageIdentifierFromString(identifier));
   };
-  for (const auto& [identifier, language] : std::to_array<Row>({
-           {"de_CH", "de"},
-           {"pt_BR", "pt"},
-           {"de_Latn_DE", "de"},
-           {"de_Cyrl", "de-Cyrl"},
-           {"zh_TW", "zh-Hant"},
-           {"zh_Hant_HK", "zh-Hant"},
-           {"zh_CN", "zh"},
-           {"zh_Hans_CN", "zh-Hans"},
-           {"sr_RS", "sr"},
-           {"sr_ME", "sr-Latn"},
-           {"sr_Latn_RS", "sr-Latn"},
-           {"iw_IL", "he"},
-           {"DE-ch", "de"},
-           {"deu_DE", "de"},
-           {"en_US_POSIX", "en"},
-           {"_CH", "und"},
-           {"x_zb---e", "und"},
-           {"root_cren_US", "und"},
-           {"root_US", "und"},
-           {"de_CH@x=", "de"},
-           {"abcdefghijkl", "und"},
-           {"de@x=_CH", "de"},
-           {"", "nil"},
-           {"a b", "nil"},
-       })) {
-    EXPECT_EQ(shown(NSLocale::canonicalLanguageIdentifierFromString(string(identifier))), language)
-        << identifier;
+  for (const auto& [language, identifiers] : Rows<const char*, const char*>{
+           {"de", "de_CH de_Latn_DE DE-ch deu_DE de_CH@x= de@x=_CH"},
+           {"pt", "pt_BR"},
+           {"de-Cyrl", "de_Cyrl"},
+           {"zh-Hant", "zh_TW zh_Hant_HK"},
+           {"zh", "zh_CN"},
+           {"zh-Hans", "zh_Hans_CN"},
+           {"sr", "sr_RS"},
+           {"sr-Latn", "sr_ME sr_Latn_RS"},
+           {"he", "iw_IL"},
+           {"en", "en_US_POSIX"},
+           {"und", "_CH x_zb---e root_cren_US root_US abcdefghijkl"},
+       }) {
+    std::istringstream list(identifiers);
+    for (std::string identifier; list >> identifier;) {
+      EXPECT_EQ(languageOf(NSMake<NSString>(identifier)), language) << identifier;
+    }
   }
-  EXPECT_FALSE(NSLocale::canonicalLanguageIdentifierFromString(nullptr));
+  for (const auto& none : {u""_ns, u"a b"_ns, NSRef<NSString>()}) {
+    EXPECT_EQ(languageOf(none), "nil");
+  }
 }
 
 TEST(NSLocaleNames, NamesForPeople) {
-  struct Row {
-    const char* user;
-    NSRef<NSString> key;
-    const char* value;
-    const char* name;
-  };
-  for (const Row& row : std::to_array<Row>({
+  for (const auto& [user, key, value, name] :
+       Rows<const char*, NSRef<NSString>, const char*, const char*>{
            {"en", NSLocaleIdentifier(), "de_CH", "German (Switzerland)"},
            {"en_US_POSIX", NSLocaleIdentifier(), "pt-BR", "Portuguese (Brazil)"},
            {"de", NSLocaleIdentifier(), "de_CH", "Deutsch (Schweiz)"},
@@ -108,9 +89,8 @@ TEST(NSLocaleNames, NamesForPeople) {
            {"en", string("no key"), "de", "nil"},
            {"en", NSLocaleIdentifier(), "", "nil"},
            {"en", NSLocaleIdentifier(), "a b", "nil"},
-       })) {
-    EXPECT_EQ(shown(locale(row.user)->displayNameForKey_value(row.key, string(row.value))),
-              row.name);
+       }) {
+    EXPECT_EQ(shown(locale(user)->displayNameForKey_value(key, string(value))), name);
   }
   EXPECT_FALSE(locale("en")->displayNameForKey_value(NSLocaleIdentifier(), nullptr));
   const std::string longest = "en_US@" + std::string(144, 'x');

@@ -1,10 +1,8 @@
 #include "tests/Support.h"
 
-#include <array>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <string>
 
 #include <unistd.h>
 
@@ -58,12 +56,7 @@ TEST(NSStringsTable, ReadsEntries) {
 }
 
 TEST(NSStringsTable, KeepsWhatCanBeReadOfABrokenTable) {
-  struct Row {
-    const char16_t* text;
-    Entries entries;
-    const char* fault;
-  };
-  for (const auto& [text, entries, fault] : std::to_array<Row>({
+  for (const auto& [text, entries, fault] : Rows<const char16_t*, Entries, const char*>{
            {u"a = b;\nc = ;\nd = e;\n f g;\nh;",
             {{"a", "b"}, {"d", "e"}, {"h", "h"}},
             "line 2: text expected"},
@@ -75,7 +68,7 @@ TEST(NSStringsTable, KeepsWhatCanBeReadOfABrokenTable) {
            {u"a = \"b\\", {}, "line 1: the text has no end"},
            {u"a", {}, "line 1: \";\" expected"},
            {u"{ a = b; }\nc = d;", {{"c", "d"}}, "line 1: text expected"},
-       })) {
+       }) {
     const Log log;
     EXPECT_EQ(entriesOf(text), entries);
     EXPECT_EQ(log.lines,

@@ -1,7 +1,5 @@
 #include "tests/RunLoops.h"
 
-#include <algorithm>
-#include <atomic>
 #include <deque>
 
 #include <ZKFoundation/ZKFoundation.h>

@@ -1,11 +1,6 @@
 #include "tests/Support.h"
 
-#include <array>
 #include <charconv>
-#include <cmath>
-#include <limits>
-#include <memory>
-#include <string>
 
 #include <unicode/uloc.h>
 #include <unicode/unumberformatter.h>
@@ -109,11 +104,7 @@ TEST(NSNumberFormatter, FollowsItsSettings) {
 
   formatter->setNumberStyle(NSNumberFormatterDecimalStyle);
   formatter->setMaximumFractionDigits(0);
-  struct Row {
-    NSNumberFormatterRoundingMode mode;
-    std::array<const char*, 4> texts;
-  };
-  for (const auto& [mode, texts] : std::to_array<Row>({
+  for (const auto& [mode, texts] : Rows<NSNumberFormatterRoundingMode, std::array<const char*, 4>>{
            {NSNumberFormatterRoundCeiling, {"3", "-2", "3", "3"}},
            {NSNumberFormatterRoundFloor, {"2", "-3", "2", "2"}},
            {NSNumberFormatterRoundDown, {"2", "-2", "2", "2"}},
@@ -121,7 +112,7 @@ TEST(NSNumberFormatter, FollowsItsSettings) {
            {NSNumberFormatterRoundHalfEven, {"2", "-2", "2", "3"}},
            {NSNumberFormatterRoundHalfDown, {"2", "-2", "2", "3"}},
            {NSNumberFormatterRoundHalfUp, {"3", "-3", "2", "3"}},
-       })) {
+       }) {
     formatter->setRoundingMode(mode);
     EXPECT_EQ(text(formatter, 2.5), texts[0]) << mode;
     EXPECT_EQ(text(formatter, -2.5), texts[1]) << mode;
@@ -237,11 +228,7 @@ TEST(NSNumberFormatter, RefusesSettingsThatMakeNoSense) {
         NSKeyedArchiver::archivedDataWithRootObject(settings));
   };
   EXPECT_EQ(read(u"numberStyle"_ns, NSMake<NSNumber>(1))->maximumFractionDigits(), 3);
-  struct Row {
-    const char* key;
-    NSRef<NSObject> value;
-  };
-  for (const Row& row : std::to_array<Row>({
+  for (const auto& [key, value] : Rows<const char*, NSRef<NSObject>>{
            {"numberStyle", NSMake<NSNumber>(9)},
            {"numberStyle", NSMake<NSNumber>(-1)},
            {"maximumFractionDigits", NSMake<NSNumber>(1.5)},
@@ -249,10 +236,10 @@ TEST(NSNumberFormatter, RefusesSettingsThatMakeNoSense) {
            {"roundingMode", u"up"_ns},
            {"roundingIncrement", u"up"_ns},
            {"locale", NSMake<NSNumber>(1)},
-       })) {
+       }) {
     expectRaises(NSInvalidUnarchiveOperationException,
-                 std::string("the number formatter's ").append(row.key).append(" cannot be read"),
-                 [&] { read(NSMake<NSString>(row.key), row.value); });
+                 std::string("the number formatter's ").append(key).append(" cannot be read"),
+                 [&, key = key, value = value] { read(NSMake<NSString>(key), value); });
   }
 }
 
@@ -270,12 +257,9 @@ TEST(NSLocale, IsNamedByAnIdentifier) {
 
 // The environment is read in a process of its own, where nobody reads it at the same time.
 TEST(NSLocale, ComesFromTheEnvironment) {
-  struct Row {
-    std::array<const char*, 4> environment;  // LANGUAGE, LC_ALL, LC_MESSAGES, LANG.
-    const char* identifier;
-    const char* languages;
-  };
-  for (const Row& row : std::to_array<Row>({
+  // LANGUAGE, LC_ALL, LC_MESSAGES, LANG.
+  for (const auto& [environment, identifier, languages] :
+       Rows<std::array<const char*, 4>, const char*, const char*>{
            {{"", "", "", ""}, "en_US_POSIX", "en"},
            {{"de", "C.UTF-8", "", "fr_FR"}, "en_US_POSIX", "en"},
            {{"", "", "", "de_CH.UTF-8"}, "de_CH", "de-CH"},
@@ -283,19 +267,19 @@ TEST(NSLocale, ComesFromTheEnvironment) {
            {{"gsw_CH:de::../x:fr", "it_CH@euro", "fr_CH", ""}, "it_CH", "gsw-CH, de, fr, it-CH"},
            {{"", "sr_RS.UTF-8@latin", "", ""}, "sr_Latn_RS", "sr-Latn-RS"},
            {{"", "d e", "", ""}, "en_US_POSIX", "en"},
-       })) {
-    const auto check = [&] {
+       }) {
+    const auto check = [values = environment] {
       const std::array names = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};
-      for (std::size_t k = 0; k < names.size(); ++k) ::setenv(names[k], row.environment[k], 1);
+      for (std::size_t k = 0; k < names.size(); ++k) ::setenv(names[k], values[k], 1);
       NSLocale::setCurrentLocale(nullptr);
       NSLocale::setPreferredLanguages(nullptr);
       std::cerr << NSLocale::currentLocale()->localeIdentifier() << ": "
                 << NSLocale::preferredLanguages()->componentsJoinedByString(u", "_ns);
       std::_Exit(0);
     };
-    std::string expected = row.identifier;
+    std::string expected = identifier;
     EXPECT_EXIT(check(), testing::ExitedWithCode(0),
-                expected.append(": ").append(row.languages).append("$"));
+                expected.append(": ").append(languages).append("$"));
   }
 }
 

@@ -1,8 +1,5 @@
 #include "tests/Support.h"
 
-#include <cmath>
-#include <limits>
-
 namespace {
 
 constexpr auto int64Min = std::numeric_limits<std::int64_t>::min();

@@ -1,6 +1,5 @@
 #include "tests/Support.h"
 
-#include <atomic>
 #include <unordered_set>
 
 namespace {

@@ -1,11 +1,6 @@
 #include "tests/RunLoops.h"
 
-#include <algorithm>
-#include <atomic>
-#include <functional>
-#include <memory>
 #include <optional>
-#include <thread>
 
 #include <poll.h>
 

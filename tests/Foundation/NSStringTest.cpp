@@ -20,11 +20,7 @@ TEST(NSString, ConvertsFromAndToStandardStrings) {
 
 TEST(NSString, RaisesPastItsEndAndChangesNothing) {
   const auto string = NSMake<NSMutableString>(u"abc");
-  struct Row {
-    const char* reason;
-    std::function<void()> action;
-  };
-  const std::vector<Row> rows = {
+  const Rows<const char*, std::function<void()>> rows = {
       {"index 3 beyond bounds [0, 3) (in 'characterAtIndex:')",
        [&] { (void)string->characterAtIndex(3); }},
       {"index 4 beyond bounds [0, 3) (in 'substringFromIndex:')",
@@ -32,21 +28,15 @@ TEST(NSString, RaisesPastItsEndAndChangesNothing) {
       {"index 4 beyond bounds [0, 3) (in 'substringToIndex:')",
        [&] { (void)string->substringToIndex(4); }},
       {"range {2, 2} beyond bounds [0, 3) (in 'substringWithRange:')",
-       [&] {
-         (void)string->substringWithRange({2, 2});
-       }},
+       [&] { (void)string->substringWithRange(NSRange(2, 2)); }},
       {"range {1, 18446744073709551615} beyond bounds [0, 3) (in 'deleteCharactersInRange:')",
-       [&] {
-         string->deleteCharactersInRange({1, NSUIntegerMax});
-       }},
+       [&] { string->deleteCharactersInRange(NSRange(1, NSUIntegerMax)); }},
       {"range {4, 0} beyond bounds [0, 3) (in 'replaceCharactersInRange:withString:')",
-       [&] {
-         string->replaceCharactersInRange_withString({4, 0}, nullptr);
-       }},
+       [&] { string->replaceCharactersInRange_withString(NSRange(4, 0), nullptr); }},
       {"index 4 beyond bounds [0, 3) (in 'insertString:atIndex:')",
        [&] { string->insertString_atIndex(u"x"_ns, 4); }},
   };
-  for (const auto& row : rows) expectRaises(NSRangeException, row.reason, row.action);
+  for (const auto& [reason, action] : rows) expectRaises(NSRangeException, reason, action);
   EXPECT_TRUE(string == u"abc");
   EXPECT_TRUE(string->substringFromIndex(3) == u"");
 }
@@ -96,14 +86,8 @@ TEST(NSString, FindsInTextsThatAlmostMatchEverywhere) {
 }
 
 TEST(NSString, ComparesByTheOptions) {
-  struct Row {
-    const char16_t* a;
-    const char16_t* b;
-    NSUInteger options;
-    NSComparisonResult expected;
-  };
   const NSUInteger folds = NSCaseInsensitiveSearch;
-  const std::vector<Row> rows = {
+  const Rows<const char16_t*, const char16_t*, NSUInteger, NSComparisonResult> rows = {
       {u"a", u"b", 0, NSOrderedAscending},
       {u"a", u"B", 0, NSOrderedDescending},
       {u"a", u"B", folds, NSOrderedAscending},

@@ -1,7 +1,5 @@
 #include "tests/RunLoops.h"
 
-#include <array>
-
 #include <pthread.h>
 
 namespace {
@@ -79,23 +77,20 @@ TEST(NSThread, KnowsItself) {
 }
 
 TEST(NSThread, ShowsItsName) {
-  struct Row {
-    NSRef<NSString> name;
-    std::string shown;
-  };
-  for (const Row& row : {Row{u"reader"_ns, "reader"},
-                         {u"a thread of many words"_ns, "a thread of man"},
-                         {u"12345678901234ä"_ns, "12345678901234"}}) {
+  for (const auto& [name, expected] :
+       Rows<NSRef<NSString>, std::string>{{u"reader"_ns, "reader"},
+                                          {u"a thread of many words"_ns, "a thread of man"},
+                                          {u"12345678901234ä"_ns, "12345678901234"}}) {
     std::array<char, 16> shown{};
     std::latch done(1);
     const auto thread = NSMake<NSThread>([&] {
       pthread_getname_np(pthread_self(), shown.data(), shown.size());
       done.count_down();
     });
-    thread->setName(row.name);
+    thread->setName(name);
     thread->start();
     done.wait();
-    EXPECT_EQ(shown.data(), row.shown);
+    EXPECT_EQ(shown.data(), expected);
   }
 }
 

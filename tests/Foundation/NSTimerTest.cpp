@@ -1,7 +1,5 @@
 #include "tests/RunLoops.h"
 
-#include <cmath>
-
 namespace {
 
 using namespace std::chrono_literals;
@@ -115,27 +113,24 @@ TEST(NSTimer, RefusesWhatItCannotDo) {
 }
 
 TEST(NSDelay, TakesSecondsAndDurations) {
-  struct Row {
-    NSDelay delay;
-    std::chrono::nanoseconds expected;
-  };
   const auto longest = NSDelay::longest;
-  for (const Row& row : {Row{0, 0ns},
-                         {1.5, 1500ms},
-                         {1e-10, 1ns},
-                         {-1, 0ns},
-                         {-0.0, 0ns},
-                         {std::nan(""), 0ns},
-                         {HUGE_VAL, longest},
-                         {-HUGE_VAL, 0ns},
-                         {1e300, longest},
-                         {250ms, 250ms},
-                         {-5s, 0ns},
-                         {123'456'789'012'345'678ns, 123'456'789'012'345'678ns},
-                         {std::chrono::hours(24 * 365 * 1000), longest},
-                         {std::chrono::nanoseconds::max(), longest},
-                         {std::chrono::duration<double, std::milli>(0.25), 250us}}) {
-    EXPECT_EQ(row.delay.duration(), row.expected);
+  for (const auto& [delay, expected] : Rows<NSDelay, std::chrono::nanoseconds>{
+           {0, 0ns},
+           {1.5, 1500ms},
+           {1e-10, 1ns},
+           {-1, 0ns},
+           {-0.0, 0ns},
+           {std::nan(""), 0ns},
+           {HUGE_VAL, longest},
+           {-HUGE_VAL, 0ns},
+           {1e300, longest},
+           {250ms, 250ms},
+           {-5s, 0ns},
+           {123'456'789'012'345'678ns, 123'456'789'012'345'678ns},
+           {std::chrono::hours(24 * 365 * 1000), longest},
+           {std::chrono::nanoseconds::max(), longest},
+           {std::chrono::duration<double, std::milli>(0.25), 250us}}) {
+    EXPECT_EQ(delay.duration(), expected);
   }
 }
 

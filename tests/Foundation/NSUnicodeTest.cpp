@@ -1,6 +1,9 @@
 #include "tests/Support.h"
 #include "tests/VectorTargets.h"
 
+#include <iterator>
+#include <sstream>
+
 #include <unicode/ustring.h>
 
 namespace {
@@ -29,39 +32,15 @@ std::string encodedByICU(const std::u16string& units) {
 }
 
 // Pieces that meet at every border: of the forms, of the ranges that are left out, and of blocks.
-const std::vector<std::string> utf8Pieces = {
-    "a",
-    "0123456789ABCDEF",
-    "\x7F",
-    "\x80",
-    "\xBF",
-    "\xC0\xAF",
-    "\xC2",
-    "\xC2\x80",
-    "\xDF\xBF",
-    "\xE0",
-    "\xE0\x9F\xBF",
-    "\xE0\xA0\x80",
-    "\xE2\x82",
-    "\xED\x9F\xBF",
-    "\xED\xA0\x80",
-    "\xEF\xBF\xBD",
-    "\xF0\x8F",
-    "\xF0\x90\x80\x80",
-    "\xC1\xBF",
-    "\xED\xB0\x80",
-    "\xED\xBF\xBF",
-    "\xF0\x9F\x98\x80",
-    "\xF4\x8F\xBF\xBF",
-    "\xF4\x90\x80\x80",
-    "\xF0\x8F\xBF\xBF",
-    "\xF0\x9F",
-    "\xF1\x80\x80",
-    "\xF4\x8F\xBF",
-    "\xF4\x90\x80",
-    "\xF5",
-    "\xFF",
-};
+const std::vector<std::string> utf8Pieces = [] {
+  std::istringstream list(
+      "a 0123456789ABCDEF \x7F \x80 \xBF \xC0\xAF \xC2 \xC2\x80 \xDF\xBF \xE0 \xE0\x9F\xBF "
+      "\xE0\xA0\x80 \xE2\x82 \xED\x9F\xBF \xED\xA0\x80 \xEF\xBF\xBD \xF0\x8F "
+      "\xF0\x90\x80\x80 \xC1\xBF \xED\xB0\x80 \xED\xBF\xBF \xF0\x9F\x98\x80 "
+      "\xF4\x8F\xBF\xBF \xF4\x90\x80\x80 \xF0\x8F\xBF\xBF \xF0\x9F \xF1\x80\x80 "
+      "\xF4\x8F\xBF \xF4\x90\x80 \xF5 \xFF");
+  return std::vector<std::string>(std::istream_iterator<std::string>(list), {});
+}();
 
 // Long runs of one kind with something else inside reach every path of the vector code.
 rc::Gen<std::string> utf8Texts() {

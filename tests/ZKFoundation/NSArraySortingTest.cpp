@@ -2,7 +2,6 @@
 
 #include <compare>
 #include <deque>
-#include <memory>
 #include <span>
 
 #include <ZKFoundation/ZKFoundation.h>
@@ -137,23 +136,16 @@ TEST(NSArraySorting, FindsEveryVeryObjectInEverySortedArray) {
 }
 
 TEST(NSArraySorting, GivesThePlacesThatAreTold) {
-  struct Row {
-    std::vector<int> keys;
-    int key;
-    NSUInteger place;
-  };
-  const std::vector<Row> rows = {
-      {{}, 1, 0},
-      {{1, 3, 5}, 4, 2},
-      {{1, 3, 5}, 0, 0},
-      {{1, 3, 5}, 6, 3},
-      {{1, 1, 1, 1, 1}, 1, 4},
-      {{0, 1, 1, 1, 2}, 1, 2},
-      {{1, 1}, 1, 1},
-      {{1, 1, 1}, 1, 2},
-      {std::vector<int>(7, 1), 1, 4},
-      {std::vector<int>(8, 1), 1, 4},
-  };
+  const Rows<std::vector<int>, int, NSUInteger> rows = {{{}, 1, 0},
+                                                        {{1, 3, 5}, 4, 2},
+                                                        {{1, 3, 5}, 0, 0},
+                                                        {{1, 3, 5}, 6, 3},
+                                                        {{1, 1, 1, 1, 1}, 1, 4},
+                                                        {{0, 1, 1, 1, 2}, 1, 2},
+                                                        {{1, 1}, 1, 1},
+                                                        {{1, 1, 1}, 1, 2},
+                                                        {std::vector<int>(7, 1), 1, 4},
+                                                        {std::vector<int>(8, 1), 1, 4}};
   for (const auto& [keys, key, place] : rows) {
     EXPECT_EQ(indexWhereObjectWouldBelong_inArraySortedUsingSelector(
                   cards(keys), NSMake<Card>(alive, key), &Card::order),

@@ -1,13 +1,8 @@
 #include "tests/Support.h"
 #include "tests/ZKFoundation/BezierModel.h"
 
-#include <algorithm>
-#include <array>
 #include <bit>
-#include <cmath>
-#include <limits>
 #include <random>
-#include <string>
 
 #include <ZKFoundation/ZKFoundation.h>
 

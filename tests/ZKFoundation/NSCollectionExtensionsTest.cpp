@@ -1,7 +1,5 @@
 #include "tests/Support.h"
 
-#include <utility>
-
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
@@ -164,16 +162,12 @@ TEST(NSArrayExtensions, InsertsTheElementsOfAnArray) {
 
 TEST(NSIndexSetExtensions, GivesThePartInARange) {
   const auto set = NSMake<NSIndexSet>({1, 2, 3, 6, 9, 10});
-  struct Row {
-    NSRange range;
-    std::u16string_view part;
-  };
-  const std::vector<Row> rows = {{{2, 8}, u"(2-3 6 9)"},
-                                 {{4, 2}, u"()"},
-                                 {{0, 0}, u"()"},
-                                 {{10, NSUIntegerMax}, u"(10)"},
-                                 {{3, NSUIntegerMax}, u"(3 6 9-10)"},
-                                 {{11, 5}, u"()"}};
+  const Rows<NSRange, std::u16string_view> rows = {{{2, 8}, u"(2-3 6 9)"},
+                                                   {{4, 2}, u"()"},
+                                                   {{0, 0}, u"()"},
+                                                   {{10, NSUIntegerMax}, u"(10)"},
+                                                   {{3, NSUIntegerMax}, u"(3 6 9-10)"},
+                                                   {{11, 5}, u"()"}};
   for (const auto& [range, part] : rows) {
     EXPECT_TRUE(indexesInRange(set, range)->description() == part) << range;
   }

@@ -1,7 +1,5 @@
 #include "tests/Files.h"
 
-#include <cerrno>
-
 #include <ZKFoundation/ZKFoundation.h>
 
 namespace fs = std::filesystem;
@@ -67,12 +65,7 @@ TEST(NSErrorExtensions, RecogniseFilesThatAreNotThere) {
 }
 
 TEST(NSURLExtensions, StripTheSecurityScope) {
-  struct Row {
-    NSRef<NSString> url;
-    bool isScoped;
-    const char* stripped;
-  };
-  for (const auto& [text, isScoped, stripped] : std::to_array<Row>({
+  for (const auto& [text, isScoped, stripped] : Rows<NSRef<NSString>, bool, const char*>{
            {u"file:///no/b?applesecurityscope=abc#f"_ns, true, "file:///no/b"},
            {u"file:///no/b?x=1&applesecurityscope="_ns, true, "file:///no/b"},
            {u"file:///no/b?x=1"_ns, false, "file:///no/b?x=1"},
@@ -84,7 +77,7 @@ TEST(NSURLExtensions, StripTheSecurityScope) {
            {u"http://h"_ns, true, "nil"},
            {u"mailto:a"_ns, true, "nil"},
            {u"http://h?"_ns, false, "http://h?"},
-       })) {
+       }) {
     const auto url = NSURL::URLWithString(text);
     EXPECT_EQ(isSecurityScoped(url), isScoped) << text;
     EXPECT_EQ(shown(strippedSecurityScopedURL(url)), stripped) << text;

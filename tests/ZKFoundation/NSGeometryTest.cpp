@@ -1,10 +1,6 @@
 #include "tests/Support.h"
 
-#include <cmath>
-#include <limits>
 #include <span>
-#include <utility>
-#include <vector>
 
 #include <dlfcn.h>
 
@@ -114,22 +110,18 @@ TEST(NSGeometry, FindsTheNearestPointOfASegment) {
 }
 
 TEST(NSGeometry, ComparesWithATolerance) {
-  struct Row {
-    double dx, dy, tolerance;
-    bool isSimilar;
-  };
-  for (const Row& row : {Row{0, 0, 0, true},
-                         {0.5, -0.5, 0.5, true},
-                         {0.5, 0.75, 0.5, false},
-                         {-0.75, 0.5, 0.5, false},
-                         {nan, 0, 0, true},
-                         {0, 1, nan, true}}) {
-    const NSPoint b = {1 + row.dx, 2 + row.dy};
-    EXPECT_EQ(ZKAreSimilarPoints({1, 2}, b, row.tolerance), row.isSimilar);
-    EXPECT_EQ(ZKAreSimilarSizes({1, 2}, {b.x, b.y}, row.tolerance), row.isSimilar);
-    EXPECT_EQ(ZKAreSimilarRects({{1, 2}, {5, 6}}, {b, {5, 6}}, row.tolerance), row.isSimilar);
-    EXPECT_EQ(ZKAreSimilarRects({{5, 6}, {1, 2}}, {{5, 6}, {b.x, b.y}}, row.tolerance),
-              row.isSimilar);
+  for (const auto& [dx, dy, tolerance, isSimilar] :
+       Rows<double, double, double, bool>{{0, 0, 0, true},
+                                          {0.5, -0.5, 0.5, true},
+                                          {0.5, 0.75, 0.5, false},
+                                          {-0.75, 0.5, 0.5, false},
+                                          {nan, 0, 0, true},
+                                          {0, 1, nan, true}}) {
+    const NSPoint b = {1 + dx, 2 + dy};
+    EXPECT_EQ(ZKAreSimilarPoints({1, 2}, b, tolerance), isSimilar);
+    EXPECT_EQ(ZKAreSimilarSizes({1, 2}, {b.x, b.y}, tolerance), isSimilar);
+    EXPECT_EQ(ZKAreSimilarRects({{1, 2}, {5, 6}}, {b, {5, 6}}, tolerance), isSimilar);
+    EXPECT_EQ(ZKAreSimilarRects({{5, 6}, {1, 2}}, {{5, 6}, {b.x, b.y}}, tolerance), isSimilar);
   }
 }
 
@@ -193,17 +185,10 @@ TEST(NSRect, NamesNineHandles) {
 }
 
 TEST(NSRect, DragsHandlesByTheTable) {
-  struct Row {
-    NSUInteger handle;
-    NSRect rect;
-    NSPoint to;
-    NSRect moved;
-    NSUInteger result;
-  };
   const NSRect wide = {{0, 0}, {20, 10}};
   const NSRect high = {{0, 0}, {10, 20}};
   const NSRect square = {{0, 0}, {10, 10}};
-  const std::vector<Row> rows = {
+  const Rows<NSUInteger, NSRect, NSPoint, NSRect, NSUInteger> rows = {
       // The min-y edge keeps its name, and is put in order only where max-x exceeds max-y.
       {0, high, {5, 5}, {{0, 5}, {10, 15}}, 0},
       {0, high, {5, 25}, {{0, 25}, {10, -5}}, 0},
@@ -249,11 +234,10 @@ TEST(NSRect, DragsHandlesByTheTable) {
   NSRect uneven = {{0.1, 0.1}, {0.2, 0.2}};
   ZKMovePointTo(&uneven, ZKHandleMaxXMaxY, {0.7, 0.9});
   EXPECT_EQ(uneven.size.width, 0.2 + (0.7 - (0.1 + 0.2)));
-  for (const Row& row : rows) {
-    NSRect rect = row.rect;
-    EXPECT_EQ(ZKMovePointTo(&rect, row.handle, row.to), row.result)
-        << row.handle << " to " << row.to;
-    EXPECT_EQ(rect, row.moved) << row.handle << " to " << row.to;
+  for (const auto& [handle, before, to, moved, result] : rows) {
+    NSRect rect = before;
+    EXPECT_EQ(ZKMovePointTo(&rect, handle, to), result) << handle << " to " << to;
+    EXPECT_EQ(rect, moved) << handle << " to " << to;
   }
 }
 
@@ -286,21 +270,16 @@ TEST(NSRect, IsAlignedAndScaled) {
   for (NSUInteger code = 0; code < origins.size(); ++code) {
     EXPECT_EQ(ZKAlignRectangles(code, a, b), origins[code]);
   }
-  struct Row {
-    NSUInteger mode;
-    NSSize size;
-    NSRect scaled;
-  };
-  for (const Row& row : {Row{0, {4, 2}, {{10, 20}, {4, 2}}},
-                         {0, {20, 10}, {{10, 20}, {10, 5}}},
-                         {0, {5, 20}, {{10, 20}, {2.5, 10}}},
-                         {0, {10, 10}, {{10, 20}, {10, 10}}},
-                         {1, {4, 2}, {{10, 20}, {10, 5}}},
-                         {1, {40, 80}, {{10, 20}, {5, 10}}},
-                         {2, {4, 2}, b},
-                         {99, {40, 2}, b}}) {
-    EXPECT_EQ(ZKScaleRectToFitInRect(row.mode, ZKAlignBottomLeft, {{3, 3}, row.size}, b),
-              row.scaled);
+  for (const auto& [mode, size, scaled] :
+       Rows<NSUInteger, NSSize, NSRect>{{0, {4, 2}, {{10, 20}, {4, 2}}},
+                                        {0, {20, 10}, {{10, 20}, {10, 5}}},
+                                        {0, {5, 20}, {{10, 20}, {2.5, 10}}},
+                                        {0, {10, 10}, {{10, 20}, {10, 10}}},
+                                        {1, {4, 2}, {{10, 20}, {10, 5}}},
+                                        {1, {40, 80}, {{10, 20}, {5, 10}}},
+                                        {2, {4, 2}, b},
+                                        {99, {40, 2}, b}}) {
+    EXPECT_EQ(ZKScaleRectToFitInRect(mode, ZKAlignBottomLeft, {{3, 3}, size}, b), scaled);
   }
   EXPECT_EQ(ZKScaleRectToFitInRect(1, ZKAlignTopRight, {{0, 0}, {4, 2}}, b),
             NSMakeRect(10, 25, 10, 5));

@@ -1,8 +1,6 @@
 #include "tests/Support.h"
 
-#include <array>
 #include <sstream>
-#include <string>
 
 #include <ZKFoundation/ZKFoundation.h>
 
@@ -22,12 +20,8 @@ std::u16string marksFor(const NSRef<NSString>& identifier) {
 }
 
 TEST(NSLocaleExtensions, KnowTheQuotationMarks) {
-  struct Row {
-    const char* identifiers;
-    const char16_t* marks;
-  };
   const char16_t* const standard = u"\"\"''»«›‹";
-  for (const auto& [identifiers, marks] : std::to_array<Row>({
+  for (const auto& [identifiers, marks] : Rows<const char*, const char16_t*>{
            {"ar es fr pt tr", u"«»‹›“”‘’"},
            {"be ru uk", u"«»„“„“›‹"},
            {"bg cs de_DE is sk sl sr de_ch de@x=_CH", u"„“‚‘»«›‹"},
@@ -48,7 +42,7 @@ TEST(NSLocaleExtensions, KnowTheQuotationMarks) {
            {"zh_Hant_TW xx DE deu d de.UTF-8", standard},
            {"de_CH xx_CH _CH rm-Latn-CH de_CH@x=y", u"«»‹›»«›‹"},
            {"en_CH", u"«»‹›‘’“”"},
-       })) {
+       }) {
     std::istringstream list(identifiers);
     for (std::string identifier; list >> identifier;) {
       EXPECT_EQ(marksFor(NSMake<NSString>(identifier)), marks) << identifier;

@@ -1,5 +1,7 @@
 #include "tests/Support.h"
 
+#include <sstream>
+
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
@@ -8,52 +10,23 @@ namespace {
 
 TEST(NSNumberExtensions, WritesNumbersInEveryStyle) {
   constexpr std::uint64_t largest = 0xFFFF'FFFF'FFFF'FFFF;
-  struct Row {
-    std::uint64_t value;
-    NSUInteger type;
-    const char16_t* expected;
-  };
-  const std::vector<Row> rows = {
-      {0, 0, u"NUL"},
-      {0, 1, u"NUL"},
-      {0, 3, u"NUL"},
-      {0, 7, u"NUL"},
-      {42, 0, u"42"},
-      {largest, 0, u"-1"},
-      {1, 1, u"A"},
-      {26, 1, u"Z"},
-      {27, 1, u"AA"},
-      {52, 1, u"AZ"},
-      {53, 1, u"BA"},
-      {702, 1, u"ZZ"},
-      {703, 1, u"AAA"},
-      {28, 2, u"ab"},
-      {largest / 2, 1, u"CRPXNLSKVLJFHG"},
-      {1, 3, u"I"},
-      {4, 3, u"IV"},
-      {9, 3, u"IX"},
-      {14, 3, u"XIV"},
-      {40, 3, u"XD"},
-      {49, 3, u"XDIX"},
-      {50, 3, u"D"},
-      {60, 3, u"DX"},
-      {90, 3, u"XC"},
-      {99, 3, u"XCIX"},
-      {400, 3, u"CD"},
-      {1994, 3, u"MCMXCIV"},
-      {3999, 3, u"MMMCMXCIX"},
-      {4000, 3, u"M"},
-      {4999, 3, u"MCMXCIX"},
-      {5000, 3, u"NUL"},
-      {largest, 3, u"NUL"},
-      {1888, 3, u"MDCCCDXXXVIII"},
-      {1024, 4, u"mxxiv"},
-      {58, 4, u"dviii"},
-      {5000, 4, u"NUL"},
-  };
-  for (const auto& [value, type, expected] : rows) {
-    EXPECT_TRUE(ZKBinToStr(value, type) == expected)
-        << value << " as " << type << ": " << ZKBinToStr(value, type);
+  for (const auto& [type, pairs] : Rows<NSUInteger, const char*>{
+           {0, "0 NUL 42 42 18446744073709551615 -1"},
+           {1, "0 NUL 1 A 26 Z 27 AA 52 AZ 53 BA 702 ZZ 703 AAA"},
+           {1, "9223372036854775807 CRPXNLSKVLJFHG"},
+           {2, "28 ab"},
+           {3, "0 NUL 1 I 4 IV 9 IX 14 XIV 40 XD 49 XDIX 50 D 60 DX 90 XC 99 XCIX 400 CD"},
+           {3, "1994 MCMXCIV 3999 MMMCMXCIX 4000 M 4999 MCMXCIX 5000 NUL 1888 MDCCCDXXXVIII"},
+           {3, "18446744073709551615 NUL"},
+           {4, "1024 mxxiv 58 dviii 5000 NUL"},
+           {7, "0 NUL"},
+       }) {
+    std::istringstream list(pairs);
+    std::string expected;
+    for (std::uint64_t value = 0; list >> value >> expected;) {
+      EXPECT_EQ(ZKBinToStr(value, type)->utf8(), expected) << value << " as " << type;
+    }
+    EXPECT_TRUE(list.eof()) << pairs;
   }
   EXPECT_EQ(ZKBinToStr(3, 5), nullptr);
   EXPECT_EQ(ZKBinToStr(largest / 2 + 1, 1), nullptr);

@@ -78,17 +78,16 @@ TEST(NSArrayExtensions, TakesEveryCallableAndRaisesForNoBlock) {
   makeObjectsPerformBlock(array, function);
   EXPECT_TRUE(string == u"!!!");
 
-  const char* const reason = "aBlock is nil (in 'makeObjectsPerformBlock:')";
   void (*const noFunction)(const NSRef<NSObject>&) = nullptr;
   function = nullptr;
-  expectRaises(NSInvalidArgumentException, reason,
-               [&] { makeObjectsPerformBlock(array, nullptr); });
-  expectRaises(NSInvalidArgumentException, reason,
-               [&] { makeObjectsPerformBlock(array, noFunction); });
-  expectRaises(NSInvalidArgumentException, reason,
-               [&] { makeObjectsPerformBlock(NSMake<NSSet>(), function); });
-  expectRaises(NSInvalidArgumentException, reason,
-               [&] { makeObjectsPerformBlock(NSMake<NSOrderedSet>(), noFunction); });
+  const auto expectRefusal = [](const auto& objects, const auto& block) {
+    expectRaises(NSInvalidArgumentException, "aBlock is nil (in 'makeObjectsPerformBlock:')",
+                 [&] { makeObjectsPerformBlock(objects, block); });
+  };
+  expectRefusal(array, nullptr);
+  expectRefusal(array, noFunction);
+  expectRefusal(NSMake<NSSet>(), function);
+  expectRefusal(NSMake<NSOrderedSet>(), noFunction);
 }
 
 }  // namespace

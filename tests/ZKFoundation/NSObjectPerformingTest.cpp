@@ -1,10 +1,5 @@
 #include "tests/RunLoops.h"
 
-#include <atomic>
-#include <functional>
-#include <memory>
-#include <thread>
-
 #include <sys/resource.h>
 #include <unistd.h>
 

@@ -1,6 +1,5 @@
 #include "tests/Support.h"
 
-#include <array>
 #include <cinttypes>
 #include <clocale>
 #include <cstdio>
@@ -97,16 +96,10 @@ TEST(NSStringExtensions, MakesFreshUUIDs) {
   EXPECT_EQ(seen.size(), 100U);
 }
 
-struct HexRow {
-  std::u16string text;
-  std::uint32_t lenient;
-  std::uint64_t strict;
-};
-
 TEST(NSStringExtensions, ReadsHexadecimalText) {
   constexpr std::uint64_t all = 0xFFFF'FFFF'FFFF'FFFF;
   const std::u16string forty = u"0000000000000000000000000000000012345678";
-  const std::vector<HexRow> rows = {
+  const Rows<std::u16string, std::uint32_t, std::uint64_t> rows = {
       {u"", 0, 0},
       {u"ff", 255, 255},
       {u"0xff", 255, 255},
@@ -149,11 +142,7 @@ TEST(NSStringExtensions, ReadsHexadecimalText) {
 TEST(NSStringExtensions, NamesTheReceiverThatIsNil) {
   const NSRef<NSString> nothing;
   const NSRef<NSArray> noArray;
-  struct Row {
-    const char* reason;
-    std::function<void()> operation;
-  };
-  for (const auto& [reason, operation] : std::vector<Row>{
+  for (const auto& [reason, operation] : Rows<const char*, std::function<void()>>{
            {"string is nil (in 'hexValue')", [&] { (void)hexValue(nothing); }},
            {"string is nil (in 'stringByRemovingPrefix:')",
             [&] { (void)stringByRemovingPrefix(nothing, nothing); }},
@@ -231,12 +220,7 @@ TEST(NSStringExtensions, RemovesOnePrefixOrSuffix) {
 }
 
 TEST(NSStringExtensions, ComparesPrefixesWithoutCase) {
-  struct Row {
-    const char16_t* text;
-    const char16_t* prefix;
-    bool expected;
-  };
-  const std::vector<Row> rows = {
+  const Rows<const char16_t*, const char16_t*, bool> rows = {
       {u"abcdef", u"ABC", true},
       {u"abc", u"", true},
       {u"", u"", true},

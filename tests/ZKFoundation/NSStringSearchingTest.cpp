@@ -1,6 +1,8 @@
 #include "tests/TextModels.h"
 #include "tests/VectorTargets.h"
 
+#include <sstream>
+
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
@@ -53,39 +55,22 @@ NSRange searchModel(std::u16string_view text, std::u16string_view needle, NSUInt
 }
 
 TEST(NSStringSearch, FindsWhatTryingEverySliceFinds) {
+  using Pieces = std::vector<std::u16string>;
   // Pieces that fold and decompose into each other, marks in either order, a pair, and halves.
-  const std::vector<std::u16string> tricky = {u"a",
-                                              u"A",
-                                              u"e\u0301",
-                                              u"\u00E9",
-                                              u"E\u0301",
-                                              u"\u00C9",
-                                              u"\u00C5",
-                                              u"A\u030A",
-                                              u"\u212B",
-                                              u"\u00E5\u0323",
-                                              u"a\u0323\u030A",
-                                              u"a\u030A\u0323",
-                                              u"\u00DF",
-                                              u"s",
-                                              u"SS",
-                                              u"\u017F",
-                                              u"\u212A",
-                                              u"k",
-                                              u"\u0130",
-                                              u"i\u0307",
-                                              u"\U0001F600",
-                                              std::u16string(1, 0xD83D)};
-  const std::vector<std::u16string> plain = {u"a", u"A", u"b", u"B", u"\u00C4", u"\u00E4"};
-  const auto joined = [](const std::vector<std::u16string>& pieces) {
+  std::istringstream list(
+      "a A e\u0301 \u00E9 E\u0301 \u00C9 \u00C5 A\u030A \u212B \u00E5\u0323 a\u0323\u030A "
+      "a\u030A\u0323 \u00DF s SS \u017F \u212A k \u0130 i\u0307 \U0001F600");
+  Pieces tricky = {std::u16string(1, 0xD83D)};
+  for (std::string piece; list >> piece;) tricky.emplace_back(NSMake<NSString>(piece)->view());
+  const Pieces plain = {u"a", u"A", u"b", u"B", u"\u00C4", u"\u00E4"};
+  const auto joined = [](const Pieces& pieces) {
     std::u16string text;
     for (const auto& piece : pieces) text += piece;
     return text;
   };
   const auto texts = [&](const auto& pieces, int most) {
-    return rc::gen::map(rc::gen::resize(most, rc::gen::container<std::vector<std::u16string>>(
-                                                  rc::gen::elementOf(pieces))),
-                        joined);
+    return rc::gen::map(
+        rc::gen::resize(most, rc::gen::container<Pieces>(rc::gen::elementOf(pieces))), joined);
   };
   expectProperty("the same range", [&] {
     const auto& pieces = *rc::gen::arbitrary<bool>() ? tricky : plain;
@@ -124,9 +109,8 @@ TEST(NSStringSearch, KnowsComposedCharacters) {
   EXPECT_TRUE(stringByRemovingString(u"e\u0301te\u0301"_ns, u"é"_ns) == u"t");
   EXPECT_TRUE(stringByRemovingString(u"aae\u0301a"_ns, u"a"_ns) == u"e\u0301");
   expectRaises(NSRangeException,
-               "range {1, 3} beyond bounds [0, 3) (in 'rangeOfString:options:range:')", [] {
-                 (void)u"abc"_ns->rangeOfString_options_range(u"a"_ns, 0, {1, 3});
-               });
+               "range {1, 3} beyond bounds [0, 3) (in 'rangeOfString:options:range:')",
+               [] { (void)u"abc"_ns->rangeOfString_options_range(u"a"_ns, 0, NSRange(1, 3)); });
 }
 
 TEST(NSStringSearch, FindsBehindLongTextsOfOtherKinds) {
@@ -154,8 +138,8 @@ TEST(NSStringSearch, OrdersLongRunsOfMarks) {
   std::u16string marked;
   for (NSUInteger k = 0; k < count; ++k) alternating += k % 2 == 0 ? u'\u0301' : u'\u0323';
   for (NSUInteger k = 0; k < count; ++k) marked += u"a\u0334";
-  const auto ordered = NSMake<NSString>(u"e" + std::u16string(count / 2, u'\u0323') +
-                                        std::u16string(count / 2, u'\u0301'));
+  const auto ordered = NSMake<NSString>(
+      std::u16string(u"e").append(count / 2, u'\u0323').append(count / 2, u'\u0301'));
   const auto text = NSMake<NSString>(alternating + u"b" + alternating);
   for (const NSUInteger options : {0U, 1U}) {
     EXPECT_EQ(ordered->compare_options(NSMake<NSString>(alternating), options), NSOrderedSame);
@@ -188,17 +172,9 @@ TEST(NSStringSearch, FoldsLongASCIITextsInEveryVector) {
   });
 }
 
-struct FindRow {
-  const char16_t* text;
-  NSRange selection;
-  NSUInteger options;
-  bool wraps;
-  NSRange expected;
-};
-
 TEST(NSStringSearching, FindsOutsideOfTheSelection) {
   const NSUInteger backwards = NSBackwardsSearch;
-  const std::vector<FindRow> rows = {
+  const Rows<const char16_t*, NSRange, NSUInteger, bool, NSRange> rows = {
       {u"ab ab", {0, 2}, 0, true, {3, 2}},
       {u"ab ab", {3, 2}, 0, true, {0, 2}},
       {u"ab ab", {3, 2}, 0, false, NSNotFoundRange},
@@ -225,13 +201,7 @@ TEST(NSStringSearching, FindsOutsideOfTheSelection) {
 }
 
 TEST(NSStringSearching, JudgesMatchesByTheirWords) {
-  struct Row {
-    const char16_t* text;
-    NSUInteger condition;
-    NSUInteger options;
-    NSRange expected;
-  };
-  const std::vector<Row> rows = {
+  const Rows<const char16_t*, NSUInteger, NSUInteger, NSRange> rows = {
       {u"snapp apple app", 0, 0, {2, 3}},
       {u"snapp apple app", ZKWordCompareWhole, 0, {12, 3}},
       {u"snapp apple app", ZKWordCompareStart, 0, {6, 5}},
@@ -339,15 +309,7 @@ TEST(NSStringSearching, FindsWords) {
 }
 
 TEST(NSStringSearching, TrimsRanges) {
-  struct Row {
-    const char16_t* text;
-    NSRange range;
-    NSUInteger options;
-    NSRange expected;
-    NSRange prefix;
-    NSRange postfix;
-  };
-  const std::vector<Row> rows = {
+  const Rows<const char16_t*, NSRange, NSUInteger, NSRange, NSRange, NSRange> rows = {
       {u"  ab  ", {0, 6}, 3, {2, 2}, {0, 2}, {4, 2}},
       {u"  ab  ", {0, 6}, 0, {0, 6}, {0, 0}, {6, 0}},
       {u"  ab  ", {0, 6}, 8, {0, 6}, {0, 0}, {6, 0}},
@@ -377,29 +339,24 @@ TEST(NSStringSearching, TrimsRanges) {
 
 TEST(NSStringSearching, RaisesForRangesThatDoNotFit) {
   const auto string = u"ab"_ns;
+  const NSRange beyond = {1, 2};
   NSRange selection = {1, 1};
-  const std::vector<std::pair<std::string, std::function<void()>>> rows = {
+  const Rows<std::string, std::function<void()>> rows = {
       {"trimRange:prefixRange:postfixRange:trimOptions:",
        [&] {
-         (void)trimRange_prefixRange_postfixRange_trimOptions(string, {1, 2}, &selection, nullptr,
+         (void)trimRange_prefixRange_postfixRange_trimOptions(string, beyond, &selection, nullptr,
                                                               3);
        }},
       {"rangeOfWordsIntersectingRange:",
-       [&] {
-         (void)rangeOfWordsIntersectingRange(string, {1, 2});
-       }},
+       [&] { (void)rangeOfWordsIntersectingRange(string, beyond); }},
       {"findString:searchRange:options:wordCompareOption:",
        [&] {
-         (void)findString_searchRange_options_wordCompareOption(string, string, {1, 2}, 0, 1);
+         (void)findString_searchRange_options_wordCompareOption(string, string, beyond, 0, 1);
        }},
       {"normalizedSubStringWithRange:selectedRange:",
-       [&] {
-         (void)normalizedSubStringWithRange_selectedRange(string, {1, 2}, &selection);
-       }},
+       [&] { (void)normalizedSubStringWithRange_selectedRange(string, beyond, &selection); }},
       {"rangeOfCharacterFromSet:options:range:",
-       [&] {
-         (void)string->rangeOfCharacterFromSet_options_range(nullptr, 0, {1, 2});
-       }},
+       [&] { (void)string->rangeOfCharacterFromSet_options_range(nullptr, 0, beyond); }},
   };
   for (const auto& [operation, action] : rows) {
     expectRaises(NSRangeException, "range {1, 2} beyond bounds [0, 2) (in '" + operation + "')",
@@ -443,30 +400,21 @@ TEST(NSStringSearching, NormalizesAndKeepsTheSelection) {
   EXPECT_TRUE(normalizedSubStringWithRange_selectedRange(u"\U000E0001b"_ns, {0, 3}, &selection) ==
               u"b");
   EXPECT_EQ(selection, (NSRange{0, 1}));
+  const auto refused = [&](std::u16string_view name, const std::string& reason, NSRange* selected) {
+    expectRaises(name, reason + " (in 'normalizedSubStringWithRange:selectedRange:')", [&] {
+      (void)normalizedSubStringWithRange_selectedRange(tagged, NSRange(1, 2), selected);
+    });
+  };
   selection = {0, 2};
-  const char* const operation = "(in 'normalizedSubStringWithRange:selectedRange:')";
-  expectRaises(NSRangeException, std::string("range {0, 2} beyond bounds [0, 4) ") + operation,
-               [&] {
-                 (void)normalizedSubStringWithRange_selectedRange(tagged, {1, 2}, &selection);
-               });
+  refused(NSRangeException, "range {0, 2} beyond bounds [0, 4)", &selection);
   selection = {1, NSUIntegerMax};
-  expectRaises(NSRangeException,
-               std::string("range {1, 18446744073709551615} beyond bounds [0, 4) ") + operation,
-               [&] {
-                 (void)normalizedSubStringWithRange_selectedRange(tagged, {1, 2}, &selection);
-               });
+  refused(NSRangeException, "range {1, 18446744073709551615} beyond bounds [0, 4)", &selection);
   EXPECT_EQ(selection, (NSRange{1, NSUIntegerMax}));
-  expectRaises(NSInvalidArgumentException, std::string("selectedRange is nil ") + operation, [&] {
-    (void)normalizedSubStringWithRange_selectedRange(tagged, {1, 2}, nullptr);
-  });
+  refused(NSInvalidArgumentException, "selectedRange is nil", nullptr);
 }
 
 TEST(NSStringSearching, WritesTitles) {
-  struct Row {
-    const char16_t* text;
-    const char16_t* expected;
-  };
-  const std::vector<Row> rows = {
+  const Rows<const char16_t*, const char16_t*> rows = {
       {u"lord of the rings", u"Lord of the Rings"},
       {u"the lord of the rings", u"The Lord of The Rings"},
       {u"a tale  of two cities", u"A Tale of Two Cities"},

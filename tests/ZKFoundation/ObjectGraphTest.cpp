@@ -1,7 +1,6 @@
 #include "tests/Support.h"
 
 #include <chrono>
-#include <functional>
 
 #include <ZKFoundation/ZKFoundation.h>
 
@@ -33,14 +32,7 @@ struct Probe : NSObject, ZKDeepObjectCopyingProtocol {
 };
 
 TEST(DeepCopy, AsksForTheSpecificationAndSplitsIt) {
-  struct Row {
-    ZKCopySpec requested;
-    ZKCopySpec mapped;
-    bool isAsked;
-    ZKCopySpec own;
-    ZKCopySpec sub;
-  };
-  const std::vector<Row> rows = {
+  const Rows<ZKCopySpec, ZKCopySpec, bool, ZKCopySpec, ZKCopySpec> rows = {
       {4, 7, true, 0, 3},
       {4, 2, true, 2, 4},
       {3, 8, true, 0, 4},
@@ -54,17 +46,16 @@ TEST(DeepCopy, AsksForTheSpecificationAndSplitsIt) {
       {0, 7, false, 0, 0},
       {-4, 7, false, -4, -4},
       {NSIntegerMin, 7, false, NSIntegerMin, NSIntegerMin},
-      {4, NSIntegerMax, true, NSIntegerMax, 4},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.requested);
+      {4, NSIntegerMax, true, NSIntegerMax, 4}};
+  for (const auto& [requested, mapped, isAsked, own, sub] : rows) {
+    SCOPED_TRACE(requested);
     const auto probe = NSMake<Probe>();
-    probe->mapped = row.mapped;
+    probe->mapped = mapped;
     probe->answer = u"copy"_ns;
-    EXPECT_EQ(copyWithCopySpec(probe, row.requested), probe->answer);
-    EXPECT_EQ(probe->asked.size(), row.isAsked ? 1U : 0U);
-    EXPECT_TRUE(!row.isAsked || probe->asked.front() == row.requested);
-    EXPECT_EQ(probe->calls, (std::vector<std::pair<ZKCopySpec, ZKCopySpec>>{{row.own, row.sub}}));
+    EXPECT_EQ(copyWithCopySpec(probe, requested), probe->answer);
+    EXPECT_EQ(probe->asked.size(), isAsked ? 1U : 0U);
+    EXPECT_TRUE(!isAsked || probe->asked.front() == requested);
+    EXPECT_EQ(probe->calls, (std::vector<std::pair<ZKCopySpec, ZKCopySpec>>{{own, sub}}));
   }
 }
 
@@ -78,13 +69,8 @@ TEST(DeepCopy, HandsItsZoneAndATableOfItsOwnThrough) {
 }
 
 TEST(DeepCopy, SplitsThreeSpecifications) {
-  struct Row {
-    ZKCopySpec given;
-    ZKCopySpec own;
-    ZKCopySpec sub;
-  };
-  for (const auto& [given, own, sub] : {Row{6, 3, 1}, Row{7, 0, 3}, Row{8, 0, 4}, Row{2, 2, 77},
-                                        Row{9, 9, 77}, Row{3, 3, 77}, Row{-6, -6, 77}}) {
+  for (const auto& [given, own, sub] : Rows<ZKCopySpec, ZKCopySpec, ZKCopySpec>{
+           {6, 3, 1}, {7, 0, 3}, {8, 0, 4}, {2, 2, 77}, {9, 9, 77}, {3, 3, 77}, {-6, -6, 77}}) {
     ZKCopySpec written = 77;
     EXPECT_EQ(copySpecForCopySpec_subCopySpec(u"any"_ns, given, &written), own);
     EXPECT_EQ(written, sub);

@@ -1,10 +1,5 @@
 #include "tests/Files.h"
 
-#include <array>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
@@ -35,13 +30,9 @@ std::u16string uniqueByTrying(const std::u16string& name, const NSRef<NSArray>& 
 }
 
 TEST(UniqueNames, OfStrings) {
-  struct Row {
-    std::u16string name;
-    std::vector<std::u16string> taken;
-    const char* result;
-  };
   const std::u16string largest = u"a9223372036854775807";
-  for (const auto& [name, taken, result] : std::vector<Row>{
+  for (const auto& [name, taken, result] :
+       Rows<std::u16string, std::vector<std::u16string>, const char*>{
            {u"x", {}, "x"},
            {u"Name", {u"name"}, "Name"},
            {u"Untitled", {u"Untitled"}, "Untitled1"},
@@ -87,12 +78,7 @@ TEST(UniqueNames, OfStrings) {
 }
 
 TEST(UniqueNames, OfURLs) {
-  struct Row {
-    const char* url;
-    std::vector<const char*> taken;
-    const char* result;
-  };
-  for (const auto& [text, taken, result] : std::vector<Row>{
+  for (const auto& [text, taken, result] : Rows<const char*, std::vector<const char*>, const char*>{
            {"file:///no/report.txt", {"file:///no/report.pdf"}, "file:///no/report1.txt"},
            {"file:///no/x", {"file:///no/x"}, "file:///no/x1"},
            {"file:///no/x", {"file:///no/y", "file:///n/x"}, "file:///no/x"},
@@ -130,22 +116,20 @@ TEST(UniqueNames, OfFileWrappers) {
     EXPECT_TRUE(child->preferredFilename()->isEqualToString(key));
     return key->utf8();
   };
-  for (const auto& [name, result] : std::to_array<std::pair<const char*, const char*>>({
-           {"a.txt", "a.txt"},
-           {"a.txt", "a 2.txt"},
-           {"a.txt", "a 2 3.txt"},
-           {"a.txt", "a 2 3 4.txt"},
-           {"a 2.txt", "a 2 2.txt"},
-           {"A.txt", "A.txt"},
-           {"a", "a"},
-           {"a", "a 2"},
-           {"a", "a 2 3"},
-           {".a", ".a"},
-           {".a", ".a 2"},
-           {nullptr, "Untitled"},
-           {"", "Untitled 2"},
-           {nullptr, "Untitled 2 3"},
-       })) {
+  for (const auto& [name, result] : Rows<const char*, const char*>{{"a.txt", "a.txt"},
+                                                                   {"a.txt", "a 2.txt"},
+                                                                   {"a.txt", "a 2 3.txt"},
+                                                                   {"a.txt", "a 2 3 4.txt"},
+                                                                   {"a 2.txt", "a 2 2.txt"},
+                                                                   {"A.txt", "A.txt"},
+                                                                   {"a", "a"},
+                                                                   {"a", "a 2"},
+                                                                   {"a", "a 2 3"},
+                                                                   {".a", ".a"},
+                                                                   {".a", ".a 2"},
+                                                                   {nullptr, "Untitled"},
+                                                                   {"", "Untitled 2"},
+                                                                   {nullptr, "Untitled 2 3"}}) {
     EXPECT_EQ(add(name), result);
   }
 }

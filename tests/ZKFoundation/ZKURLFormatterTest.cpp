@@ -1,8 +1,6 @@
 #include "tests/Support.h"
 
-#include <array>
 #include <filesystem>
-#include <string>
 
 #include <ZKFoundation/ZKFoundation.h>
 
@@ -30,12 +28,7 @@ Outcome parse(const NSRef<ZKURLFormatter>& formatter, const char* text) {
 
 TEST(ZKURLFormatter, ReadsWhatIsTyped) {
   const auto formatter = NSMake<ZKURLFormatter>();
-  struct Row {
-    const char* text;
-    const char* object;
-    const char* error;
-  };
-  for (const auto& [text, object, error] : std::to_array<Row>({
+  for (const auto& [text, object, error] : Rows<const char*, const char*, const char*>{
            {"", "nil", ""},
            {"/Users/a b", "URL file:///Users/a%20b", ""},
            {"/", "URL file:///", ""},
@@ -67,7 +60,7 @@ TEST(ZKURLFormatter, ReadsWhatIsTyped) {
            {"http://bücher.de", "nil", "Invalid URL"},
            {"http://a.b/%zz", "nil", "Invalid URL"},
            {"http://a.b/%ff", "URL http://a.b/%ff", ""},
-       })) {
+       }) {
     const Outcome outcome = parse(formatter, text);
     EXPECT_EQ(outcome.object, object) << text;
     EXPECT_EQ(outcome.error, error) << text;

@@ -1,9 +1,5 @@
 #include "tests/Support.h"
 
-#include <array>
-#include <string>
-#include <vector>
-
 #include <ZKFoundation/ZKFoundation.h>
 
 namespace {
@@ -40,11 +36,7 @@ TEST(ZKUnitOfInformationFormatter, WritesSizes) {
   const std::array formatters = {NSMake<ZKUnitOfInformationFormatter>(),
                                  formatter(true, true, true), formatter(true, false, false),
                                  formatter(false, true, false), formatter(false, false, true)};
-  struct Row {
-    long bits;
-    std::array<const char*, 5> texts;
-  };
-  for (const auto& [bits, texts] : std::to_array<Row>({
+  for (const auto& [bits, texts] : Rows<long, std::array<const char*, 5>>{
            {0, {"0 bytes", "0 bytes", "0 bytes", "0 bits", "0 bits"}},
            {8, {"1 bytes", "1 bytes", "1 bytes", "8 bits", "8 bits"}},
            {7992, {"999 bytes", "999 bytes", "999 bytes", "7.8 kbit", "7.99 Kibit"}},
@@ -69,7 +61,7 @@ TEST(ZKUnitOfInformationFormatter, WritesSizes) {
             {"-1,152,921,504,606,846,976 bytes", "-1,152,921,504,606,846,976 bytes",
              "-1,152,921,504,606,846,976 bytes", "-9,223,372,036,854,775,808 bits",
              "-9,223,372,036,854,775,808 bits"}},
-       })) {
+       }) {
     for (std::size_t k = 0; k < texts.size(); ++k) {
       EXPECT_EQ(text(formatters[k], bits), texts[k]) << bits << " in column " << k;
     }
@@ -186,13 +178,8 @@ TEST(ZKUnitOfInformationFormatter, WritesNumbersAsTheyAreInTheLocale) {
 }
 
 TEST(ZKUnitOfInformationFormatter, FollowsTheLocaleAndTheTablesOfTheProgram) {
-  struct Row {
-    const char* locale;
-    const char* language;
-    const char* kilobytes;
-    const char* bytes;
-  };
-  for (const auto& [locale, language, kilobytes, bytes] : std::to_array<Row>({
+  for (const auto& [locale, language, kilobytes, bytes] :
+       Rows<const char*, const char*, const char*, const char*>{
            {"en", "en", "1.5 KB", "-1,234,567 bytes"},
            {"de", "de", "1,5 KB", "-1.234.567 Byte"},
            {"de_CH", "de-CH", "1.5 KB", "-1’234’567 Byte"},
@@ -200,7 +187,7 @@ TEST(ZKUnitOfInformationFormatter, FollowsTheLocaleAndTheTablesOfTheProgram) {
            {"hi", "hi", "1.5 KB", "-12,34,567 bytes"},
            {"es", "es", "1,5 KB", "-1.234.567 bytes"},
            {"ar_EG", "ar", "KB \u200F١٫٥", "bytes \u200F\u061C-١٬٢٣٤٬٥٦٧"},
-       })) {
+       }) {
     const Habits habits(locale, language);
     const auto sizes = NSMake<ZKUnitOfInformationFormatter>();
     EXPECT_EQ(text(sizes, 12288), kilobytes) << locale;
