@@ -19,53 +19,54 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+namespace fs = std::filesystem;
+
 /// A folder of the test's own.
 class TestFolder {
  public:
   TestFolder() {
-    std::string pattern =
-        std::filesystem::canonical(std::filesystem::temp_directory_path()) / "zk test XXXXXX";
+    std::string pattern = fs::canonical(fs::temp_directory_path()) / "zk test XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no folder for tests");
     _path = pattern;
     // Tests look at it as other users, too.
-    std::filesystem::permissions(_path, std::filesystem::perms::all);
+    fs::permissions(_path, fs::perms::all);
   }
   TestFolder(const TestFolder&) = delete;
   ~TestFolder() {
-    using namespace std::filesystem;
-    permissions(_path, perms::owner_all, perm_options::add);
-    for (const auto& entry : recursive_directory_iterator(_path)) {
-      if (entry.is_directory()) permissions(entry.path(), perms::owner_all, perm_options::add);
+    fs::permissions(_path, fs::perms::owner_all, fs::perm_options::add);
+    for (const auto& entry : fs::recursive_directory_iterator(_path)) {
+      if (entry.is_directory())
+        fs::permissions(entry.path(), fs::perms::owner_all, fs::perm_options::add);
     }
-    remove_all(_path);
+    fs::remove_all(_path);
   }
 
-  const std::filesystem::path& path() const { return _path; }
-  std::filesystem::path operator/(std::string_view name) const { return _path / name; }
+  const fs::path& path() const { return _path; }
+  fs::path operator/(std::string_view name) const { return _path / name; }
 
  private:
-  std::filesystem::path _path;
+  fs::path _path;
 };
 
-inline void writeFile(const std::filesystem::path& file, std::string_view bytes) {
+inline void writeFile(const fs::path& file, std::string_view bytes) {
   std::ofstream(file, std::ios::binary) << bytes;
 }
 
-inline std::string contentsOf(const std::filesystem::path& file) {
+inline std::string contentsOf(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 /// The paths of all that is in a folder, relative to it.
-inline std::set<std::string> namesIn(const std::filesystem::path& folder) {
+inline std::set<std::string> namesIn(const fs::path& folder) {
   std::set<std::string> names;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
     names.insert(entry.path().lexically_relative(folder));
   }
   return names;
 }
 
-inline NSRef<NSURL> fileURL(const std::filesystem::path& path) {
+inline NSRef<NSURL> fileURL(const fs::path& path) {
   return NSURL::fileURLWithPath_isDirectory(path, false);
 }
 
@@ -122,7 +123,7 @@ template <class Action>
 
 /// Runs the action while a disk of its own is mounted on the folder, with these options.
 template <class Action>
-[[nodiscard]] bool onDisk(const std::filesystem::path& folder, const char* options, Action action) {
+[[nodiscard]] bool onDisk(const fs::path& folder, const char* options, Action action) {
   return inChild([&] {
     if (unshare(CLONE_NEWNS) != 0 ||
         mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||

@@ -197,20 +197,14 @@ TEST(DispatchQueue, RefusesNil) {
 }
 
 TEST(DispatchQueueDeathTest, AnExceptionEndsTheProgram) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto raise = [] { NSException::raise(NSRangeException, "beyond"); };
   for (const bool waits : {false, true}) {
-    const auto run = [&] {
+    expectToEndTheProgram("NSRangeException: beyond", [&] {
       const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
-      try {
-        if (waits) dispatch_sync(queue, raise);
-        dispatch_async(queue, raise);
-        finish(queue);
-      } catch (const NSException&) {
-        std::_Exit(0);
-      }
-    };
-    EXPECT_DEATH(run(), "NSRangeException: beyond");
+      if (waits) dispatch_sync(queue, raise);
+      dispatch_async(queue, raise);
+      finish(queue);
+    });
   }
 }
 

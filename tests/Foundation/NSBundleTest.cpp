@@ -1,10 +1,6 @@
-#include "tests/Support.h"
-
-#include <filesystem>
+#include "tests/Files.h"
 
 #include <ZKFoundation/ZKFoundation.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 

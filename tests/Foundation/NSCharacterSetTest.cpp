@@ -58,9 +58,8 @@ TEST(NSCharacterSet, CombinesMembers) {
 TEST(NSCharacterSet, RaisesPastTheLastCharacter) {
   const auto set = NSMake<NSMutableCharacterSet>(NSRange{0x10FFFF, 1});
   expectRaises(NSRangeException,
-               "range {1114111, 2} beyond bounds [0, 1114112) (in 'addCharactersInRange:')", [&] {
-                 set->addCharactersInRange({0x10FFFF, 2});
-               });
+               "range {1114111, 2} beyond bounds [0, 1114112) (in 'addCharactersInRange:')",
+               [&] { set->addCharactersInRange(NSMakeRange(0x10FFFF, 2)); });
   EXPECT_TRUE(set->isEqual(NSMake<NSCharacterSet>(u"\U0010FFFF"_ns)));
 }
 

@@ -12,10 +12,9 @@ struct Walked {
   std::function<void(const std::function<void()>&)> walk;
 };
 
-template <class Collection>
-Walked walked(const char* className, NSRef<Collection> collection,
-              std::function<void(Collection&)> change) {
-  return {className, [=] { change(*collection); },
+template <class Collection, class Change>
+Walked walked(NSRef<Collection> collection, Change change) {
+  return {collection->objectClass().name()->utf8(), [=] { change(*collection); },
           [=](const std::function<void()>& action) {
             for ([[maybe_unused]] const auto& element : *collection) action();
           }};
@@ -28,30 +27,25 @@ std::vector<Walked> walkedCollections() {
   const auto dictionary = NSMake<NSMutableDictionary>({{a, a}, {b, b}});
   const auto indexes = NSMake<NSMutableIndexSet>({1, 2, 7});
   auto rows = std::vector<Walked>{
-      walked<NSMutableArray>("NSMutableArray", NSMake<NSMutableArray>({a, b}),
-                             [](auto& array) { array.removeAllObjects(); }),
-      walked<NSMutableArray>("NSMutableArray", NSMake<NSMutableArray>({a, b}),
-                             [=](auto& array) { array.replaceObjectAtIndex_withObject(1, a); }),
-      walked<NSMutableArray>("NSMutableArray", NSMake<NSMutableArray>({a, b}),
-                             [](auto& array) { array.removeObject(u"b"_ns); }),
-      walked<NSMutableSet>("NSMutableSet", set, [](auto& it) { it.addObject(u"c"_ns); }),
-      walked<NSMutableSet>("NSMutableSet", set, [=](auto& it) { it.removeObject(a); }),
-      walked<NSMutableOrderedSet>("NSMutableOrderedSet", NSMake<NSMutableOrderedSet>({a, b}),
-                                  [](auto& it) { it.insertObject_atIndex(u"c"_ns, 0); }),
-      walked<NSMutableDictionary>("NSMutableDictionary", dictionary,
-                                  [=](auto& it) { it.setObject_forKey(b, a); }),
-      walked<NSMutableDictionary>("NSMutableDictionary", dictionary,
-                                  [=](auto& it) { it.removeObjectForKey(b); }),
-      walked<NSMutableIndexSet>("NSMutableIndexSet", indexes, [](auto& it) { it.addIndex(4); }),
-      walked<NSMutableIndexSet>("NSMutableIndexSet", indexes, [](auto& it) { it.removeIndex(2); }),
+      walked(NSMake<NSMutableArray>({a, b}), [](auto& array) { array.removeAllObjects(); }),
+      walked(NSMake<NSMutableArray>({a, b}),
+             [=](auto& array) { array.replaceObjectAtIndex_withObject(1, a); }),
+      walked(NSMake<NSMutableArray>({a, b}), [](auto& array) { array.removeObject(u"b"_ns); }),
+      walked(set, [](auto& it) { it.addObject(u"c"_ns); }),
+      walked(set, [=](auto& it) { it.removeObject(a); }),
+      walked(NSMake<NSMutableOrderedSet>({a, b}),
+             [](auto& it) { it.insertObject_atIndex(u"c"_ns, 0); }),
+      walked(dictionary, [=](auto& it) { it.setObject_forKey(b, a); }),
+      walked(dictionary, [=](auto& it) { it.removeObjectForKey(b); }),
+      walked(indexes, [](auto& it) { it.addIndex(4); }),
+      walked(indexes, [](auto& it) { it.removeIndex(2); }),
   };
   const auto table = NSMapTable::strongToStrongObjectsMapTable();
   table->setObject_forKey(a, b);
-  rows.push_back(walked<NSMapTable>("NSMapTable", table, [](auto& it) { it.removeAllObjects(); }));
+  rows.push_back(walked(table, [](auto& it) { it.removeAllObjects(); }));
   const auto pointers = NSMake<NSPointerArray>();
   pointers->addPointer(nullptr);
-  rows.push_back(
-      walked<NSPointerArray>("NSPointerArray", pointers, [](auto& it) { it.addPointer(&it); }));
+  rows.push_back(walked(pointers, [](auto& it) { it.addPointer(&it); }));
   return rows;
 }
 

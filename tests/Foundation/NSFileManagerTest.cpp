@@ -2,8 +2,6 @@
 
 #include <sys/stat.h>
 
-namespace fs = std::filesystem;
-
 namespace {
 
 // How an error that comes from `errno` looks: code and number behind it.
@@ -56,27 +54,24 @@ TEST(NSFileManager, MakesDirectories) {
   umask(former);
   EXPECT_EQ(static_cast<unsigned>(fs::status(folder / "m").permissions()), 0750U);
   NSRef<NSError> error;
-  const auto attributes = NSFileManager::defaultManager()->attributesOfItemAtPath_error(
-      NSMake<NSString>((folder / "m/n").native()), &error);
-  EXPECT_EQ(attributes->objectForKey(NSFileType()), NSFileTypeDirectory());
-  EXPECT_EQ(NSFileManager::defaultManager()
-                ->attributesOfItemAtPath_error(u"/dev/null"_ns, &error)
-                ->objectForKey(NSFileType()),
-            NSFileTypeUnknown());
-  EXPECT_EQ(attributes->objectForKey(NSFilePosixPermissions()).as<NSNumber>()->intValue(), 0702);
-
-  fs::create_symlink("nowhere", folder / "link");
-  const auto typeOf = [&](const char* name) {
-    const auto found = NSFileManager::defaultManager()->attributesOfItemAtPath_error(
-        NSMake<NSString>((folder / name).native()), &error);
-    return found ? found->objectForKey(NSFileType()) : nullptr;
+  const auto attributesOf = [&](const fs::path& path) {
+    return NSFileManager::defaultManager()->attributesOfItemAtPath_error(
+        NSMake<NSString>(path.native()), &error);
   };
-  EXPECT_EQ(typeOf("link"), NSFileTypeSymbolicLink());
+  const auto typeOf = [&](const fs::path& path) {
+    return attributesOf(path)->objectForKey(NSFileType());
+  };
+  fs::create_symlink("nowhere", folder / "link");
+  EXPECT_EQ(typeOf(folder / "m/n"), NSFileTypeDirectory());
+  EXPECT_EQ(typeOf("/dev/null"), NSFileTypeUnknown());
+  EXPECT_EQ(typeOf(folder / "link"), NSFileTypeSymbolicLink());
+  const auto permissions = attributesOf(folder / "m/n")->objectForKey(NSFilePosixPermissions());
+  EXPECT_EQ(permissions.as<NSNumber>()->intValue(), 0702);
   EXPECT_FALSE(error);
   EXPECT_FALSE(NSFileManager::defaultManager()->attributesOfItemAtPath_error(
       NSMake<NSString>(std::u16string_view(u"/\xD800")), &error));
   EXPECT_EQ(codesOf(error), codes(NSFileReadInvalidFileNameError, 0));
-  EXPECT_FALSE(typeOf("none"));
+  EXPECT_FALSE(attributesOf(folder / "none"));
   EXPECT_EQ(codesOf(error), codes(NSFileReadNoSuchFileError, ENOENT));
   const auto text = error->description()->utf8();
   EXPECT_EQ(text, "NSCocoaErrorDomain 260: No such file or directory (" +

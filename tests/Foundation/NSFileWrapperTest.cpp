@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-namespace fs = std::filesystem;
-
 namespace {
 
 NSRef<NSFileWrapper> file(std::string_view bytes, const char* name = nullptr) {
@@ -36,6 +34,10 @@ NSRef<NSFileWrapper> read(const fs::path& path, NSInteger* code = nullptr) {
   EXPECT_EQ(!wrapper, error != nullptr);
   if (code != nullptr) *code = error ? error->code() : 0;
   return wrapper;
+}
+
+NSRef<NSFileWrapper> childOf(const NSRef<NSFileWrapper>& wrapper, const NSRef<NSString>& name) {
+  return wrapper->fileWrappers()->objectForKey(name).as<NSFileWrapper>();
 }
 
 bool areSame(const NSRef<NSFileWrapper>& a, const NSRef<NSFileWrapper>& b) {
@@ -112,15 +114,10 @@ TEST(NSFileWrapper, SavesAndLoadsADocument) {
   const auto loaded = read(place);
   EXPECT_TRUE(areSame(document, loaded));
   EXPECT_TRUE(loaded->preferredFilename() == u"document");
-  EXPECT_TRUE(loaded->fileWrappers()
-                  ->objectForKey(u"empty"_ns)
-                  .as<NSFileWrapper>()
-                  ->fileAttributes()
-                  ->isEqual(empty->fileAttributes()));
+  EXPECT_TRUE(childOf(loaded, u"empty"_ns)->fileAttributes()->isEqual(empty->fileAttributes()));
 
   // In its own place, shorter and with a new file; nothing of the old one or of the saving is left.
-  loaded->removeFileWrapper(
-      loaded->fileWrappers()->objectForKey(u"part ü3"_ns).as<NSFileWrapper>());
+  loaded->removeFileWrapper(childOf(loaded, u"part ü3"_ns));
   loaded->addFileWrapper(file("new", "cover"));
   EXPECT_EQ(write(loaded, place), 0);
   EXPECT_TRUE(areSame(loaded, read(place)));
@@ -161,20 +158,20 @@ TEST(NSFileWrapper, RefusesWhatNoFileCanBe) {
   EXPECT_EQ(write(file("x"), "/"), NSFileWriteUnknownError);
   EXPECT_TRUE(namesIn(folder.path()).empty());
 
-  NSInteger code = 0;
-  EXPECT_FALSE(read(folder / "none", &code));
-  EXPECT_EQ(code, NSFileReadNoSuchFileError);
+  const auto refuses = [](const fs::path& path, NSInteger expected) {
+    NSInteger code = 0;
+    EXPECT_FALSE(read(path, &code));
+    EXPECT_EQ(code, expected);
+  };
+  refuses(folder / "none", NSFileReadNoSuchFileError);
   mkfifo((folder / "pipe").c_str(), 0600);
-  EXPECT_FALSE(read(folder.path(), &code));
-  EXPECT_EQ(code, NSFileReadUnknownError);
+  refuses(folder.path(), NSFileReadUnknownError);
   fs::remove(folder / "pipe");
   fs::create_symlink(".", folder / "link");
-  EXPECT_FALSE(read(folder.path(), &code));
-  EXPECT_EQ(code, NSFileReadUnknownError);
+  refuses(folder.path(), NSFileReadUnknownError);
   fs::remove(folder / "link");
   writeFile(folder / "\xFF", "");
-  EXPECT_FALSE(read(folder.path(), &code));
-  EXPECT_EQ(code, NSFileReadInvalidFileNameError);
+  refuses(folder.path(), NSFileReadInvalidFileNameError);
   fs::remove(folder / "\xFF");
   EXPECT_EQ(read("/proc/version")->regularFileContents()->view(), contentsOf("/proc/version"));
   EXPECT_TRUE(read("/proc/self/../version")->filename() == u"version");
@@ -248,10 +245,9 @@ TEST(NSFileWrapper, WritesWhatItsOwnerMayNotChange) {
     const auto locked = directory({directory({file("x", "a")}, "in")}, "locked");
     const auto mode = NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0500)}});
     locked->setFileAttributes(mode);
-    locked->fileWrappers()->objectForKey(u"in"_ns).as<NSFileWrapper>()->setFileAttributes(mode);
+    childOf(locked, u"in"_ns)->setFileAttributes(mode);
     const auto document = directory({locked});
-    EXPECT_EQ(write(document, folder / "document"), 0);
-    EXPECT_EQ(write(document, folder / "document"), 0);
+    for (int k = 0; k < 2; ++k) EXPECT_EQ(write(document, folder / "document"), 0);
     EXPECT_EQ(write(locked, folder / "copy"), 0);
     EXPECT_EQ(write(read(folder / "copy"), folder / "copy"), 0);
     EXPECT_EQ(fs::status(folder / "copy").permissions(), fs::perms{0500});
@@ -296,7 +292,7 @@ TEST(NSFileWrapper, IsReadWholeWhileItIsWritten) {
         EXPECT_EQ(code, NSFileReadNoSuchFileError);
         continue;
       }
-      const auto text = found->fileWrappers()->objectForKey(u"a"_ns).as<NSFileWrapper>();
+      const auto text = childOf(found, u"a"_ns);
       const int number = std::stoi(std::string(text->regularFileContents()->view()));
       EXPECT_TRUE(areSame(found, version(number)));
     }

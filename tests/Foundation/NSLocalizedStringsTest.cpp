@@ -1,12 +1,6 @@
-#include "tests/Support.h"
+#include "tests/Files.h"
 
-#include <filesystem>
-#include <fstream>
 #include <map>
-
-#include <unistd.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 

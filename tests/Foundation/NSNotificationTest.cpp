@@ -50,15 +50,10 @@ TEST(NSNotificationCenter, CallsThoseWhoAskedForIt) {
   const auto anyA = observe('2', nullptr, a);
   const auto anyChanged = observe('3', NSMake<NSString>("Changed"), nullptr);
   const auto changedAgain = observe('4', changed, a);
-  struct Row {
-    NSRef<NSString> name;
-    NSRef<NSObject> object;
-    std::string expected;
-  };
-  const auto expectCalls = [&](std::initializer_list<Row> rows) {
-    for (const Row& row : rows) {
-      centre->postNotificationName_object(row.name, row.object);
-      EXPECT_EQ(std::exchange(calls, ""), row.expected);
+  const auto expectCalls = [&](const Rows<NSRef<NSString>, NSRef<NSObject>, std::string>& rows) {
+    for (const auto& [name, object, expected] : rows) {
+      centre->postNotificationName_object(name, object);
+      EXPECT_EQ(std::exchange(calls, ""), expected);
     }
   };
   expectCalls({{changed, a, "*1234"},
@@ -124,48 +119,47 @@ TEST(NSNotificationCenter, HoldsAndLetsGo) {
 }
 
 TEST(NSNotificationQueue, PostsAtItsOccasions) {
+  const auto centre = NSNotificationCenter::defaultCenter();
+  const auto observe = [&](const NSRef<NSString>& name, const auto& block) {
+    return centre->addObserverForName_object_queue_usingBlock(name, nullptr, nullptr, block);
+  };
   Witness witness;
   const auto loop = NSRunLoop::currentRunLoop();
   const auto queue = NSNotificationQueue::defaultQueue();
-  enqueueNotificationName_object_postingStyle(queue, u"idle"_ns, nullptr, NSPostWhenIdle);
-  enqueueNotificationName_object_postingStyle(queue, u"soon"_ns, nullptr, NSPostASAP);
-  enqueueNotificationName_object_postingStyle(queue, u"now"_ns, nullptr, NSPostNow);
+  const auto enqueue = [&](const NSRef<NSString>& name, NSPostingStyle style) {
+    enqueueNotificationName_object_postingStyle(queue, name, nullptr, style);
+  };
+  enqueue(u"idle"_ns, NSPostWhenIdle);
+  enqueue(u"soon"_ns, NSPostASAP);
+  enqueue(u"now"_ns, NSPostNow);
   EXPECT_EQ(witness.names(), "now ");
   // At the end of the pass; what is queued by an observer waits for the next one.
-  const auto observer =
-      NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
-          u"soon"_ns, nullptr, nullptr, [&] {
-            enqueueNotificationName_object_postingStyle(queue, u"next"_ns, nullptr, NSPostASAP);
-          });
+  const auto observer = observe(u"soon"_ns, [&] { enqueue(u"next"_ns, NSPostASAP); });
   loop->performBlock([&] { EXPECT_EQ(witness.names(), ""); });
   firePendingNotifications(queue);
   EXPECT_EQ(witness.names(), "soon ");
   firePendingNotifications(queue);
   EXPECT_EQ(witness.names(), "next ");
   // Idle ones before it waits, not as long as there is something to do.
-  enqueueNotificationName_object_postingStyle(queue, u"soon"_ns, nullptr, NSPostASAP);
+  enqueue(u"soon"_ns, NSPostASAP);
   EXPECT_EQ(loop->performPass(), std::chrono::nanoseconds::zero());
   EXPECT_EQ(witness.names(), "soon ");
   EXPECT_EQ(loop->performPass(), std::chrono::nanoseconds::zero());
   EXPECT_EQ(witness.names(), "next idle ");
   EXPECT_EQ(loop->performPass(), std::nullopt);
-  enqueueNotificationName_object_postingStyle(queue, u"idle"_ns, nullptr, NSPostWhenIdle);
-  const auto stopping =
-      NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
-          u"idle"_ns, nullptr, nullptr, [&] { loop->stop(); });
+  enqueue(u"idle"_ns, NSPostWhenIdle);
+  const auto stopping = observe(u"idle"_ns, [&] { loop->stop(); });
   loop->run();
   EXPECT_EQ(witness.names(), "idle ");
-  NSNotificationCenter::defaultCenter()->removeObserver(observer);
-  NSNotificationCenter::defaultCenter()->removeObserver(stopping);
+  centre->removeObserver(observer);
+  centre->removeObserver(stopping);
 
   // Idle work that asks for more of it, and a delayed request that comes first.
   int left = 3;
-  const auto working =
-      NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
-          u"work"_ns, nullptr, nullptr, [&](const NSRef<NSNotification>& notification) {
-            if (--left > 0) queue->enqueueNotification_postingStyle(notification, NSPostWhenIdle);
-          });
-  enqueueNotificationName_object_postingStyle(queue, u"work"_ns, nullptr, NSPostWhenIdle);
+  const auto working = observe(u"work"_ns, [&](const NSRef<NSNotification>& notification) {
+    if (--left > 0) queue->enqueueNotification_postingStyle(notification, NSPostWhenIdle);
+  });
+  enqueue(u"work"_ns, NSPostWhenIdle);
   loop->performBlock([&] {
     performBlock_afterDelay(
         queue, [&] { EXPECT_EQ(left, 3); }, 0);
@@ -175,7 +169,7 @@ TEST(NSNotificationQueue, PostsAtItsOccasions) {
   while (loop->performPass()) {
   }
   EXPECT_EQ(left, 0);
-  NSNotificationCenter::defaultCenter()->removeObserver(working);
+  centre->removeObserver(working);
 }
 
 TEST(NSNotificationQueue, CoalescesAsAListWould) {

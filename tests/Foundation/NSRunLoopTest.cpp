@@ -129,9 +129,7 @@ TEST(NSRunLoop, DelaysAndCancelsAsAListWould) {
     int now = 0;
     const auto steps = *rc::gen::container<std::vector<std::tuple<int, int>>>(
         rc::gen::tuple(rc::gen::inRange(0, 8), rc::gen::inRange(0, 4)));
-    for (const auto& step : steps) {
-      const int what = std::get<0>(step);
-      const int value = std::get<1>(step);
+    for (const auto& [what, value] : steps) {
       if (what < 4) {
         const bool isTracked = what == 0;
         target->performSelector_withObject_afterDelay_inModes(
@@ -441,19 +439,13 @@ TEST(NSRunLoop, RefusesWhatItCannotDo) {
 }
 
 TEST(NSRunLoopDeathTest, AnExceptionEndsTheProgram) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const bool waits : {false, true}) {
-    const auto run = [&] {
+    expectToEndTheProgram("NSInvalidArgumentException: NSString does not respond to 'note:'", [&] {
       const LoopThread thread;
-      try {
-        u"text"_ns->performSelector_onThread_withObject_waitUntilDone(noting, thread.get(), nullptr,
-                                                                      waits);
-        thread.get()->runLoop()->postAndWait(NSWork([] {}), nullptr);
-      } catch (const NSException&) {
-        std::_Exit(0);
-      }
-    };
-    EXPECT_DEATH(run(), "NSInvalidArgumentException: NSString does not respond to 'note:'");
+      u"text"_ns->performSelector_onThread_withObject_waitUntilDone(noting, thread.get(), nullptr,
+                                                                    waits);
+      thread.get()->runLoop()->postAndWait(NSWork([] {}), nullptr);
+    });
   }
   const auto raise = [] { NSException::raise(NSRangeException, "beyond"); };
   const auto loop = NSRunLoop::currentRunLoop();
@@ -469,15 +461,10 @@ TEST(NSRunLoopDeathTest, AnExceptionEndsTheProgram) {
       },
   };
   for (const auto& way : ways) {
-    const auto run = [&] {
+    expectToEndTheProgram("NSRangeException: beyond", [&] {
       way();
-      try {
-        loop->run();
-      } catch (const NSException&) {
-        std::_Exit(0);
-      }
-    };
-    EXPECT_DEATH(run(), "NSRangeException: beyond");
+      loop->run();
+    });
   }
 }
 

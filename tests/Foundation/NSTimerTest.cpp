@@ -9,16 +9,12 @@ TEST(NSTimer, KeepsToItsMultiples) {
   int count = 0;
   const auto timer =
       NSTimer::scheduledTimerWithTimeInterval_repeats_block(1s, true, [&] { ++count; });
-  struct Step {
-    std::chrono::milliseconds advance;
-    int expected;
-  };
   // At 0.9, 1.0, 1.9, 5.5 (several missed, one firing), 5.9, 6.0 and again 6.0 seconds.
-  for (const Step& step :
-       {Step{900ms, 0}, {100ms, 1}, {900ms, 1}, {3600ms, 2}, {400ms, 2}, {100ms, 3}, {0ms, 3}}) {
-    clock.advance(step.advance);
+  for (const auto& [advance, expected] : Rows<std::chrono::milliseconds, int>{
+           {900ms, 0}, {100ms, 1}, {900ms, 1}, {3600ms, 2}, {400ms, 2}, {100ms, 3}, {0ms, 3}}) {
+    clock.advance(advance);
     makePass();
-    EXPECT_EQ(count, step.expected);
+    EXPECT_EQ(count, expected);
   }
   timer->fire();
   EXPECT_EQ(count, 4);
@@ -113,25 +109,19 @@ TEST(NSTimer, RefusesWhatItCannotDo) {
 }
 
 TEST(NSDelay, TakesSecondsAndDurations) {
-  const auto longest = NSDelay::longest;
-  for (const auto& [delay, expected] : Rows<NSDelay, std::chrono::nanoseconds>{
-           {0, 0ns},
-           {1.5, 1500ms},
-           {1e-10, 1ns},
-           {-1, 0ns},
-           {-0.0, 0ns},
-           {std::nan(""), 0ns},
-           {HUGE_VAL, longest},
-           {-HUGE_VAL, 0ns},
-           {1e300, longest},
-           {250ms, 250ms},
-           {-5s, 0ns},
-           {123'456'789'012'345'678ns, 123'456'789'012'345'678ns},
-           {std::chrono::hours(24 * 365 * 1000), longest},
-           {std::chrono::nanoseconds::max(), longest},
-           {std::chrono::duration<double, std::milli>(0.25), 250us}}) {
-    EXPECT_EQ(delay.duration(), expected);
+  for (const NSDelay none : {NSDelay(0), NSDelay(-1), NSDelay(-0.0), NSDelay(std::nan("")),
+                             NSDelay(-HUGE_VAL), NSDelay(-5s)}) {
+    EXPECT_EQ(none.duration(), 0ns);
   }
+  for (const NSDelay endless : {NSDelay(HUGE_VAL), NSDelay(1e300), NSDelay(24h * 365 * 1000),
+                                NSDelay(std::chrono::nanoseconds::max())}) {
+    EXPECT_EQ(endless.duration(), NSDelay::longest);
+  }
+  EXPECT_EQ(NSDelay(1.5).duration(), 1500ms);
+  EXPECT_EQ(NSDelay(1e-10).duration(), 1ns);
+  EXPECT_EQ(NSDelay(250ms).duration(), 250ms);
+  EXPECT_EQ(NSDelay(123'456'789'012'345'678ns).duration(), 123'456'789'012'345'678ns);
+  EXPECT_EQ(NSDelay(std::chrono::duration<double, std::milli>(0.25)).duration(), 250us);
 }
 
 TEST(NSDate, IsAPointInTime) {

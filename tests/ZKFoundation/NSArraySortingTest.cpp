@@ -96,7 +96,7 @@ TEST(NSArraySorting, LooksWhereAModelLooksInEveryShortArray) {
                       array, object, compareAndNote, &looked) != place;
       mistakes += looked != modelLooked;
       mistakes += indexWhereObjectWouldBelong_inArraySortedUsingSelector(array, object,
-                                                                         &Card::compare) != place;
+                                                                         &Card::order) != place;
       const auto less = [](int a, int b) { return a <=> b; };
       mistakes += indexWhereObjectWouldBelong_inArraySortedUsingFunction(
                       std::deque<int>(keys.begin(), keys.end()), key, less) != place;
@@ -133,25 +133,6 @@ TEST(NSArraySorting, FindsEveryVeryObjectInEverySortedArray) {
     }
   });
   EXPECT_EQ(mistakes, 0);
-}
-
-TEST(NSArraySorting, GivesThePlacesThatAreTold) {
-  const Rows<std::vector<int>, int, NSUInteger> rows = {{{}, 1, 0},
-                                                        {{1, 3, 5}, 4, 2},
-                                                        {{1, 3, 5}, 0, 0},
-                                                        {{1, 3, 5}, 6, 3},
-                                                        {{1, 1, 1, 1, 1}, 1, 4},
-                                                        {{0, 1, 1, 1, 2}, 1, 2},
-                                                        {{1, 1}, 1, 1},
-                                                        {{1, 1, 1}, 1, 2},
-                                                        {std::vector<int>(7, 1), 1, 4},
-                                                        {std::vector<int>(8, 1), 1, 4}};
-  for (const auto& [keys, key, place] : rows) {
-    EXPECT_EQ(indexWhereObjectWouldBelong_inArraySortedUsingSelector(
-                  cards(keys), NSMake<Card>(alive, key), &Card::order),
-              place)
-        << key << " among " << testing::PrintToString(keys);
-  }
 }
 
 TEST(NSArraySorting, LooksOneElementPastTheRunForTheVeryObject) {

@@ -24,10 +24,7 @@ Polygon overUnitInterval(std::array<double, 6> heights, double unit = 1) {
 // Cubics and points of every kind, with coordinates drawn alike for a whole case.
 class Cases {
  public:
-  struct Case {
-    Cubic curve;
-    NSPoint point;
-  };
+  using Case = std::pair<Cubic, NSPoint>;
 
   Case next() {
     const auto kind = draw(8);

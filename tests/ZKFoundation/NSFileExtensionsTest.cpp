@@ -2,7 +2,6 @@
 
 #include <ZKFoundation/ZKFoundation.h>
 
-namespace fs = std::filesystem;
 using namespace ZKFoundationExtensions;
 
 namespace {

@@ -106,12 +106,9 @@ struct GrowingItem : ZKLocaleEntity {
 };
 
 TEST(ZKLocaleEntity, NoticesAListThatChanges) {
-  try {
+  expectRaises(NSGenericException, "NSMutableArray was mutated while being enumerated", [] {
     ZKLocaleEntity::entitiesForLocaleIdentifiers<GrowingItem>(GrowingItem::identifiers());
-    ADD_FAILURE() << "nothing raised";
-  } catch (const NSException& exception) {
-    EXPECT_TRUE(exception.name() == NSGenericException);
-  }
+  });
 }
 
 TEST(ZKLocaleEntity, ChangesItsLocaleOnAnyThread) {

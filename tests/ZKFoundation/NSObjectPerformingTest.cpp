@@ -183,18 +183,17 @@ TEST(NSObjectPerforming, RunsBlocksOnQueues) {
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
   auto editor = NSMake<Editor>(alive);
   for (const bool waits : {true, false}) {
+    const auto perform = [&](const auto& block) {
+      performBlock_onQueue_waitUntilDone(editor, block, queue, waits);
+    };
     // With the receiver by its type, as an object or not at all.
-    performBlock_onQueue_waitUntilDone(
-        editor, [](Editor& target) { ++target.edits; }, queue, waits);
-    performBlock_onQueue_waitUntilDone(
-        editor, [](const NSRef<Editor>& target) { ++target->edits; }, queue, waits);
-    performBlock_onQueue_waitUntilDone(
-        editor, [&] { ++editor->edits; }, queue, waits);
-    performBlock_onQueue_waitUntilDone(
-        editor, NSMakeBlock<Editor>([](Editor& target) { ++target.edits; }), queue, waits);
+    perform([](Editor& target) { ++target.edits; });
+    perform([](const NSRef<Editor>& target) { ++target->edits; });
+    perform([&] { ++editor->edits; });
+    perform(NSMakeBlock<Editor>([](Editor& target) { ++target.edits; }));
     // Nil blocks take their turn and do nothing.
-    performBlock_onQueue_waitUntilDone(editor, std::function<void(Editor&)>(), queue, waits);
-    performBlock_onQueue_waitUntilDone(editor, NSRef<NSBlock>(), queue, waits);
+    perform(std::function<void(Editor&)>());
+    perform(NSRef<NSBlock>());
     dispatch_sync(queue, [&] { EXPECT_EQ(editor->edits, waits ? 4 : 8); });
   }
 
@@ -271,18 +270,15 @@ TEST(NSObjectPerforming, LeavesWhatItIsGivenToTheRequest) {
   const auto modes = NSMake<NSArray>({NSDefaultRunLoopMode()});
   std::jthread([&] {
     const auto bound = [&] { return NSMake<Bound>(deaths, std::this_thread::get_id(), strays); };
+    const auto block = [&] { return [held = bound()] {}; };
     for (int k = 0; k < each; ++k) {
-      performBlockOnMainThread(queue, [held = bound()] {});
-      performBlockOnMainThread(queue, NSMakeBlock<NSObject>([held = bound()] {}));
-      performBlockOnMainThread_waitUntilDone(
-          queue, [held = bound()] {}, false);
-      performBlockOnMainThread_waitUntilDone_modes(
-          queue, [held = bound()] {}, false, modes);
-      performBlock_onThread_waitUntilDone(
-          queue, [held = bound()] {}, thread.get(), false);
-      performBlock_onQueue_waitUntilDone(
-          queue, [held = bound()] {}, queue, false);
-      performBlockInBackground(queue, [held = bound()] {});
+      performBlockOnMainThread(queue, block());
+      performBlockOnMainThread(queue, NSMakeBlock<NSObject>(block()));
+      performBlockOnMainThread_waitUntilDone(queue, block(), false);
+      performBlockOnMainThread_waitUntilDone_modes(queue, block(), false, modes);
+      performBlock_onThread_waitUntilDone(queue, block(), thread.get(), false);
+      performBlock_onQueue_waitUntilDone(queue, block(), queue, false);
+      performBlockInBackground(queue, block());
       enqueueNotificationInMainThread_postingStyle(
           NSNotification::notificationWithName_object(u"Changed"_ns, bound()), NSPostNow);
     }

@@ -13,11 +13,7 @@ using namespace ZKFoundationExtensions;
 
 namespace {
 
-struct ConstantRow {
-  const NSRef<NSString>& (*operation)();
-  std::u16string_view text;
-};
-constexpr std::array<ConstantRow, 8> constantRows{{
+const Rows<const NSRef<NSString>& (*)(), std::u16string_view> constantRows = {
     {horizontalEllipsisString, u"…"},
     {leftPointingDoubleAngleQuotationMarkString, u"«"},
     {rightPointingDoubleAngleQuotationMarkString, u"»"},
@@ -26,7 +22,7 @@ constexpr std::array<ConstantRow, 8> constantRows{{
     {commandKeyIndicatorString, u"⌘"},
     {alternateKeyIndicatorString, u"⌥"},
     {shiftKeyIndicatorString, u"⇧"},
-}};
+};
 
 // Runs in a process of its own under ctest, so these are the first calls.
 TEST(NSStringExtensions, ConstantsAreOneObjectForAllThreads) {
@@ -34,7 +30,7 @@ TEST(NSStringExtensions, ConstantsAreOneObjectForAllThreads) {
   std::set<const NSString*> seen;
   onThreads(8, [&] {
     for (const auto& row : constantRows) {
-      const auto& constant = row.operation();
+      const auto& constant = std::get<0>(row)();
       const std::lock_guard lock(mutex);
       seen.insert(constant.get());
     }

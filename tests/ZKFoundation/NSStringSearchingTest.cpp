@@ -110,7 +110,7 @@ TEST(NSStringSearch, KnowsComposedCharacters) {
   EXPECT_TRUE(stringByRemovingString(u"aae\u0301a"_ns, u"a"_ns) == u"e\u0301");
   expectRaises(NSRangeException,
                "range {1, 3} beyond bounds [0, 3) (in 'rangeOfString:options:range:')",
-               [] { (void)u"abc"_ns->rangeOfString_options_range(u"a"_ns, 0, NSRange(1, 3)); });
+               [] { (void)u"abc"_ns->rangeOfString_options_range(u"a"_ns, 0, NSMakeRange(1, 3)); });
 }
 
 TEST(NSStringSearch, FindsBehindLongTextsOfOtherKinds) {
@@ -193,11 +193,11 @@ TEST(NSStringSearching, FindsOutsideOfTheSelection) {
   }
   EXPECT_EQ(findString_selectedRange_options_wrap(u"ab"_ns, nullptr, {0, 0}, 0, true),
             NSNotFoundRange);
-  expectRaises(NSRangeException,
-               "range {1, 2} beyond bounds [0, 2) (in 'findString:selectedRange:options:wrap:')",
-               [] {
-                 (void)findString_selectedRange_options_wrap(u"ab"_ns, u"a"_ns, {1, 2}, 0, true);
-               });
+  expectRaises(
+      NSRangeException,
+      "range {1, 2} beyond bounds [0, 2) (in 'findString:selectedRange:options:wrap:')", [] {
+        (void)findString_selectedRange_options_wrap(u"ab"_ns, u"a"_ns, NSMakeRange(1, 2), 0, true);
+      });
 }
 
 TEST(NSStringSearching, JudgesMatchesByTheirWords) {
@@ -402,7 +402,7 @@ TEST(NSStringSearching, NormalizesAndKeepsTheSelection) {
   EXPECT_EQ(selection, (NSRange{0, 1}));
   const auto refused = [&](std::u16string_view name, const std::string& reason, NSRange* selected) {
     expectRaises(name, reason + " (in 'normalizedSubStringWithRange:selectedRange:')", [&] {
-      (void)normalizedSubStringWithRange_selectedRange(tagged, NSRange(1, 2), selected);
+      (void)normalizedSubStringWithRange_selectedRange(tagged, NSMakeRange(1, 2), selected);
     });
   };
   selection = {0, 2};

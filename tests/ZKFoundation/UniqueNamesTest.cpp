@@ -116,21 +116,17 @@ TEST(UniqueNames, OfFileWrappers) {
     EXPECT_TRUE(child->preferredFilename()->isEqualToString(key));
     return key->utf8();
   };
-  for (const auto& [name, result] : Rows<const char*, const char*>{{"a.txt", "a.txt"},
-                                                                   {"a.txt", "a 2.txt"},
-                                                                   {"a.txt", "a 2 3.txt"},
-                                                                   {"a.txt", "a 2 3 4.txt"},
-                                                                   {"a 2.txt", "a 2 2.txt"},
-                                                                   {"A.txt", "A.txt"},
-                                                                   {"a", "a"},
-                                                                   {"a", "a 2"},
-                                                                   {"a", "a 2 3"},
-                                                                   {".a", ".a"},
-                                                                   {".a", ".a 2"},
-                                                                   {nullptr, "Untitled"},
-                                                                   {"", "Untitled 2"},
-                                                                   {nullptr, "Untitled 2 3"}}) {
-    EXPECT_EQ(add(name), result);
+  for (const auto& [name, results] : Rows<const char*, std::vector<const char*>>{
+           {"a.txt", {"a.txt", "a 2.txt", "a 2 3.txt", "a 2 3 4.txt"}},
+           {"a 2.txt", {"a 2 2.txt"}},
+           {"A.txt", {"A.txt"}},
+           {"a", {"a", "a 2", "a 2 3"}},
+           {".a", {".a", ".a 2"}},
+           {nullptr, {"Untitled"}},
+           {"", {"Untitled 2"}},
+           {nullptr, {"Untitled 2 3"}},
+       }) {
+    for (const char* const result : results) EXPECT_EQ(add(name), result);
   }
 }
 
