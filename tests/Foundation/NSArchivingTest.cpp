@@ -58,7 +58,7 @@ class Archiving : public testing::Test {
 
 NSRef<NSMutableArray> everything() {
   const auto shared = NSMake<NSMutableString>("geändert 😀");
-  const auto all = NSMake<NSMutableArray>(
+  auto all = NSMake<NSMutableArray>(
       {u""_ns, u"Größe 😀"_ns, shared, shared, NSMake<NSNumber>(true), NSMake<NSNumber>(false),
        NSMake<NSNumber>(-5), NSMake<NSNumber>(NSIntegerMax), NSMake<NSNumber>(NSIntegerMin),
        NSMake<NSNumber>(NSUIntegerMax), NSMake<NSNumber>(0.1), NSMake<NSNumber>(1e300),

@@ -260,8 +260,8 @@ struct Bound : Farewell {
 };
 
 TEST(NSObjectPerforming, LeavesWhatItIsGivenToTheRequest) {
-  constexpr int each = 200;
-  constexpr int ways = 8;
+  constexpr std::ptrdiff_t each = 200;
+  constexpr std::ptrdiff_t ways = 8;
   std::latch deaths(each * ways);
   std::atomic<int> strays = 0;
   const LoopThread thread;
@@ -271,7 +271,7 @@ TEST(NSObjectPerforming, LeavesWhatItIsGivenToTheRequest) {
   std::jthread([&] {
     const auto bound = [&] { return NSMake<Bound>(deaths, std::this_thread::get_id(), strays); };
     const auto block = [&] { return [held = bound()] {}; };
-    for (int k = 0; k < each; ++k) {
+    for (std::ptrdiff_t k = 0; k < each; ++k) {
       performBlockOnMainThread(queue, block());
       performBlockOnMainThread(queue, NSMakeBlock<NSObject>(block()));
       performBlockOnMainThread_waitUntilDone(queue, block(), false);
