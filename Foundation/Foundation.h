@@ -54,5 +54,4 @@
 #include <Foundation/NSUnicode.h>
 #include <Foundation/NSUnitBuffer.h>
 #include <Foundation/NSValue.h>
-#include <Foundation/NSWork.h>
 #include <Foundation/dispatch.h>

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include <Foundation/NSBlock.h>
-#include <Foundation/NSElements.h>
-#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/detail/Enumeration.h>
+#include <Foundation/detail/ObjectVector.h>
 
 class NSMutableArray;
 class NSPredicate;
@@ -25,7 +25,7 @@ class NS_EXPORT NSArray : public NSObject {
   explicit NSArray(std::span<const NSRef<NSObject>> elements);
   explicit NSArray(std::vector<NSRef<NSObject>>&& elements);
   /// Of elements that are known not to be nil.
-  explicit NSArray(NSElements elements) noexcept : _elements(std::move(elements)) {}
+  explicit NSArray(NSObjectVector elements) noexcept : _elements(std::move(elements)) {}
 
   NSUInteger count() const noexcept { return _elements.size(); }
   NSRef<NSObject> objectAtIndex(NSUInteger index) const;
@@ -55,7 +55,7 @@ class NS_EXPORT NSArray : public NSObject {
   /// The elements in place; valid until the array changes.
   std::span<const NSRef<NSObject>> objects() const noexcept { return _elements.view(); }
   /// The same, to be kept while the array may change: it goes on as it was.
-  const NSElements& elements() const noexcept { return _elements; }
+  const NSObjectVector& elements() const noexcept { return _elements; }
   /// Range-for. One that steps on in an array which has changed raises `NSGenericException`; the
   /// element at hand stays valid.
   auto begin() const noexcept { return NSEnumeration(_elements, {self(), _mutations}); }
@@ -79,14 +79,14 @@ class NS_EXPORT NSArray : public NSObject {
 
  protected:
   /// The elements, which are about to be changed.
-  NSElements& changing() noexcept {
+  NSObjectVector& changing() noexcept {
     ++_mutations;
     return _elements;
   }
   void reserveElements(std::size_t count) { _elements.reserve(count); }
 
  private:
-  NSElements _elements;
+  NSObjectVector _elements;
   NSMutationCount _mutations;
 };
 
@@ -101,7 +101,7 @@ class NS_EXPORT NSMutableArray : public NSArray {
   void addObjectsFromArray(const NSRef<NSArray>& other);
   void insertObject_atIndex(const NSRef<NSObject>& anObject, NSUInteger index);
   /// Inserts them one behind the other.
-  void insertElements_atIndex(NSElements elements, NSUInteger index);
+  void insertElements_atIndex(NSObjectVector elements, NSUInteger index);
   void replaceObjectAtIndex_withObject(NSUInteger index, const NSRef<NSObject>& anObject);
   void removeObjectAtIndex(NSUInteger index);
   /// Removes every element that is equal.

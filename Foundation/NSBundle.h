@@ -7,7 +7,7 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
-class NSLocalizedTables;
+class NSLocalizedStrings;
 class NSString;
 
 /// A program or shared library with its resources. There is one bundle for each, which lives as
@@ -58,5 +58,5 @@ class NS_EXPORT NSBundle : public NSObject {
   static NSRef<NSBundle> bundleForFile(const std::filesystem::path& file, const void* address);
 
   std::filesystem::path _executable;
-  std::unique_ptr<NSLocalizedTables> _tables;
+  std::unique_ptr<NSLocalizedStrings> _tables;
 };

@@ -4,10 +4,10 @@
 #include <utility>
 
 #include <Foundation/NSBlock.h>
-#include <Foundation/NSEntries.h>
-#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/detail/Enumeration.h>
+#include <Foundation/detail/ObjectMap.h>
 
 class NSArray;
 class NSMutableDictionary;
@@ -58,12 +58,12 @@ class NS_EXPORT NSDictionary : public NSObject {
   NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
-  NSEntries& entries() noexcept { return _entries; }
+  NSObjectMap& entries() noexcept { return _entries; }
   void setEntry(const char* operation, const NSRef<NSObject>& anObject,
                 const NSRef<NSObject>& aKey);
 
  private:
-  NSEntries _entries;
+  NSObjectMap _entries;
 };
 
 /// A dictionary that may be changed. Belongs to one thread at a time. A change that raises leaves

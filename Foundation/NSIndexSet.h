@@ -8,9 +8,9 @@
 
 #include <Foundation/NSBlock.h>
 #include <Foundation/NSExport.h>
-#include <Foundation/NSMutationCheck.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSRange.h>
+#include <Foundation/detail/MutationCheck.h>
 
 class NSMutableIndexSet;
 class NSString;

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <Foundation/NSEntries.h>
-#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/detail/Enumeration.h>
+#include <Foundation/detail/ObjectMap.h>
 
 class NSArray;
 class NSString;
@@ -44,5 +44,5 @@ class NS_EXPORT NSMapTable : public NSObject {
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 
  private:
-  NSEntries _entries;
+  NSObjectMap _entries;
 };

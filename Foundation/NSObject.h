@@ -3,8 +3,8 @@
 #include <Foundation/NSClass.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSRef.h>
-#include <Foundation/NSReferenceCount.h>
 #include <Foundation/NSTypes.h>
+#include <Foundation/detail/ReferenceCount.h>
 
 class NSArray;
 class NSDelay;

@@ -4,10 +4,10 @@
 #include <span>
 
 #include <Foundation/NSBlock.h>
-#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
-#include <Foundation/NSUniqueElements.h>
+#include <Foundation/detail/Enumeration.h>
+#include <Foundation/detail/ObjectSet.h>
 
 class NSArray;
 class NSMutableOrderedSet;
@@ -27,8 +27,8 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   explicit NSOrderedSet(std::span<const NSRef<NSObject>> elements);
   /// The elements of the array; nil has none.
   explicit NSOrderedSet(const NSRef<NSArray>& array);
-  explicit NSOrderedSet(NSElements&& elements) : NSOrderedSet(elements.view()) {}
-  explicit NSOrderedSet(NSUniqueElements members) noexcept : _members(std::move(members)) {}
+  explicit NSOrderedSet(NSObjectVector&& elements) : NSOrderedSet(elements.view()) {}
+  explicit NSOrderedSet(NSObjectSet members) noexcept : _members(std::move(members)) {}
 
   NSUInteger count() const noexcept { return _members.size(); }
   NSRef<NSObject> objectAtIndex(NSUInteger index) const;
@@ -50,7 +50,7 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   /// The members in place; valid until the set changes.
   std::span<const NSRef<NSObject>> objects() const noexcept { return _members.elements().view(); }
   /// The same, to be kept while the set may change: it goes on as it was.
-  const NSElements& elements() const noexcept { return _members.elements(); }
+  const NSObjectVector& elements() const noexcept { return _members.elements(); }
   /// Range-for. One that steps on in a set which has changed raises `NSGenericException`; the
   /// element at hand stays valid.
   auto begin() const noexcept {
@@ -75,11 +75,11 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
-  NSUniqueElements& members() noexcept { return _members; }
-  const NSUniqueElements& members() const noexcept { return _members; }
+  NSObjectSet& members() noexcept { return _members; }
+  const NSObjectSet& members() const noexcept { return _members; }
 
  private:
-  NSUniqueElements _members;
+  NSObjectSet _members;
 };
 
 /// An ordered set that may be changed. Belongs to one thread at a time. A change that raises leaves

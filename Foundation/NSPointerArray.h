@@ -3,10 +3,10 @@
 #include <span>
 #include <vector>
 
-#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
-#include <Foundation/NSMutationCheck.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/detail/Enumeration.h>
+#include <Foundation/detail/MutationCheck.h>
 
 /// How a collection treats the pointers that it holds.
 using NSPointerFunctionsOptions = NSUInteger;

@@ -14,7 +14,7 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSSelector.h>
-#include <Foundation/NSWork.h>
+#include <Foundation/detail/OnceClosure.h>
 
 class NSDate;
 class NSDelay;
@@ -57,19 +57,19 @@ class NS_EXPORT NSRunLoop : public NSObject {
   template <class F>
   void performBlock(F&& block) {
     if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "performBlock:");
-    post(NSWork(std::forward<F>(block)), nullptr);
+    post(NSOnceClosure(std::forward<F>(block)), nullptr);
   }
   template <class F>
   void performInModes_block(const NSRef<NSArray>& modes, F&& block) {
     if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "performInModes:block:");
-    if (modes) post(NSWork(std::forward<F>(block)), modes);
+    if (modes) post(NSOnceClosure(std::forward<F>(block)), modes);
   }
   /// What the two lead to; nil modes are the common ones here. Work for no modes, or that comes
   /// after the thread has ended, is dropped.
-  void post(NSWork&& work, const NSRef<NSArray>& modes);
+  void post(NSOnceClosure&& work, const NSRef<NSArray>& modes);
   /// Returns when the work has run or been dropped. False, and nothing is asked for, when that
   /// would never be: on the run loop's own thread, or when that waits for the calling one.
-  bool postAndWait(NSWork&& work, const NSRef<NSArray>& modes);
+  bool postAndWait(NSOnceClosure&& work, const NSRef<NSArray>& modes);
 
   /// Adds a mode to the common set, which begins as the default mode alone.
   void addCommonMode(const NSRef<NSString>& mode);

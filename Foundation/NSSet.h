@@ -3,10 +3,10 @@
 #include <initializer_list>
 
 #include <Foundation/NSBlock.h>
-#include <Foundation/NSEnumeration.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
-#include <Foundation/NSUniqueElements.h>
+#include <Foundation/detail/Enumeration.h>
+#include <Foundation/detail/ObjectSet.h>
 
 class NSArray;
 class NSMutableSet;
@@ -26,7 +26,7 @@ class NS_EXPORT NSSet : public NSObject {
   explicit NSSet(const NSRef<NSArray>& array);
   /// The members of another set; nil has none.
   explicit NSSet(const NSRef<NSSet>& other);
-  explicit NSSet(NSUniqueElements members) noexcept : _members(std::move(members)) {}
+  explicit NSSet(NSObjectSet members) noexcept : _members(std::move(members)) {}
 
   NSUInteger count() const noexcept { return _members.size(); }
   bool containsObject(const NSRef<NSObject>& object) const { return _members.contains(object); }
@@ -67,12 +67,12 @@ class NS_EXPORT NSSet : public NSObject {
   NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
-  NSUniqueElements& members() noexcept { return _members; }
-  const NSUniqueElements& members() const noexcept { return _members; }
+  NSObjectSet& members() noexcept { return _members; }
+  const NSObjectSet& members() const noexcept { return _members; }
   void insert(const char* operation, const NSRef<NSObject>& anObject);
 
  private:
-  NSUniqueElements _members;
+  NSObjectSet _members;
 };
 
 /// A set that may be changed. Belongs to one thread at a time. A change that raises because of nil

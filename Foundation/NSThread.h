@@ -13,7 +13,7 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSSelector.h>
-#include <Foundation/NSWork.h>
+#include <Foundation/detail/OnceClosure.h>
 
 class NSRunLoop;
 
@@ -78,7 +78,7 @@ class NS_EXPORT NSThread : public NSObject {
   void finish();
   void showName() const;
 
-  std::optional<NSWork> _work;
+  std::optional<NSOnceClosure> _work;
   std::atomic<State> _state = State::ready;
   std::atomic<bool> _isCancelled = false;
   std::atomic<NSRunLoop*> _runLoop = nullptr;

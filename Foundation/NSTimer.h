@@ -52,6 +52,8 @@ class NS_EXPORT NSTimer : public NSObject {
   friend class NSRunLoop;
   class Event;
 
+  void addTo(NSRunLoop& runLoop, const NSRef<NSString>& mode);
+
   const std::chrono::nanoseconds _interval;
   const bool _repeats;
   NSRef<NSBlock> _block;

@@ -8,7 +8,7 @@
 #include <Foundation/NSException.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
-#include <Foundation/NSWork.h>
+#include <Foundation/detail/OnceClosure.h>
 
 // Queues of blocks that the process's shared threads run, or the main thread. A block is any
 // callable without arguments. An exception that leaves a block ends the program; nobody who waits
@@ -29,9 +29,9 @@ class NS_EXPORT dispatch_queue : public NSObject {
   NSRef<NSString> description() const override;
 
   /// Runs it some time. `dispatch_async` and `dispatch_sync` lead here, and tell what they raise.
-  virtual void submit(NSWork work) = 0;
+  virtual void submit(NSOnceClosure work) = 0;
   /// Returns when it has run.
-  virtual void performAndWait(NSWork work) = 0;
+  virtual void performAndWait(NSOnceClosure work) = 0;
 
  protected:
   explicit dispatch_queue(const char* label) : _label(label == nullptr ? "" : label) {}
@@ -60,7 +60,7 @@ NS_EXPORT const dispatch_queue_t& dispatch_get_main_queue();
 template <class F>
 void dispatch_async(const dispatch_queue_t& queue, F&& block) {
   if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "dispatch_async");
-  queue->submit(NSWork(std::forward<F>(block)));
+  queue->submit(NSOnceClosure(std::forward<F>(block)));
 }
 
 /// Runs the block when all that came before it on a serial queue has run, and returns when it has;
@@ -73,5 +73,5 @@ void dispatch_async(const dispatch_queue_t& queue, F&& block) {
 template <class F>
 void dispatch_sync(const dispatch_queue_t& queue, F&& block) {
   if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "dispatch_sync");
-  queue->performAndWait(NSWork([&block] { block(); }));
+  queue->performAndWait(NSOnceClosure([&block] { block(); }));
 }

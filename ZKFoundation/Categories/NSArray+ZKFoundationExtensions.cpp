@@ -1,13 +1,14 @@
-#include "Foundation/NSException.h"
-#include "Foundation/NSHashIndex.h"
-#include "Foundation/NSPredicate.h"
-#include "Foundation/NSString.h"
 #include "ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h"
-#include "ZKFoundation/Categories/ZKTransformation.h"
 
 #include <algorithm>
 #include <array>
 #include <vector>
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSPredicate.h>
+#include <Foundation/NSString.h>
+#include <Foundation/detail/HashIndex.h>
+#include <ZKFoundation/Categories/ZKMappedCollection.h>
 
 namespace {
 
@@ -91,7 +92,7 @@ void makeObjectsPerformBlock(const NSRef<NSArray>& array,
 NSRef<NSArray> transformedArrayUsingTransformator(const NSRef<NSArray>& array,
                                                   ZKTransformator transformator) {
   NSCheckArgument("transformedArrayUsingTransformator:", "array", array);
-  return ZKTransformedCollection<NSArray>(NSElements(array->elements()), transformator);
+  return ZKMappedCollection<NSArray>(NSObjectVector(array->elements()), transformator);
 }
 
 NSRef<NSArray> arrayWithObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {

@@ -207,7 +207,7 @@ NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingFunction(const NSRef<NS
   NSCheckArgument("indexWhereObjectWouldBelong:inArraySortedUsingFunction:context:", "array",
                   array);
   // Of its own: the comparison may change the array.
-  const NSElements elements = array->elements();
+  const NSObjectVector elements = array->elements();
   return indexWhereObjectWouldBelong_inArraySortedUsingFunction(elements.view(), object,
                                                                 std::ref(compare));
 }
@@ -217,7 +217,7 @@ NSUInteger indexOfObject_identical_inArraySortedUsingFunction(const NSRef<NSArra
                                                               const NSRef<NSObject>& object,
                                                               bool identical, Compare compare) {
   NSCheckArgument("indexOfObject:identical:inArraySortedUsingFunction:context:", "array", array);
-  const NSElements elements = array->elements();
+  const NSObjectVector elements = array->elements();
   return indexOfObject_identical_inArraySortedUsingFunction(elements.view(), object, identical,
                                                             std::ref(compare));
 }

@@ -1,5 +1,6 @@
-#include "Foundation/NSNeverDestroyed.h"
 #include "ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h"
+
+#include <Foundation/NSNeverDestroyed.h>
 
 namespace ZKFoundationExtensions {
 

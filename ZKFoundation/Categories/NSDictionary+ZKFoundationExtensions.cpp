@@ -1,6 +1,7 @@
-#include "Foundation/NSArray.h"
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSDictionary+ZKFoundationExtensions.h"
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSException.h>
 
 namespace ZKFoundationExtensions {
 

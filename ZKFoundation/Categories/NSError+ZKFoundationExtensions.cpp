@@ -1,7 +1,8 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSError+ZKFoundationExtensions.h"
 
 #include <cerrno>
+
+#include <Foundation/NSException.h>
 
 namespace ZKFoundationExtensions {
 

@@ -1,6 +1,6 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSFileManager+ZKFoundationExtensions.h"
 
+#include <Foundation/NSException.h>
 #include <Foundation/NSPathUtilities.h>
 
 namespace {

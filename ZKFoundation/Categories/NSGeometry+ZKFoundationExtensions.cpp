@@ -1,5 +1,4 @@
 #include "ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h"
-#include "ZKFoundation/Categories/ZKBernstein.h"
 
 #include <algorithm>
 #include <array>
@@ -7,6 +6,8 @@
 #include <cmath>
 #include <cstdint>
 #include <span>
+
+#include <ZKFoundation/Categories/ZKBernstein.h>
 
 // The checks of the root search are made in every build.
 #undef NDEBUG

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Foundation/NSGeometry.h>
+#include <ZKFoundation/Categories/NSGeometry+ZKNearestPoint.h>
 #include <ZKFoundation/ZKExport.h>
 
 // Points, lines, angles and Bezier curves. Nothing here raises: what the arithmetic makes of
@@ -86,13 +87,6 @@ ZK_EXPORT double ZKBezierSlope(const NSPoint* points, double t);
 /// for curves of a size of 1e-4 to 1e3, and coarser for others, up to some hundredths at 1e6.
 /// `ZKNearestPointOnCurveRefined` is exact at every scale.
 ZK_EXPORT NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p);
-
-/// The same to the precision of doubles at any scale: the distance is the smallest there is but for
-/// a few units in the last place of the coordinates' differences, and the parameter is as exact as
-/// the curve allows. Coordinates whose differences are infinite or NaN get the answer of
-/// `ZKNearestPointOnCurve`; no others can end the process. Takes about 1 µs, and up to 1 ms where
-/// the curve is a dot beside its distance, so that rounding leaves many candidates.
-ZK_EXPORT NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p);
 
 /// The roots of a polynomial of degree 5 in Bezier form, in increasing order: stores up to five
 /// parameters at t and gives their number. The polynomial is the six points' y over their x, which

@@ -1,10 +1,11 @@
-#include "Foundation/NSException.h"
-#include "Foundation/NSValue.h"
 #include "ZKFoundation/Categories/NSGeometry+ZKRectangles.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSValue.h>
 
 namespace {
 

@@ -1,10 +1,11 @@
-#include "Foundation/NSException.h"
-#include "Foundation/NSString.h"
 #include "ZKFoundation/Categories/NSIndexSet+ZKFoundationExtensions.h"
 
 #include <algorithm>
 #include <utility>
 #include <vector>
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSString.h>
 
 namespace ZKFoundationExtensions {
 

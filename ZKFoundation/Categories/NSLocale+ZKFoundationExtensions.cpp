@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-#include <Foundation/NSLocaleComponents.h>
+#include <Foundation/Locales/LocaleComponents.h>
 
 namespace {
 

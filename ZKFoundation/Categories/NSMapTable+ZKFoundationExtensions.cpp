@@ -1,5 +1,6 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSMapTable+ZKFoundationExtensions.h"
+
+#include <Foundation/NSException.h>
 
 namespace ZKFoundationExtensions {
 

@@ -1,8 +1,9 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h"
 
 #include <algorithm>
 #include <span>
+
+#include <Foundation/NSException.h>
 
 namespace ZKFoundationExtensions {
 

@@ -1,4 +1,3 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSNumber+ZKFoundationExtensions.h"
 
 #include <algorithm>
@@ -6,6 +5,8 @@
 #include <charconv>
 #include <string_view>
 #include <utility>
+
+#include <Foundation/NSException.h>
 
 namespace {
 

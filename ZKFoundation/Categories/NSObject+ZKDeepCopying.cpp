@@ -1,8 +1,9 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSObject+ZKDeepCopying.h"
 
 #include <array>
 #include <new>
+
+#include <Foundation/NSException.h>
 
 namespace {
 

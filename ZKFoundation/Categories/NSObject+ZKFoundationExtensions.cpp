@@ -1,6 +1,7 @@
-#include "Foundation/NSException.h"
-#include "Foundation/NSLog.h"
 #include "ZKFoundation/Categories/NSObject+ZKFoundationExtensions.h"
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSLog.h>
 
 namespace {
 

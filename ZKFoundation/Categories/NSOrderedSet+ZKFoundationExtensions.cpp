@@ -1,6 +1,7 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSOrderedSet+ZKFoundationExtensions.h"
-#include "ZKFoundation/Categories/ZKTransformation.h"
+
+#include <Foundation/NSException.h>
+#include <ZKFoundation/Categories/ZKMappedCollection.h>
 
 namespace ZKFoundationExtensions {
 
@@ -14,7 +15,7 @@ void makeObjectsPerformBlock(const NSRef<NSOrderedSet>& set,
 NSRef<NSOrderedSet> transformedOrderedSetUsingTransformator(const NSRef<NSOrderedSet>& set,
                                                             ZKTransformator transformator) {
   NSCheckArgument("transformedOrderedSetUsingTransformator:", "set", set);
-  return ZKTransformedCollection<NSOrderedSet>(NSElements(set->elements()), transformator);
+  return ZKMappedCollection<NSOrderedSet>(NSObjectVector(set->elements()), transformator);
 }
 
 }  // namespace ZKFoundationExtensions

@@ -1,8 +1,9 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSPointerArray+ZKFoundationExtensions.h"
 
 #include <algorithm>
 #include <vector>
+
+#include <Foundation/NSException.h>
 
 namespace ZKFoundationExtensions {
 

@@ -1,6 +1,3 @@
-#include "Foundation/NSException.h"
-#include "Foundation/NSStringSearch.h"
-#include "Foundation/NSUnitMembership.h"
 #include "ZKFoundation/Categories/NSString+ZKEditing.h"
 
 #include <algorithm>
@@ -10,6 +7,10 @@
 #include <new>
 #include <utility>
 #include <vector>
+
+#include <Foundation/NSException.h>
+#include <Foundation/Text/StringSearch.h>
+#include <Foundation/Text/UnitMembership.h>
 
 namespace {
 

@@ -1,8 +1,3 @@
-#include "Foundation/NSException.h"
-#include "Foundation/NSNeverDestroyed.h"
-#include "Foundation/NSStringComparison.h"
-#include "Foundation/NSStringSearch.h"
-#include "ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h"
 #include "ZKFoundation/Categories/NSString+ZKFoundationExtensions.h"
 
 #include <array>
@@ -13,6 +8,12 @@
 #include <limits>
 
 #include <uuid/uuid.h>
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/NSStringComparison.h>
+#include <Foundation/Text/StringSearch.h>
+#include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
 
 namespace {
 

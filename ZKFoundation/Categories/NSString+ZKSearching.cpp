@@ -1,10 +1,3 @@
-#include "Foundation/NSCapitalization.h"
-#include "Foundation/NSException.h"
-#include "Foundation/NSNeverDestroyed.h"
-#include "Foundation/NSStringSearch.h"
-#include "Foundation/NSUnitMembership.h"
-#include "ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h"
-#include "ZKFoundation/Categories/NSString+ZKEditing.h"
 #include "ZKFoundation/Categories/NSString+ZKSearching.h"
 
 #include <algorithm>
@@ -14,6 +7,14 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include <Foundation/Locales/Capitalization.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/Text/StringSearch.h>
+#include <Foundation/Text/UnitMembership.h>
+#include <ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSString+ZKEditing.h>
 
 namespace {
 

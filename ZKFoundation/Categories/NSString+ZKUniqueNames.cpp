@@ -1,6 +1,7 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSString+ZKUniqueNames.h"
-#include "ZKFoundation/Categories/ZKNumberedName.h"
+
+#include <Foundation/NSException.h>
+#include <ZKFoundation/Categories/ZKNumberedName.h>
 
 namespace ZKFoundationExtensions {
 

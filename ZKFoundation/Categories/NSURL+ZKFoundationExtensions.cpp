@@ -1,8 +1,8 @@
-#include "Foundation/NSException.h"
 #include "ZKFoundation/Categories/NSURL+ZKFoundationExtensions.h"
-#include "ZKFoundation/Categories/ZKNumberedName.h"
 
+#include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
+#include <ZKFoundation/Categories/ZKNumberedName.h>
 
 namespace {
 

@@ -1,0 +1,227 @@
+#include "Foundation/NSKeyedArchiver.h"
+
+#include <algorithm>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <Foundation/Archives/ArchivedClasses.h>
+#include <Foundation/Archives/PropertyListWriter.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/NSNumber.h>
+#include <Foundation/NSString.h>
+#include <Foundation/detail/HashIndex.h>
+
+namespace {
+
+using Reference = NSPropertyListWriter::Reference;
+
+constexpr unsigned deepest = 500;
+// Reading copies the text of a mutable string. Longer ones are not shared, so that what one archive
+// makes a reader copy stays within a small multiple of its bytes.
+constexpr std::size_t longestSharedText = 64;
+
+[[noreturn]] void raiseCannotArchive(const std::string& what) {
+  NSException::raise(NSInvalidArchiveOperationException, what + " cannot be archived");
+}
+
+struct ClassNames {
+  std::mutex mutex;
+  std::unordered_map<NSClass, NSRef<NSString>> byClass;
+};
+
+ClassNames& classNames() {
+  static NSNeverDestroyed<ClassNames> names;
+  return *names;
+}
+
+NSRef<NSString> nameOf(NSClass aClass) {
+  auto& [mutex, byClass] = classNames();
+  const std::lock_guard lock(mutex);
+  const auto found = byClass.find(aClass);
+  return found == byClass.end() ? aClass.name() : found->second;
+}
+
+const NSArchivedClass* platformClass(const NSObject& object) {
+  const auto classes = NSArchivedClasses();
+  const auto found = std::ranges::find_if(
+      classes, [&](const NSArchivedClass& each) { return object.isKindOfClass(each.itself); });
+  return found == classes.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+struct NSKeyedArchiver::Archive {
+  NSPropertyListWriter list;
+  Reference root = list.dictionary();
+  Reference table = list.array(16);
+  // The dictionary that values are entered into: that of the object at hand.
+  Reference current = list.dictionary();
+  unsigned depth = 0;
+
+  Archive() {
+    set(root, u"$version", list.integer(100000));
+    set(root, u"$archiver", list.text(u"NSKeyedArchiver"));
+    set(root, u"$top", current);
+    set(root, u"$objects", table);
+    append(list.text(u"$null"), nullptr);
+  }
+
+  Reference key(const NSRef<NSString>& key, const char* operation) {
+    if (!key) NSRaiseNilArgument("key", operation);
+    const std::u16string_view text = key->view();
+    return list.text(text.starts_with(u'$') ? u'$' + std::u16string(text) : text);
+  }
+
+  Reference referenceTo(const NSRef<NSObject>& object, NSKeyedArchiver& coder) {
+    return list.uid(object ? numberOf(object, coder) : 0);
+  }
+
+ private:
+  void set(Reference dictionary, std::u16string_view key, Reference value) {
+    list.set(dictionary, list.text(key), value);
+  }
+
+  // Puts it into the table of objects.
+  std::size_t append(Reference reference, const NSRef<NSObject>& object) {
+    const std::size_t number = objects.size();
+    list.append(table, reference);
+    objects.push_back(object);
+    numbers.insert(number, std::hash<const void*>{}(object.get()));
+    return number;
+  }
+
+  std::size_t numberOf(const NSRef<NSObject>& object, NSKeyedArchiver& coder) {
+    const std::size_t known =
+        numbers.find(std::hash<const void*>{}(object.get()),
+                     [&](std::size_t number) { return objects[number].get() == object.get(); });
+    if (known != NSHashIndex::notFound) return known;
+    if (const auto plain = plainValue(object)) return append(*plain, object);
+    const Reference record = list.dictionary();
+    const std::size_t number = append(record, object);
+    encodeRecord(NSRef<NSObject>(object), record, coder);
+    return number;
+  }
+
+  // What stands in the table of objects without a record.
+  std::optional<Reference> plainValue(const NSRef<NSObject>& object) {
+    if (const auto* const string = object.cast<NSString>()) {
+      if (object.cast<NSMutableString>() != nullptr) return std::nullopt;
+      return list.text(string->view());
+    }
+    if (const auto* const number = object.cast<NSNumber>()) {
+      if (number->isFloatingPoint()) return list.real(number->doubleValue());
+      if (number->isBoolean()) return list.boolean(number->boolValue());
+      const NSInteger value = number->integerValue();
+      const bool isLarge = value < 0 && number->doubleValue() > 0;
+      return isLarge ? list.largeInteger(number->unsignedIntegerValue()) : list.integer(value);
+    }
+    const auto* const data = object.cast<NSData>();
+    return data != nullptr ? std::optional(list.data(data->bytes())) : std::nullopt;
+  }
+
+  void encodeRecord(const NSRef<NSObject>& object, Reference record, NSKeyedArchiver& coder) {
+    if (++depth > deepest) raiseCannotArchive("a graph of more than 500 objects in each other");
+    const Reference outer = std::exchange(current, record);
+    NSClass itself = object->objectClass();
+    if (const auto* const coding = object.cast<NSCoding>()) {
+      coding->encodeWithCoder(share(&coder));
+    } else if (const NSArchivedClass* const known = platformClass(*object)) {
+      known->encode(*object, coder);
+      itself = known->itself;
+    } else {
+      raiseCannotArchive("an object of class " + itself.name()->utf8());
+    }
+    set(record, u"$class", list.uid(numberOfClass(itself)));
+    current = outer;
+    --depth;
+  }
+
+  std::size_t numberOfClass(NSClass itself) {
+    const auto known = classes.find(itself);
+    if (known != classes.end()) return known->second;
+    const Reference names = list.array(4);
+    const Reference record = list.dictionary();
+    set(record, u"$classes", names);
+    set(record, u"$classname", list.text(nameOf(itself)->view()));
+    for (std::optional<NSClass> each = itself; each; each = each->superclass()) {
+      list.append(names, list.text(nameOf(*each)->view()));
+    }
+    return classes.emplace(itself, append(record, nullptr)).first->second;
+  }
+
+  // By their numbers; nil stands for records of classes too.
+  std::vector<NSRef<NSObject>> objects;
+  NSHashIndex numbers;
+  std::unordered_map<NSClass, std::size_t> classes;
+};
+
+NSRef<NSData> NSKeyedArchiver::archivedDataWithRootObject(const NSRef<NSObject>& root) {
+  const auto archiver = NSMake<NSKeyedArchiver>();
+  archiver->encodeObject_forKey(root, u"root"_ns);
+  return archiver->encodedData();
+}
+
+void NSKeyedArchiver::setClassName_forClass(const NSRef<NSString>& codedName, NSClass aClass) {
+  const auto name = codedName ? codedName->copy() : nullptr;
+  auto& [mutex, byClass] = classNames();
+  const std::lock_guard lock(mutex);
+  if (name) {
+    byClass[aClass] = name;
+  } else {
+    byClass.erase(aClass);
+  }
+}
+
+NSKeyedArchiver::NSKeyedArchiver() : _archive(std::make_unique<Archive>()) {}
+NSKeyedArchiver::~NSKeyedArchiver() = default;
+
+void NSKeyedArchiver::encodeBool_forKey(bool value, const NSRef<NSString>& key) {
+  const Reference name = _archive->key(key, "encodeBool:forKey:");
+  _archive->list.set(_archive->current, name, _archive->list.boolean(value));
+}
+
+void NSKeyedArchiver::encodeInteger_forKey(NSInteger value, const NSRef<NSString>& key) {
+  const Reference name = _archive->key(key, "encodeInteger:forKey:");
+  _archive->list.set(_archive->current, name, _archive->list.integer(value));
+}
+
+void NSKeyedArchiver::encodeDouble_forKey(double value, const NSRef<NSString>& key) {
+  const Reference name = _archive->key(key, "encodeDouble:forKey:");
+  _archive->list.set(_archive->current, name, _archive->list.real(value));
+}
+
+void NSKeyedArchiver::encodeObject_forKey(const NSRef<NSObject>& object,
+                                          const NSRef<NSString>& key) {
+  const Reference name = _archive->key(key, "encodeObject:forKey:");
+  const Reference reference = _archive->referenceTo(object, *this);
+  _archive->list.set(_archive->current, name, reference);
+}
+
+void NSKeyedArchiver::encodeText_forKey(const NSString& text, const NSRef<NSString>& key) {
+  const Reference name = _archive->key(key, "encodeText:forKey:");
+  auto& list = _archive->list;
+  const bool isShared = text.length() <= longestSharedText;
+  list.set(_archive->current, name, isShared ? list.text(text.view()) : list.ownText(text.view()));
+}
+
+std::uint32_t NSKeyedArchiver::beginList(const NSRef<NSString>& key) {
+  const Reference name = _archive->key(key, "encodeObjects:forKey:");
+  const Reference list = _archive->list.array(0);
+  _archive->list.set(_archive->current, name, list);
+  return list;
+}
+
+void NSKeyedArchiver::appendToList(std::uint32_t list, const NSRef<NSObject>& object) {
+  const Reference reference = _archive->referenceTo(object, *this);
+  _archive->list.append(list, reference);
+}
+
+NSRef<NSData> NSKeyedArchiver::encodedData() const {
+  return NSMake<NSData>(_archive->list.bytes(_archive->root));
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string_view>
+#include <utility>
+
+#include <Foundation/NSBlock.h>
+#include <Foundation/NSObject.h>
+#include <Foundation/NSString.h>
+
+// What the collections do alike by walking over themselves, with the check that a walk makes.
+
+/// The descriptions of the objects with the separator between them.
+template <class Collection>
+void NSAppendDescriptions(NSUnitBuffer& text, const Collection& collection,
+                          std::u16string_view separator) {
+  bool isFirst = true;
+  for (const auto& object : collection) {
+    if (!std::exchange(isFirst, false)) text.append(separator);
+    const auto* const string = object.template cast<const NSString>();
+    text.append(string != nullptr ? string->view() : NSViewOf(object->description()));
+  }
+}
+
+/// The descriptions of the objects, joined by ", ", in brackets.
+template <class Collection>
+NSRef<NSString> NSDescribeObjects(std::u16string_view opening, const Collection& collection,
+                                  std::u16string_view closing) {
+  NSUnitBuffer text(opening);
+  NSAppendDescriptions(text, collection, u", ");
+  text.append(closing);
+  return NSMake<NSString>(std::move(text));
+}
+
+/// "{a = 1; b = 2}"
+template <class Collection>
+NSRef<NSString> NSDescribeEntries(const Collection& collection) {
+  NSUnitBuffer text(u"{");
+  for (const auto& [key, object] : collection) {
+    if (text.size() > 1) text.append(u"; ");
+    text.append(key->description()->view());
+    text.append(u" = ");
+    text.append(object->description()->view());
+  }
+  text.append(u"}");
+  return NSMake<NSString>(std::move(text));
+}
+
+template <class Collection>
+void NSEnumerateWithIndexes(const Collection& collection,
+                            NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> block) {
+  NSUInteger index = 0;
+  bool stop = false;
+  for (const auto& object : collection) {
+    block(object, index++, stop);
+    if (stop) return;
+  }
+}

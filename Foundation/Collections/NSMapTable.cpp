@@ -1,0 +1,34 @@
+#include "Foundation/NSMapTable.h"
+
+#include <Foundation/Collections/CollectionWalks.h>
+#include <Foundation/Collections/NestedCollections.h>
+#include <Foundation/NSArray.h>
+#include <Foundation/NSException.h>
+
+NSRef<NSObject> NSMapTable::objectForKey(const NSRef<NSObject>& key) const {
+  const auto* const found = _entries.find(key);
+  return found == nullptr ? nullptr : *found;
+}
+
+void NSMapTable::setObject_forKey(const NSRef<NSObject>& anObject, const NSRef<NSObject>& aKey) {
+  if (!anObject) NSRaiseNilArgument("anObject", "setObject:forKey:");
+  if (!aKey) NSRaiseNilArgument("aKey", "setObject:forKey:");
+  if (!_entries.replace(aKey, anObject)) _entries.append(aKey, anObject);
+}
+
+NSRef<NSArray> NSMapTable::allKeys() const { return NSMake<NSArray>(_entries.keys()); }
+
+NSRef<NSArray> NSMapTable::allValues() const { return NSMake<NSArray>(_entries.objects()); }
+
+bool NSMapTable::isEqual(const NSRef<NSObject>& other) const {
+  const auto* const table = other.cast<NSMapTable>();
+  if (table == nullptr || table == this) return table != nullptr;
+  return NSCompareCollections(
+      *this, other, [&](const auto& /*other*/) { return _entries.isEqual(table->_entries); });
+}
+
+NSRef<NSString> NSMapTable::description() const { return NSDescribeEntries(*this); }
+
+NSRef<NSObject> NSMapTable::copyWithZone(NSZone* /*zone*/) const {
+  return NSMake<NSMapTable>(*this);
+}

@@ -1,0 +1,134 @@
+#include "Foundation/Collections/NestedCollections.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <unordered_map>
+#include <utility>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSOrderedSet.h>
+#include <Foundation/NSSet.h>
+#include <Foundation/NSString.h>
+
+namespace {
+
+// The share of each of so many objects in what their collection may ask, itself not counted.
+std::size_t shareOf(std::size_t most, std::size_t count) {
+  return count == 0 ? 0 : (most - 1) / count;
+}
+
+NSUInteger hashOf(const NSRef<NSObject>& object, std::size_t most) {
+  // Most elements are texts.
+  if (const auto* const text = object.cast<NSString>()) return text->hash();
+  if (const auto* const array = object.cast<NSArray>()) {
+    return NSHashSequence(NSObjectVector(array->elements()), most);
+  }
+  if (const auto* const dictionary = object.cast<NSDictionary>()) {
+    return NSHashEntries({dictionary->allKeys()->elements(), dictionary->allValues()->elements()},
+                         most);
+  }
+  if (const auto* const set = object.cast<NSSet>()) {
+    return NSHashSet(set->allObjects()->elements(), most);
+  }
+  if (const auto* const set = object.cast<NSOrderedSet>()) {
+    return NSHashSequence(NSObjectVector(set->elements()), most);
+  }
+  return object->hash();
+}
+
+// Hashes that are added must differ in more than their sum.
+NSUInteger mixed(NSUInteger hash) {
+  constexpr NSUInteger odd = 0x9E3779B97F4A7C15;  // 2^64 over the golden ratio.
+  hash *= odd;
+  return (hash ^ (hash >> 32U)) * odd;
+}
+
+// What one outermost comparison knows of pairs. It holds them, so that none can be another one.
+struct Comparison {
+  using Pair = std::pair<NSRef<NSObject>, NSRef<NSObject>>;
+  struct Hash {
+    std::size_t operator()(const Pair& pair) const noexcept {
+      return mixed(reinterpret_cast<std::uintptr_t>(pair.first.get())) ^
+             reinterpret_cast<std::uintptr_t>(pair.second.get());
+    }
+  };
+  struct Same {
+    bool operator()(const Pair& a, const Pair& b) const noexcept {
+      return a.first.get() == b.first.get() && a.second.get() == b.second.get();
+    }
+  };
+
+  std::size_t count = 0;
+  std::unordered_map<Pair, bool, Hash, Same> answers;
+};
+
+thread_local Comparison* current = nullptr;
+
+bool compareOutermost(const NSRef<NSObject>& b,
+                      NSBlockRef<bool(const NSRef<NSObject>&)> isEqualTo) {
+  struct Scope {
+    Scope() { current = &comparison; }
+    Scope(const Scope&) = delete;
+    ~Scope() { current = nullptr; }
+    Comparison comparison;
+  } const scope;
+  return isEqualTo(b);
+}
+
+}  // namespace
+
+NSUInteger NSHashSequence(const NSObjectVector& elements, std::size_t most) {
+  constexpr std::size_t mostElements = 8;
+  const std::size_t taken = std::min({elements.size(), most, mostElements});
+  NSUInteger hash = elements.size();
+  for (std::size_t k = 0; k < taken; ++k) {
+    const std::size_t at = k == 0 ? 0 : k * (elements.size() - 1) / (taken - 1);
+    hash = 31 * hash + hashOf(elements[at], shareOf(most, taken));
+  }
+  return hash;
+}
+
+NSUInteger NSHashSet(const NSObjectVector& elements, std::size_t most) {
+  NSUInteger hash = elements.size();
+  if (elements.size() > most) return hash;
+  for (const auto& element : elements.view()) {
+    hash += mixed(hashOf(element, shareOf(most, elements.size())));
+  }
+  return hash;
+}
+
+NSUInteger NSHashEntries(const NSEntryList& entries, std::size_t most) {
+  NSUInteger hash = entries.size();
+  const std::size_t count = 2 * entries.size();
+  if (count > most) return hash;
+  for (std::size_t k = 0; k < entries.size(); ++k) {
+    const auto [key, object] = entries[k];
+    const std::size_t share = shareOf(most, count);
+    hash += mixed(mixed(hashOf(key, share)) + hashOf(object, share));
+  }
+  return hash;
+}
+
+bool NSCompareCollections(const NSObject& a, const NSRef<NSObject>& b,
+                          NSBlockRef<bool(const NSRef<NSObject>&)> isEqualTo) {
+  if (current == nullptr) return compareOutermost(b, isEqualTo);
+  Comparison& comparison = *current;
+  // A collection with one owner is met again only if that is. A few pairs are compared sooner than
+  // looked for.
+  constexpr std::size_t few = 16;
+  if (++comparison.count <= few || a.isUniquelyReferenced() || b->isUniquelyReferenced()) {
+    return isEqualTo(b);
+  }
+  // What contains itself is as equal as the rest of it.
+  const auto [place, isNew] = comparison.answers.try_emplace({a.self(), b}, true);
+  if (!isNew) return place->second;
+  bool& answer = place->second;
+  try {
+    answer = isEqualTo(b);
+  } catch (...) {
+    comparison.answers.erase({a.self(), b});
+    throw;
+  }
+  return answer;
+}

@@ -1,0 +1,119 @@
+#include "Foundation/Files/FileWrapperReading.h"
+
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <Foundation/Files/FileDescriptor.h>
+#include <Foundation/Files/FileError.h>
+#include <Foundation/NSData.h>
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSFileManager.h>
+#include <Foundation/NSNumber.h>
+#include <Foundation/NSString.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+NSRef<NSString> nameOf(const fs::path& path) {
+  auto name = NSMake<NSString>(path.filename().native());
+  if (name->utf8() != path.filename().native()) NSFailWithPath(path, EILSEQ);
+  return name;
+}
+
+NSRef<NSDictionary> permissionsOf(mode_t mode) {
+  return NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(mode & 0777U)}});
+}
+
+// A file may grow while it is read.
+NSRef<NSData> readFile(const fs::path& path) {
+  const NSFileDescriptor file(path, O_RDONLY | O_NONBLOCK);
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0) NSFailWithPath(path);
+  // One byte more shows the end without another reading. Files of the system's own tell no size.
+  constexpr std::size_t unknownSize = 4096;
+  const auto size = static_cast<std::size_t>(status.st_size);
+  std::vector<std::byte> bytes(size == 0 ? unknownSize : size + 1);
+  std::size_t length = 0;
+  while (const std::size_t count = file.read(std::span(bytes).subspan(length))) {
+    length += count;
+    if (length == bytes.size()) bytes.resize(bytes.size() * 2);
+  }
+  bytes.resize(length);
+  if (length < bytes.capacity() / 2) bytes.shrink_to_fit();
+  return NSMake<NSData>(std::move(bytes));
+}
+
+NSRef<NSFileWrapper> readTree(const fs::path& path) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0) NSFailWithPath(path);
+  NSRef<NSFileWrapper> wrapper;
+  if (S_ISREG(status.st_mode)) {
+    wrapper = NSMake<NSFileWrapper>(readFile(path));
+  } else if (S_ISDIR(status.st_mode)) {
+    const auto children = NSMake<NSMutableDictionary>();
+    for (const fs::path& child : NSPathsIn(path)) {
+      children->setObject_forKey(readTree(child), nameOf(child));
+    }
+    wrapper = NSMake<NSFileWrapper>(children);
+  } else {
+    NSFailWithPath(path, S_ISLNK(status.st_mode) ? ELOOP : ENOTSUP);
+  }
+  const auto name = nameOf(path);
+  wrapper->setPreferredFilename(name);
+  wrapper->setFilename(name);
+  wrapper->setFileAttributes(permissionsOf(status.st_mode));
+  return wrapper;
+}
+
+// What stands at a place; another one as soon as it is exchanged, even if its number is the same.
+struct Identity {
+  explicit Identity(const fs::path& place) {
+    struct stat status {};
+    if (lstat(place.c_str(), &status) != 0) return;
+    device = status.st_dev;
+    number = status.st_ino;
+    seconds = status.st_ctim.tv_sec;
+    nanoseconds = status.st_ctim.tv_nsec;
+  }
+  bool operator==(const Identity&) const = default;
+
+  dev_t device = 0;
+  ino_t number = 0;
+  time_t seconds = 0;
+  long nanoseconds = 0;
+};
+
+// Reads again when it was exchanged meanwhile, as parts may be those of another then.
+NSRef<NSFileWrapper> readDocument(const fs::path& place) {
+  constexpr int tries = 100;
+  for (int k = 0; k < tries; ++k) {
+    const Identity before(place);
+    try {
+      auto wrapper = readTree(place);
+      if (Identity(place) == before) return wrapper;
+    } catch (const fs::filesystem_error&) {
+      if (Identity(place) == before) throw;
+    }
+  }
+  NSFailWithPath(place, EBUSY);
+}
+
+}  // namespace
+
+NSRef<NSFileWrapper> NSReadFileTree(const fs::path& path, NSRef<NSError>* error) {
+  try {
+    return readDocument(NSPlaceOf(path));
+  } catch (const fs::filesystem_error& failure) {
+    NSStoreError(error, NSFileReadError(failure.code().value(), failure.path1()));
+  } catch (const std::bad_alloc&) {
+    NSStoreError(error, NSFileReadError(ENOMEM, path));
+  } catch (const std::length_error&) {
+    NSStoreError(error, NSFileReadError(EFBIG, path));
+  }
+  return nullptr;
+}

@@ -1,0 +1,71 @@
+#include "Foundation/Locales/Capitalization.h"
+
+#include <memory>
+#include <string>
+
+#include <unicode/ubrk.h>
+#include <unicode/ucasemap.h>
+
+#include <Foundation/NSLocale.h>
+#include <Foundation/NSString.h>
+#include <Foundation/Text/ICU.h>
+
+namespace {
+
+// What a locale's capitalisation needs. Its word breaker is costly to make and may be used by one
+// thread at a time, so every thread keeps its own.
+class Capitalizer {
+ public:
+  explicit Capitalizer(const NSRef<NSLocale>& locale) : _locale(locale) {
+    // An identifier that ICU cannot make anything of has the habits of no language.
+    if (U_FAILURE(open(locale->localeIdentifier()->utf8()))) NSCheckICU(open(""));
+  }
+
+  const NSRef<NSLocale>& locale() const { return _locale; }
+
+  void append(std::u16string_view text, NSUnitBuffer& result) {
+    const std::size_t start = result.size();
+    UErrorCode status = U_ZERO_ERROR;
+    // Few letters become two.
+    std::int32_t length = map(text, result, text.size() + 16, status);
+    if (status == U_BUFFER_OVERFLOW_ERROR) {
+      status = U_ZERO_ERROR;
+      result.truncate(start);
+      length = map(text, result, static_cast<std::size_t>(length), status);
+    }
+    NSCheckICU(status);
+    result.truncate(start + static_cast<std::size_t>(length));
+  }
+
+ private:
+  UErrorCode open(const std::string& identifier) {
+    UErrorCode status = U_ZERO_ERROR;
+    _map.reset(ucasemap_open(identifier.c_str(), U_FOLD_CASE_DEFAULT, &status));
+    UBreakIterator* const words = ubrk_open(UBRK_WORD, identifier.c_str(), nullptr, 0, &status);
+    if (U_SUCCESS(status)) ucasemap_setBreakIterator(_map.get(), words, &status);
+    return status;
+  }
+  std::int32_t map(std::u16string_view text, NSUnitBuffer& result, std::size_t room,
+                   UErrorCode& status) {
+    char16_t* const out = result.extend(room);
+    return ucasemap_toTitle(_map.get(), out, static_cast<std::int32_t>(room), NSICUText(text),
+                            NSICULength(text), &status);
+  }
+
+  struct Close {
+    void operator()(UCaseMap* map) const { ucasemap_close(map); }
+  };
+  NSRef<NSLocale> _locale;
+  std::unique_ptr<UCaseMap, Close> _map;
+};
+
+}  // namespace
+
+void NSAppendCapitalized(std::u16string_view text, NSUnitBuffer& result) {
+  thread_local std::unique_ptr<Capitalizer> capitalizer;
+  const auto locale = NSLocale::currentLocale();
+  if (!capitalizer || capitalizer->locale() != locale) {
+    capitalizer = std::make_unique<Capitalizer>(locale);
+  }
+  capitalizer->append(text, result);
+}

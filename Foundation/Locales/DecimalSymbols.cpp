@@ -1,0 +1,146 @@
+#include "Foundation/Locales/DecimalSymbols.h"
+
+#include <algorithm>
+#include <memory>
+
+#include <unicode/unum.h>
+#include <unicode/unumberformatter.h>
+
+#include <Foundation/NSUnicode.h>
+#include <Foundation/Text/ICU.h>
+
+namespace {
+
+template <auto close>
+struct Closer {
+  void operator()(auto* handle) const { close(handle); }
+};
+
+using OldFormatter = std::unique_ptr<UNumberFormat, Closer<&unum_close>>;
+
+std::u16string symbol(const OldFormatter& formatter, UNumberFormatSymbol which) {
+  std::array<char16_t, 32> units{};
+  UErrorCode status = U_ZERO_ERROR;
+  const auto length = unum_getSymbol(formatter.get(), which, units.data(), units.size(), &status);
+  NSCheckICU(status);
+  return {units.data(), static_cast<std::size_t>(length)};
+}
+
+// Whether ICU can write numbers so: not with numbering systems that do not exist or have no digits.
+bool canWriteNumbers(const std::string& locale) {
+  UErrorCode status = U_ZERO_ERROR;
+  const OldFormatter old(unum_open(UNUM_DECIMAL, nullptr, 0, locale.c_str(), nullptr, &status));
+  if (U_FAILURE(status)) return false;
+  // A formatter of Roman numerals, for one, has no symbols.
+  std::array<char16_t, 32> sign{};
+  unum_getSymbol(old.get(), UNUM_MINUS_SIGN_SYMBOL, sign.data(), sign.size(), &status);
+  if (U_FAILURE(status)) return false;
+  const std::unique_ptr<UNumberFormatter, Closer<&unumf_close>> formatter(
+      unumf_openForSkeletonAndLocale(u"", 0, locale.c_str(), &status));
+  const std::unique_ptr<UFormattedNumber, Closer<&unumf_closeResult>> number(
+      unumf_openResult(&status));
+  if (U_SUCCESS(status)) unumf_formatDecimal(formatter.get(), "-1.5", -1, number.get(), &status);
+  return U_SUCCESS(status);
+}
+
+// The locale, or the nearest to it that will do: keywords stand behind "@" or "-u-".
+std::string localeForNumbers(const std::string& locale) {
+  if (canWriteNumbers(locale)) return locale;
+  for (const char* const keywords : {"@", "-u-", "_u_"}) {
+    std::string shorter = locale.substr(0, locale.find(keywords));
+    if (canWriteNumbers(shorter)) return shorter;
+  }
+  return {};
+}
+
+// Whether ICU puts a separator into a number with so many digits before the last group. The old
+// interface does not tell how many the locale wants there, so the number is tried.
+bool isSeparated(const std::string& locale, const std::u16string& separator, std::size_t digits) {
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<UNumberFormatter, Closer<&unumf_close>> formatter(
+      unumf_openForSkeletonAndLocale(u"", 0, locale.c_str(), &status));
+  const std::unique_ptr<UFormattedNumber, Closer<&unumf_closeResult>> number(
+      unumf_openResult(&status));
+  NSCheckICU(status);
+  unumf_formatDecimal(formatter.get(), std::string(digits, '1').c_str(), -1, number.get(), &status);
+  std::array<char16_t, 64> units{};
+  const auto length = unumf_resultToString(number.get(), units.data(), units.size(), &status);
+  NSCheckICU(status);
+  const std::u16string_view text(units.data(), static_cast<std::size_t>(length));
+  return text.find(separator) != std::u16string_view::npos;
+}
+
+void appendCharacter(char32_t character, NSUnitBuffer& text) {
+  if (character < 0x10000) [[likely]] {
+    *text.extend(1) = static_cast<char16_t>(character);
+  } else {
+    char16_t* const units = text.extend(2);
+    units[0] = U16_LEAD(character);
+    units[1] = U16_TRAIL(character);
+  }
+}
+
+bool isDigit(char unit) { return unit >= '0' && unit <= '9'; }
+
+}  // namespace
+
+NSDecimalSymbols::NSDecimalSymbols(const std::string& locale) : _locale(localeForNumbers(locale)) {
+  UErrorCode status = U_ZERO_ERROR;
+  const OldFormatter formatter(
+      unum_open(UNUM_DECIMAL, nullptr, 0, _locale.c_str(), nullptr, &status));
+  NSCheckICU(status);
+  for (std::size_t digit = 0; digit < _digits.size(); ++digit) {
+    const auto which =
+        digit == 0
+            ? UNUM_ZERO_DIGIT_SYMBOL
+            : static_cast<UNumberFormatSymbol>(UNUM_ONE_DIGIT_SYMBOL + static_cast<int>(digit) - 1);
+    const std::u16string units = symbol(formatter, which);
+    std::u16string_view rest = units;
+    _digits[digit] = NSTakeCharacter(rest);
+  }
+  _minus = symbol(formatter, UNUM_MINUS_SIGN_SYMBOL);
+  _point = symbol(formatter, UNUM_DECIMAL_SEPARATOR_SYMBOL);
+  _separator = symbol(formatter, UNUM_GROUPING_SEPARATOR_SYMBOL);
+  const auto attribute = [&](UNumberFormatAttribute which) {
+    return static_cast<std::size_t>(std::max(0, unum_getAttribute(formatter.get(), which)));
+  };
+  _lastGroup = attribute(UNUM_GROUPING_SIZE);
+  _otherGroups = attribute(UNUM_SECONDARY_GROUPING_SIZE);
+  if (_otherGroups == 0) _otherGroups = _lastGroup;
+  constexpr std::size_t mostTried = 4;
+  while (_lastGroup != 0 && !isSeparated(_locale, _separator, _lastGroup + _leastBeforeLastGroup)) {
+    if (++_leastBeforeLastGroup > mostTried) _lastGroup = 0;
+  }
+}
+
+void NSDecimalSymbols::append(std::string_view decimal, bool isGrouped, NSUnitBuffer& text) const {
+  if (decimal.starts_with('-')) {
+    text.append(_minus);
+    decimal.remove_prefix(1);
+  }
+  const std::size_t whole = std::min(
+      static_cast<std::size_t>(std::ranges::find_if_not(decimal, isDigit) - decimal.begin()),
+      decimal.size());
+  const bool hasGroups =
+      isGrouped && _lastGroup != 0 && whole >= _lastGroup + _leastBeforeLastGroup;
+  // Where the next separator belongs; nowhere behind the last group.
+  std::size_t nextGroup = decimal.size();
+  if (hasGroups) {
+    nextGroup = (whole - _lastGroup) % _otherGroups;
+    if (nextGroup == 0) nextGroup = _otherGroups;
+  }
+  for (std::size_t k = 0; k < decimal.size(); ++k) {
+    const char unit = decimal[k];
+    if (isDigit(unit)) {
+      if (k == nextGroup && k <= whole - _lastGroup) {
+        text.append(_separator);
+        nextGroup += _otherGroups;
+      }
+      appendCharacter(_digits[static_cast<std::size_t>(unit - '0')], text);
+    } else if (unit == '.') {
+      text.append(_point);
+    } else {
+      *text.extend(1) = static_cast<char16_t>(static_cast<unsigned char>(unit));
+    }
+  }
+}

@@ -1,0 +1,77 @@
+#include "Foundation/NSError.h"
+
+#include <system_error>
+
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSKeyValueCoding.h>
+#include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/NSString.h>
+
+const NSRef<NSString>& NSPOSIXErrorDomain() {
+  static const NSNeverDestroyed<NSRef<NSString>> domain(u"NSPOSIXErrorDomain"_ns);
+  return *domain;
+}
+
+const NSRef<NSString>& NSCocoaErrorDomain() {
+  static const NSNeverDestroyed<NSRef<NSString>> domain(u"NSCocoaErrorDomain"_ns);
+  return *domain;
+}
+
+const NSRef<NSString>& NSLocalizedDescriptionKey() {
+  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSLocalizedDescription"_ns);
+  return *key;
+}
+
+const NSRef<NSString>& NSUnderlyingErrorKey() {
+  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSUnderlyingError"_ns);
+  return *key;
+}
+
+const NSRef<NSString>& NSFilePathErrorKey() {
+  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSFilePath"_ns);
+  return *key;
+}
+
+NSError::NSError(const NSRef<NSString>& domain, NSInteger code, const NSRef<NSDictionary>& userInfo)
+    : _code(code), _userInfo(userInfo ? userInfo->copy() : NSMake<NSDictionary>()) {
+  if (!domain) NSRaiseNilArgument("domain", "initWithDomain:code:userInfo:");
+  _domain = domain->copy();
+}
+
+NSRef<NSString> NSError::localizedDescription() const {
+  if (auto text = _userInfo->objectForKey(NSLocalizedDescriptionKey()).as<NSString>()) return text;
+  if (const auto error = _userInfo->objectForKey(NSUnderlyingErrorKey()).as<NSError>()) {
+    return error->localizedDescription();
+  }
+  const auto number = static_cast<int>(_code);
+  if (_domain == NSPOSIXErrorDomain() && number == _code) {
+    return NSMake<NSString>(std::system_category().message(number));
+  }
+  return NSString::stringWithFormat(u"%@ %ld"_ns, _domain, _code);
+}
+
+bool NSError::isEqual(const NSRef<NSObject>& other) const {
+  const auto* const error = other.cast<NSError>();
+  return error != nullptr && _code == error->_code && _domain->isEqualToString(error->_domain) &&
+         _userInfo->isEqualToDictionary(error->_userInfo);
+}
+
+NSUInteger NSError::hash() const { return _domain->hash() + static_cast<NSUInteger>(_code); }
+
+NSRef<NSString> NSError::description() const {
+  const auto path = _userInfo->objectForKey(NSFilePathErrorKey());
+  return NSString::stringWithFormat(path ? u"%@ %ld: %@ (%@)"_ns : u"%@ %ld: %@"_ns, _domain, _code,
+                                    localizedDescription(), path);
+}
+
+const NSPropertyTable& NSError::propertyTable() const {
+  static const NSPropertyTable table({{u"domain", &NSError::domain},
+                                      {u"code", &NSError::code},
+                                      {u"userInfo", &NSError::userInfo},
+                                      {u"localizedDescription", &NSError::localizedDescription}},
+                                     NSObject::propertyTable());
+  return table;
+}
+
+NSRef<NSObject> NSError::copyWithZone(NSZone* /*zone*/) const { return self(); }

@@ -1,0 +1,55 @@
+#include "Foundation/NSValue.h"
+
+#include <sstream>
+#include <string>
+
+#include <Foundation/NSException.h>
+#include <Foundation/NSString.h>
+
+namespace {
+
+NSUInteger mix(NSUInteger seed, NSUInteger value) {
+  // The odd fraction of the golden ratio in 64 bits spreads neighbouring values; two that are the
+  // same do not cancel each other out.
+  constexpr NSUInteger odd = 0x9E3779B97F4A7C15U;
+  return (seed * odd + value) * odd;
+}
+
+NSUInteger hashOf(double value) { return std::hash<double>{}(value); }
+NSUInteger hashOf(NSPoint point) { return mix(hashOf(point.x), hashOf(point.y)); }
+NSUInteger hashOf(NSSize size) { return mix(hashOf(size.width), hashOf(size.height)); }
+NSUInteger hashOf(NSRect rect) { return mix(hashOf(rect.origin), hashOf(rect.size)); }
+NSUInteger hashOf(NSRange range) { return mix(range.location, range.length); }
+
+}  // namespace
+
+template <class T>
+T NSValue::checked(const char* operation) const {
+  if (const T* value = get<T>()) return *value;
+  NSException::raise(
+      NSInvalidArgumentException,
+      "the value " + description()->utf8() + " is of another kind (in '" + operation + "')");
+}
+
+NSPoint NSValue::pointValue() const { return checked<NSPoint>("pointValue"); }
+NSSize NSValue::sizeValue() const { return checked<NSSize>("sizeValue"); }
+NSRect NSValue::rectValue() const { return checked<NSRect>("rectValue"); }
+NSRange NSValue::rangeValue() const { return checked<NSRange>("rangeValue"); }
+
+bool NSValue::isEqual(const NSRef<NSObject>& other) const {
+  if (other.get() == this) return true;
+  const auto* const value = dynamic_cast<const NSValue*>(other.get());
+  return value != nullptr && value->_value == _value;
+}
+
+NSUInteger NSValue::hash() const {
+  return std::visit([](auto value) { return hashOf(value); }, _value);
+}
+
+NSRef<NSString> NSValue::description() const {
+  std::ostringstream text;
+  std::visit([&](auto value) { text << value; }, _value);
+  return NSMake<NSString>(text.view());
+}
+
+NSRef<NSObject> NSValue::copyWithZone(NSZone* /*zone*/) const { return self(); }

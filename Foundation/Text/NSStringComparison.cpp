@@ -1,0 +1,51 @@
+#include "Foundation/NSStringComparison.h"
+
+#include <algorithm>
+
+#include <unicode/unorm2.h>
+#include <unicode/ustring.h>
+
+#include <Foundation/Text/ICU.h>
+#include <Foundation/Text/NormalForm.h>
+
+namespace {
+
+NSComparisonResult resultOf(std::int64_t sign) {
+  return sign < 0 ? NSOrderedAscending : sign > 0 ? NSOrderedDescending : NSOrderedSame;
+}
+
+bool isASCII(std::u16string_view text) {
+  return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
+}
+
+char16_t lowerASCII(char16_t unit) {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
+}
+
+NSComparisonResult compareASCIIFolded(std::u16string_view a, std::u16string_view b) {
+  const auto [atA, atB] = std::ranges::mismatch(a, b, {}, lowerASCII, lowerASCII);
+  if (atA == a.end() || atB == b.end()) return resultOf((atA != a.end()) - (atB != b.end()));
+  return resultOf(lowerASCII(*atA) - lowerASCII(*atB));
+}
+
+}  // namespace
+
+NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
+                                  NSUInteger options) {
+  const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
+  const bool isLiteral = (options & NSLiteralSearch) != 0;
+  if (isASCII(a) && isASCII(b))
+    return foldsCase ? compareASCIIFolded(a, b) : resultOf(a.compare(b));
+  if (isLiteral && !foldsCase) return resultOf(a.compare(b));
+  if (!isLiteral && (NSHasLongRunsOfMarks(a) || NSHasLongRunsOfMarks(b))) {
+    return resultOf(NSNormalForm(a, options).compare(NSNormalForm(b, options)));
+  }
+
+  UErrorCode status = U_ZERO_ERROR;
+  const auto compare = isLiteral ? u_strCaseCompare : unorm_compare;
+  const std::uint32_t mode = foldsCase ? U_COMPARE_IGNORE_CASE : U_FOLD_CASE_DEFAULT;
+  const std::int32_t sign =
+      compare(NSICUText(a), NSICULength(a), NSICUText(b), NSICULength(b), mode, &status);
+  NSCheckICU(status);
+  return resultOf(sign);
+}

@@ -1,0 +1,145 @@
+#include "Foundation/NSUnicode.h"
+
+#include <algorithm>
+#include <array>
+
+#include <unicode/uchar.h>
+
+#include <Foundation/Text/UnicodeKernels.h>
+
+namespace {
+
+constexpr char16_t replacementCharacter = 0xFFFD;
+
+bool isContinuation(unsigned char byte) { return (byte & 0xC0U) == 0x80U; }
+
+struct Decoded {
+  char32_t character;
+  std::size_t length;
+  bool isWellFormed;
+};
+
+// Decodes the sequence that starts with a byte of 0x80 or above. A broken sequence gives U+FFFD and
+// the length of its longest part that could have begun a well-formed one (at least one byte).
+Decoded decodeSequence(const unsigned char* bytes, std::size_t available) {
+  const unsigned char lead = bytes[0];
+  if (lead < 0xC2 || lead > 0xF4) return {replacementCharacter, 1, false};
+  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+
+  // The second byte's limits keep overlong forms, surrogates and what lies above U+10FFFF out.
+  unsigned char low = 0x80;
+  unsigned char high = 0xBF;
+  if (lead == 0xE0) low = 0xA0;
+  if (lead == 0xED) high = 0x9F;
+  if (lead == 0xF0) low = 0x90;
+  if (lead == 0xF4) high = 0x8F;
+  if (available < 2 || bytes[1] < low || bytes[1] > high) return {replacementCharacter, 1, false};
+
+  char32_t character = lead & (0x7FU >> length);
+  character = (character << 6U) | (bytes[1] & 0x3FU);
+  for (std::size_t k = 2; k < length; ++k) {
+    if (k == available || !isContinuation(bytes[k])) return {replacementCharacter, k, false};
+    character = (character << 6U) | (bytes[k] & 0x3FU);
+  }
+  return {character, length, true};
+}
+
+char16_t* putCharacter(char32_t character, char16_t* out) {
+  if (character < 0x10000) {
+    *out++ = static_cast<char16_t>(character);
+  } else {
+    *out++ = static_cast<char16_t>(0xD7C0 + (character >> 10U));
+    *out++ = static_cast<char16_t>(0xDC00 + (character & 0x3FFU));
+  }
+  return out;
+}
+
+// How many bytes of well-formed characters lead in to the vector code. It needs three; more keep a
+// text with frequent faults from trying it in vain.
+constexpr std::size_t leadIn = 16;
+
+// Writes at most one unit a byte and gives the end of what it wrote.
+char16_t* decode(std::string_view utf8, char16_t* out) {
+  std::size_t position = 0;
+  std::size_t wellFormed = 0;
+  while (position < utf8.size()) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(utf8.data()) + position;
+    const Decoded decoded = bytes[0] < 0x80 ? Decoded{bytes[0], 1, true}
+                                            : decodeSequence(bytes, utf8.size() - position);
+    out = putCharacter(decoded.character, out);
+    position += decoded.length;
+    wellFormed = decoded.isWellFormed ? wellFormed + decoded.length : 0;
+    if (wellFormed >= leadIn) {
+      const NSTranscoded block = NSDecodeWellFormed(utf8, position, out);
+      position = block.position;
+      out += block.written;
+      wellFormed = 0;
+    }
+  }
+  return out;
+}
+
+char* putUTF8(char32_t character, char* out) {
+  if ((character & 0xFFFFF800U) == 0xD800U) character = replacementCharacter;
+  const auto put = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
+  if (character < 0x80) {
+    put(character);
+  } else if (character < 0x800) {
+    put(0xC0U | (character >> 6U));
+    put(0x80U | (character & 0x3FU));
+  } else if (character < 0x10000) {
+    put(0xE0U | (character >> 12U));
+    put(0x80U | ((character >> 6U) & 0x3FU));
+    put(0x80U | (character & 0x3FU));
+  } else {
+    put(0xF0U | (character >> 18U));
+    put(0x80U | ((character >> 12U) & 0x3FU));
+    put(0x80U | ((character >> 6U) & 0x3FU));
+    put(0x80U | (character & 0x3FU));
+  }
+  return out;
+}
+
+}  // namespace
+
+NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8) {
+  NSUnitBuffer buffer;
+  NSAppendUTF8(utf8, buffer);
+  buffer.shrink();
+  return buffer;
+}
+
+void NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text) {
+  const char16_t* const end = decode(utf8, text.extend(utf8.size()));
+  text.truncate(static_cast<std::size_t>(end - text.data()));
+}
+
+std::string NSUTF8FromUnits(std::u16string_view text) {
+  std::string result;
+  if (text.empty()) return result;
+  result.reserve(text.size());
+  // A chunk is encoded in the cache and then appended, so that the result is not filled in advance.
+  constexpr std::size_t chunkSize = 8192;
+  std::array<char, chunkSize + NSEncodingSlack> chunk;
+  std::u16string_view rest = text;
+  const auto appendCharacters = [&](std::size_t count) {
+    char* out = chunk.data();
+    const std::size_t end = rest.size() - std::min(rest.size(), count);
+    while (rest.size() > end) out = putUTF8(NSTakeCharacter(rest), out);
+    result.append(chunk.data(), out);
+  };
+  appendCharacters(1);
+  for (;;) {
+    const NSTranscoded block =
+        NSEncodeBlocks(text, text.size() - rest.size(), chunk.data(), chunkSize);
+    if (block.written == 0) break;
+    result.append(chunk.data(), block.written);
+    rest = text.substr(block.position);
+  }
+  while (!rest.empty()) appendCharacters(chunkSize / 4);
+  return result;
+}
+
+int NSDecimalDigitValue(char32_t character) noexcept {
+  return u_charDigitValue(static_cast<UChar32>(character));
+}

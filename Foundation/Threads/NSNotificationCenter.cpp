@@ -1,0 +1,137 @@
+#include "Foundation/NSNotificationCenter.h"
+
+#include <algorithm>
+#include <array>
+
+#include <Foundation/NSDictionary.h>
+#include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/NSOperationQueue.h>
+#include <Foundation/NSString.h>
+
+class NSNotificationCenter::Observer final : public NSObject {
+ public:
+  Observer(Key key, const NSRef<NSOperationQueue>& queue, const NSRef<NSBlock>& block,
+           std::uint64_t turn)
+      : _key(std::move(key)), _queue(queue), _turn(turn), _block(block) {}
+
+  std::uint64_t turn() const noexcept { return _turn; }
+  // The centre's lock guards it.
+  Key& key() noexcept { return _key; }
+
+  // A post that is going on may be about to call it.
+  void letGo() {
+    NSRef<NSBlock> block;
+    const std::lock_guard lock(_mutex);
+    block = std::exchange(_block, nullptr);
+  }
+
+  void notify(const NSRef<NSNotification>& notification) const {
+    if (!_queue) return call(notification);
+    _queue->addOperationWithBlock([observer = share(this), notification = NSRef(notification)] {
+      observer->call(notification);
+    });
+  }
+
+ private:
+  void call(const NSRef<NSNotification>& notification) const {
+    std::unique_lock lock(_mutex);
+    const auto block = _block;
+    lock.unlock();
+    if (block) block->invoke(notification);
+  }
+
+  Key _key;
+  const NSRef<NSOperationQueue> _queue;
+  const std::uint64_t _turn;
+  mutable std::mutex _mutex;
+  NSRef<NSBlock> _block;
+};
+
+bool NSNotificationCenter::Key::operator==(const Key& other) const {
+  // A class of strings may override what is asked here with the lock.
+  return object == other.object &&
+         (name == other.name || (name && other.name && name->isEqualToString(other.name)));
+}
+
+std::size_t NSNotificationCenter::HashKey::operator()(const Key& key) const {
+  const NSUInteger name = key.name ? key.name->NSString::hash() : 0;
+  return name * 31 + std::hash<NSRef<NSObject>>()(key.object);
+}
+
+NSNotificationCenter::NSNotificationCenter() = default;
+
+NSNotificationCenter::~NSNotificationCenter() = default;
+
+const NSRef<NSNotificationCenter>& NSNotificationCenter::defaultCenter() {
+  static const NSNeverDestroyed<NSRef<NSNotificationCenter>> center(NSMake<NSNotificationCenter>());
+  return *center;
+}
+
+NSRef<NSObject> NSNotificationCenter::addObserver(const NSRef<NSString>& name,
+                                                  const NSRef<NSObject>& object,
+                                                  const NSRef<NSOperationQueue>& queue,
+                                                  const NSRef<NSBlock>& block) {
+  if (!block) NSRaiseNilArgument("block", "addObserverForName:object:queue:usingBlock:");
+  Key key{name ? name->copy() : nullptr, object};
+  const std::lock_guard lock(_mutex);
+  auto observer = NSMake<Observer>(key, queue, block, _nextTurn++);
+  _observers[std::move(key)].push_back(observer);
+  return observer;
+}
+
+void NSNotificationCenter::removeObserver(const NSRef<NSObject>& observer) {
+  const auto token = observer.as<Observer>();
+  if (!token) return;
+  // What it held goes when the lock has.
+  Key key;
+  {
+    const std::lock_guard lock(_mutex);
+    const auto place = _observers.find(token->key());
+    if (place == _observers.end()) return;
+    Observers& observers = place->second;
+    const auto turnOf = [](const auto& other) { return other->turn(); };
+    const auto found = std::ranges::lower_bound(observers, token->turn(), {}, turnOf);
+    if (found == observers.end() || *found != token) return;
+    observers.erase(found);
+    if (observers.empty()) _observers.erase(place);
+    key = std::exchange(token->key(), {});
+  }
+  token->letGo();
+}
+
+NSNotificationCenter::Observers NSNotificationCenter::observersOf(
+    const NSNotification& notification) {
+  const auto name = notification.name();
+  const auto object = notification.object();
+  const std::array<Key, 4> keys{Key{name, object}, Key{name, nullptr}, Key{nullptr, object},
+                                Key{nullptr, nullptr}};
+  Observers result;
+  const std::lock_guard lock(_mutex);
+  for (const Key& key : keys) {
+    // About no object: the second and the fourth are then the first and the third.
+    if (!object && &key != &keys[0] && &key != &keys[2]) continue;
+    const auto place = _observers.find(key);
+    if (place == _observers.end()) continue;
+    result.insert(result.end(), place->second.begin(), place->second.end());
+  }
+  std::ranges::sort(result, {}, [](const auto& observer) { return observer->turn(); });
+  return result;
+}
+
+void NSNotificationCenter::postNotification(const NSRef<NSNotification>& notification) {
+  if (!notification) NSRaiseNilArgument("notification", "postNotification:");
+  // An observer may change the caller's own reference.
+  const auto held = NSRef<NSNotification>::share(notification.get());
+  for (const auto& observer : observersOf(*held)) observer->notify(held);
+}
+
+void NSNotificationCenter::postNotificationName_object(const NSRef<NSString>& name,
+                                                       const NSRef<NSObject>& object) {
+  postNotificationName_object_userInfo(name, object, nullptr);
+}
+
+void NSNotificationCenter::postNotificationName_object_userInfo(
+    const NSRef<NSString>& name, const NSRef<NSObject>& object,
+    const NSRef<NSDictionary>& userInfo) {
+  postNotification(NSNotification::notificationWithName_object_userInfo(name, object, userInfo));
+}

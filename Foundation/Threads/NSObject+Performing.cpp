@@ -1,0 +1,81 @@
+#include "Foundation/NSObject.h"
+
+#include <utility>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSDelay.h>
+#include <Foundation/NSException.h>
+#include <Foundation/NSRunLoop.h>
+#include <Foundation/NSSelector.h>
+#include <Foundation/NSString.h>
+#include <Foundation/NSThread.h>
+#include <Foundation/Threads/BlockedThread.h>
+#include <Foundation/Threads/RunLoopModes.h>
+
+namespace {
+
+// Nil modes are the common ones.
+void perform(NSRef<NSObject> receiver, NSSelector selector, const NSRef<NSThread>& thread,
+             NSRef<NSObject> object, bool wait, const NSRef<NSArray>& modes) {
+  constexpr auto operation = "performSelector:onThread:withObject:waitUntilDone:";
+  if (!thread) NSRaiseNilArgument("thread", operation);
+  if (wait && thread == NSThread::currentThread()) return selector.perform(receiver, object);
+  NSOnceClosure work([target = std::move(receiver), selector, argument = std::move(object)] {
+    selector.perform(target, argument);
+  });
+  const auto runLoop = thread->runLoop();
+  if (!wait) return runLoop->post(std::move(work), modes);
+  if (runLoop->postAndWait(std::move(work), modes)) return;
+  NSRaiseEndlessWait(thread->description()->utf8(), operation);
+}
+
+}  // namespace
+
+void NSObject::performSelector_withObject_afterDelay(NSSelector aSelector, NSRef<NSObject> object,
+                                                     NSDelay delay) {
+  performSelector_withObject_afterDelay_inModes(aSelector, std::move(object), delay,
+                                                NSDefaultRunLoopModes());
+}
+
+void NSObject::performSelector_withObject_afterDelay_inModes(NSSelector aSelector,
+                                                             NSRef<NSObject> object, NSDelay delay,
+                                                             const NSRef<NSArray>& modes) {
+  if (!modes || modes->count() == 0) return;
+  NSRunLoop::currentRunLoop()->schedulePerform(self(), aSelector, std::move(object), delay, modes);
+}
+
+void NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
+    const NSRef<NSObject>& aTarget, NSSelector aSelector, const NSRef<NSObject>& object) {
+  NSRunLoop::currentRunLoop()->cancelPerforms(aTarget, aSelector, object);
+}
+
+void NSObject::performSelector_onThread_withObject_waitUntilDone(NSSelector aSelector,
+                                                                 const NSRef<NSThread>& thread,
+                                                                 NSRef<NSObject> object,
+                                                                 bool wait) {
+  perform(self(), aSelector, thread, std::move(object), wait, nullptr);
+}
+
+void NSObject::performSelector_onThread_withObject_waitUntilDone_modes(
+    NSSelector aSelector, const NSRef<NSThread>& thread, NSRef<NSObject> object, bool wait,
+    const NSRef<NSArray>& modes) {
+  if (modes && modes->count() > 0)
+    perform(self(), aSelector, thread, std::move(object), wait, modes);
+}
+
+void NSObject::performSelectorOnMainThread_withObject_waitUntilDone(NSSelector aSelector,
+                                                                    NSRef<NSObject> object,
+                                                                    bool wait) {
+  perform(self(), aSelector, NSThread::mainThread(), std::move(object), wait, nullptr);
+}
+
+void NSObject::performSelectorOnMainThread_withObject_waitUntilDone_modes(
+    NSSelector aSelector, NSRef<NSObject> object, bool wait, const NSRef<NSArray>& modes) {
+  performSelector_onThread_withObject_waitUntilDone_modes(aSelector, NSThread::mainThread(),
+                                                          std::move(object), wait, modes);
+}
+
+void NSObject::performSelectorInBackground_withObject(NSSelector aSelector,
+                                                      NSRef<NSObject> object) {
+  NSThread::detachNewThreadSelector_toTarget_withObject(aSelector, self(), std::move(object));
+}

@@ -1,0 +1,100 @@
+#include "Foundation/NSTimer.h"
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSString.h>
+#include <Foundation/Threads/Schedule.h>
+#include <Foundation/detail/OnceClosure.h>
+
+namespace {
+
+constexpr std::chrono::nanoseconds shortestInterval = std::chrono::microseconds(100);
+
+}  // namespace
+
+// A valid timer in a run loop.
+class NSTimer::Event final : public NSScheduledEvent {
+ public:
+  Event(NSRunLoop& runLoop, NSRef<NSTimer> timer)
+      : _runLoop(&runLoop), _timer(std::move(timer)), _time(runLoop.now() + _timer->_interval) {
+    _timer->_event = this;
+  }
+  Event(const Event&) = delete;
+  ~Event() override { leave(); }
+
+  bool isOf(const NSRunLoop& runLoop) const noexcept { return _runLoop == &runLoop; }
+
+  void addMode(const NSRef<NSString>& mode) {
+    if (_modes->containsObject(mode)) return;
+    auto modes = _modes->mutableCopy();
+    modes->addObject(mode->copy());
+    // While it fires, it is scheduled afterwards.
+    if (!_isFiring) _runLoop->schedule(share(this), modes, std::max(_time, _runLoop->now()));
+    _modes = std::move(modes);
+  }
+
+  /// The caller holds the event.
+  void cancel() {
+    unschedule();
+    leave();
+  }
+
+  void drop() noexcept override {
+    if (const auto timer = _timer) timer->invalidate();
+  }
+  void happen() noexcept override {
+    _isFiring = true;
+    NSCallOrTerminate([this] { NSRef(_timer)->fire(); });
+    _isFiring = false;
+    if (!_timer) return;
+    const auto interval = _timer->_interval;
+    _time += ((_runLoop->now() - _time) / interval + 1) * interval;
+    _runLoop->schedule(share(this), _modes, _time);
+  }
+
+ private:
+  void leave() noexcept {
+    if (_timer) std::exchange(_timer, nullptr).get()->_event = nullptr;
+  }
+
+  NSRunLoop* _runLoop;
+  NSRef<NSTimer> _timer;
+  NSRef<NSMutableArray> _modes = NSMake<NSMutableArray>();
+  NSRunLoop::Time _time;
+  bool _isFiring = false;
+};
+
+NSTimer::NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block)
+    : _interval(std::max(interval.duration(), shortestInterval)),
+      _repeats(repeats),
+      _block(std::move(block)) {}
+
+NSTimer::~NSTimer() = default;
+
+void NSTimer::fire() {
+  const auto alive = self();
+  const auto block = _block;
+  if (!block) return;
+  block->invoke(alive);
+  if (!_repeats) invalidate();
+}
+
+void NSTimer::invalidate() {
+  const auto block = std::move(_block);
+  if (const auto event = share(_event)) event->cancel();
+}
+
+NSTimeInterval NSTimer::timeInterval() const noexcept {
+  return _repeats ? std::chrono::duration<NSTimeInterval>(_interval).count() : 0;
+}
+
+void NSTimer::addTo(NSRunLoop& runLoop, const NSRef<NSString>& mode) {
+  if (!isValid()) return;
+  if (_event == nullptr) {
+    NSMake<Event>(runLoop, share(this))->addMode(mode);
+  } else if (_event->isOf(runLoop)) {
+    _event->addMode(mode);
+  } else {
+    NSException::raise(NSInvalidArgumentException,
+                       "the timer is in another run loop (in 'addTimer:forMode:')");
+  }
+}

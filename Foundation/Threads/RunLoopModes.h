@@ -1,0 +1,106 @@
+#pragma once
+
+#include <algorithm>
+#include <list>
+#include <utility>
+#include <vector>
+
+#include <Foundation/NSArray.h>
+#include <Foundation/NSRunLoop.h>
+#include <Foundation/NSString.h>
+
+/// The default mode alone.
+const NSRef<NSArray>& NSDefaultRunLoopModes();
+
+/// The same modes, which nobody else can change.
+NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes);
+
+/// Whether the two name the same mode, also where a class of strings has its own view of that: so
+/// nobody else's code runs while lists of modes are walked.
+template <class A, class B>
+bool NSIsSameMode(const NSRef<A>& a, const NSRef<B>& b) {
+  if (a == b) return true;
+  const auto* const text = a.template cast<const NSString>();
+  const auto* const other = b.template cast<const NSString>();
+  return text != nullptr && other != nullptr && text->view() == other->view();
+}
+
+/// A set of few modes.
+class NSModeSet {
+ public:
+  explicit NSModeSet(NSRef<NSString> mode) : _modes{std::move(mode)} {}
+
+  bool contains(const NSRef<NSString>& mode) const {
+    for (const auto& member : _modes) {
+      if (NSIsSameMode(member, mode)) return true;
+    }
+    return false;
+  }
+  void add(const NSRef<NSString>& mode) {
+    if (!contains(mode)) _modes.push_back(mode);
+  }
+
+ private:
+  std::vector<NSRef<NSString>> _modes;
+};
+
+/// What waits for modes: a T for each list of modes that has been named, which stays where it is.
+/// So what waits for other modes costs a pass nothing.
+template <class T>
+class NSModePartition {
+ public:
+  /// What waits for one of those modes; nil is the common ones.
+  T& of(const NSRef<NSArray>& modes) {
+    if (!modes) return _common;
+    for (Group& group : _groups) {
+      if (group.modes == modes || std::ranges::equal(group.modes->objects(), modes->objects(),
+                                                     NSIsSameMode<NSObject, NSObject>)) {
+        return group.contents;
+      }
+    }
+    return _groups.emplace_back(NSCopiedModes(modes)).contents;
+  }
+
+  /// All that may go on in a pass in that mode.
+  std::vector<T*> in(const NSRef<NSString>& mode, const NSModeSet& commonModes) {
+    std::vector<T*> result;
+    const bool isCommon = commonModes.contains(mode);
+    if (isCommon) result.push_back(&_common);
+    for (Group& group : _groups) {
+      if (contains(group.modes, mode) ||
+          (isCommon && contains(group.modes, NSRunLoopCommonModes()))) {
+        result.push_back(&group.contents);
+      }
+    }
+    return result;
+  }
+
+  /// Forgets lists of modes for which nothing waits, when there are many. Not while somebody walks.
+  void tidy() {
+    if (_groups.size() < fewGroups) return;
+    _groups.remove_if([](Group& group) { return group.contents.empty(); });
+  }
+
+  template <class F>
+  void forEach(F function) {
+    function(_common);
+    for (Group& group : _groups) function(group.contents);
+  }
+
+ private:
+  static constexpr std::size_t fewGroups = 16;
+
+  static bool contains(const NSRef<NSArray>& modes, const NSRef<NSString>& mode) {
+    return std::ranges::any_of(modes->objects(),
+                               [&](const auto& other) { return NSIsSameMode(other, mode); });
+  }
+
+  struct Group {
+    explicit Group(NSRef<NSArray> list) : modes(std::move(list)) {}
+    NSRef<NSArray> modes;
+    T contents;
+  };
+
+  T _common;
+  std::list<Group> _groups;
+};

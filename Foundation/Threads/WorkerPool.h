@@ -1,0 +1,69 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <list>
+#include <mutex>
+#include <string>
+#include <system_error>
+
+#include <Foundation/detail/OnceClosure.h>
+#include <Foundation/dispatch.h>
+
+/// The threads that all queues of the process share. They come when there is work and go when there
+/// has been none for a while; the first one stays.
+///
+/// There are as many as processors, and more while some of them are blocked, that is while their
+/// processor time stands still: as many as `NSMostThreads` allows. When work waits then, standard
+/// error tells for which queue.
+class NSWorkerPool {
+ public:
+  static NSWorkerPool& shared();
+
+  NSWorkerPool() = default;
+  NSWorkerPool(const NSWorkerPool&) = delete;
+
+  /// Begun in the order of the calls. The queue is kept until it has no work here. Raises
+  /// `NSGenericException`, which names the operation, when the system gives no thread at all.
+  void submit(NSOnceClosure work, dispatch_queue& queue, const char* operation);
+  /// Raises likewise. Otherwise what is submitted later will have a thread.
+  void requireWorker(const char* operation) {
+    if (!_hasWorker.load(std::memory_order_relaxed)) makeWorker(operation);
+  }
+  /// Whether work waits for a thread.
+  bool hasPendingWork();
+
+ private:
+  struct Worker {
+    std::int64_t processorTime = 0;
+    clockid_t clock{};
+    bool isBusy = false;
+  };
+  struct Pending {
+    NSOnceClosure work;
+    dispatch_queue* queue;
+  };
+  std::error_code addWorker();
+  void makeWorker(const char* operation);
+  void requireWorkerLocked(const char* operation);
+  std::error_code startWatching();
+  void run(std::list<Worker>::iterator self);
+  bool awaitWork(std::unique_lock<std::mutex>& lock);
+  void performFirst(std::unique_lock<std::mutex>& lock);
+  void watch();
+  std::string grow();
+  std::size_t runningWorkers();
+
+  std::mutex _mutex;
+  std::condition_variable _hasWork;
+  std::deque<Pending> _pending;
+  std::list<Worker> _workers;
+  std::size_t _idle = 0;
+  std::uint64_t _taken = 0;
+  bool _isWatched = false;
+  bool _isWatchRefused = false;
+  // Once there is a worker, there always is one.
+  std::atomic<bool> _hasWorker = false;
+};

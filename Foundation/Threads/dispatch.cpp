@@ -1,0 +1,169 @@
+#include "Foundation/dispatch.h"
+
+#include <deque>
+#include <mutex>
+
+#include <Foundation/NSAutoreleasePool.h>
+#include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/NSRunLoop.h>
+#include <Foundation/NSString.h>
+#include <Foundation/Threads/BlockedThread.h>
+#include <Foundation/Threads/SystemThreads.h>
+#include <Foundation/Threads/WorkerPool.h>
+
+namespace {
+
+class ConcurrentQueue final : public dispatch_queue {
+ public:
+  explicit ConcurrentQueue(const char* label) : dispatch_queue(label) {}
+
+  void submit(NSOnceClosure work) override {
+    _pool.submit(std::move(work), *this, "dispatch_async");
+  }
+  void performAndWait(NSOnceClosure work) override { work.perform(); }
+
+ private:
+  NSWorkerPool& _pool = NSWorkerPool::shared();
+};
+
+class MainQueue final : public dispatch_queue {
+ public:
+  MainQueue() : dispatch_queue("main") {}
+
+  void submit(NSOnceClosure work) override {
+    NSRunLoop::mainRunLoop()->post(std::move(work), nullptr);
+  }
+  void performAndWait(NSOnceClosure work) override {
+    if (NSRunLoop::mainRunLoop()->postAndWait(std::move(work), nullptr)) return;
+    NSRaiseEndlessWait(description()->utf8(), "dispatch_sync");
+  }
+};
+
+// Who runs its blocks, a worker or somebody who waits, owns it meanwhile, with the batch that is at
+// hand.
+class SerialQueue final : public dispatch_queue {
+ public:
+  explicit SerialQueue(const char* label) : dispatch_queue(label) {}
+
+  void submit(NSOnceClosure work) override;
+  void performAndWait(NSOnceClosure work) override;
+
+ private:
+  void schedule(const char* operation);
+  void own();
+  void drain() noexcept;
+  void passOn() noexcept;
+  bool takeBatch();
+  void takeBack();
+
+  NSWorkerPool& _pool = NSWorkerPool::shared();
+  std::mutex _mutex;
+  bool _isOwned = false;
+  // The thread of the owner, when it has come.
+  NSServingThread _server;
+  std::deque<NSOnceClosure> _works;
+  std::deque<NSOnceClosure> _batch;
+  NSBlockedThread* _nextOwner = nullptr;
+};
+
+void SerialQueue::schedule(const char* operation) {
+  _pool.submit(NSOnceClosure([queue = share(this)] { queue.get()->drain(); }), *this, operation);
+}
+
+void SerialQueue::submit(NSOnceClosure work) {
+  constexpr auto operation = "dispatch_async";
+  _pool.requireWorker(operation);
+  {
+    const std::lock_guard lock(_mutex);
+    _works.push_back(std::move(work));
+    if (std::exchange(_isOwned, true)) return;
+  }
+  try {
+    schedule(operation);
+  } catch (...) {
+    takeBack();
+    throw;
+  }
+}
+
+// When there is no memory for the first work's turn. Whatever has come after it meanwhile goes on
+// with the next call.
+void SerialQueue::takeBack() {
+  std::unique_lock lock(_mutex);
+  const NSOnceClosure first = std::move(_works.front());
+  _works.pop_front();
+  _isOwned = false;
+  lock.unlock();
+}
+
+void SerialQueue::performAndWait(NSOnceClosure work) {
+  const auto alive = share(this);
+  own();
+  _server.set(NSThreadNumber());
+  work.perform();
+  passOn();
+}
+
+// Returns when the calling thread is the owner.
+void SerialQueue::own() {
+  constexpr auto operation = "dispatch_sync";
+  std::unique_lock lock(_mutex);
+  if (!std::exchange(_isOwned, true)) return;
+  NSBlockedThread waiter(_server);
+  if (waiter.isEndless()) NSRaiseEndlessWait(description()->utf8(), operation);
+  _pool.requireWorker(operation);
+  _works.emplace_back([this, &waiter] { _nextOwner = &waiter; });
+  lock.unlock();
+  waiter.wait();
+}
+
+// By the owner. Without any work, nobody owns the queue any more.
+bool SerialQueue::takeBatch() {
+  if (!_batch.empty()) return true;
+  const std::lock_guard lock(_mutex);
+  _batch.swap(_works);
+  _isOwned = !_batch.empty();
+  if (!_isOwned) _server.clear();
+  return _isOwned;
+}
+
+// By the owner, when it has done its own.
+void SerialQueue::passOn() noexcept {
+  _server.clear();
+  if (takeBatch()) schedule("dispatch_async");
+}
+
+// By a worker as the owner. Whoever waits becomes the owner when its turn comes.
+void SerialQueue::drain() noexcept {
+  _server.set(NSThreadNumber());
+  do {
+    if (!takeBatch()) return;
+    while (!_batch.empty()) {
+      const NSAutoreleasePool pool;
+      _batch.front().perform();
+      _batch.pop_front();
+      if (auto* const owner = std::exchange(_nextOwner, nullptr)) {
+        _server.clear();
+        return owner->wake();
+      }
+    }
+    // A worker does not stay while others wait for one.
+  } while (!_pool.hasPendingWork());
+  passOn();
+}
+
+}  // namespace
+
+NSRef<NSString> dispatch_queue::description() const {
+  return NSMake<NSString>("dispatch_queue " + _label);
+}
+
+dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t kind) {
+  if (kind == DISPATCH_QUEUE_CONCURRENT) return NSMake<ConcurrentQueue>(label);
+  return NSMake<SerialQueue>(label);
+}
+
+const dispatch_queue_t& dispatch_get_main_queue() {
+  static const NSNeverDestroyed<dispatch_queue_t> queue(NSMake<MainQueue>());
+  return *queue;
+}
