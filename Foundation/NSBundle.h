@@ -6,6 +6,7 @@
 #include <Foundation/NSClass.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/detail/Passkey.h>
 
 class NSLocalizedStrings;
 class NSString;
@@ -45,12 +46,7 @@ class NS_EXPORT NSBundle : public NSObject {
   NSRef<NSString> description() const override;
   const NSPropertyTable& propertyTable() const override;
 
-  /// Only for the two functions above.
-  class Key {
-    friend class NSBundle;
-    Key() = default;
-  };
-  NSBundle(Key key, std::filesystem::path executable);
+  NSBundle(NSPasskey<NSBundle> key, std::filesystem::path executable);
   NSBundle(const NSBundle&) = delete;
   ~NSBundle() override;
 

@@ -6,6 +6,7 @@
 
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/detail/Passkey.h>
 
 class NSArray;
 class NSDecimalSymbols;
@@ -35,12 +36,7 @@ NS_EXPORT const NSRef<NSString>& NSLocaleVariantCode();
 /// set both itself. The functions on them may be called from any thread.
 class NS_EXPORT NSLocale : public NSObject {
  public:
-  /// Only for the functions below.
-  class Key {
-    friend class NSLocale;
-    Key() = default;
-  };
-  NSLocale(Key key, const NSRef<NSString>& identifier);
+  NSLocale(NSPasskey<NSLocale> key, const NSRef<NSString>& identifier);
   NSLocale(const NSLocale&) = delete;
   ~NSLocale() override;
 

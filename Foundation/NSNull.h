@@ -2,6 +2,7 @@
 
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/detail/Passkey.h>
 
 /// The object that stands for nil in collections. There is one, and it lives as long as the
 /// process.
@@ -13,11 +14,6 @@ class NS_EXPORT NSNull : public NSObject {
   NSRef<NSString> description() const override;
   NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 
-  /// Only for `null()`.
-  class Key {
-    friend class NSNull;
-    Key() = default;
-  };
-  explicit NSNull(Key /*key*/) noexcept {}
+  explicit NSNull(NSPasskey<NSNull> /*key*/) noexcept {}
   NSNull(const NSNull&) = delete;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <compare>
 #include <new>
@@ -9,6 +10,7 @@
 
 #include <Foundation/NSExport.h>
 #include <Foundation/NSFormat.h>
+#include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSRange.h>
 #include <Foundation/NSStringComparison.h>
@@ -220,6 +222,25 @@ class NS_EXPORT NSMutableString : public NSString {
 /// `u"…"_ns`, and `"…"_ns` with UTF-8 text.
 NS_EXPORT NSRef<NSString> operator""_ns(const char16_t* units, std::size_t length);
 NS_EXPORT NSRef<NSString> operator""_ns(const char* utf8, std::size_t length);
+
+/// A literal as a template argument.
+template <std::size_t size>
+struct NSLiteral {
+  // NOLINTNEXTLINE(modernize-avoid-c-arrays): a literal is one.
+  constexpr NSLiteral(const char16_t (&text)[size]) { std::copy_n(text, size, units.begin()); }
+  std::array<char16_t, size> units{};
+};
+
+/// Gives the string object of a literal, made at the first call and never destroyed. It is how the
+/// name of a notification or the key of a dictionary becomes a constant:
+///
+///     const NSRef<NSString>& PageDidChange() { return NSConstantString<u"PageDidChange">(); }
+template <NSLiteral literal>
+[[nodiscard]] const NSRef<NSString>& NSConstantString() {
+  static const NSNeverDestroyed<NSRef<NSString>> string(
+      NSMake<NSString>(std::u16string_view(literal.units.data())));
+  return *string;
+}
 
 /// The units of a string, none of nil.
 inline std::u16string_view NSViewOf(const NSRef<NSString>& string) noexcept {

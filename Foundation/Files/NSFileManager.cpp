@@ -98,40 +98,23 @@ const NSRef<NSString>& typeOf(mode_t mode) {
 
 }  // namespace
 
-const NSRef<NSString>& NSFileType() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSFileType"_ns);
-  return *key;
-}
+const NSRef<NSString>& NSFileType() { return NSConstantString<u"NSFileType">(); }
 
-const NSRef<NSString>& NSFileSize() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSFileSize"_ns);
-  return *key;
-}
+const NSRef<NSString>& NSFileSize() { return NSConstantString<u"NSFileSize">(); }
 
 const NSRef<NSString>& NSFilePosixPermissions() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSFilePosixPermissions"_ns);
-  return *key;
+  return NSConstantString<u"NSFilePosixPermissions">();
 }
 
-const NSRef<NSString>& NSFileTypeDirectory() {
-  static const NSNeverDestroyed<NSRef<NSString>> type(u"NSFileTypeDirectory"_ns);
-  return *type;
-}
+const NSRef<NSString>& NSFileTypeDirectory() { return NSConstantString<u"NSFileTypeDirectory">(); }
 
-const NSRef<NSString>& NSFileTypeRegular() {
-  static const NSNeverDestroyed<NSRef<NSString>> type(u"NSFileTypeRegular"_ns);
-  return *type;
-}
+const NSRef<NSString>& NSFileTypeRegular() { return NSConstantString<u"NSFileTypeRegular">(); }
 
 const NSRef<NSString>& NSFileTypeSymbolicLink() {
-  static const NSNeverDestroyed<NSRef<NSString>> type(u"NSFileTypeSymbolicLink"_ns);
-  return *type;
+  return NSConstantString<u"NSFileTypeSymbolicLink">();
 }
 
-const NSRef<NSString>& NSFileTypeUnknown() {
-  static const NSNeverDestroyed<NSRef<NSString>> type(u"NSFileTypeUnknown"_ns);
-  return *type;
-}
+const NSRef<NSString>& NSFileTypeUnknown() { return NSConstantString<u"NSFileTypeUnknown">(); }
 
 NSFileManager::~NSFileManager() = default;
 

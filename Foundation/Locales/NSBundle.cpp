@@ -66,10 +66,10 @@ NSRef<NSBundle> NSBundle::bundleForFile(const fs::path& file, const void* addres
   for (const auto& [spelling, other] : *bundles) {
     if (other && other->_executable == resolved) return bundle = other;
   }
-  return bundle = NSMake<NSBundle>(Key(), resolved);
+  return bundle = NSMake<NSBundle>(NSPasskey<NSBundle>(), resolved);
 }
 
-NSBundle::NSBundle(Key /*key*/, fs::path executable)
+NSBundle::NSBundle(NSPasskey<NSBundle> /*key*/, fs::path executable)
     : _executable(std::move(executable)), _tables(std::make_unique<NSLocalizedStrings>()) {}
 NSBundle::~NSBundle() = default;
 

@@ -75,30 +75,17 @@ bool isLanguage(const std::string& code) {
 
 }  // namespace
 
-const NSRef<NSString>& NSLocaleIdentifier() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSLocaleIdentifier"_ns);
-  return *key;
-}
+const NSRef<NSString>& NSLocaleIdentifier() { return NSConstantString<u"NSLocaleIdentifier">(); }
 
 const NSRef<NSString>& NSLocaleLanguageCode() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSLocaleLanguageCode"_ns);
-  return *key;
+  return NSConstantString<u"NSLocaleLanguageCode">();
 }
 
-const NSRef<NSString>& NSLocaleScriptCode() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSLocaleScriptCode"_ns);
-  return *key;
-}
+const NSRef<NSString>& NSLocaleScriptCode() { return NSConstantString<u"NSLocaleScriptCode">(); }
 
-const NSRef<NSString>& NSLocaleCountryCode() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSLocaleCountryCode"_ns);
-  return *key;
-}
+const NSRef<NSString>& NSLocaleCountryCode() { return NSConstantString<u"NSLocaleCountryCode">(); }
 
-const NSRef<NSString>& NSLocaleVariantCode() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSLocaleVariantCode"_ns);
-  return *key;
-}
+const NSRef<NSString>& NSLocaleVariantCode() { return NSConstantString<u"NSLocaleVariantCode">(); }
 
 NSRef<NSDictionary> NSLocale::componentsFromLocaleIdentifier(const NSRef<NSString>& identifier) {
   if (!identifier) return nullptr;

@@ -121,14 +121,14 @@ std::atomic<std::uint64_t> generationOfLanguages = 0;
 
 }  // namespace
 
-NSLocale::NSLocale(Key /*key*/, const NSRef<NSString>& identifier)
+NSLocale::NSLocale(NSPasskey<NSLocale> /*key*/, const NSRef<NSString>& identifier)
     : _identifier(identifier->copy()) {}
 
 NSLocale::~NSLocale() = default;
 
 NSRef<NSLocale> NSLocale::localeWithLocaleIdentifier(const NSRef<NSString>& identifier) {
   if (!NSIsLocaleIdentifier(NSViewOf(identifier))) return nullptr;
-  return NSMake<NSLocale>(Key(), identifier);
+  return NSMake<NSLocale>(NSPasskey<NSLocale>(), identifier);
 }
 
 NSRef<NSLocale> NSLocale::currentLocale() { return currentLocaleSetting().get(); }

@@ -5,33 +5,19 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSKeyValueCoding.h>
-#include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSString.h>
 
-const NSRef<NSString>& NSPOSIXErrorDomain() {
-  static const NSNeverDestroyed<NSRef<NSString>> domain(u"NSPOSIXErrorDomain"_ns);
-  return *domain;
-}
+const NSRef<NSString>& NSPOSIXErrorDomain() { return NSConstantString<u"NSPOSIXErrorDomain">(); }
 
-const NSRef<NSString>& NSCocoaErrorDomain() {
-  static const NSNeverDestroyed<NSRef<NSString>> domain(u"NSCocoaErrorDomain"_ns);
-  return *domain;
-}
+const NSRef<NSString>& NSCocoaErrorDomain() { return NSConstantString<u"NSCocoaErrorDomain">(); }
 
 const NSRef<NSString>& NSLocalizedDescriptionKey() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSLocalizedDescription"_ns);
-  return *key;
+  return NSConstantString<u"NSLocalizedDescription">();
 }
 
-const NSRef<NSString>& NSUnderlyingErrorKey() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSUnderlyingError"_ns);
-  return *key;
-}
+const NSRef<NSString>& NSUnderlyingErrorKey() { return NSConstantString<u"NSUnderlyingError">(); }
 
-const NSRef<NSString>& NSFilePathErrorKey() {
-  static const NSNeverDestroyed<NSRef<NSString>> key(u"NSFilePath"_ns);
-  return *key;
-}
+const NSRef<NSString>& NSFilePathErrorKey() { return NSConstantString<u"NSFilePath">(); }
 
 NSError::NSError(const NSRef<NSString>& domain, NSInteger code, const NSRef<NSDictionary>& userInfo)
     : _code(code), _userInfo(userInfo ? userInfo->copy() : NSMake<NSDictionary>()) {

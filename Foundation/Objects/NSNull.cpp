@@ -4,7 +4,7 @@
 #include <Foundation/NSString.h>
 
 const NSRef<NSNull>& NSNull::null() {
-  static const NSNeverDestroyed<NSRef<NSNull>> null(NSMake<NSNull>(Key()));
+  static const NSNeverDestroyed<NSRef<NSNull>> null(NSMake<NSNull>(NSPasskey<NSNull>()));
   return *null;
 }
 

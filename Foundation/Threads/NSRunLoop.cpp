@@ -8,7 +8,6 @@
 #include <Foundation/NSAutoreleasePool.h>
 #include <Foundation/NSDate.h>
 #include <Foundation/NSDelay.h>
-#include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSNotificationQueue.h>
 #include <Foundation/NSThread.h>
 #include <Foundation/NSTimer.h>
@@ -142,13 +141,11 @@ class NSRunLoop::Run {
 };
 
 const NSRef<NSString>& NSDefaultRunLoopMode() {
-  static const NSNeverDestroyed<NSRef<NSString>> mode(u"NSDefaultRunLoopMode"_ns);
-  return *mode;
+  return NSConstantString<u"NSDefaultRunLoopMode">();
 }
 
 const NSRef<NSString>& NSRunLoopCommonModes() {
-  static const NSNeverDestroyed<NSRef<NSString>> modes(u"NSRunLoopCommonModes"_ns);
-  return *modes;
+  return NSConstantString<u"NSRunLoopCommonModes">();
 }
 
 NSRunLoop::NSRunLoop() : _core(std::make_unique<Core>()) {}

@@ -11,10 +11,7 @@ namespace {
 
 [[gnu::constructor]] void registerClass() { NSKeyedUnarchiver::registerClass<ZKURLFormatter>(); }
 
-const NSRef<NSString>& invalidURL() {
-  static const NSNeverDestroyed<NSRef<NSString>> text(u"Invalid URL"_ns);
-  return *text;
-}
+const NSRef<NSString>& invalidURL() { return NSConstantString<u"Invalid URL">(); }
 
 NSRef<NSString> invalidPathUnless(const NSRef<NSObject>& object) {
   return object ? nullptr : u"Invalid filesystem path"_ns;
