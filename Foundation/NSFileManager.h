@@ -31,18 +31,18 @@ enum NSSearchPathDomainMask : NSUInteger {
 
 // Keys of attributes.
 
-/// What kind of file it is, one of the strings below.
-NS_EXPORT const NSRef<NSString>& NSFileType();
-/// The number of bytes.
-NS_EXPORT const NSRef<NSString>& NSFileSize();
-/// The permission bits as chmod takes them, a number such as 0755.
-NS_EXPORT const NSRef<NSString>& NSFilePosixPermissions();
+/// Key of the kind of file, one of the strings below.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFileType();
+/// Key of the number of bytes.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFileSize();
+/// Key of the permission bits as chmod takes them, a number such as 0755.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFilePosixPermissions();
 
-NS_EXPORT const NSRef<NSString>& NSFileTypeDirectory();
-NS_EXPORT const NSRef<NSString>& NSFileTypeRegular();
-NS_EXPORT const NSRef<NSString>& NSFileTypeSymbolicLink();
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFileTypeDirectory();
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFileTypeRegular();
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFileTypeSymbolicLink();
 /// A socket, pipe or device.
-NS_EXPORT const NSRef<NSString>& NSFileTypeUnknown();
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFileTypeUnknown();
 
 /// Asks and changes the file system. It has no state: any number of threads may use one.
 ///
@@ -53,9 +53,11 @@ class NS_EXPORT NSFileManager : public NSObject {
  public:
   ~NSFileManager() override;
 
-  static const NSRef<NSFileManager>& defaultManager();
+  /// Gives the file manager that all may share.
+  [[nodiscard]] static const NSRef<NSFileManager>& defaultManager();
 
-  /// The URL of a standard directory, which need not exist; with `create` it is made if need be.
+  /// Gives the URL of a standard directory, which need not exist; with `create` it is made if it
+  /// does not.
   ///
   /// | directory | of the user | of the machine |
   /// |---|---|---|
@@ -76,8 +78,8 @@ class NS_EXPORT NSFileManager : public NSObject {
 
   /// Makes a directory, with `createIntermediates` also those above it that are missing; then one
   /// that exists is as good. Any number of threads and processes may make the same one at once.
-  /// When it cannot be made, what was made for it is removed, unless something else is in it by
-  /// then; another call that has just found it there does not keep it.
+  /// When it cannot be made, the directories that were made for it are removed, unless something
+  /// else is in them by then; that another call has just found one there does not keep it.
   ///
   /// Of the attributes `NSFilePosixPermissions` counts, for the directory itself; those above it,
   /// and it without attributes, get what the process's file mode creation mask leaves.
@@ -85,7 +87,7 @@ class NS_EXPORT NSFileManager : public NSObject {
       const NSRef<NSURL>& url, bool createIntermediates, const NSRef<NSDictionary>& attributes,
       NSRef<NSError>* error) const;
 
-  /// Type, size and permissions of what stands at the path; a symbolic link is not followed.
-  NSRef<NSDictionary> attributesOfItemAtPath_error(const NSRef<NSString>& path,
-                                                   NSRef<NSError>* error) const;
+  /// Tells type, size and permissions of what stands at the path; a symbolic link is not followed.
+  [[nodiscard]] NSRef<NSDictionary> attributesOfItemAtPath_error(const NSRef<NSString>& path,
+                                                                 NSRef<NSError>* error) const;
 };

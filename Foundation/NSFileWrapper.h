@@ -30,19 +30,20 @@ enum NSFileWrapperWritingOptions : NSUInteger {
 /// and further hard links are not.
 class NS_EXPORT NSFileWrapper : public NSObject {
  public:
-  /// A regular file.
+  /// Makes a regular file.
   explicit NSFileWrapper(const NSRef<NSData>& contents);
-  /// A directory with these children by name; nil has none. Children without a preferred name get
-  /// the one by which they are entered.
+  /// Makes a directory with these children by name; nil has none. Children without a preferred name
+  /// get the one by which they are entered.
   explicit NSFileWrapper(const NSRef<NSDictionary>& childrenByName);
 
-  /// What stands at the URL, with all that is in it. Nil, and the reason in `*error` unless that is
-  /// null, for what cannot be read: besides what the system refuses, a URL that is no file URL, a
-  /// name that is not UTF-8, and anything but regular files and directories. Only the URL itself
-  /// may be a symbolic link; the names are then those of what it refers to. A document that is
-  /// written meanwhile is read as it was before or is afterwards. There are no options.
-  static NSRef<NSFileWrapper> initWithURL_options_error(const NSRef<NSURL>& url, NSUInteger options,
-                                                        NSRef<NSError>* error);
+  /// Reads what stands at the URL, with all that is in it. Nil, and the reason in `*error` unless
+  /// that is null, for what cannot be read: besides what the system refuses, a URL that is no file
+  /// URL, a name that is not UTF-8, and anything but regular files and directories. Only the URL
+  /// itself may be a symbolic link; the names are then those of what it refers to. A document that
+  /// is written meanwhile is read as it was before or is afterwards. There are no options.
+  [[nodiscard]] static NSRef<NSFileWrapper> initWithURL_options_error(const NSRef<NSURL>& url,
+                                                                      NSUInteger options,
+                                                                      NSRef<NSError>* error);
 
   /// Writes the file, or the directory with all that is in it, in the place of what stands at the
   /// URL (of what it refers to, if it is a symbolic link). False, and the reason in `*error`, when
@@ -58,50 +59,53 @@ class NS_EXPORT NSFileWrapper : public NSObject {
                                                     const NSRef<NSURL>& original,
                                                     NSRef<NSError>* error);
 
-  bool isRegularFile() const noexcept { return _contents.get() != nullptr; }
-  bool isDirectory() const noexcept { return _children.get() != nullptr; }
+  [[nodiscard]] bool isRegularFile() const noexcept { return _contents.get() != nullptr; }
+  [[nodiscard]] bool isDirectory() const noexcept { return _children.get() != nullptr; }
 
-  /// The name under which it would like to be added, or nil.
-  NSRef<NSString> preferredFilename() const noexcept { return _preferredFilename; }
-  /// A change does not touch the name by which a directory already has it.
+  /// Gives the name under which it would like to be added, or nil.
+  [[nodiscard]] NSRef<NSString> preferredFilename() const noexcept { return _preferredFilename; }
+  /// Sets that name. The name by which a directory already has it stays.
   void setPreferredFilename(const NSRef<NSString>& name);
-  /// The name that it had when it was read, or written with name updating; nil before.
-  NSRef<NSString> filename() const noexcept { return _filename; }
+  /// Gives the name that it had when it was read, or written with name updating; nil before.
+  [[nodiscard]] NSRef<NSString> filename() const noexcept { return _filename; }
   void setFilename(const NSRef<NSString>& name);
-  /// `NSFilePosixPermissions`, if it has any: those that were read or set.
-  NSRef<NSDictionary> fileAttributes() const;
-  /// Without permissions, or if they are no number, it will have those that the process gives to
-  /// new files.
+  /// Gives `NSFilePosixPermissions`, if it has any: those that were read or set.
+  [[nodiscard]] NSRef<NSDictionary> fileAttributes() const;
+  /// Sets the permissions. Without any, or if they are no number, it will have those that the
+  /// process gives to new files.
   void setFileAttributes(const NSRef<NSDictionary>& attributes);
 
-  NSRef<NSData> regularFileContents() const;
+  /// Gives the bytes of a regular file.
+  [[nodiscard]] NSRef<NSData> regularFileContents() const;
 
-  /// The children by name.
-  NSRef<NSDictionary> fileWrappers() const;
+  /// Gives the children by name.
+  [[nodiscard]] NSRef<NSDictionary> fileWrappers() const;
   /// Adds a child by its preferred name, or where another has that by its `unusedFilename`. A child
   /// without a preferred name gets "Untitled", or the unused name for that. Gives the name by which
   /// the directory has it. A directory that this one is within, or is, raises
   /// `NSInvalidArgumentException`.
   NSRef<NSString> addFileWrapper(const NSRef<NSFileWrapper>& child);
+  /// Makes a regular file with that preferred name and adds it. Gives the name by which the
+  /// directory has it.
   NSRef<NSString> addRegularFileWithContents_preferredFilename(const NSRef<NSData>& contents,
                                                                const NSRef<NSString>& name);
-  /// Does nothing for a wrapper that is no child.
+  /// Removes the child under all its names; does nothing for a wrapper that is no child.
   void removeFileWrapper(const NSRef<NSFileWrapper>& child);
-  /// A name by which the directory has the child; nil for a wrapper that is none.
-  NSRef<NSString> keyForFileWrapper(const NSRef<NSFileWrapper>& child) const;
-  /// The name, if no child has it. Otherwise " 2" comes before the extension, and then " 3" behind
-  /// that and so on until no child has it: "a.txt", "a 2.txt", "a 2 3.txt".
-  NSRef<NSString> unusedFilename(const NSRef<NSString>& name) const;
+  /// Gives a name by which the directory has the child; nil for a wrapper that is none.
+  [[nodiscard]] NSRef<NSString> keyForFileWrapper(const NSRef<NSFileWrapper>& child) const;
+  /// Gives the name, if no child has it. Otherwise appends " 2" before the extension, then " 3" and
+  /// so on until no child has it: "a.txt", "a 2.txt", "a 2 3.txt".
+  [[nodiscard]] NSRef<NSString> unusedFilename(const NSRef<NSString>& name) const;
 
   /// "NSFileWrapper notes.txt (regular file of 12 bytes)", "NSFileWrapper (directory of 3)"
-  NSRef<NSString> description() const override;
+  [[nodiscard]] NSRef<NSString> description() const override;
   /// "preferredFilename", "filename" and "fileAttributes" besides what every object publishes.
-  const NSPropertyTable& propertyTable() const override;
+  [[nodiscard]] const NSPropertyTable& propertyTable() const override;
 
  private:
-  const NSMutableDictionary& children(const char* operation) const;
+  [[nodiscard]] const NSMutableDictionary& children(const char* operation) const;
   NSMutableDictionary& children(const char* operation);
-  bool contains(const NSFileWrapper* wrapper) const;
+  [[nodiscard]] bool contains(const NSFileWrapper* wrapper) const;
   void setWrittenName(const NSRef<NSString>& name);
 
   // One of these two is nil.

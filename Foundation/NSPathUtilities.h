@@ -3,10 +3,10 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSString.h>
 
-/// The user's home directory: HOME, or if that is no absolute path what the system's list of users
-/// says. Where neither is there, "/".
-NS_EXPORT NSRef<NSString> NSHomeDirectory();
+/// Gives the user's home directory: HOME, or if that is no absolute path what the system's list of
+/// users says. Where neither is there, "/".
+[[nodiscard]] NS_EXPORT NSRef<NSString> NSHomeDirectory();
 
-/// The directory for temporary files: TMPDIR, if it is an absolute path in UTF-8, else "/tmp".
-/// Whether it exists is not asked.
-NS_EXPORT NSRef<NSString> NSTemporaryDirectory();
+/// Gives the directory for temporary files: TMPDIR, if it is an absolute path in UTF-8, else
+/// "/tmp". It need not exist.
+[[nodiscard]] NS_EXPORT NSRef<NSString> NSTemporaryDirectory();

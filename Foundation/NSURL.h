@@ -18,73 +18,77 @@ class NSString;
 /// empty string. Percent sequences are decoded where it says so, what is not UTF-8 then as U+FFFD.
 class NS_EXPORT NSURL : public NSObject {
  public:
-  /// Nil for text that is not of this syntax, such as text with blanks, with characters outside
-  /// ASCII or with a "%" that begins no percent sequence; also for nil.
-  static NSRef<NSURL> URLWithString(const NSRef<NSString>& text);
-  /// The file URL of a path, made absolute by the current directory if it is relative, with "/" at
-  /// the end if it has one or is a directory on the disk. Nil for an empty path, for one with
-  /// U+0000 or half of a surrogate pair, which no file has, and for a relative one when the current
-  /// directory is gone. A nil path raises
-  /// `NSInvalidArgumentException`.
-  static NSRef<NSURL> fileURLWithPath(const NSRef<NSString>& path);
-  /// The same without a look at the disk: the URL ends with "/" if it is a directory.
-  static NSRef<NSURL> fileURLWithPath_isDirectory(const NSRef<NSString>& path, bool isDirectory);
-  /// Of paths whose bytes need not be UTF-8.
-  static NSRef<NSURL> fileURLWithPath(const std::filesystem::path& path);
-  static NSRef<NSURL> fileURLWithPath_isDirectory(const std::filesystem::path& path,
-                                                  bool isDirectory);
-  /// `fileURLWithPath` of the path that has these components, as `pathComponents` gives them. Nil
-  /// and an empty array give nil; what is no string is left out.
-  static NSRef<NSURL> fileURLWithPathComponents(const NSRef<NSArray>& components);
+  /// Makes the URL of a text. Nil for nil and for text that is not of this syntax, such as text
+  /// with blanks, with characters outside ASCII or with a "%" that begins no percent sequence.
+  [[nodiscard]] static NSRef<NSURL> URLWithString(const NSRef<NSString>& text);
+  /// Makes the file URL of a path. A relative path is made absolute by the current directory. The
+  /// URL ends with "/" if the path does or is a directory on the disk. Nil for an empty path, for
+  /// one with U+0000 or half of a surrogate pair, which no file has, and for a relative one when
+  /// the current directory is gone. A nil path raises `NSInvalidArgumentException`.
+  [[nodiscard]] static NSRef<NSURL> fileURLWithPath(const NSRef<NSString>& path);
+  /// Makes the file URL of a path without a look at the disk: it ends with "/" if it is a
+  /// directory.
+  [[nodiscard]] static NSRef<NSURL> fileURLWithPath_isDirectory(const NSRef<NSString>& path,
+                                                                bool isDirectory);
+  /// Makes the file URL of a path whose bytes need not be UTF-8.
+  [[nodiscard]] static NSRef<NSURL> fileURLWithPath(const std::filesystem::path& path);
+  /// Makes it without a look at the disk.
+  [[nodiscard]] static NSRef<NSURL> fileURLWithPath_isDirectory(const std::filesystem::path& path,
+                                                                bool isDirectory);
+  /// Makes the file URL of the path that has these components, as `pathComponents` gives them. Nil
+  /// for nil and an empty array; what is no string is left out.
+  [[nodiscard]] static NSRef<NSURL> fileURLWithPathComponents(const NSRef<NSArray>& components);
 
-  /// The text of the URL.
-  NSRef<NSString> absoluteString() const noexcept;
-  /// As it was written.
-  NSRef<NSString> scheme() const;
-  /// The part before "@" up to the first ":", and the one behind that; decoded.
-  NSRef<NSString> user() const;
-  NSRef<NSString> password() const;
-  /// Decoded, of an IPv6 address without the brackets.
-  NSRef<NSString> host() const;
-  /// Nil also for one that is empty or does not fit 64 bits.
-  NSRef<NSNumber> port() const;
-  /// Whether there is no scheme, or "//" or "/" behind it; "mailto:someone" has no hierarchy.
-  bool hasHierarchy() const noexcept;
-  /// Decoded and without "/" at its end; nil only for a URL without hierarchy.
-  NSRef<NSString> path() const;
-  /// As they were written.
-  NSRef<NSString> query() const;
-  NSRef<NSString> fragment() const;
+  /// Gives the text of the URL.
+  [[nodiscard]] NSRef<NSString> absoluteString() const noexcept;
+  /// Gives the scheme as it was written.
+  [[nodiscard]] NSRef<NSString> scheme() const;
+  /// Gives what stands before "@" up to the first ":", decoded.
+  [[nodiscard]] NSRef<NSString> user() const;
+  /// Gives what stands between that ":" and "@", decoded.
+  [[nodiscard]] NSRef<NSString> password() const;
+  /// Gives the host, decoded; an IPv6 address without its brackets.
+  [[nodiscard]] NSRef<NSString> host() const;
+  /// Gives the port; nil also for one that is empty or does not fit 64 bits.
+  [[nodiscard]] NSRef<NSNumber> port() const;
+  /// Whether there is no scheme, or "//" or "/" follows it; "mailto:someone" has no hierarchy.
+  [[nodiscard]] bool hasHierarchy() const noexcept;
+  /// Gives the path, decoded and without "/" at its end; nil only for a URL without hierarchy.
+  [[nodiscard]] NSRef<NSString> path() const;
+  /// Gives the query as it was written.
+  [[nodiscard]] NSRef<NSString> query() const;
+  /// Gives the fragment as it was written.
+  [[nodiscard]] NSRef<NSString> fragment() const;
 
-  /// The components of `path`: "/" and the names. Nil where the path is.
-  NSRef<NSArray> pathComponents() const;
-  /// Those of `path`; nil where it is.
-  NSRef<NSString> lastPathComponent() const;
-  NSRef<NSString> pathExtension() const;
-  /// The URL with the component behind its path, and "/" behind that if it is a directory; query
-  /// and fragment stay. "/" at the ends of the component do not count. Nil for a URL without
-  /// hierarchy and for a component with half of a surrogate pair; a nil component raises
-  /// `NSInvalidArgumentException`.
-  NSRef<NSURL> URLByAppendingPathComponent_isDirectory(const NSRef<NSString>& component,
-                                                       bool isDirectory) const;
+  /// Gives the components of `path`: "/" and the names. Nil where the path is.
+  [[nodiscard]] NSRef<NSArray> pathComponents() const;
+  /// Gives the last component of `path`; nil where it is.
+  [[nodiscard]] NSRef<NSString> lastPathComponent() const;
+  /// Gives the extension of `path`; nil where it is.
+  [[nodiscard]] NSRef<NSString> pathExtension() const;
+  /// Appends the component to the path, and "/" if it is a directory; query and fragment stay. "/"
+  /// at the ends of the component do not count. Nil for a URL without hierarchy and for a component
+  /// with half of a surrogate pair; a nil component raises `NSInvalidArgumentException`.
+  [[nodiscard]] NSRef<NSURL> URLByAppendingPathComponent_isDirectory(
+      const NSRef<NSString>& component, bool isDirectory) const;
   /// Whether the path ends with "/".
-  bool hasDirectoryPath() const noexcept;
+  [[nodiscard]] bool hasDirectoryPath() const noexcept;
 
   /// Whether the scheme is "file", in any letter case.
-  bool isFileURL() const noexcept;
-  /// The path of a file URL, byte for byte; empty for all others.
-  std::filesystem::path fileSystemPath() const;
+  [[nodiscard]] bool isFileURL() const noexcept;
+  /// Gives the path of a file URL, byte for byte; empty for all others.
+  [[nodiscard]] std::filesystem::path fileSystemPath() const;
 
   /// Whether the texts are the same.
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
   /// `absoluteString`
-  NSRef<NSString> description() const override;
+  [[nodiscard]] NSRef<NSString> description() const override;
   /// "absoluteString", "scheme", "host", "path", "query" and "fragment" besides what every object
   /// publishes.
-  const NSPropertyTable& propertyTable() const override;
+  [[nodiscard]] const NSPropertyTable& propertyTable() const override;
   /// The URL itself.
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 
   /// Only for the functions above.
   class Parts;
@@ -97,12 +101,12 @@ class NS_EXPORT NSURL : public NSObject {
     static constexpr std::uint32_t missing = UINT32_MAX;
     std::uint32_t start = missing;
     std::uint32_t end = missing;
-    bool exists() const noexcept { return start != missing; }
+    [[nodiscard]] bool exists() const noexcept { return start != missing; }
   };
 
-  std::u16string_view unitsOf(Part part) const noexcept;
-  NSRef<NSString> written(Part part) const;
-  NSRef<NSString> decoded(Part part) const;
+  [[nodiscard]] std::u16string_view unitsOf(Part part) const noexcept;
+  [[nodiscard]] NSRef<NSString> written(Part part) const;
+  [[nodiscard]] NSRef<NSString> decoded(Part part) const;
 
   NSRef<NSString> _text;
   Part _scheme, _userInfo, _host, _port, _path, _query, _fragment;

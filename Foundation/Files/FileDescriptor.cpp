@@ -6,6 +6,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <Foundation/NSFileManager.h>
+#include <Foundation/NSNumber.h>
+
 namespace fs = std::filesystem;
 
 void NSFailWithPath(const fs::path& path, int number) {
@@ -44,6 +47,12 @@ void NSFileDescriptor::close() {
   if (::close(std::exchange(_number, -1)) != 0) NSFailWithPath(_path);
 }
 
+struct stat NSStatusOf(const fs::path& path) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0) NSFailWithPath(path);
+  return status;
+}
+
 std::vector<fs::path> NSPathsIn(const fs::path& folder) {
   std::vector<fs::path> paths;
   for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
@@ -58,4 +67,11 @@ fs::path NSPlaceOf(const fs::path& path) {
   const bool leadsElsewhere = place.filename() == "." || place.filename() == ".." ||
                               fs::is_symlink(fs::symlink_status(place));
   return leadsElsewhere ? fs::canonical(place) : place;
+}
+
+std::optional<mode_t> NSPermissionsIn(const NSRef<NSDictionary>& attributes) {
+  const auto value = attributes ? attributes->objectForKey(NSFilePosixPermissions()) : nullptr;
+  const auto* const number = value.cast<NSNumber>();
+  if (number == nullptr) return std::nullopt;
+  return static_cast<mode_t>(number->unsignedIntegerValue());
 }

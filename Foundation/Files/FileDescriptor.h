@@ -3,10 +3,14 @@
 #include <cerrno>
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <vector>
 
+#include <sys/stat.h>
 #include <sys/types.h>
+
+#include <Foundation/NSDictionary.h>
 
 // What the standard library leaves out of file systems. Failures are thrown as its own are, with
 // the path and the `errno`.
@@ -20,11 +24,11 @@ class NSFileDescriptor {
   NSFileDescriptor(const NSFileDescriptor&) = delete;
   ~NSFileDescriptor();
 
-  int number() const noexcept { return _number; }
-  /// Gives how many bytes there were; 0 at the end.
-  std::size_t read(std::span<std::byte> room) const;
+  [[nodiscard]] int number() const noexcept { return _number; }
+  /// Reads into the room and gives how many bytes there were; 0 at the end.
+  [[nodiscard]] std::size_t read(std::span<std::byte> room) const;
   void writeAll(std::span<const std::byte> bytes) const;
-  /// Some file systems tell only here that a disk is full.
+  /// Closes the file. Some file systems tell only here that a disk is full.
   void close();
 
  private:
@@ -32,8 +36,15 @@ class NSFileDescriptor {
   int _number;
 };
 
-/// What is in a folder: a list, so that who walks a deep tree needs no descriptor for each level.
-std::vector<std::filesystem::path> NSPathsIn(const std::filesystem::path& folder);
+/// Tells what stands at the path itself; a symbolic link is not followed.
+[[nodiscard]] struct stat NSStatusOf(const std::filesystem::path& path);
 
-/// The path without "/" at the end, and where a symbolic link, "." and ".." lead.
-std::filesystem::path NSPlaceOf(const std::filesystem::path& path);
+/// Lists what is in a folder: at once, so that a walk of a deep tree needs no descriptor for each
+/// level.
+[[nodiscard]] std::vector<std::filesystem::path> NSPathsIn(const std::filesystem::path& folder);
+
+/// Gives the path without "/" at the end, and where a symbolic link, "." and ".." lead.
+[[nodiscard]] std::filesystem::path NSPlaceOf(const std::filesystem::path& path);
+
+/// Gives the number under `NSFilePosixPermissions`, if there is one. The dictionary may be nil.
+[[nodiscard]] std::optional<mode_t> NSPermissionsIn(const NSRef<NSDictionary>& attributes);

@@ -4,7 +4,6 @@
 
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSString.h>
-#include <Foundation/NSURL.h>
 
 namespace {
 
@@ -47,48 +46,33 @@ NSCocoaErrorCode writeCode(int number) {
   }
 }
 
-NSRef<NSError> errorWithNumber(NSCocoaErrorCode code, int number,
-                               const std::filesystem::path& path) {
+}  // namespace
+
+NSRef<NSError> NSErrorOf(const NSFileRefusal& refusal) {
+  const auto info = NSMake<NSMutableDictionary>();
+  info->setObject_forKey(NSMake<NSString>(refusal.reason), NSLocalizedDescriptionKey());
+  if (refusal.path) info->setObject_forKey(refusal.path, NSFilePathErrorKey());
+  return NSMake<NSError>(NSCocoaErrorDomain(), refusal.code, info);
+}
+
+NSRef<NSError> NSErrorOf(const std::filesystem::filesystem_error& failure, NSFileUse use) {
+  const int number = failure.code().value();
   return NSMake<NSError>(
-      NSCocoaErrorDomain(), code,
+      NSCocoaErrorDomain(), use == NSFileUse::reading ? readCode(number) : writeCode(number),
       NSMake<NSDictionary>(
-          {{NSFilePathErrorKey(), NSMake<NSString>(path.native())},
+          {{NSFilePathErrorKey(), NSMake<NSString>(failure.path1().native())},
            {NSUnderlyingErrorKey(), NSMake<NSError>(NSPOSIXErrorDomain(), number, nullptr)}}));
 }
 
-std::filesystem::path pathOfFile(const NSRef<NSURL>& url, NSCocoaErrorCode unsupported,
-                                 NSCocoaErrorCode invalid, NSRef<NSError>* error) {
+std::filesystem::path NSPathOfFile(const NSRef<NSURL>& url, NSFileUse use) {
+  const bool isRead = use == NSFileUse::reading;
   if (!url->isFileURL()) {
-    NSStoreError(error, NSFileError(unsupported, url->absoluteString(), "Not a file URL"));
-    return {};
+    throw NSFileRefusal{
+        isRead ? NSFileReadUnsupportedSchemeError : NSFileWriteUnsupportedSchemeError,
+        url->absoluteString(), "Not a file URL"};
   }
   auto path = url->fileSystemPath();
   if (path.is_absolute() && path.native().find('\0') == std::string::npos) return path;
-  NSStoreError(error, NSFileError(invalid, url->absoluteString(), "No file has this path"));
-  return {};
-}
-
-}  // namespace
-
-NSRef<NSError> NSFileReadError(int number, const std::filesystem::path& path) {
-  return errorWithNumber(readCode(number), number, path);
-}
-
-NSRef<NSError> NSFileWriteError(int number, const std::filesystem::path& path) {
-  return errorWithNumber(writeCode(number), number, path);
-}
-
-NSRef<NSError> NSFileError(NSCocoaErrorCode code, const NSRef<NSString>& path, const char* reason) {
-  const auto info = NSMake<NSMutableDictionary>();
-  info->setObject_forKey(NSMake<NSString>(reason), NSLocalizedDescriptionKey());
-  if (path) info->setObject_forKey(path, NSFilePathErrorKey());
-  return NSMake<NSError>(NSCocoaErrorDomain(), code, info);
-}
-
-std::filesystem::path NSPathOfFileToRead(const NSRef<NSURL>& url, NSRef<NSError>* error) {
-  return pathOfFile(url, NSFileReadUnsupportedSchemeError, NSFileReadInvalidFileNameError, error);
-}
-
-std::filesystem::path NSPathOfFileToWrite(const NSRef<NSURL>& url, NSRef<NSError>* error) {
-  return pathOfFile(url, NSFileWriteUnsupportedSchemeError, NSFileWriteInvalidFileNameError, error);
+  throw NSFileRefusal{isRead ? NSFileReadInvalidFileNameError : NSFileWriteInvalidFileNameError,
+                      url->absoluteString(), "No file has this path"};
 }

@@ -1,24 +1,45 @@
 #pragma once
 
 #include <filesystem>
+#include <utility>
 
 #include <Foundation/NSError.h>
 #include <Foundation/NSURL.h>
 
-// Errors of files: of `NSCocoaErrorDomain`, with the path and, from `errno`, the error behind it.
+// How operations on files fail. Within, a failure is thrown: what the system refuses as
+// `std::filesystem::filesystem_error`, all else as `NSFileRefusal`. `NSReportFailure` makes an
+// `NSError` of either, where the caller asked for one.
 
-/// The error for what `errno` says of a file that was to be read.
-NSRef<NSError> NSFileReadError(int number, const std::filesystem::path& path);
-/// The same of one that was to be written.
-NSRef<NSError> NSFileWriteError(int number, const std::filesystem::path& path);
-/// An error that no `errno` stands behind; the path may be nil.
-NSRef<NSError> NSFileError(NSCocoaErrorCode code, const NSRef<NSString>& path, const char* reason);
+/// What was to be done with a file. The codes of errors depend on it.
+enum class NSFileUse { reading, writing };
 
-/// The path of a file URL, empty and with an error where it names no file.
-std::filesystem::path NSPathOfFileToRead(const NSRef<NSURL>& url, NSRef<NSError>* error);
-std::filesystem::path NSPathOfFileToWrite(const NSRef<NSURL>& url, NSRef<NSError>* error);
+/// A failure without an `errno`. The path may be nil.
+struct NSFileRefusal {
+  NSCocoaErrorCode code;
+  NSRef<NSString> path;
+  const char* reason;
+};
 
-/// Stores the error unless nobody asks for it.
-inline void NSStoreError(NSRef<NSError>* place, NSRef<NSError> error) {
+/// Gives the path of a file URL. Throws for a URL that names no file.
+[[nodiscard]] std::filesystem::path NSPathOfFile(const NSRef<NSURL>& url, NSFileUse use);
+
+/// Makes errors of `NSCocoaErrorDomain`, with the path and, from the system, the `errno`.
+[[nodiscard]] NSRef<NSError> NSErrorOf(const NSFileRefusal& refusal);
+[[nodiscard]] NSRef<NSError> NSErrorOf(const std::filesystem::filesystem_error& failure,
+                                       NSFileUse use);
+
+/// Gives what the operation gives. When it fails, stores the error, unless nobody asks for it, and
+/// gives nil or false.
+template <class F>
+auto NSReportFailure(NSRef<NSError>* place, NSFileUse use, F operation) -> decltype(operation()) {
+  NSRef<NSError> error;
+  try {
+    return operation();
+  } catch (const NSFileRefusal& refusal) {
+    error = NSErrorOf(refusal);
+  } catch (const std::filesystem::filesystem_error& failure) {
+    error = NSErrorOf(failure, use);
+  }
   if (place != nullptr) *place = std::move(error);
+  return {};
 }

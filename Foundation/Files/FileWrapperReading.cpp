@@ -5,10 +5,8 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <Foundation/Files/FileDescriptor.h>
-#include <Foundation/Files/FileError.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSFileManager.h>
@@ -49,8 +47,7 @@ NSRef<NSData> readFile(const fs::path& path) {
 }
 
 NSRef<NSFileWrapper> readTree(const fs::path& path) {
-  struct stat status {};
-  if (lstat(path.c_str(), &status) != 0) NSFailWithPath(path);
+  const struct stat status = NSStatusOf(path);
   NSRef<NSFileWrapper> wrapper;
   if (S_ISREG(status.st_mode)) {
     wrapper = NSMake<NSFileWrapper>(readFile(path));
@@ -105,15 +102,12 @@ NSRef<NSFileWrapper> readDocument(const fs::path& place) {
 
 }  // namespace
 
-NSRef<NSFileWrapper> NSReadFileTree(const fs::path& path, NSRef<NSError>* error) {
+NSRef<NSFileWrapper> NSReadFileTree(const fs::path& path) {
   try {
     return readDocument(NSPlaceOf(path));
-  } catch (const fs::filesystem_error& failure) {
-    NSStoreError(error, NSFileReadError(failure.code().value(), failure.path1()));
   } catch (const std::bad_alloc&) {
-    NSStoreError(error, NSFileReadError(ENOMEM, path));
+    NSFailWithPath(path, ENOMEM);
   } catch (const std::length_error&) {
-    NSStoreError(error, NSFileReadError(EFBIG, path));
+    NSFailWithPath(path, EFBIG);
   }
-  return nullptr;
 }

@@ -2,8 +2,7 @@
 
 #include <filesystem>
 
-#include <Foundation/NSError.h>
 #include <Foundation/NSFileWrapper.h>
 
-/// What `NSFileWrapper` does to read from the disk.
-NSRef<NSFileWrapper> NSReadFileTree(const std::filesystem::path& path, NSRef<NSError>* error);
+/// Reads the file or folder, as `NSFileWrapper` tells.
+[[nodiscard]] NSRef<NSFileWrapper> NSReadFileTree(const std::filesystem::path& path);

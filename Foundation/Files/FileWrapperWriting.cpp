@@ -7,7 +7,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <Foundation/Files/FileDescriptor.h>
@@ -15,9 +14,7 @@
 #include <Foundation/Files/FilePaths.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
-#include <Foundation/NSFileManager.h>
 #include <Foundation/NSLog.h>
-#include <Foundation/NSNumber.h>
 #include <Foundation/NSString.h>
 
 namespace fs = std::filesystem;
@@ -44,12 +41,6 @@ std::optional<fs::path> unusablePath(const NSFileWrapper& wrapper) {
   return std::nullopt;
 }
 
-std::optional<mode_t> permissionsOf(const NSFileWrapper& wrapper) {
-  const auto number = wrapper.fileAttributes()->objectForKey(NSFilePosixPermissions());
-  if (!number) return std::nullopt;
-  return static_cast<mode_t>(number.as<NSNumber>()->unsignedIntegerValue());
-}
-
 void writeTree(const NSFileWrapper& wrapper, const fs::path& path);
 
 void writeContents(const NSFileWrapper& wrapper, const fs::path& path) {
@@ -72,13 +63,7 @@ void setMode(const fs::path& path, mode_t mode) {
 void writeTree(const NSFileWrapper& wrapper, const fs::path& path) {
   writeContents(wrapper, path);
   // Last, as it may be a directory that nothing can be written to.
-  if (const auto permissions = permissionsOf(wrapper)) setMode(path, *permissions);
-}
-
-dev_t deviceOf(const fs::path& path) {
-  struct stat status {};
-  if (lstat(path.c_str(), &status) != 0) NSFailWithPath(path);
-  return status.st_dev;
+  if (const auto mode = NSPermissionsIn(wrapper.fileAttributes())) setMode(path, *mode);
 }
 
 // A hidden folder beside a place, which no other user can look into, for what shall go there.
@@ -94,8 +79,8 @@ class Workshop {
     if (!_isKept) clear();
   }
 
-  fs::path piece() const { return _folder / "new"; }
-  fs::path former() const { return _folder / "former"; }
+  [[nodiscard]] fs::path piece() const { return _folder / "new"; }
+  [[nodiscard]] fs::path former() const { return _folder / "former"; }
   // Leaves all that is in it.
   void keep() { _isKept = true; }
 
@@ -109,7 +94,7 @@ class Workshop {
   // Takes folders out of folders before it removes them, so that neither long paths nor deep trees
   // stop it. Where another file system is mounted that does not work, and it must not go on.
   void clear() const noexcept try {
-    const dev_t device = deviceOf(_folder);
+    const dev_t device = NSStatusOf(_folder).st_dev;
     std::size_t count = 0;
     for (std::vector<fs::path> open = {_folder}; !open.empty();) {
       const fs::path folder = open.back();
@@ -119,7 +104,7 @@ class Workshop {
           fs::remove(path);
           continue;
         }
-        if (deviceOf(path) != device) NSFailWithPath(path, EBUSY);
+        if (NSStatusOf(path).st_dev != device) NSFailWithPath(path, EBUSY);
         fs::permissions(path, fs::perms::owner_all);
         const fs::path outside = _folder / ("old" + std::to_string(++count));
         fs::rename(path, outside);
@@ -192,7 +177,7 @@ class Unlocked {
   void movedTo(const fs::path& path) { _path = path; }
 
  private:
-  bool isLocked() const { return S_ISDIR(_mode) && (_mode & S_IWUSR) == 0; }
+  [[nodiscard]] bool isLocked() const { return S_ISDIR(_mode) && (_mode & S_IWUSR) == 0; }
 
   fs::path _path;
   mode_t _mode;
@@ -202,7 +187,7 @@ void replace(const NSFileWrapper& wrapper, const fs::path& place) {
   struct stat former {};
   const bool hasFormer = lstat(place.c_str(), &former) == 0;
   const mode_t kind = wrapper.isDirectory() ? S_IFDIR : S_IFREG;
-  auto mode = permissionsOf(wrapper);
+  auto mode = NSPermissionsIn(wrapper.fileAttributes());
   if (!mode && hasFormer && (former.st_mode & S_IFMT) == kind) {
     mode = former.st_mode & permissionBits;
   }
@@ -222,18 +207,16 @@ void replace(const NSFileWrapper& wrapper, const fs::path& place) {
 
 }  // namespace
 
-bool NSWriteFileTree(const NSFileWrapper& wrapper, const fs::path& path, NSRef<NSError>* error) {
+void NSWriteFileTree(const NSFileWrapper& wrapper, const fs::path& path) {
   if (const auto unusable = unusablePath(wrapper)) {
-    NSStoreError(error, NSFileError(NSFileWriteInvalidFileNameError,
-                                    NSMake<NSString>((path / *unusable).native()),
-                                    "No file can have this name"));
-    return false;
+    throw NSFileRefusal{NSFileWriteInvalidFileNameError,
+                        NSMake<NSString>((path / *unusable).native()),
+                        "No file can have this name"};
   }
   try {
     replace(wrapper, NSPlaceOf(path));
-    return true;
   } catch (const fs::filesystem_error& failure) {
-    NSStoreError(error, NSFileWriteError(failure.code().value(), path));
-    return false;
+    // Nobody else knows the temporary places.
+    NSFailWithPath(path, failure.code().value());
   }
 }

@@ -1,12 +1,10 @@
 #include "Foundation/NSFileManager.h"
 
-#include <cerrno>
-#include <string>
 #include <vector>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
+#include <Foundation/Files/FileDescriptor.h>
 #include <Foundation/Files/FileError.h>
 #include <Foundation/Files/FilePaths.h>
 #include <Foundation/Files/StandardDirectories.h>
@@ -24,8 +22,7 @@ namespace {
 constexpr mode_t everything = 0777;
 constexpr mode_t permissionBits = 07777;
 
-// Makes directories, and removes those that it has made unless it is told to keep them. What makes
-// one gives the `errno`, 0 for success.
+// Makes directories, and removes those that it has made unless it is told to keep them.
 class DirectoryMaker {
  public:
   DirectoryMaker() = default;
@@ -35,60 +32,47 @@ class DirectoryMaker {
     for (; !_made.empty(); _made.pop_back()) rmdir(_made.back().c_str());
   }
 
-  int make(const fs::path& path, mode_t mode) {
-    _made.reserve(_made.size() + 1);
-    if (mkdir(path.c_str(), mode) != 0) {
-      const int error = errno;
-      _refused = path;
-      return error;
+  void make(const fs::path& path, mode_t mode) {
+    if (const int error = tryToMake(path, mode)) NSFailWithPath(path, error);
+  }
+
+  void makeWithIntermediates(const fs::path& path, mode_t mode) {
+    // What was there may be gone when another that could not go on has removed it.
+    constexpr int tries = 64;
+    for (int k = 0; k < tries; ++k) {
+      const int error = tryToMake(path, mode);
+      if (error == 0) return;
+      if (error == EEXIST) {
+        struct stat status {};
+        const bool leadsSomewhere = stat(path.c_str(), &status) == 0;
+        if (leadsSomewhere && S_ISDIR(status.st_mode)) return;
+        const bool isLink = lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+        if (leadsSomewhere || isLink) NSFailWithPath(path, error);
+      } else if (error != ENOENT || path == path.parent_path()) {
+        NSFailWithPath(path, error);
+      } else {
+        makeWithIntermediates(path.parent_path(), everything);
+      }
     }
+    NSFailWithPath(path, ENOENT);
+  }
+
+  [[nodiscard]] bool hasMade(const fs::path& path) const {
+    return !_made.empty() && _made.back() == path;
+  }
+  void keep() { _made.clear(); }
+
+ private:
+  // Gives the `errno`, 0 for success.
+  int tryToMake(const fs::path& path, mode_t mode) {
+    _made.reserve(_made.size() + 1);
+    if (mkdir(path.c_str(), mode) != 0) return errno;
     _made.push_back(path);
     return 0;
   }
 
-  int makeWithIntermediates(const fs::path& path, mode_t mode) {
-    // What was there may be gone when another that could not go on has removed it.
-    constexpr int tries = 64;
-    for (int k = 0; k < tries; ++k) {
-      const int error = make(path, mode);
-      if (error == EEXIST) {
-        struct stat status {};
-        if (stat(path.c_str(), &status) == 0) return S_ISDIR(status.st_mode) ? 0 : EEXIST;
-        if (lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) return EEXIST;
-      } else if (error != ENOENT || path == path.parent_path()) {
-        return error;
-      } else if (const int above = makeWithIntermediates(path.parent_path(), everything)) {
-        return above;
-      }
-    }
-    return ENOENT;
-  }
-
-  // What was refused last.
-  const fs::path& refused() const { return _refused; }
-  bool hasMade(const fs::path& path) const { return !_made.empty() && _made.back() == path; }
-  void keep() { _made.clear(); }
-
- private:
   std::vector<fs::path> _made;
-  fs::path _refused;
 };
-
-// After a failure `path` is the one that failed.
-int makeDirectory(fs::path& path, bool createIntermediates, const mode_t* permissions) {
-  DirectoryMaker maker;
-  const mode_t mode = permissions != nullptr ? *permissions : everything;
-  const int error =
-      createIntermediates ? maker.makeWithIntermediates(path, mode) : maker.make(path, mode);
-  if (error != 0) {
-    path = maker.refused();
-    return error;
-  }
-  // The file mode creation mask has taken its part.
-  if (permissions != nullptr && maker.hasMade(path) && chmod(path.c_str(), mode) != 0) return errno;
-  maker.keep();
-  return 0;
-}
 
 const NSRef<NSString>& typeOf(mode_t mode) {
   if (S_ISDIR(mode)) return NSFileTypeDirectory();
@@ -126,14 +110,14 @@ const NSRef<NSFileManager>& NSFileManager::defaultManager() {
 NSRef<NSURL> NSFileManager::URLForDirectory_inDomain_appropriateForURL_create_error(
     NSUInteger directory, NSUInteger domain, const NSRef<NSURL>& /*reference*/, bool create,
     NSRef<NSError>* error) const {
-  const fs::path path = NSStandardDirectory(directory, domain);
-  const auto url = path.empty() ? nullptr : NSURL::fileURLWithPath_isDirectory(path, true);
-  if (!url) {
-    NSStoreError(error, NSFileError(NSFileReadUnknownError, nullptr, "No such standard directory"));
-    return nullptr;
-  }
-  const bool isThere = !create || createDirectoryAtURL_withIntermediateDirectories_attributes_error(
-                                      url, true, nullptr, error);
+  const auto url = NSReportFailure(error, NSFileUse::reading, [&] {
+    auto found = NSURL::fileURLWithPath_isDirectory(NSStandardDirectory(directory, domain), true);
+    if (found) return found;
+    throw NSFileRefusal{NSFileReadUnknownError, nullptr, "No such standard directory"};
+  });
+  const bool isThere =
+      url && (!create || createDirectoryAtURL_withIntermediateDirectories_attributes_error(
+                             url, true, nullptr, error));
   return isThere ? url : nullptr;
 }
 
@@ -143,42 +127,38 @@ bool NSFileManager::createDirectoryAtURL_withIntermediateDirectories_attributes_
   if (!url) {
     NSRaiseNilArgument("url", "createDirectoryAtURL:withIntermediateDirectories:attributes:error:");
   }
-  fs::path path = NSPathOfFileToWrite(url, error);
-  if (path.empty()) return false;
-  while (path.has_parent_path() && path != "/" &&
-         (!path.has_filename() || path.filename() == ".")) {
-    path = path.parent_path();
-  }
-  mode_t permissions = 0;
-  const auto wanted = attributes ? attributes->objectForKey(NSFilePosixPermissions()) : nullptr;
-  if (wanted) {
-    const auto* const number = wanted.cast<NSNumber>();
-    if (number == nullptr) {
-      NSStoreError(error, NSFileWriteError(EINVAL, path));
-      return false;
+  return NSReportFailure(error, NSFileUse::writing, [&] {
+    fs::path path = NSPathOfFile(url, NSFileUse::writing);
+    while (path.has_parent_path() && path != "/" &&
+           (!path.has_filename() || path.filename() == ".")) {
+      path = path.parent_path();
     }
-    permissions = static_cast<mode_t>(number->unsignedIntegerValue()) & permissionBits;
-  }
-  const int number = makeDirectory(path, createIntermediates, wanted ? &permissions : nullptr);
-  if (number != 0) NSStoreError(error, NSFileWriteError(number, path));
-  return number == 0;
+    const auto permissions = NSPermissionsIn(attributes);
+    if (!permissions && attributes && attributes->objectForKey(NSFilePosixPermissions())) {
+      NSFailWithPath(path, EINVAL);
+    }
+    DirectoryMaker maker;
+    const mode_t mode = permissions ? *permissions & permissionBits : everything;
+    createIntermediates ? maker.makeWithIntermediates(path, mode) : maker.make(path, mode);
+    // The file mode creation mask has taken its part.
+    if (permissions && maker.hasMade(path) && chmod(path.c_str(), mode) != 0) NSFailWithPath(path);
+    maker.keep();
+    return true;
+  });
 }
 
 NSRef<NSDictionary> NSFileManager::attributesOfItemAtPath_error(const NSRef<NSString>& path,
                                                                 NSRef<NSError>* error) const {
   if (!path) NSRaiseNilArgument("path", "attributesOfItemAtPath:error:");
-  const fs::path file = NSBytesOfPath(path->view());
-  struct stat status {};
-  if (file.empty()) {
-    NSStoreError(error, NSFileError(NSFileReadInvalidFileNameError, path, "No file has this path"));
-    return nullptr;
-  }
-  if (lstat(file.c_str(), &status) != 0) {
-    NSStoreError(error, NSFileReadError(errno, file));
-    return nullptr;
-  }
-  return NSMake<NSDictionary>(
-      {{NSFileType(), typeOf(status.st_mode)},
-       {NSFileSize(), NSMake<NSNumber>(status.st_size)},
-       {NSFilePosixPermissions(), NSMake<NSNumber>(status.st_mode & permissionBits)}});
+  return NSReportFailure(error, NSFileUse::reading, [&] {
+    const fs::path file = NSBytesOfPath(path->view());
+    if (file.empty()) {
+      throw NSFileRefusal{NSFileReadInvalidFileNameError, path, "No file has this path"};
+    }
+    const struct stat status = NSStatusOf(file);
+    return NSMake<NSDictionary>(
+        {{NSFileType(), typeOf(status.st_mode)},
+         {NSFileSize(), NSMake<NSNumber>(status.st_size)},
+         {NSFilePosixPermissions(), NSMake<NSNumber>(status.st_mode & permissionBits)}});
+  });
 }

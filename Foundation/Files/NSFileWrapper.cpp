@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include <Foundation/Files/FileDescriptor.h>
 #include <Foundation/Files/FileError.h>
 #include <Foundation/Files/FileWrapperReading.h>
 #include <Foundation/Files/FileWrapperWriting.h>
@@ -19,7 +20,7 @@
 
 namespace {
 
-constexpr unsigned permissionBits = 0777;
+constexpr mode_t permissionBits = 0777;
 
 [[noreturn]] void raiseWrongKind(const char* operation, const char* kind) {
   NSException::raise(NSInternalInconsistencyException,
@@ -56,8 +57,8 @@ NSRef<NSFileWrapper> NSFileWrapper::initWithURL_options_error(const NSRef<NSURL>
                                                               NSUInteger /*options*/,
                                                               NSRef<NSError>* error) {
   if (!url) NSRaiseNilArgument("url", "initWithURL:options:error:");
-  const auto path = NSPathOfFileToRead(url, error);
-  return path.empty() ? nullptr : NSReadFileTree(path, error);
+  return NSReportFailure(error, NSFileUse::reading,
+                         [&] { return NSReadFileTree(NSPathOfFile(url, NSFileUse::reading)); });
 }
 
 bool NSFileWrapper::writeToURL_options_originalContentsURL_error(const NSRef<NSURL>& url,
@@ -65,12 +66,14 @@ bool NSFileWrapper::writeToURL_options_originalContentsURL_error(const NSRef<NSU
                                                                  const NSRef<NSURL>& /*original*/,
                                                                  NSRef<NSError>* error) {
   if (!url) NSRaiseNilArgument("url", "writeToURL:options:originalContentsURL:error:");
-  const auto path = NSPathOfFileToWrite(url, error);
-  if (path.empty() || !NSWriteFileTree(*this, path, error)) return false;
-  if ((options & NSFileWrapperWritingWithNameUpdating) != 0) {
+  const bool isWritten = NSReportFailure(error, NSFileUse::writing, [&] {
+    NSWriteFileTree(*this, NSPathOfFile(url, NSFileUse::writing));
+    return true;
+  });
+  if (isWritten && (options & NSFileWrapperWritingWithNameUpdating) != 0) {
     setWrittenName(url->lastPathComponent());
   }
-  return true;
+  return isWritten;
 }
 
 void NSFileWrapper::setWrittenName(const NSRef<NSString>& name) {
@@ -93,11 +96,8 @@ NSRef<NSDictionary> NSFileWrapper::fileAttributes() const {
 }
 
 void NSFileWrapper::setFileAttributes(const NSRef<NSDictionary>& attributes) {
-  _permissions.reset();
-  const auto value = attributes ? attributes->objectForKey(NSFilePosixPermissions()) : nullptr;
-  if (const auto* const number = value.cast<NSNumber>()) {
-    _permissions = static_cast<unsigned>(number->unsignedIntegerValue()) & permissionBits;
-  }
+  _permissions = NSPermissionsIn(attributes);
+  if (_permissions) *_permissions &= permissionBits;
 }
 
 NSRef<NSData> NSFileWrapper::regularFileContents() const {
@@ -174,7 +174,7 @@ NSRef<NSString> NSFileWrapper::unusedFilename(const NSRef<NSString>& name) const
   const bool hasExtension = extension->length() != 0;
   auto result = name->copy();
   for (NSUInteger k = 2; children.objectForKey(result); ++k) {
-    // The number goes behind those before it.
+    // The number stands after those before it.
     if (hasExtension) result = result->stringByDeletingPathExtension();
     result = NSString::stringWithFormat(u"%@ %ld"_ns, result, k);
     if (hasExtension) result = result->stringByAppendingPathExtension(extension);

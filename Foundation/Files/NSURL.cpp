@@ -35,17 +35,17 @@ class NSURL::Parts {
     if (_isValid) uriFreeUriMembersA(&_uri);
   }
 
-  bool isValid() const { return _isValid; }
-  Part scheme() const { return part(_uri.scheme); }
-  Part userInfo() const { return part(_uri.userInfo); }
-  Part host() const { return part(_uri.hostText); }
-  Part port() const { return part(_uri.portText); }
-  Part query() const { return part(_uri.query); }
-  Part fragment() const { return part(_uri.fragment); }
+  [[nodiscard]] bool isValid() const { return _isValid; }
+  [[nodiscard]] Part scheme() const { return part(_uri.scheme); }
+  [[nodiscard]] Part userInfo() const { return part(_uri.userInfo); }
+  [[nodiscard]] Part host() const { return part(_uri.hostText); }
+  [[nodiscard]] Part port() const { return part(_uri.portText); }
+  [[nodiscard]] Part query() const { return part(_uri.query); }
+  [[nodiscard]] Part fragment() const { return part(_uri.fragment); }
 
   // What is between scheme and authority in front and query and fragment behind. uriparser gives
   // it in segments, without the "/" between them.
-  Part path() const {
+  [[nodiscard]] Part path() const {
     std::size_t start = _uri.scheme.first == nullptr ? 0 : scheme().end + std::size_t{1};
     if (_text.substr(start).starts_with("//")) {
       start = std::min(_text.find_first_of("/?#", start + 2), _text.size());
@@ -55,7 +55,7 @@ class NSURL::Parts {
   }
 
  private:
-  Part part(const UriTextRangeA& range) const {
+  [[nodiscard]] Part part(const UriTextRangeA& range) const {
     if (range.first == nullptr) return {};
     // Empty ranges need not lie in the text.
     if (range.first == range.afterLast) return {0, 0};

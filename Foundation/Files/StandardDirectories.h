@@ -4,5 +4,6 @@
 
 #include <Foundation/NSTypes.h>
 
-/// Where `NSFileManager` says that a standard directory is; empty where there is none.
-std::filesystem::path NSStandardDirectory(NSUInteger directory, NSUInteger domain);
+/// Gives the path of a standard directory, as `NSFileManager` lists them; empty where there is
+/// none.
+[[nodiscard]] std::filesystem::path NSStandardDirectory(NSUInteger directory, NSUInteger domain);

@@ -4,78 +4,87 @@
 
 namespace {
 
-// How an error that comes from `errno` looks: code and number behind it.
-std::string codesOf(const NSRef<NSError>& error) {
+// Code, number behind it and the name that failed: "516 17 file"; "none" for success.
+std::string shown(const NSRef<NSError>& error) {
   if (!error) return "none";
   const auto underlying = error->userInfo()->objectForKey(NSUnderlyingErrorKey()).as<NSError>();
   EXPECT_EQ(error->domain(), NSCocoaErrorDomain());
   EXPECT_TRUE(!underlying || underlying->domain() == NSPOSIXErrorDomain());
-  EXPECT_TRUE(error->userInfo()->objectForKey(NSFilePathErrorKey()));
   return std::to_string(error->code()) + ' ' +
-         std::to_string(underlying ? underlying->code() : NSInteger{0});
+         std::to_string(underlying ? underlying->code() : NSInteger{0}) + ' ' +
+         error->userInfo()
+             ->objectForKey(NSFilePathErrorKey())
+             .as<NSString>()
+             ->lastPathComponent()
+             ->utf8();
 }
 
-std::string codes(NSCocoaErrorCode code, int number) {
-  return std::to_string(code) + ' ' + std::to_string(number);
+std::string expected(NSCocoaErrorCode code, int number, const std::string& name) {
+  return std::to_string(code) + ' ' + std::to_string(number) + ' ' + name;
 }
 
-// Makes a directory and gives the error, "none" for success, and the path that failed.
-std::string make(const fs::path& path, bool createIntermediates = true,
-                 const NSRef<NSDictionary>& attributes = nullptr, fs::path* failed = nullptr) {
+// Makes a directory and gives the error.
+std::string make(const NSRef<NSURL>& url, bool createIntermediates = true,
+                 const NSRef<NSDictionary>& attributes = nullptr) {
   NSRef<NSError> error;
   const bool isMade = NSFileManager::defaultManager()
                           ->createDirectoryAtURL_withIntermediateDirectories_attributes_error(
-                              NSURL::fileURLWithPath_isDirectory(path, true), createIntermediates,
-                              attributes, &error);
+                              url, createIntermediates, attributes, &error);
   EXPECT_EQ(isMade, !error);
-  if (failed != nullptr) {
-    *failed = error->userInfo()->objectForKey(NSFilePathErrorKey()).as<NSString>()->utf8();
-  }
-  return codesOf(error);
+  return shown(error);
+}
+std::string make(const fs::path& path, bool createIntermediates = true,
+                 const NSRef<NSDictionary>& attributes = nullptr) {
+  return make(NSURL::fileURLWithPath_isDirectory(path, true), createIntermediates, attributes);
+}
+
+NSRef<NSDictionary> withPermissions(const NSRef<NSObject>& permissions) {
+  return NSMake<NSDictionary>({{NSFilePosixPermissions(), permissions}});
 }
 
 TEST(NSFileManager, MakesDirectories) {
   const TestFolder folder;
   EXPECT_EQ(make(folder / "a/b/../c"), "none");
   EXPECT_EQ(make(folder / "a/c"), "none");
-  EXPECT_EQ(make(folder / "a/c", false), codes(NSFileWriteFileExistsError, EEXIST));
-  EXPECT_EQ(make(folder / "x/y", false), codes(NSFileNoSuchFileError, ENOENT));
+  EXPECT_EQ(make(folder / "a/c", false), expected(NSFileWriteFileExistsError, EEXIST, "c"));
+  EXPECT_EQ(make(folder / "x/y", false), expected(NSFileNoSuchFileError, ENOENT, "y"));
   EXPECT_EQ(make(folder / "d", false), "none");
   EXPECT_EQ(namesIn(folder.path()), (std::set<std::string>{"a", "a/b", "a/c", "d"}));
-
   const auto made =
       NSFileManager::defaultManager()->URLForDirectory_inDomain_appropriateForURL_create_error(
           NSUserDirectory, NSLocalDomainMask, nullptr, true, nullptr);
   EXPECT_TRUE(fs::is_directory(made->fileSystemPath()));
+}
+
+TEST(NSFileManager, TellsAttributes) {
+  const TestFolder folder;
   const mode_t former = umask(027);
-  const auto wanted = NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0702)}});
+  const auto wanted = withPermissions(NSMake<NSNumber>(0702));
   EXPECT_EQ(make(folder / "m/n/./", true, wanted), "none");
   EXPECT_EQ(make(folder / "m", true, wanted), "none");  // One that exists keeps its permissions.
   umask(former);
-  EXPECT_EQ(static_cast<unsigned>(fs::status(folder / "m").permissions()), 0750U);
   NSRef<NSError> error;
-  const auto attributesOf = [&](const fs::path& path) {
-    return NSFileManager::defaultManager()->attributesOfItemAtPath_error(
-        NSMake<NSString>(path.native()), &error);
+  const auto ask = [&](const NSRef<NSString>& path, const NSRef<NSString>& key) {
+    const auto attributes =
+        NSFileManager::defaultManager()->attributesOfItemAtPath_error(path, &error);
+    return attributes ? attributes->objectForKey(key)->description()->utf8() : shown(error);
   };
-  const auto typeOf = [&](const fs::path& path) {
-    return attributesOf(path)->objectForKey(NSFileType());
+  const auto tell = [&](const fs::path& path, const NSRef<NSString>& key) {
+    return ask(NSMake<NSString>(path.native()), key);
   };
   fs::create_symlink("nowhere", folder / "link");
-  EXPECT_EQ(typeOf(folder / "m/n"), NSFileTypeDirectory());
-  EXPECT_EQ(typeOf("/dev/null"), NSFileTypeUnknown());
-  EXPECT_EQ(typeOf(folder / "link"), NSFileTypeSymbolicLink());
-  const auto permissions = attributesOf(folder / "m/n")->objectForKey(NSFilePosixPermissions());
-  EXPECT_EQ(permissions.as<NSNumber>()->intValue(), 0702);
-  EXPECT_FALSE(error);
-  EXPECT_FALSE(NSFileManager::defaultManager()->attributesOfItemAtPath_error(
-      NSMake<NSString>(std::u16string_view(u"/\xD800")), &error));
-  EXPECT_EQ(codesOf(error), codes(NSFileReadInvalidFileNameError, 0));
-  EXPECT_FALSE(attributesOf(folder / "none"));
-  EXPECT_EQ(codesOf(error), codes(NSFileReadNoSuchFileError, ENOENT));
-  const auto text = error->description()->utf8();
-  EXPECT_EQ(text, "NSCocoaErrorDomain 260: No such file or directory (" +
-                      (folder / "none").native() + ")");
+  EXPECT_EQ(tell(folder / "m/n", NSFileType()), NSFileTypeDirectory()->utf8());
+  EXPECT_EQ(tell("/dev/null", NSFileType()), NSFileTypeUnknown()->utf8());
+  EXPECT_EQ(tell(folder / "link", NSFileType()), NSFileTypeSymbolicLink()->utf8());
+  EXPECT_EQ(tell(folder / "m", NSFilePosixPermissions()), std::to_string(0750));
+  EXPECT_EQ(tell(folder / "m/n", NSFilePosixPermissions()), std::to_string(0702));
+  EXPECT_EQ(error, nullptr);
+  EXPECT_EQ(ask(NSMake<NSString>(std::u16string_view(u"/\xD800")), NSFileType()),
+            expected(NSFileReadInvalidFileNameError, 0, "\uFFFD"));
+  EXPECT_EQ(tell(folder / "none", NSFileType()),
+            expected(NSFileReadNoSuchFileError, ENOENT, "none"));
+  EXPECT_EQ(error->description()->utf8(), "NSCocoaErrorDomain 260: No such file or directory (" +
+                                              (folder / "none").native() + ")");
 }
 
 TEST(NSFileManager, LeavesNothingOfADirectoryThatCannotBeMade) {
@@ -84,29 +93,25 @@ TEST(NSFileManager, LeavesNothingOfADirectoryThatCannotBeMade) {
   fs::create_symlink("nowhere", folder / "link");
   const std::string longName(300, 'x');
   const auto before = namesIn(folder.path());
-  EXPECT_EQ(make(folder / "file"), codes(NSFileWriteFileExistsError, EEXIST));
-  EXPECT_EQ(make(folder / "file/a/b"), codes(NSFileWriteUnknownError, ENOTDIR));
-  EXPECT_EQ(make(folder / "link"), codes(NSFileWriteFileExistsError, EEXIST));
-  fs::path failed;
-  EXPECT_EQ(make(folder / "link/a/b", true, nullptr, &failed),
-            codes(NSFileWriteFileExistsError, EEXIST));
-  EXPECT_EQ(failed, folder / "link");
-  EXPECT_EQ(make(folder / "a/b" / longName / "c"),
-            codes(NSFileWriteInvalidFileNameError, ENAMETOOLONG));
   fs::path longPath = folder.path();
   for (int k = 0; k < 1000; ++k) longPath /= "abcdef";
-  EXPECT_EQ(make(longPath), codes(NSFileWriteInvalidFileNameError, ENAMETOOLONG));
-  EXPECT_EQ(make("/proc/a/b"), codes(NSFileNoSuchFileError, ENOENT));
-  EXPECT_EQ(make(folder / "a", true, NSMake<NSDictionary>({{NSFilePosixPermissions(), u"rwx"_ns}})),
-            codes(NSFileWriteUnknownError, EINVAL));
+  for (const auto& [path, code, number, name] : Rows<fs::path, NSCocoaErrorCode, int, std::string>{
+           {folder / "file", NSFileWriteFileExistsError, EEXIST, "file"},
+           {folder / "file/a/b", NSFileWriteUnknownError, ENOTDIR, "b"},
+           {folder / "link", NSFileWriteFileExistsError, EEXIST, "link"},
+           {folder / "link/a/b", NSFileWriteFileExistsError, EEXIST, "link"},
+           {folder / "a/b" / longName / "c", NSFileWriteInvalidFileNameError, ENAMETOOLONG, "c"},
+           {longPath, NSFileWriteInvalidFileNameError, ENAMETOOLONG, "abcdef"},
+           {"/proc/a/b", NSFileNoSuchFileError, ENOENT, "a"},
+       }) {
+    EXPECT_EQ(make(path), expected(code, number, name));
+  }
+  EXPECT_EQ(make(folder / "a", true, withPermissions(u"rwx"_ns)),
+            expected(NSFileWriteUnknownError, EINVAL, "a"));
   for (const auto& [url, code] : {std::pair(u"http://a/b"_ns, NSFileWriteUnsupportedSchemeError),
                                   std::pair(u"file:///tmp/%00"_ns, NSFileWriteInvalidFileNameError),
                                   std::pair(u"file:a"_ns, NSFileWriteInvalidFileNameError)}) {
-    NSRef<NSError> error;
-    EXPECT_FALSE(NSFileManager::defaultManager()
-                     ->createDirectoryAtURL_withIntermediateDirectories_attributes_error(
-                         NSURL::URLWithString(url), true, nullptr, &error));
-    EXPECT_EQ(codesOf(error), codes(code, 0));
+    EXPECT_EQ(make(NSURL::URLWithString(url)), expected(code, 0, url->lastPathComponent()->utf8()));
   }
   EXPECT_EQ(namesIn(folder.path()), before);
 }
@@ -116,11 +121,11 @@ TEST(NSFileManager, TellsWhyADiskTakesNothing) {
   fs::create_directory(folder / "closed");
   fs::permissions(folder / "closed", fs::perms{0555});
   EXPECT_TRUE(asNobody([&] {
-    EXPECT_EQ(make(folder / "closed/a"), codes(NSFileWriteNoPermissionError, EACCES));
+    EXPECT_EQ(make(folder / "closed/a"), expected(NSFileWriteNoPermissionError, EACCES, "a"));
     EXPECT_EQ(make(folder / "closed"), "none");
   }));
   const bool isMounted = onDisk(folder.path(), "nr_inodes=3", [&] {
-    EXPECT_EQ(make(folder / "a/b/c/d"), codes(NSFileWriteOutOfSpaceError, ENOSPC));
+    EXPECT_EQ(make(folder / "a/b/c/d"), expected(NSFileWriteOutOfSpaceError, ENOSPC, "c"));
     EXPECT_TRUE(namesIn(folder.path()).empty());
     EXPECT_EQ(make(folder / "a/b"), "none");
   });
@@ -128,7 +133,7 @@ TEST(NSFileManager, TellsWhyADiskTakesNothing) {
   EXPECT_TRUE(onDisk(folder.path(), "mode=0777", [&] {
     fs::create_directory(folder / "a");
     mount(nullptr, folder.path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr);
-    EXPECT_EQ(make(folder / "a/b/c"), codes(NSFileWriteVolumeReadOnlyError, EROFS));
+    EXPECT_EQ(make(folder / "a/b/c"), expected(NSFileWriteVolumeReadOnlyError, EROFS, "b"));
     EXPECT_EQ(make(folder / "a"), "none");
   }));
 }
@@ -184,14 +189,23 @@ TEST(NSFileManager, KnowsTheStandardDirectories) {
     set("XDG_CONFIG_HOME", folder / "settings");
     set("XDG_DATA_HOME", "");
     set("XDG_CACHE_HOME", "relative");
-    EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask), "/h/My \"Files/");
-    EXPECT_EQ(path(NSMusicDirectory, NSUserDomainMask), "/h/Music/");
-    EXPECT_EQ(path(NSMoviesDirectory, NSUserDomainMask), "/h/Videos/");
-    EXPECT_EQ(path(NSDesktopDirectory, NSUserDomainMask), "/h/Desktop/");
-    EXPECT_EQ(path(NSDownloadsDirectory, NSUserDomainMask), "/h/");
-    EXPECT_EQ(path(NSPicturesDirectory, NSUserDomainMask), "/\xFF/");
-    EXPECT_EQ(path(NSCachesDirectory, NSUserDomainMask), "/h/.cache/");
-    EXPECT_EQ(path(NSApplicationSupportDirectory, NSUserDomainMask), "/h/.local/share/");
+    for (const auto& [directory, expected] : Rows<NSUInteger, const char*>{
+             {NSDocumentDirectory, "/h/My \"Files/"},
+             {NSMusicDirectory, "/h/Music/"},
+             {NSMoviesDirectory, "/h/Videos/"},
+             {NSDesktopDirectory, "/h/Desktop/"},
+             {NSDownloadsDirectory, "/h/"},
+             {NSPicturesDirectory, "/\xFF/"},
+             {NSCachesDirectory, "/h/.cache/"},
+             {NSApplicationSupportDirectory, "/h/.local/share/"},
+             {NSUserDirectory, ""},
+             {4711, ""},
+         }) {
+      EXPECT_EQ(path(directory, NSUserDomainMask), expected);
+    }
+    EXPECT_EQ(path(NSUserDirectory, NSLocalDomainMask), "/home/");
+    EXPECT_EQ(path(NSApplicationSupportDirectory, NSLocalDomainMask), "/usr/local/share/");
+    EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask | NSLocalDomainMask), "");
     set("XDG_DATA_HOME", "/data");
     EXPECT_EQ(path(NSApplicationSupportDirectory, NSUserDomainMask), "/data/");
     set("HOME", "/");
@@ -203,11 +217,6 @@ TEST(NSFileManager, KnowsTheStandardDirectories) {
     fs::remove(folder / "settings/user-dirs.dirs");
     fs::create_directory(folder / "settings/user-dirs.dirs");
     EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask), "/h/Documents/");
-    EXPECT_EQ(path(NSUserDirectory, NSLocalDomainMask), "/home/");
-    EXPECT_EQ(path(NSApplicationSupportDirectory, NSLocalDomainMask), "/usr/local/share/");
-    EXPECT_EQ(path(NSUserDirectory, NSUserDomainMask), "");
-    EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask | NSLocalDomainMask), "");
-    EXPECT_EQ(path(4711, NSUserDomainMask), "");
     set("TMPDIR", "relative");
     EXPECT_EQ(NSTemporaryDirectory()->utf8(), "/tmp");
     set("TMPDIR", "/\xFF");

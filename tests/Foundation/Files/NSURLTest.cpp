@@ -66,7 +66,7 @@ TEST(NSURL, NamesFiles) {
   EXPECT_EQ(file(""), "nil");
   EXPECT_FALSE(NSURL::fileURLWithPath(NSMake<NSString>(std::u16string_view(u"/\xD800"))));
   expectRaises(NSInvalidArgumentException, "path is nil (in 'fileURLWithPath:')",
-               [] { NSURL::fileURLWithPath(NSRef<NSString>()); });
+               [] { (void)NSURL::fileURLWithPath(NSRef<NSString>()); });
   EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory(path("/no"), true)), "file:///no/");
   EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory(path("/usr"), false)), "file:///usr");
 
