@@ -21,7 +21,7 @@ class Capitalizer {
     if (U_FAILURE(open(locale->localeIdentifier()->utf8()))) NSCheckICU(open(""));
   }
 
-  const NSRef<NSLocale>& locale() const { return _locale; }
+  [[nodiscard]] const NSRef<NSLocale>& locale() const { return _locale; }
 
   void append(std::u16string_view text, NSUnitBuffer& result) {
     const std::size_t start = result.size();
@@ -52,11 +52,8 @@ class Capitalizer {
                             NSICULength(text), &status);
   }
 
-  struct Close {
-    void operator()(UCaseMap* map) const { ucasemap_close(map); }
-  };
   NSRef<NSLocale> _locale;
-  std::unique_ptr<UCaseMap, Close> _map;
+  NSICUHandle<UCaseMap, ucasemap_close> _map;
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "Foundation/Locales/DecimalSymbols.h"
 
 #include <algorithm>
-#include <memory>
 
 #include <unicode/unum.h>
 #include <unicode/unumberformatter.h>
@@ -11,12 +10,7 @@
 
 namespace {
 
-template <auto close>
-struct Closer {
-  void operator()(auto* handle) const { close(handle); }
-};
-
-using OldFormatter = std::unique_ptr<UNumberFormat, Closer<&unum_close>>;
+using OldFormatter = NSICUHandle<UNumberFormat, unum_close>;
 
 std::u16string symbol(const OldFormatter& formatter, UNumberFormatSymbol which) {
   std::array<char16_t, 32> units{};
@@ -24,6 +18,17 @@ std::u16string symbol(const OldFormatter& formatter, UNumberFormatSymbol which) 
   const auto length = unum_getSymbol(formatter.get(), which, units.data(), units.size(), &status);
   NSCheckICU(status);
   return {units.data(), static_cast<std::size_t>(length)};
+}
+
+// A number as ICU writes it in the locale.
+std::u16string written(const std::string& decimal, const std::string& locale, UErrorCode& status) {
+  const NSICUHandle<UNumberFormatter, unumf_close> formatter(
+      unumf_openForSkeletonAndLocale(u"", 0, locale.c_str(), &status));
+  const NSICUHandle<UFormattedNumber, unumf_closeResult> number(unumf_openResult(&status));
+  unumf_formatDecimal(formatter.get(), decimal.c_str(), -1, number.get(), &status);
+  std::array<char16_t, 64> units{};
+  const auto length = unumf_resultToString(number.get(), units.data(), units.size(), &status);
+  return U_SUCCESS(status) ? std::u16string(units.data(), static_cast<std::size_t>(length)) : u"";
 }
 
 // Whether ICU can write numbers so: not with numbering systems that do not exist or have no digits.
@@ -34,12 +39,7 @@ bool canWriteNumbers(const std::string& locale) {
   // A formatter of Roman numerals, for one, has no symbols.
   std::array<char16_t, 32> sign{};
   unum_getSymbol(old.get(), UNUM_MINUS_SIGN_SYMBOL, sign.data(), sign.size(), &status);
-  if (U_FAILURE(status)) return false;
-  const std::unique_ptr<UNumberFormatter, Closer<&unumf_close>> formatter(
-      unumf_openForSkeletonAndLocale(u"", 0, locale.c_str(), &status));
-  const std::unique_ptr<UFormattedNumber, Closer<&unumf_closeResult>> number(
-      unumf_openResult(&status));
-  if (U_SUCCESS(status)) unumf_formatDecimal(formatter.get(), "-1.5", -1, number.get(), &status);
+  written("-1.5", locale, status);
   return U_SUCCESS(status);
 }
 
@@ -57,17 +57,9 @@ std::string localeForNumbers(const std::string& locale) {
 // interface does not tell how many the locale wants there, so the number is tried.
 bool isSeparated(const std::string& locale, const std::u16string& separator, std::size_t digits) {
   UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<UNumberFormatter, Closer<&unumf_close>> formatter(
-      unumf_openForSkeletonAndLocale(u"", 0, locale.c_str(), &status));
-  const std::unique_ptr<UFormattedNumber, Closer<&unumf_closeResult>> number(
-      unumf_openResult(&status));
+  const std::u16string text = written(std::string(digits, '1'), locale, status);
   NSCheckICU(status);
-  unumf_formatDecimal(formatter.get(), std::string(digits, '1').c_str(), -1, number.get(), &status);
-  std::array<char16_t, 64> units{};
-  const auto length = unumf_resultToString(number.get(), units.data(), units.size(), &status);
-  NSCheckICU(status);
-  const std::u16string_view text(units.data(), static_cast<std::size_t>(length));
-  return text.find(separator) != std::u16string_view::npos;
+  return text.find(separator) != std::u16string::npos;
 }
 
 void appendCharacter(char32_t character, NSUnitBuffer& text) {
@@ -123,7 +115,7 @@ void NSDecimalSymbols::append(std::string_view decimal, bool isGrouped, NSUnitBu
       decimal.size());
   const bool hasGroups =
       isGrouped && _lastGroup != 0 && whole >= _lastGroup + _leastBeforeLastGroup;
-  // Where the next separator belongs; nowhere behind the last group.
+  // Where the next separator belongs; there is none after the last group.
   std::size_t nextGroup = decimal.size();
   if (hasGroups) {
     nextGroup = (whole - _lastGroup) % _otherGroups;

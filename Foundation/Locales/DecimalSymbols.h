@@ -13,9 +13,9 @@ class NSDecimalSymbols {
  public:
   explicit NSDecimalSymbols(const std::string& locale);
 
-  /// The locale under which ICU writes its numbers: without keywords if they ask for what it does
-  /// not know.
-  const std::string& locale() const noexcept { return _locale; }
+  /// Gives the locale under which ICU writes its numbers: without keywords if they ask for what it
+  /// does not know.
+  [[nodiscard]] const std::string& locale() const noexcept { return _locale; }
 
   /// Appends a number of the form "-12345.67", in ASCII digits, as the locale writes it. What is
   /// neither digit, "-" in front nor "." stays as it is.

@@ -3,7 +3,6 @@
 #include <array>
 
 #include <Foundation/NSString.h>
-#include <Foundation/Text/ICU.h>
 
 NSDisplayNames::NSDisplayNames(const std::string& locale) {
   for (const std::string& name : {locale, locale.substr(0, locale.find('@')), std::string()}) {

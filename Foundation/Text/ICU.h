@@ -1,6 +1,7 @@
 #pragma once
 
 #include <limits>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -23,6 +24,14 @@ inline std::int32_t NSICULength(std::u16string_view text) {
 inline const char16_t* NSICUText(std::u16string_view text) {
   return text.empty() ? u"" : text.data();
 }
+
+/// Something that ICU has opened, and the function that closes it.
+template <auto close>
+struct NSICUCloser {
+  void operator()(auto* handle) const { close(handle); }
+};
+template <class T, auto close>
+using NSICUHandle = std::unique_ptr<T, NSICUCloser<close>>;
 
 /// For calls whose arguments are known to be right, so that nothing but memory can be missing.
 inline void NSCheckICU(UErrorCode status) {
