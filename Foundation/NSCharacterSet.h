@@ -50,12 +50,6 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   }
   /// False for what is no Unicode character.
   bool longCharacterIsMember(char32_t character) const noexcept;
-  /// Bit `u % 64` of word `u / 64` tells whether the unit u is a member; valid until the set
-  /// changes.
-  const std::uint64_t* unitBitmap() const noexcept { return _basicPlane; }
-
-  /// The ASCII members in 16 bytes: bit h of byte l stands for the unit 16 h + l.
-  const std::uint8_t* asciiRows() const noexcept { return _asciiRows.data(); }
 
   /// All characters that are not members.
   NSRef<NSCharacterSet> invertedSet() const;
@@ -86,6 +80,8 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   static Planes planesOfCategories(std::uint32_t mask);
 
  private:
+  friend struct NSAccess;
+
   Planes _planes;
   const std::uint64_t* _basicPlane;
   std::array<std::uint8_t, 16> _asciiRows{};

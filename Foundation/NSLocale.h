@@ -16,16 +16,16 @@ class NSString;
 
 // Keys of the components of a locale identifier, and of what has a name for people.
 
-/// A whole identifier, such as "de_CH".
-NS_EXPORT const NSRef<NSString>& NSLocaleIdentifier();
-/// "de"
-NS_EXPORT const NSRef<NSString>& NSLocaleLanguageCode();
-/// "Latn"
-NS_EXPORT const NSRef<NSString>& NSLocaleScriptCode();
-/// "CH", or the number of a region such as "419"
-NS_EXPORT const NSRef<NSString>& NSLocaleCountryCode();
-/// "POSIX"
-NS_EXPORT const NSRef<NSString>& NSLocaleVariantCode();
+/// Key of a whole identifier, such as "de_CH".
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSLocaleIdentifier();
+/// Key of a language, such as "de".
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSLocaleLanguageCode();
+/// Key of a script, such as "Latn".
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSLocaleScriptCode();
+/// Key of a region, such as "CH", or its number, such as "419".
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSLocaleCountryCode();
+/// Key of a variant, such as "POSIX".
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSLocaleVariantCode();
 
 /// A language with the habits of a region, named by an identifier such as "de_CH" or "zh-Hant-TW".
 /// Immutable.
@@ -40,60 +40,67 @@ class NS_EXPORT NSLocale : public NSObject {
   NSLocale(const NSLocale&) = delete;
   ~NSLocale() override;
 
-  /// Nil for text that is no locale identifier: nil, empty, longer than 150 units, or with other
-  /// characters than ASCII letters and digits and any of "_-@=;+.". A language or region that
-  /// nobody knows is none of these; it has the habits of the nearest that is known.
-  static NSRef<NSLocale> localeWithLocaleIdentifier(const NSRef<NSString>& identifier);
+  /// Makes a locale. Nil for text that is no locale identifier: nil, empty, longer than 150 units,
+  /// or with other characters than ASCII letters and digits and any of "_-@=;+.". A language or
+  /// region that nobody knows is none of these; it has the habits of the nearest that is known.
+  [[nodiscard]] static NSRef<NSLocale> localeWithLocaleIdentifier(
+      const NSRef<NSString>& identifier);
 
-  /// The parts of an identifier under the keys of language, script, country and variant; what does
-  /// not occur has no entry. It is cut at "@" and split at "_" and "-": the language, which
+  /// Gives the parts of an identifier under the keys of language, script, country and variant; what
+  /// does not occur has no entry. It is cut at "@" and split at "_" and "-": the language, which
   /// may be empty, a script of four letters, a region of two letters or three digits, and the rest.
   /// Letter case stays. Nil for nil.
-  static NSRef<NSDictionary> componentsFromLocaleIdentifier(const NSRef<NSString>& identifier);
+  [[nodiscard]] static NSRef<NSDictionary> componentsFromLocaleIdentifier(
+      const NSRef<NSString>& identifier);
 
-  /// The language of an identifier without the region: "de" for "de_CH". Its script is there where
-  /// that tells languages apart: one that is written, if it is not the only one that the language
-  /// has ("zh-Hans" for "zh_Hans_CN", "de" for "de_Latn_DE"), and one that the region implies, if
-  /// it is not the language's usual one ("zh-Hant" for "zh_TW"). "und" without a language that ICU
-  /// can read; nil for what is no identifier.
-  static NSRef<NSString> canonicalLanguageIdentifierFromString(const NSRef<NSString>& identifier);
+  /// Gives the language of an identifier without the region: "de" for "de_CH". The script is there
+  /// where it tells languages apart: one that is written, if it is not the only one of the language
+  /// ("zh-Hans" for "zh_Hans_CN", "de" for "de_Latn_DE"), and one that the region implies, if it is
+  /// not the language's usual one ("zh-Hant" for "zh_TW"). "und" without a language that ICU can
+  /// read; nil for what is no identifier.
+  [[nodiscard]] static NSRef<NSString> canonicalLanguageIdentifierFromString(
+      const NSRef<NSString>& identifier);
 
-  /// What people who speak the locale's language call what the value stands for: under
+  /// Gives the name of what the value stands for, in the locale's language: under
   /// `NSLocaleIdentifier` "de_CH" is "German (Switzerland)", under `NSLocaleCountryCode` "CH" is
-  /// "Switzerland". What nobody knows is called by its code. Nil for a value that is no identifier
-  /// and for other keys. May be called from any thread.
-  NSRef<NSString> displayNameForKey_value(const NSRef<NSString>& key,
-                                          const NSRef<NSString>& value) const;
+  /// "Switzerland". What nobody knows has its code as its name. Nil for a value that is no
+  /// identifier and for other keys. May be called from any thread.
+  [[nodiscard]] NSRef<NSString> displayNameForKey_value(const NSRef<NSString>& key,
+                                                        const NSRef<NSString>& value) const;
 
-  static NSRef<NSLocale> currentLocale();
-  /// Nil returns to the environment, which is read anew.
+  /// Gives the user's locale.
+  [[nodiscard]] static NSRef<NSLocale> currentLocale();
+  /// Sets the user's locale. Nil returns to the environment, which is read anew.
   static void setCurrentLocale(const NSRef<NSLocale>& locale);
 
-  /// The user's languages, the best one first, as strings like "de-CH" and "de". Never empty.
-  static NSRef<NSArray> preferredLanguages();
-  /// Nil or an empty array return to the environment, which is read anew.
+  /// Gives the user's languages, the best one first, as strings like "de-CH" and "de". Never empty.
+  [[nodiscard]] static NSRef<NSArray> preferredLanguages();
+  /// Sets the user's languages. Nil or an empty array return to the environment, which is read
+  /// anew.
   static void setPreferredLanguages(const NSRef<NSArray>& languages);
 
-  /// Changes whenever `preferredLanguages` may have; for those who keep what depends on it.
-  static std::uint64_t languagesGeneration() noexcept;
+  /// Gives a number that changes whenever `preferredLanguages` may have; for those who keep what
+  /// depends on it.
+  [[nodiscard]] static std::uint64_t languagesGeneration() noexcept;
 
-  /// As it was given.
-  NSRef<NSString> localeIdentifier() const noexcept;
+  /// Gives the identifier as it was given.
+  [[nodiscard]] NSRef<NSString> localeIdentifier() const noexcept;
 
-  /// How the locale writes decimal numbers; for the platform's own use.
-  const NSDecimalSymbols& decimalSymbols() const;
-
-  /// Whether the identifiers are the same.
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
+  /// Whether the other is a locale with the same identifier.
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
   /// "NSLocale de_CH"
-  NSRef<NSString> description() const override;
+  [[nodiscard]] NSRef<NSString> description() const override;
   /// "localeIdentifier" besides what every object publishes.
-  const NSPropertyTable& propertyTable() const override;
+  [[nodiscard]] const NSPropertyTable& propertyTable() const override;
   /// The locale itself.
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 
  private:
+  friend struct NSAccess;
+
+  [[nodiscard]] const NSDecimalSymbols& decimalSymbols() const;
+
   NSRef<NSString> _identifier;
   mutable std::once_flag _symbolsOnce;
   mutable std::unique_ptr<const NSDecimalSymbols> _symbols;

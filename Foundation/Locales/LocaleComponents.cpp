@@ -18,7 +18,7 @@ bool isCountry(std::u16string_view part) {
          (part.size() == 3 && std::ranges::all_of(part, isDigit));
 }
 
-// Removes the first part and the separator behind it.
+// Removes the first part and the separator after it.
 std::u16string_view takePart(std::u16string_view& text) {
   std::size_t end = 0;
   while (end < text.size() && text[end] != u'_' && text[end] != u'-') ++end;

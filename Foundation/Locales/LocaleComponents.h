@@ -12,17 +12,18 @@ struct NSLocaleComponents {
   std::u16string_view script;
   /// Two letters or three digits.
   std::u16string_view country;
-  /// What is behind them, without its first separator.
+  /// What follows them, without its first separator.
   std::u16string_view variant;
 
-  /// Splits at "_" and "-"; what is behind "@" does not count.
+  /// Splits at "_" and "-"; what follows "@" does not count.
   NS_EXPORT explicit NSLocaleComponents(std::u16string_view identifier) noexcept;
 };
 
-/// The identifier up to the first "@".
-constexpr std::u16string_view NSWithoutKeywords(std::u16string_view identifier) noexcept {
+/// Gives the identifier up to the first "@".
+[[nodiscard]] constexpr std::u16string_view NSWithoutKeywords(
+    std::u16string_view identifier) noexcept {
   return identifier.substr(0, identifier.find(u'@'));
 }
 
 /// Whether `NSLocale::localeWithLocaleIdentifier` takes the text.
-bool NSIsLocaleIdentifier(std::u16string_view text) noexcept;
+[[nodiscard]] bool NSIsLocaleIdentifier(std::u16string_view text) noexcept;

@@ -8,12 +8,13 @@
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSDictionary.h>
 
-/// The tables of localized strings that a bundle has read, in the user's languages of now.
+/// The tables of localized strings that a bundle has read, in the user's present languages.
 class NSLocalizedStrings {
  public:
-  /// Nil when there is no such table or entry. May be called from any thread.
-  NSRef<NSString> find(const NSRef<NSString>& key, const NSRef<NSString>& table,
-                       const NSBundle& bundle);
+  /// Gives the text for the key; nil when there is no such table or entry. May be called from any
+  /// thread.
+  [[nodiscard]] NSRef<NSString> find(const NSRef<NSString>& key, const NSRef<NSString>& table,
+                                     const NSBundle& bundle);
 
  private:
   // Notes a fault of the table when it is read.

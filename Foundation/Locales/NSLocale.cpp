@@ -141,7 +141,7 @@ NSRef<NSArray> NSLocale::preferredLanguages() { return languagesSetting().get();
 
 void NSLocale::setPreferredLanguages(const NSRef<NSArray>& languages) {
   languagesSetting().set(languages && languages->count() != 0 ? languages->copy() : nullptr);
-  // Behind the change: who sees the new generation sees the new languages.
+  // After the change: who sees the new generation sees the new languages.
   generationOfLanguages.fetch_add(1, std::memory_order_release);
 }
 

@@ -3,10 +3,11 @@
 #include <Foundation/Locales/DecimalSymbols.h>
 #include <Foundation/NSLocale.h>
 #include <Foundation/NSString.h>
+#include <Foundation/detail/Access.h>
 
 NSRef<NSString> NSNumber::descriptionWithLocale(const NSRef<NSLocale>& locale) const {
   if (!locale) return stringValue();
   NSUnitBuffer text;
-  locale->decimalSymbols().append(stringValue()->utf8(), /*isGrouped=*/false, text);
+  NSAccess::decimalSymbols(*locale).append(stringValue()->utf8(), /*isGrouped=*/false, text);
   return NSMake<NSString>(std::move(text));
 }

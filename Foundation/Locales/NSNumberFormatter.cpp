@@ -4,11 +4,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <memory>
 #include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 
 #include <unicode/unumberformatter.h>
 
@@ -22,6 +19,7 @@
 #include <Foundation/NSString.h>
 #include <Foundation/NSUnitBuffer.h>
 #include <Foundation/Text/ICU.h>
+#include <Foundation/detail/Access.h>
 
 namespace {
 
@@ -61,12 +59,8 @@ std::string_view decimalOf(double value, DecimalRoom& room) {
   return {start, static_cast<std::size_t>(end - start)};
 }
 
-template <auto close>
-struct Closer {
-  void operator()(auto* handle) const { close(handle); }
-};
-using Formatter = std::unique_ptr<UNumberFormatter, Closer<&unumf_close>>;
-using Result = std::unique_ptr<UFormattedNumber, Closer<&unumf_closeResult>>;
+using Formatter = NSICUHandle<UNumberFormatter, unumf_close>;
+using Result = NSICUHandle<UFormattedNumber, unumf_closeResult>;
 
 Formatter openFormatter(const std::string& skeleton, const std::string& locale) {
   UErrorCode status = U_ZERO_ERROR;
@@ -154,7 +148,7 @@ class NSNumberFormatter::Rounder {
            modeToken(settings);
   }
 
-  UErrorCode tryFormat(const Formatter& formatter, std::string_view decimal) const {
+  [[nodiscard]] UErrorCode tryFormat(const Formatter& formatter, std::string_view decimal) const {
     UErrorCode status = U_ZERO_ERROR;
     unumf_formatDecimal(formatter.get(), decimal.data(), static_cast<std::int32_t>(decimal.size()),
                         _result.get(), &status);
@@ -163,7 +157,7 @@ class NSNumberFormatter::Rounder {
   void format(const Formatter& formatter, std::string_view decimal) const {
     NSCheckICU(tryFormat(formatter, decimal));
   }
-  std::string decimalOfResult() const {
+  [[nodiscard]] std::string decimalOfResult() const {
     UErrorCode status = U_ZERO_ERROR;
     const auto length = unumf_resultToDecimalNumber(_result.get(), nullptr, 0, &status);
     std::string decimal(static_cast<std::size_t>(length), '0');
@@ -253,7 +247,8 @@ void NSNumberFormatter::setLocale(const NSRef<NSLocale>& locale) {
 
 const NSNumberFormatter::Rounder& NSNumberFormatter::rounder() const {
   if (!_rounder) {
-    _rounder = std::make_unique<const Rounder>(_settings, _locale->decimalSymbols().locale());
+    _rounder =
+        std::make_unique<const Rounder>(_settings, NSAccess::decimalSymbols(*_locale).locale());
   }
   return *_rounder;
 }
@@ -286,7 +281,7 @@ void NSNumberFormatter::appendDecimal(std::string_view decimal, bool isLarge,
   if (_settings.minimumFractionDigits != 0) {
     padded.append(1, '.').append(_settings.minimumFractionDigits, '0');
   }
-  _locale->decimalSymbols().append(padded, _settings.isGrouped, text);
+  NSAccess::decimalSymbols(*_locale).append(padded, _settings.isGrouped, text);
 }
 
 // Writes what can be rounded in doubles without doubt; gives false for the rest.
@@ -324,7 +319,8 @@ bool NSNumberFormatter::appendQuickly(double value, NSUnitBuffer& text) const {
   }
   digits[0] = '-';
   const char* const first = std::signbit(value) ? digits.data() : start;
-  _locale->decimalSymbols().append({first, static_cast<std::size_t>(end - first)}, isGrouped, text);
+  NSAccess::decimalSymbols(*_locale).append({first, static_cast<std::size_t>(end - first)},
+                                            isGrouped, text);
   return true;
 }
 

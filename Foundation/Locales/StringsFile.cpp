@@ -91,7 +91,7 @@ class TableReader {
     return true;
   }
 
-  // Behind the "\", of which something follows.
+  // After the "\"; there is something.
   void readEscape(NSUnitBuffer& text) {
     constexpr std::u16string_view letters = u"abfnrtv";
     constexpr std::u16string_view controls = u"\a\b\f\n\r\t\v";
@@ -147,7 +147,7 @@ class TableReader {
     return true;
   }
 
-  std::size_t endOfLine(std::size_t from) const {
+  [[nodiscard]] std::size_t endOfLine(std::size_t from) const {
     return std::min(_text.find_first_of(u"\n\r\u2028\u2029", from), _text.size());
   }
 

@@ -11,6 +11,7 @@
 #include <Foundation/Text/NormalForm.h>
 #include <Foundation/Text/UnitMembership.h>
 #include <Foundation/Text/UnitSearch.h>
+#include <Foundation/detail/Access.h>
 
 namespace {
 
@@ -352,7 +353,7 @@ std::size_t NSEndOfRun(const NSCharacterSet& set, std::u16string_view text, std:
 std::size_t NSCountMembersAtEnd(const NSCharacterSet& set, std::u16string_view text,
                                 NSUInteger options) {
   const bool isBackwards = (options & NSBackwardsSearch) != 0;
-  const std::uint64_t* const bitmap = set.unitBitmap();
+  const std::uint64_t* const bitmap = NSAccess::unitBitmap(set);
   std::size_t count = 0;
   while (count < text.size()) {
     const char16_t unit = text[isBackwards ? text.size() - 1 - count : count];

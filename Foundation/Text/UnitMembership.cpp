@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include <Foundation/NSUnicode.h>
+#include <Foundation/detail/Access.h>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Foundation/Text/UnitMembership.cpp"
@@ -174,7 +175,8 @@ bool isPair(std::u16string_view text, std::size_t high) {
 template <class Use>
 auto withMembership(const NSCharacterSet& set, std::u16string_view text, NSMembership membership,
                     Use use) {
-  const auto isMemberUnit = [bitmap = set.unitBitmap(), units = text.data()](std::size_t at) {
+  const auto isMemberUnit = [bitmap = NSAccess::unitBitmap(set),
+                             units = text.data()](std::size_t at) {
     const char16_t unit = units[at];
     return (bitmap[unit / wordSize] >> (unit % wordSize) & 1U) != 0;
   };
@@ -194,7 +196,7 @@ std::span<const std::uint64_t> find(const NSCharacterSet& set, std::u16string_vi
                                     NSMemberBits& bits) noexcept {
   std::array<std::uint64_t, std::tuple_size_v<decltype(bits.words)>> others;
   HWY_DYNAMIC_DISPATCH(findASCIIMembers)
-  (lanesOf(text.data() + from), count, set.asciiRows(), bits.words.data(), others.data());
+  (lanesOf(text.data() + from), count, NSAccess::asciiRows(set), bits.words.data(), others.data());
   const std::size_t used = (count + wordSize - 1) / wordSize;
   withMembership(set, text, membership, [&](auto isMember) {
     for (std::size_t word = 0; word < used; ++word) {
