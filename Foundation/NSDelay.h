@@ -19,10 +19,10 @@ class NS_EXPORT NSDelay {
     }
   }
 
-  /// Rounded up.
-  std::chrono::nanoseconds duration() const noexcept { return _duration; }
+  /// Gives the delay, rounded up.
+  [[nodiscard]] std::chrono::nanoseconds duration() const noexcept { return _duration; }
 
-  /// Sums with a time of a steady clock do not overflow.
+  /// So long that adding it to a time of a steady clock does not overflow.
   static constexpr std::chrono::nanoseconds longest{NSInteger{1} << 62};
 
  private:

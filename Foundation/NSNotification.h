@@ -14,20 +14,19 @@ class NS_EXPORT NSNotification : public NSObject {
   NSNotification(const NSRef<NSString>& name, NSRef<NSObject> object, NSRef<NSDictionary> userInfo);
   ~NSNotification() override;
 
-  static NSRef<NSNotification> notificationWithName_object(const NSRef<NSString>& name,
-                                                           NSRef<NSObject> object);
-  static NSRef<NSNotification> notificationWithName_object_userInfo(const NSRef<NSString>& name,
-                                                                    NSRef<NSObject> object,
-                                                                    NSRef<NSDictionary> userInfo);
+  [[nodiscard]] static NSRef<NSNotification> notificationWithName_object(
+      const NSRef<NSString>& name, NSRef<NSObject> object);
+  [[nodiscard]] static NSRef<NSNotification> notificationWithName_object_userInfo(
+      const NSRef<NSString>& name, NSRef<NSObject> object, NSRef<NSDictionary> userInfo);
 
-  NSRef<NSString> name() const noexcept;
-  NSRef<NSObject> object() const noexcept;
-  NSRef<NSDictionary> userInfo() const noexcept;
+  [[nodiscard]] NSRef<NSString> name() const noexcept;
+  [[nodiscard]] NSRef<NSObject> object() const noexcept;
+  [[nodiscard]] NSRef<NSDictionary> userInfo() const noexcept;
 
   /// "NSNotification DocumentDidChange"
-  NSRef<NSString> description() const override;
+  [[nodiscard]] NSRef<NSString> description() const override;
   /// The notification itself.
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 
  private:
   NSRef<NSString> _name;

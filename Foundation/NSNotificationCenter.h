@@ -21,7 +21,8 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
   NSNotificationCenter();
   ~NSNotificationCenter() override;
 
-  static const NSRef<NSNotificationCenter>& defaultCenter();
+  /// Gives the centre of the whole program.
+  [[nodiscard]] static const NSRef<NSNotificationCenter>& defaultCenter();
 
   /// Calls the block with each notification of that name about that very object; nil is any name or
   /// any object. It is called while the notification is posted, on the posting thread; with a queue
@@ -29,7 +30,8 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
   /// (`const NSRef<NSNotification>&` or `NSNotification&`) or nothing; a nil block raises
   /// `NSInvalidArgumentException`.
   ///
-  /// The result is what `removeObserver` takes. Until then the centre holds block and object.
+  /// The result is what `removeObserver` takes. Until then the centre holds the block and the
+  /// object.
   template <class F>
   NSRef<NSObject> addObserverForName_object_queue_usingBlock(const NSRef<NSString>& name,
                                                              const NSRef<NSObject>& object,
@@ -37,9 +39,8 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
                                                              F&& block) {
     return addObserver(name, object, queue, NSMakeBlock<NSNotification>(std::forward<F>(block)));
   }
-  /// A post that begins afterwards does not call the block any more, nor does one that is going on
-  /// on the same thread or waits in a queue. Nil and what is no observer of this centre is nothing
-  /// to remove.
+  /// Removes an observer. No later post calls its block, nor does one that is going on on the same
+  /// thread or waits in a queue. Does nothing for nil and for what is no observer of this centre.
   void removeObserver(const NSRef<NSObject>& observer);
 
   /// Calls the observers in the order in which they were added; not those that are added meanwhile.

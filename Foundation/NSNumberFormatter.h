@@ -35,7 +35,8 @@ enum NSNumberFormatterRoundingMode : NSUInteger {
 /// fraction; an increment below 1 leaves them, and every digit of what they hold is shown.
 class NS_EXPORT NSNumberFormatter : public NSFormatter {
  public:
-  /// No style, half-even, no increment, and the locale that is current now.
+  /// Makes a formatter without style and increment, that rounds half-even, with the locale that is
+  /// current now.
   NSNumberFormatter();
   /// Reads what `encodeWithCoder` has written; what is missing is as the style sets it, and without
   /// a locale it is the current one. Settings that make no sense raise
@@ -43,46 +44,54 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   explicit NSNumberFormatter(const NSRef<NSCoder>& coder);
   ~NSNumberFormatter() override;
 
-  NSNumberFormatterStyle numberStyle() const noexcept { return _settings.style; }
+  [[nodiscard]] NSNumberFormatterStyle numberStyle() const noexcept { return _settings.style; }
   /// Sets separators and fraction digits as well, as listed with the styles. Raises
   /// `NSInvalidArgumentException` for any other number.
   void setNumberStyle(NSNumberFormatterStyle style);
 
-  bool usesGroupingSeparator() const noexcept { return _settings.isGrouped; }
+  [[nodiscard]] bool usesGroupingSeparator() const noexcept { return _settings.isGrouped; }
   void setUsesGroupingSeparator(bool usesIt);
 
-  /// At most 340 digits; more count as 340. Either raises or lowers the other where they would
-  /// contradict each other.
-  NSUInteger minimumFractionDigits() const noexcept { return _settings.minimumFractionDigits; }
+  // At most 340 digits; more count as 340. Either raises or lowers the other where they would
+  // contradict each other.
+
+  [[nodiscard]] NSUInteger minimumFractionDigits() const noexcept {
+    return _settings.minimumFractionDigits;
+  }
   void setMinimumFractionDigits(NSUInteger digits);
-  NSUInteger maximumFractionDigits() const noexcept { return _settings.maximumFractionDigits; }
+  [[nodiscard]] NSUInteger maximumFractionDigits() const noexcept {
+    return _settings.maximumFractionDigits;
+  }
   void setMaximumFractionDigits(NSUInteger digits);
 
-  /// What numbers are rounded to multiples of; nil when they are not.
-  NSRef<NSNumber> roundingIncrement() const noexcept;
-  /// Nil and anything but a number from 1e-12 to 2^53 stand for none. A number with more digits
-  /// than ICU's arithmetic has, some 34 with those of the increment, is not rounded to a multiple.
+  /// Gives what numbers are rounded to multiples of; nil when they are not.
+  [[nodiscard]] NSRef<NSNumber> roundingIncrement() const noexcept;
+  /// Sets the increment; nil and anything but a number from 1e-12 to 2^53 stand for none. A number
+  /// with more digits than ICU's arithmetic has, some 34 with those of the increment, is not
+  /// rounded to a multiple.
   void setRoundingIncrement(const NSRef<NSNumber>& increment);
 
-  NSNumberFormatterRoundingMode roundingMode() const noexcept { return _settings.mode; }
-  /// Raises `NSInvalidArgumentException` for a number that is none of the modes.
+  [[nodiscard]] NSNumberFormatterRoundingMode roundingMode() const noexcept {
+    return _settings.mode;
+  }
+  /// Sets the mode. Raises `NSInvalidArgumentException` for a number that is none of them.
   void setRoundingMode(NSNumberFormatterRoundingMode mode);
 
-  NSRef<NSLocale> locale() const noexcept;
-  /// Nil is the locale that is current now.
+  [[nodiscard]] NSRef<NSLocale> locale() const noexcept;
+  /// Sets the locale; nil is the one that is current now.
   void setLocale(const NSRef<NSLocale>& locale);
 
   /// Appends the text of a number, without making objects.
   void appendNumber(double value, NSUnitBuffer& text) const;
-  /// Nil for nil. "NaN" and "∞" are written as the locale writes them.
-  NSRef<NSString> stringFromNumber(const NSRef<NSNumber>& number) const;
-  /// `stringFromNumber` of a number, nil for anything else.
-  NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
+  /// Gives the text of a number; nil for nil. "NaN" and "∞" are written as the locale writes them.
+  [[nodiscard]] NSRef<NSString> stringFromNumber(const NSRef<NSNumber>& number) const;
+  /// Gives the text of a number, nil for anything else.
+  [[nodiscard]] NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
 
   /// Writes the settings, and the locale only if one was set.
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
   /// The settings by their names besides what every object publishes.
-  const NSPropertyTable& propertyTable() const override;
+  [[nodiscard]] const NSPropertyTable& propertyTable() const override;
 
  private:
   struct Settings {
@@ -95,9 +104,9 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   };
   class Rounder;
 
-  bool appendQuickly(double value, NSUnitBuffer& text) const;
+  [[nodiscard]] bool appendQuickly(double value, NSUnitBuffer& text) const;
   void appendDecimal(std::string_view decimal, bool isLarge, NSUnitBuffer& text) const;
-  const Rounder& rounder() const;
+  [[nodiscard]] const Rounder& rounder() const;
   void settingsChanged() noexcept;
 
   Settings _settings;

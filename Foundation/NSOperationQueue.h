@@ -14,8 +14,8 @@ class NS_EXPORT NSOperationQueue : public NSObject {
  public:
   ~NSOperationQueue() override;
 
-  /// From any thread.
-  static const NSRef<NSOperationQueue>& mainQueue();
+  /// Gives the queue of the main thread. From any thread.
+  [[nodiscard]] static const NSRef<NSOperationQueue>& mainQueue();
 
   /// Runs the block in a later pass and returns at once. From any thread. A nil block raises
   /// `NSInvalidArgumentException`; what a block throws ends the program.
