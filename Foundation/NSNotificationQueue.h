@@ -6,10 +6,11 @@
 #include <Foundation/NSNotification.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSTypes.h>
+#include <Foundation/detail/Passkey.h>
 
 class NSArray;
-class NSModeSet;
-class NSRunLoop;
+class NSQueuedNotifications;
+class NSRunLoopCore;
 
 /// When a queued notification is posted.
 enum NSPostingStyle : NSUInteger {
@@ -36,14 +37,14 @@ enum NSNotificationCoalescing : std::uint32_t {
 /// there ends the program. Used by its own thread alone, with which it ends: then it takes no more.
 class NS_EXPORT NSNotificationQueue : public NSObject {
  public:
-  /// `defaultQueue` makes the one of each thread.
-  explicit NSNotificationQueue(NSRunLoop& runLoop);
+  NSNotificationQueue(NSPasskey<NSRunLoopCore> key, NSRunLoopCore& runLoop);
   ~NSNotificationQueue() override;
 
-  /// The calling thread's.
-  static NSRef<NSNotificationQueue> defaultQueue();
+  /// Gives the calling thread's.
+  [[nodiscard]] static NSRef<NSNotificationQueue> defaultQueue();
 
-  /// The same by name and sender, in the default mode.
+  /// Removes the notifications of the same name and sender, then puts this one at the end, to be
+  /// posted in a pass in the default mode. Otherwise like the longer form.
   void enqueueNotification_postingStyle(const NSRef<NSNotification>& notification,
                                         NSUInteger postingStyle);
   /// Removes the notifications that are the same by the mask's bits, then puts this one at the end,
@@ -53,22 +54,13 @@ class NS_EXPORT NSNotificationQueue : public NSObject {
   void enqueueNotification_postingStyle_coalesceMask_forModes(
       const NSRef<NSNotification>& notification, NSUInteger postingStyle,
       std::uint32_t coalesceMask, const NSRef<NSArray>& modes);
-  /// Removes the notifications that are the same by the mask's bits; without bits none. Nil raises
+  /// Removes the notifications that are the same by the mask's bits; without bits, none. Nil raises
   /// `NSInvalidArgumentException`.
   void dequeueNotificationsMatching_coalesceMask(const NSRef<NSNotification>& notification,
                                                  std::uint32_t coalesceMask);
 
-  // What the run loop calls.
-
-  bool hasSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes);
-  void postSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes) noexcept;
-  /// Whether there were any.
-  bool postIdle(const NSRef<NSString>& mode, const NSModeSet& commonModes) noexcept;
-  void tidy();
-  void close();
-
  private:
-  struct Core;
+  friend struct NSAccess;
 
-  const std::unique_ptr<Core> _core;
+  const std::unique_ptr<NSQueuedNotifications> _core;
 };

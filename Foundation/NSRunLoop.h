@@ -6,26 +6,24 @@
 #include <optional>
 #include <utility>
 
-#include <sys/types.h>
-
 #include <Foundation/NSArray.h>
 #include <Foundation/NSBlock.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
-#include <Foundation/NSSelector.h>
 #include <Foundation/detail/OnceClosure.h>
+#include <Foundation/detail/Passkey.h>
 
 class NSDate;
-class NSDelay;
-class NSNotificationQueue;
-class NSScheduledEvent;
+class NSRunLoopCore;
+class NSThread;
 class NSTimer;
 
-/// The mode in which a run loop runs when nothing else is said.
-NS_EXPORT const NSRef<NSString>& NSDefaultRunLoopMode();
-/// As a mode of a request or a timer, all modes of the run loop's common set. It cannot be run in.
-NS_EXPORT const NSRef<NSString>& NSRunLoopCommonModes();
+/// Gives the mode in which a run loop runs when nothing else is said.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSDefaultRunLoopMode();
+/// Gives what stands for all modes of the run loop's common set, as a mode of a request or a timer.
+/// It cannot be run in.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSRunLoopCommonModes();
 
 /// What a thread does while it has nothing else to do: it performs the requests that come from it
 /// and from other threads, fires timers and posts the thread's queued notifications. Every thread
@@ -44,41 +42,37 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// The time by which timers and delays go, steady.
   using Time = std::chrono::steady_clock::time_point;
 
-  /// `NSThread` makes one for each thread.
-  NSRunLoop();
+  explicit NSRunLoop(NSPasskey<NSThread> key);
   ~NSRunLoop() override;
 
-  static NSRef<NSRunLoop> currentRunLoop();
-  /// From any thread.
-  static NSRef<NSRunLoop> mainRunLoop();
+  /// Gives the calling thread's.
+  [[nodiscard]] static NSRef<NSRunLoop> currentRunLoop();
+  /// Gives the main thread's. From any thread.
+  [[nodiscard]] static NSRef<NSRunLoop> mainRunLoop();
 
-  /// Runs the block in a pass in one of the common modes, or in one of those modes; with nil or no
-  /// modes never. From any thread. A nil block raises `NSInvalidArgumentException`.
+  /// Runs the block in a later pass in one of the common modes. From any thread. A nil block raises
+  /// `NSInvalidArgumentException`.
   template <class F>
   void performBlock(F&& block) {
     if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "performBlock:");
     post(NSOnceClosure(std::forward<F>(block)), nullptr);
   }
+  /// Runs the block in a later pass in one of those modes; never when they are nil or empty. From
+  /// any thread. A nil block raises `NSInvalidArgumentException`.
   template <class F>
   void performInModes_block(const NSRef<NSArray>& modes, F&& block) {
     if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "performInModes:block:");
     if (modes) post(NSOnceClosure(std::forward<F>(block)), modes);
   }
-  /// What the two lead to; nil modes are the common ones here. Work for no modes, or that comes
-  /// after the thread has ended, is dropped.
-  void post(NSOnceClosure&& work, const NSRef<NSArray>& modes);
-  /// Returns when the work has run or been dropped. False, and nothing is asked for, when that
-  /// would never be: on the run loop's own thread, or when that waits for the calling one.
-  bool postAndWait(NSOnceClosure&& work, const NSRef<NSArray>& modes);
 
   /// Adds a mode to the common set, which begins as the default mode alone.
   void addCommonMode(const NSRef<NSString>& mode);
-  /// A timer may be in several modes of one run loop. An invalid timer is not added; one of another
-  /// run loop raises `NSInvalidArgumentException`.
+  /// Lets the timer fire in passes in that mode. A timer may be in several modes of one run loop.
+  /// An invalid timer is not added; one of another run loop raises `NSInvalidArgumentException`.
   void addTimer_forMode(const NSRef<NSTimer>& timer, const NSRef<NSString>& mode);
 
-  /// The mode of the pass that is going on; nil without one.
-  NSRef<NSString> currentMode() const;
+  /// Gives the mode of the pass that is going on; nil without one.
+  [[nodiscard]] NSRef<NSString> currentMode() const;
 
   /// Makes one pass without waiting and gives the date of the next timer in the mode, the distant
   /// future when there is none; nil if the mode is the common modes.
@@ -90,52 +84,27 @@ class NS_EXPORT NSRunLoop : public NSObject {
   void runUntilDate(const NSRef<NSDate>& limitDate);
   /// Runs until `stop` is called.
   void run();
-  /// Lets the innermost `run…` that is going on end after the pass that is going on.
+  /// Ends the innermost `run…` after its current pass.
   void stop();
 
-  /// For a host with an event loop of its own: an eventfd that becomes readable when the run loop
-  /// wants a pass of which the last `performPass` did not know. It belongs to the run loop, which
-  /// alone reads it. A system that gives no descriptor raises `NSGenericException`.
-  int wakeUpDescriptor();
+  /// Gives an eventfd for a host with an event loop of its own. It becomes readable when the run
+  /// loop wants a pass that the last `performPass` could not foresee. Only the run loop reads it. A
+  /// system that gives no descriptor raises `NSGenericException`.
+  [[nodiscard]] int wakeUpDescriptor();
   /// Makes a pass in the default mode without waiting, and posts what waits for idle moments if
-  /// nothing else is left. The result is the time until the next pass is due; none if only the
-  /// descriptor will tell.
+  /// nothing else is left. Gives the time until the next pass is due; none if only the descriptor
+  /// will tell.
   std::optional<std::chrono::nanoseconds> performPass();
 
-  /// Another clock for timers and delays, such as a simulated one, which must not go backwards; an
-  /// empty function is the system's. Waiting still takes real time.
+  /// Sets another clock for timers and delays, such as a simulated one, which must not go
+  /// backwards; an empty function is the system's clock. Waiting still takes real time.
   void setClock(std::function<Time()> clock);
 
-  // What the platform's other classes build on.
-
-  Time now() const;
-  void schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& modes, Time time);
-  void schedulePerform(NSRef<NSObject> target, NSSelector selector, NSRef<NSObject> argument,
-                       NSDelay delay, const NSRef<NSArray>& modes);
-  void cancelPerforms(const NSRef<NSObject>& target, NSSelector selector,
-                      const NSRef<NSObject>& argument);
-  const NSRef<NSNotificationQueue>& notificationQueue();
-  /// Lets a host know that it should make a pass.
-  void signal();
-  /// Tells the number of its thread, 0 when that has not begun.
-  void begin(pid_t thread);
-  /// Drops all and takes no more.
-  void end();
-
  private:
-  struct Core;
-  class Mode;
-  class Run;
+  friend struct NSAccess;
 
-  void requireOwnThread(const char* operation) const;
-  Time timeOf(const NSRef<NSDate>& date) const;
-  void collect();
-  bool pass(const NSRef<NSString>& mode);
-  bool hasWork(const NSRef<NSString>& mode);
-  bool postIdle(const NSRef<NSString>& mode);
-  std::optional<Time> nextTime(const NSRef<NSString>& mode);
-  std::optional<std::chrono::nanoseconds> idleTime(const NSRef<NSString>& mode);
-  bool runOnce(const Run& run, const NSRef<NSString>& mode, Time limit);
+  void post(NSOnceClosure&& work, const NSRef<NSArray>& modes);
+  [[nodiscard]] NSRunLoopCore& ownCore(const char* operation) const;
 
-  const std::unique_ptr<Core> _core;
+  const std::unique_ptr<NSRunLoopCore> _core;
 };

@@ -22,23 +22,28 @@ class NSRunLoop;
 /// program. May be used from any thread.
 class NS_EXPORT NSThread : public NSObject {
  public:
-  /// For classes that override `main`.
+  /// Makes a thread without work, for classes that override `main`.
   NSThread() = default;
-  /// Calls the block when it runs. A nil block raises `NSInvalidArgumentException`.
+  /// Makes a thread that calls the block when it runs. A nil block raises
+  /// `NSInvalidArgumentException`.
   template <class F>
   requires std::invocable < std::decay_t<F>
   & > explicit NSThread(F&& block) {
     if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "initWithBlock:");
     _work.emplace(std::forward<F>(block));
   }
-  /// Performs the selector when it runs; target and argument are held until then.
+  /// Makes a thread that performs the selector when it runs. Target and argument are held until
+  /// then.
   NSThread(NSRef<NSObject> target, NSSelector selector, NSRef<NSObject> argument);
   ~NSThread() override;
 
-  static NSRef<NSThread> currentThread();
-  /// The thread that runs the program's `main`.
-  static NSRef<NSThread> mainThread();
-  static bool isMainThread() noexcept;
+  /// Gives the calling thread's object.
+  [[nodiscard]] static NSRef<NSThread> currentThread();
+  /// Gives the thread that runs the program's `main`.
+  [[nodiscard]] static NSRef<NSThread> mainThread();
+  /// Whether the calling thread is that one.
+  [[nodiscard]] static bool isMainThread() noexcept;
+  /// Starts a new thread that performs the selector.
   static void detachNewThreadSelector_toTarget_withObject(NSSelector selector,
                                                           NSRef<NSObject> target,
                                                           NSRef<NSObject> argument);
@@ -46,27 +51,29 @@ class NS_EXPORT NSThread : public NSObject {
   /// Begins the thread, which is held until it has ended. A second call, and a thread that the
   /// system does not give, raise `NSGenericException`.
   void start();
-  /// What the thread does; here the work that it was made with.
+  /// Does the thread's work; here what it was made with.
   virtual void main();
 
-  /// Asks the thread to end, which it must look for itself.
+  /// Sets `isCancelled`; the work must poll it.
   void cancel() noexcept { _isCancelled = true; }
-  bool isCancelled() const noexcept { return _isCancelled; }
-  bool isExecuting() const noexcept { return _state == State::executing; }
+  [[nodiscard]] bool isCancelled() const noexcept { return _isCancelled; }
+  /// Whether it has started and not ended.
+  [[nodiscard]] bool isExecuting() const noexcept { return _state == State::executing; }
   /// Whether it has ended. Its run loop then takes no more requests.
-  bool isFinished() const noexcept { return _state == State::finished; }
+  [[nodiscard]] bool isFinished() const noexcept { return _state == State::finished; }
 
-  /// Empty at first, nil for an empty one. Debuggers show its first 15 bytes, if it is set before
-  /// the start or on a started thread itself.
-  NSRef<NSString> name() const;
+  /// Gives the thread's name, at first the empty string.
+  [[nodiscard]] NSRef<NSString> name() const;
+  /// Sets the name; nil is the empty one. Debuggers show its first 15 bytes, if it is set before
+  /// the start or on the started thread itself.
   void setName(const NSRef<NSString>& name);
 
   /// "NSThread reader"
-  NSRef<NSString> description() const override;
+  [[nodiscard]] NSRef<NSString> description() const override;
 
-  /// The thread's run loop, made when it is first asked for. On other threads only what says so may
-  /// be used.
-  NSRef<NSRunLoop> runLoop();
+  /// Gives the thread's run loop, which is made when it is first asked for. Other threads may use
+  /// only what says so.
+  [[nodiscard]] NSRef<NSRunLoop> runLoop();
 
  private:
   enum class State : char { ready, executing, finished };

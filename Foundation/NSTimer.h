@@ -18,19 +18,20 @@
 /// program.
 class NS_EXPORT NSTimer : public NSObject {
  public:
-  /// A timer in no run loop yet. A shorter interval counts as one of 0.1 milliseconds.
+  /// Makes a timer in no run loop yet. A shorter interval counts as one of 0.1 milliseconds.
   NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block);
   ~NSTimer() override;
 
-  /// The block takes the timer, or nothing; a nil block raises `NSInvalidArgumentException`.
+  /// Makes a timer in no run loop yet. The block takes the timer, or nothing; a nil block raises
+  /// `NSInvalidArgumentException`.
   template <class F>
-  static NSRef<NSTimer> timerWithTimeInterval_repeats_block(NSDelay interval, bool repeats,
-                                                            F&& block) {
+  [[nodiscard]] static NSRef<NSTimer> timerWithTimeInterval_repeats_block(NSDelay interval,
+                                                                          bool repeats, F&& block) {
     auto made = NSMakeBlock<NSTimer>(std::forward<F>(block));
     if (!made) NSRaiseNilArgument("block", "timerWithTimeInterval:repeats:block:");
     return NSMake<NSTimer>(interval, repeats, std::move(made));
   }
-  /// The same on the calling thread's run loop, in the default mode.
+  /// Makes such a timer and adds it to the calling thread's run loop in the default mode.
   template <class F>
   static NSRef<NSTimer> scheduledTimerWithTimeInterval_repeats_block(NSDelay interval, bool repeats,
                                                                      F&& block) {
@@ -42,17 +43,19 @@ class NS_EXPORT NSTimer : public NSObject {
   /// Calls the block now; a timer that does not repeat becomes invalid with it. An invalid one does
   /// nothing.
   void fire();
-  /// Takes it out of its run loop and lets the block go, for ever. So does the end of the run loop.
+  /// Takes it out of its run loop and drops the block; it never fires again. The end of the run
+  /// loop does the same.
   void invalidate();
-  bool isValid() const noexcept { return static_cast<bool>(_block); }
-  /// 0 for one that does not repeat.
-  NSTimeInterval timeInterval() const noexcept;
+  /// Whether it may still fire.
+  [[nodiscard]] bool isValid() const noexcept { return static_cast<bool>(_block); }
+  /// Gives the interval; 0 for a timer that does not repeat.
+  [[nodiscard]] NSTimeInterval timeInterval() const noexcept;
 
  private:
   friend class NSRunLoop;
   class Event;
 
-  void addTo(NSRunLoop& runLoop, const NSRef<NSString>& mode);
+  void addTo(NSRunLoopCore& runLoop, const NSRef<NSString>& mode);
 
   const std::chrono::nanoseconds _interval;
   const bool _repeats;

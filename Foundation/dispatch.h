@@ -24,13 +24,14 @@ enum dispatch_queue_attr_t {
 /// A queue; made by `dispatch_queue_create`. It lives at least until its last block has begun.
 class NS_EXPORT dispatch_queue : public NSObject {
  public:
-  const std::string& label() const noexcept { return _label; }
+  /// Gives the label, for people.
+  [[nodiscard]] const std::string& label() const noexcept { return _label; }
   /// "dispatch_queue com.example.queue"
-  NSRef<NSString> description() const override;
+  [[nodiscard]] NSRef<NSString> description() const override;
 
-  /// Runs it some time. `dispatch_async` and `dispatch_sync` lead here, and tell what they raise.
+  /// Runs the work at some time, as `dispatch_async` tells.
   virtual void submit(NSOnceClosure work) = 0;
-  /// Returns when it has run.
+  /// Returns when the work has run, as `dispatch_sync` tells.
   virtual void performAndWait(NSOnceClosure work) = 0;
 
  protected:
@@ -46,16 +47,17 @@ class NS_EXPORT dispatch_queue : public NSObject {
 
 using dispatch_queue_t = NSRef<dispatch_queue>;
 
-/// A new queue; the label, which may be null, is for people.
-NS_EXPORT dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t kind);
+/// Makes a queue. The label, which may be null, is for people.
+[[nodiscard]] NS_EXPORT dispatch_queue_t dispatch_queue_create(const char* label,
+                                                               dispatch_queue_attr_t kind);
 
-/// The queue of the main thread: its run loop runs the blocks in its common modes, one after the
-/// other. (A block that runs the run loop itself lets the next ones in.) From any thread.
-NS_EXPORT const dispatch_queue_t& dispatch_get_main_queue();
+/// Gives the queue of the main thread: its run loop runs the blocks in its common modes, one after
+/// the other. (If a block runs the run loop itself, the next ones run within it.) From any thread.
+[[nodiscard]] NS_EXPORT const dispatch_queue_t& dispatch_get_main_queue();
 
-/// Runs the block on a thread of the queue some time and returns at once. The queue alone holds a
-/// block that is moved in, so that what it captures dies where it ran. A nil queue or block raises
-/// `NSInvalidArgumentException`, a system that gives the queues no thread at all
+/// Runs the block on a thread of the queue at some time and returns at once. A block that is moved
+/// in belongs to the queue alone, so that what it captures dies where it ran. A nil queue or block
+/// raises `NSInvalidArgumentException`, a system that gives the queues no thread at all
 /// `NSGenericException`: then the block is not kept.
 template <class F>
 void dispatch_async(const dispatch_queue_t& queue, F&& block) {
@@ -63,12 +65,12 @@ void dispatch_async(const dispatch_queue_t& queue, F&& block) {
   queue->submit(NSOnceClosure(std::forward<F>(block)));
 }
 
-/// Runs the block when all that came before it on a serial queue has run, and returns when it has;
-/// on the calling thread, for the main queue on the main thread. A nil queue or block raises
+/// Runs the block and returns when it has run: on a serial queue after all that came before it. It
+/// runs on the calling thread, for the main queue on the main thread. A nil queue or block raises
 /// `NSInvalidArgumentException`.
 ///
-/// Waiting for a serial queue from one of its blocks, for the main queue from the main thread, or
-/// for a queue whose block waits for the calling thread, would never end: it raises
+/// Some waits would never end: for a serial queue from one of its blocks, for the main queue from
+/// the main thread, and for a queue whose block waits for the calling thread. They raise
 /// `NSInternalInconsistencyException`, and the block does not run.
 template <class F>
 void dispatch_sync(const dispatch_queue_t& queue, F&& block) {

@@ -48,20 +48,6 @@ class LoopThread {
   });
 };
 
-/// Runs the action and expects an exception to end the program: none comes back to who waits.
-template <class Action>
-void expectToEndTheProgram(const char* exception, Action action) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const auto run = [&] {
-    try {
-      action();
-    } catch (const NSException&) {
-      std::_Exit(0);
-    }
-  };
-  EXPECT_DEATH(run(), exception);
-}
-
 /// Tells when it dies.
 struct Farewell : NSObject {
   explicit Farewell(std::latch& latch) : death(latch) {}

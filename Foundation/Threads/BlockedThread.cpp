@@ -11,16 +11,16 @@
 
 namespace {
 
-// The threads that wait, by their numbers. A thread leaves what it serves, and wakes whom it has
-// served, before it comes here to wait itself. So under the lock every server that waits is seen
-// with what it serves.
-struct Waiters {
+// The blocked threads, by their numbers. A thread leaves what it serves, and wakes those whom it
+// has served, before it blocks itself. So under the lock every serving thread that is blocked is
+// seen with what it serves.
+struct BlockedThreads {
   std::mutex mutex;
   NSIntrusiveHashTable<NSBlockedThread> byThread;
 
-  static Waiters& shared() {
-    static NSNeverDestroyed<Waiters> waiters;
-    return *waiters;
+  static BlockedThreads& shared() {
+    static NSNeverDestroyed<BlockedThreads> threads;
+    return *threads;
   }
 };
 
@@ -28,34 +28,34 @@ NSUInteger hashOf(pid_t thread) { return static_cast<NSUInteger>(thread); }
 
 }  // namespace
 
-NSBlockedThread::NSBlockedThread(const NSServingThread& server) : _server(&server) {
+NSBlockedThread::NSBlockedThread(const NSServingThread& serving) : _serving(&serving) {
   sem_init(&_semaphore, 0, 0);
   const pid_t self = NSThreadNumber();
-  auto& waiters = Waiters::shared();
-  const std::lock_guard lock(waiters.mutex);
+  auto& blocked = BlockedThreads::shared();
+  const std::lock_guard lock(blocked.mutex);
   _isEndless = leadsTo(self);
-  if (!_isEndless) waiters.byThread.add(*this, hashOf(self));
+  if (!_isEndless) blocked.byThread.add(*this, hashOf(self));
 }
 
 NSBlockedThread::~NSBlockedThread() {
   if (!_isEndless) {
-    auto& waiters = Waiters::shared();
-    const std::lock_guard lock(waiters.mutex);
-    waiters.byThread.remove(*this);
+    auto& blocked = BlockedThreads::shared();
+    const std::lock_guard lock(blocked.mutex);
+    blocked.byThread.remove(*this);
   }
   sem_destroy(&_semaphore);
 }
 
-// With the lock. There is no circle without that thread: whoever would have closed it has not come
-// to wait.
+// With the lock. There is no circle without that thread: whoever would have closed one has not been
+// blocked.
 bool NSBlockedThread::leadsTo(pid_t thread) const {
-  for (const NSBlockedThread* waiter = this; waiter != nullptr;) {
-    const pid_t server = waiter->_server->get();
-    if (server == thread) return true;
-    waiter = nullptr;
-    if (server == 0) break;
-    Waiters::shared().byThread.forEach(hashOf(server), [&](const NSBlockedThread& other) {
-      if (!other._isWoken.load(std::memory_order_relaxed)) waiter = &other;
+  for (const NSBlockedThread* blocked = this; blocked != nullptr;) {
+    const pid_t serving = blocked->_serving->get();
+    if (serving == thread) return true;
+    blocked = nullptr;
+    if (serving == 0) break;
+    BlockedThreads::shared().byThread.forEach(hashOf(serving), [&](const NSBlockedThread& other) {
+      if (!other._isWoken.load(std::memory_order_relaxed)) blocked = &other;
     });
   }
   return false;
@@ -72,9 +72,9 @@ void NSBlockedThread::wait() {
   }
 }
 
-void NSRaiseEndlessWait(const std::string& server, const char* operation) {
+void NSRaiseEndlessWait(const std::string& awaited, const char* operation) {
   NSException::raise(NSInternalInconsistencyException,
-                     "waiting for " + server +
+                     "waiting for " + awaited +
                          " would never end, as it waits for the calling thread (in '" + operation +
                          "')");
 }

@@ -8,40 +8,42 @@
 
 #include <Foundation/Threads/IntrusiveHashTable.h>
 
-/// Which thread serves what others wait for: runs a serial queue's blocks, or a run loop.
+/// The thread that serves a serial queue, by running its blocks, or a run loop. Others wait for it.
 class NSServingThread {
  public:
   void set(pid_t thread) noexcept { _thread.store(thread, std::memory_order_relaxed); }
   void clear() noexcept { set(0); }
-  /// 0 while there is none.
-  pid_t get() const noexcept { return _thread.load(std::memory_order_relaxed); }
+  /// Gives the thread's number; 0 while there is none.
+  [[nodiscard]] pid_t get() const noexcept { return _thread.load(std::memory_order_relaxed); }
 
  private:
   std::atomic<pid_t> _thread = 0;
 };
 
-/// A thread that waits to be woken once. It may be gone as soon as it is woken, which a POSIX
-/// semaphore allows and a condition variable only under its lock.
+/// The calling thread while it is blocked, waiting to be woken once. It may be gone as soon as it
+/// is woken, which a POSIX semaphore allows and a condition variable only under its lock.
 class NSBlockedThread : public NSIntrusiveHashLink<NSBlockedThread> {
  public:
-  /// The calling thread, which is about to wait for the server.
-  explicit NSBlockedThread(const NSServingThread& server);
+  /// Notes that the calling thread is about to wait for the serving one.
+  explicit NSBlockedThread(const NSServingThread& serving);
   NSBlockedThread(const NSBlockedThread&) = delete;
   ~NSBlockedThread();
 
-  /// Whether nobody would ever wake it: the server is the calling thread, or waits for it, perhaps
-  /// through others.
-  bool isEndless() const noexcept { return _isEndless; }
+  /// Whether nobody would ever wake it: the serving thread is the calling one, or waits for it,
+  /// perhaps through others.
+  [[nodiscard]] bool isEndless() const noexcept { return _isEndless; }
+  /// Returns when it has been woken.
   void wait();
+  /// Lets it go on; from any thread.
   void wake() {
     _isWoken.store(true, std::memory_order_relaxed);
     sem_post(&_semaphore);
   }
 
  private:
-  bool leadsTo(pid_t thread) const;
+  [[nodiscard]] bool leadsTo(pid_t thread) const;
 
-  const NSServingThread* const _server;
+  const NSServingThread* const _serving;
   bool _isEndless = false;
   std::atomic<bool> _isWoken = false;
   sem_t _semaphore{};
@@ -49,4 +51,4 @@ class NSBlockedThread : public NSIntrusiveHashLink<NSBlockedThread> {
 
 /// Raises `NSInternalInconsistencyException`: "waiting for dispatch_queue main would never end, as
 /// it waits for the calling thread (in 'dispatch_sync')".
-[[noreturn]] void NSRaiseEndlessWait(const std::string& server, const char* operation);
+[[noreturn]] void NSRaiseEndlessWait(const std::string& awaited, const char* operation);

@@ -30,12 +30,12 @@ class NSDelayedPerform final
     const auto target = std::move(_target);
     const auto argument = std::move(_argument);
   }
-  NSRef<NSDelayedPerform> self() const noexcept { return share(this); }
+  [[nodiscard]] NSRef<NSDelayedPerform> self() const noexcept { return share(this); }
 
-  bool isFor(const NSRef<NSObject>& target, NSSelector selector) const noexcept {
+  [[nodiscard]] bool isFor(const NSRef<NSObject>& target, NSSelector selector) const noexcept {
     return _target == target && _selector == selector;
   }
-  bool takes(const NSRef<NSObject>& argument) const {
+  [[nodiscard]] bool takes(const NSRef<NSObject>& argument) const {
     // Comparing may cancel the request.
     const auto held = _argument;
     return NSEqualObjects()(held, argument);
@@ -85,7 +85,7 @@ void NSDelayedPerforms::remove(NSDelayedPerform& request) noexcept {
 
 void NSDelayedPerforms::cancel(const NSRef<NSObject>& target, NSSelector selector,
                                const NSRef<NSObject>& argument) {
-  // Comparing arguments and letting them go may run anything: not while the chains are walked.
+  // Comparing arguments and letting them go may run anything: not during the look-up.
   auto candidates = std::exchange(_candidates, {});
   const auto collect = [&](const NSDelayedPerform& request) {
     if (request.isFor(target, selector)) candidates.push_back(request.self());

@@ -8,22 +8,22 @@
 
 class NSDelayedPerform;
 
-/// The delayed requests of a run loop that have neither happened nor been cancelled, as they are
-/// found for cancelling. The run loop's schedule holds them.
+/// Finds the delayed requests of a run loop, for cancelling, as long as they have neither happened
+/// nor been cancelled. The run loop's schedule holds them.
 class NSDelayedPerforms {
  public:
   NSDelayedPerforms();
   NSDelayedPerforms(const NSDelayedPerforms&) = delete;
   ~NSDelayedPerforms();
 
-  /// A request that performs the selector when it happens.
-  NSRef<NSScheduledEvent> make(NSRef<NSObject> target, NSSelector selector,
-                               NSRef<NSObject> argument);
-  /// Cancels those for this very target with an equal selector and argument. An argument whose
-  /// contents have changed meanwhile is found by itself alone.
+  /// Makes a request that performs the selector when it happens.
+  [[nodiscard]] NSRef<NSScheduledEvent> make(NSRef<NSObject> target, NSSelector selector,
+                                             NSRef<NSObject> argument);
+  /// Cancels the requests for this very target with an equal selector and argument. Where the
+  /// argument's contents have changed meanwhile, only the very object is found.
   void cancel(const NSRef<NSObject>& target, NSSelector selector, const NSRef<NSObject>& argument);
 
-  /// How the chains tell themselves apart.
+  /// Tags of the two tables: by the argument itself, and by what it is equal to.
   struct ByIdentity {};
   struct ByContents {};
 

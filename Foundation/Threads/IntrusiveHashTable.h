@@ -10,20 +10,21 @@ template <class Node, class Tag = Node>
 struct NSIntrusiveHashLink {
   NSUInteger hash = 0;
   Node* next = nullptr;
-  /// What points at the node; null while it stands nowhere.
+  /// The pointer that points at the node; null while it stands in no table.
   Node** place = nullptr;
 };
 
-/// Finds nodes by a hash, of which any number may be equal. The nodes lie elsewhere and hold their
-/// links, so that adding one costs no allocation and any of them can go at once.
+/// A hash table of nodes that lie elsewhere and hold their own links: adding one costs no
+/// allocation, and any of them is removed in constant time. Any number of hashes may be equal.
 template <class Node, class Tag = Node>
 class NSIntrusiveHashTable {
  public:
   /// Makes room for one, so that the next `add` does not throw.
   void makeRoom() {
-    if (_count >= _chains.size()) grow();
+    if (_count >= _buckets.size()) grow();
   }
 
+  /// Adds a node that stands in no table yet.
   void add(Node& node, NSUInteger hash) {
     makeRoom();
     linkOf(node).hash = hash;
@@ -31,7 +32,7 @@ class NSIntrusiveHashTable {
     ++_count;
   }
 
-  /// Does nothing for a node that stands nowhere.
+  /// Removes the node; does nothing for one that stands in no table.
   void remove(Node& node) noexcept {
     Link& link = linkOf(node);
     if (link.place == nullptr) return;
@@ -41,12 +42,13 @@ class NSIntrusiveHashTable {
     --_count;
   }
 
-  /// Calls it with the nodes of that hash, the latest first; it may remove the node that it gets.
+  /// Calls the function with the nodes of that hash, the latest first; it may remove the node that
+  /// it gets.
   template <class F>
   void forEach(NSUInteger hash, F function) const {
-    if (_chains.empty()) return;
+    if (_buckets.empty()) return;
     Node* next = nullptr;
-    for (Node* node = _chains[chainOf(hash)]; node != nullptr; node = next) {
+    for (Node* node = _buckets[bucketOf(hash)]; node != nullptr; node = next) {
       next = linkOf(*node).next;
       if (linkOf(*node).hash == hash) function(*node);
     }
@@ -54,19 +56,19 @@ class NSIntrusiveHashTable {
 
  private:
   using Link = NSIntrusiveHashLink<Node, Tag>;
-  static constexpr std::size_t fewestChains = 16;
+  static constexpr std::size_t fewestBuckets = 16;
 
   static Link& linkOf(Node& node) noexcept { return node; }
 
   // Hashes may be small numbers or addresses: a product spreads them upwards. The factor is 2^64
   // over the golden ratio.
-  std::size_t chainOf(NSUInteger hash) const noexcept {
-    return static_cast<std::size_t>((hash * 0x9E3779B97F4A7C15) >> 32U) & (_chains.size() - 1);
+  [[nodiscard]] std::size_t bucketOf(NSUInteger hash) const noexcept {
+    return static_cast<std::size_t>((hash * 0x9E3779B97F4A7C15) >> 32U) & (_buckets.size() - 1);
   }
 
   void attach(Node& node) noexcept {
     Link& link = linkOf(node);
-    Node*& head = _chains[chainOf(link.hash)];
+    Node*& head = _buckets[bucketOf(link.hash)];
     link.next = head;
     link.place = &head;
     if (head != nullptr) linkOf(*head).place = &link.next;
@@ -74,8 +76,8 @@ class NSIntrusiveHashTable {
   }
 
   void grow() {
-    std::vector<Node*> former(_chains.empty() ? fewestChains : 2 * _chains.size());
-    former.swap(_chains);
+    std::vector<Node*> former(_buckets.empty() ? fewestBuckets : 2 * _buckets.size());
+    former.swap(_buckets);
     for (Node* node : former) {
       while (node != nullptr) {
         Node* const next = linkOf(*node).next;
@@ -85,6 +87,6 @@ class NSIntrusiveHashTable {
     }
   }
 
-  std::vector<Node*> _chains;
+  std::vector<Node*> _buckets;
   std::size_t _count = 0;
 };

@@ -14,7 +14,7 @@ class NSNotificationCenter::Observer final : public NSObject {
            std::uint64_t turn)
       : _key(std::move(key)), _queue(queue), _turn(turn), _block(block) {}
 
-  std::uint64_t turn() const noexcept { return _turn; }
+  [[nodiscard]] std::uint64_t turn() const noexcept { return _turn; }
   // The centre's lock guards it.
   Key& key() noexcept { return _key; }
 

@@ -5,12 +5,11 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSDelay.h>
 #include <Foundation/NSException.h>
-#include <Foundation/NSRunLoop.h>
 #include <Foundation/NSSelector.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSThread.h>
-#include <Foundation/Threads/BlockedThread.h>
-#include <Foundation/Threads/RunLoopModes.h>
+#include <Foundation/Threads/RunLoopCore.h>
+#include <Foundation/detail/Access.h>
 
 namespace {
 
@@ -24,10 +23,13 @@ void perform(NSRef<NSObject> receiver, NSSelector selector, const NSRef<NSThread
     selector.perform(target, argument);
   });
   const auto runLoop = thread->runLoop();
-  if (!wait) return runLoop->post(std::move(work), modes);
-  if (runLoop->postAndWait(std::move(work), modes)) return;
+  auto& core = NSAccess::core(*runLoop);
+  if (!wait) return core.post(std::move(work), modes);
+  if (core.postAndWait(std::move(work), modes)) return;
   NSRaiseEndlessWait(thread->description()->utf8(), operation);
 }
+
+NSRunLoopCore& currentLoop() { return NSAccess::core(*NSRunLoop::currentRunLoop()); }
 
 }  // namespace
 
@@ -41,12 +43,14 @@ void NSObject::performSelector_withObject_afterDelay_inModes(NSSelector aSelecto
                                                              NSRef<NSObject> object, NSDelay delay,
                                                              const NSRef<NSArray>& modes) {
   if (!modes || modes->count() == 0) return;
-  NSRunLoop::currentRunLoop()->schedulePerform(self(), aSelector, std::move(object), delay, modes);
+  auto& loop = currentLoop();
+  loop.schedule(loop.delayedPerforms().make(self(), aSelector, std::move(object)), modes,
+                loop.now() + delay.duration());
 }
 
 void NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
     const NSRef<NSObject>& aTarget, NSSelector aSelector, const NSRef<NSObject>& object) {
-  NSRunLoop::currentRunLoop()->cancelPerforms(aTarget, aSelector, object);
+  currentLoop().delayedPerforms().cancel(aTarget, aSelector, object);
 }
 
 void NSObject::performSelector_onThread_withObject_waitUntilDone(NSSelector aSelector,

@@ -10,7 +10,9 @@
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/Threads/SystemThreads.h>
+#include <Foundation/detail/Access.h>
 
 // What a thread knows of itself. It needs no destructor, so that the last objects which die with
 // the thread may still ask.
@@ -56,7 +58,7 @@ NSThread::NSThread(NSRef<NSObject> target, NSSelector selector, NSRef<NSObject> 
 NSThread::~NSThread() {
   const auto runLoop = NSRef<NSRunLoop>::adopt(_runLoop);
   // Of a thread that never ran.
-  if (runLoop && !isFinished()) runLoop->end();
+  if (runLoop && !isFinished()) NSAccess::core(*runLoop).end();
 }
 
 bool NSThread::isMainThread() noexcept {
@@ -129,7 +131,7 @@ void NSThread::begin() {
   const std::lock_guard lock(_mutex);
   _state = State::executing;
   _number = NSThreadNumber();
-  if (_runLoop != nullptr) _runLoop.load()->begin(_number);
+  if (_runLoop != nullptr) NSAccess::core(*_runLoop.load()).begin(_number);
 }
 
 void NSThread::finish() {
@@ -139,7 +141,7 @@ void NSThread::finish() {
     _state = State::finished;
     runLoop = _runLoop;
   }
-  if (runLoop != nullptr) runLoop->end();
+  if (runLoop != nullptr) NSAccess::core(*runLoop).end();
 }
 
 NSRef<NSString> NSThread::name() const {
@@ -180,9 +182,9 @@ NSRef<NSRunLoop> NSThread::runLoop() {
     const std::lock_guard lock(_mutex);
     runLoop = _runLoop;
     if (runLoop == nullptr) {
-      auto made = NSMake<NSRunLoop>();
-      made->begin(_number);
-      if (isFinished()) made->end();
+      auto made = NSMake<NSRunLoop>(NSPasskey<NSThread>());
+      NSAccess::core(*made).begin(_number);
+      if (isFinished()) NSAccess::core(*made).end();
       _runLoop = runLoop = made.leak();
     }
   }

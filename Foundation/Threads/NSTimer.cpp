@@ -2,7 +2,7 @@
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSString.h>
-#include <Foundation/Threads/Schedule.h>
+#include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/detail/OnceClosure.h>
 
 namespace {
@@ -14,14 +14,16 @@ constexpr std::chrono::nanoseconds shortestInterval = std::chrono::microseconds(
 // A valid timer in a run loop.
 class NSTimer::Event final : public NSScheduledEvent {
  public:
-  Event(NSRunLoop& runLoop, NSRef<NSTimer> timer)
+  Event(NSRunLoopCore& runLoop, NSRef<NSTimer> timer)
       : _runLoop(&runLoop), _timer(std::move(timer)), _time(runLoop.now() + _timer->_interval) {
     _timer->_event = this;
   }
   Event(const Event&) = delete;
   ~Event() override { leave(); }
 
-  bool isOf(const NSRunLoop& runLoop) const noexcept { return _runLoop == &runLoop; }
+  [[nodiscard]] bool isOf(const NSRunLoopCore& runLoop) const noexcept {
+    return _runLoop == &runLoop;
+  }
 
   void addMode(const NSRef<NSString>& mode) {
     if (_modes->containsObject(mode)) return;
@@ -56,7 +58,7 @@ class NSTimer::Event final : public NSScheduledEvent {
     if (_timer) std::exchange(_timer, nullptr).get()->_event = nullptr;
   }
 
-  NSRunLoop* _runLoop;
+  NSRunLoopCore* _runLoop;
   NSRef<NSTimer> _timer;
   NSRef<NSMutableArray> _modes = NSMake<NSMutableArray>();
   NSRunLoop::Time _time;
@@ -87,7 +89,7 @@ NSTimeInterval NSTimer::timeInterval() const noexcept {
   return _repeats ? std::chrono::duration<NSTimeInterval>(_interval).count() : 0;
 }
 
-void NSTimer::addTo(NSRunLoop& runLoop, const NSRef<NSString>& mode) {
+void NSTimer::addTo(NSRunLoopCore& runLoop, const NSRef<NSString>& mode) {
   if (!isValid()) return;
   if (_event == nullptr) {
     NSMake<Event>(runLoop, share(this))->addMode(mode);

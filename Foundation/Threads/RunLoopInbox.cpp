@@ -34,11 +34,6 @@ void NSRunLoopInbox::takeInto(std::vector<Item>& items) {
   }
 }
 
-bool NSRunLoopInbox::isEmpty() {
-  const std::lock_guard lock(_mutex);
-  return _items.empty();
-}
-
 void NSRunLoopInbox::wait(std::chrono::nanoseconds longest) {
   if (longest <= std::chrono::nanoseconds::zero()) return;
   std::unique_lock lock(_mutex);

@@ -8,7 +8,7 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/detail/OnceClosure.h>
 
-/// What any thread puts in for a run loop, and how it wakes the run loop's thread.
+/// Takes work for a run loop from any thread, and wakes the run loop's thread.
 class NSRunLoopInbox {
  public:
   struct Item {
@@ -21,17 +21,17 @@ class NSRunLoopInbox {
   NSRunLoopInbox(const NSRunLoopInbox&) = delete;
   ~NSRunLoopInbox();
 
-  /// Drops the item when the inbox is closed.
+  /// Adds an item, or drops it when the inbox is closed.
   void post(Item&& item);
-  /// Moves all items into the vector, which must be empty, and begins to wait for a signal anew.
+  /// Moves all items into the vector, which must be empty, and makes the descriptor unreadable.
   void takeInto(std::vector<Item>& items);
-  bool isEmpty();
-  /// Returns when there are items, or after that time; at once when there is none.
+  /// Returns when there are items, or after that time; at once for a time that is not positive.
   void wait(std::chrono::nanoseconds longest);
   /// Makes the descriptor readable, if somebody has asked for it.
   void signal();
-  /// An eventfd. Raises `NSGenericException` when the system gives none.
-  int descriptor();
+  /// Gives an eventfd. Raises `NSGenericException` when the system gives none.
+  [[nodiscard]] int descriptor();
+  /// Drops all items and takes no more.
   void close();
 
  private:

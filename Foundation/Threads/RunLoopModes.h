@@ -9,16 +9,16 @@
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSString.h>
 
-/// The default mode alone.
-const NSRef<NSArray>& NSDefaultRunLoopModes();
+/// Gives a list of the default mode alone.
+[[nodiscard]] const NSRef<NSArray>& NSDefaultRunLoopModes();
 
-/// The same modes, which nobody else can change.
-NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes);
+/// Copies a list of modes, so that nobody else can change it.
+[[nodiscard]] NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes);
 
 /// Whether the two name the same mode, also where a class of strings has its own view of that: so
 /// nobody else's code runs while lists of modes are walked.
 template <class A, class B>
-bool NSIsSameMode(const NSRef<A>& a, const NSRef<B>& b) {
+[[nodiscard]] bool NSIsSameMode(const NSRef<A>& a, const NSRef<B>& b) {
   if (a == b) return true;
   const auto* const text = a.template cast<const NSString>();
   const auto* const other = b.template cast<const NSString>();
@@ -30,7 +30,7 @@ class NSModeSet {
  public:
   explicit NSModeSet(NSRef<NSString> mode) : _modes{std::move(mode)} {}
 
-  bool contains(const NSRef<NSString>& mode) const {
+  [[nodiscard]] bool contains(const NSRef<NSString>& mode) const {
     for (const auto& member : _modes) {
       if (NSIsSameMode(member, mode)) return true;
     }
@@ -44,13 +44,13 @@ class NSModeSet {
   std::vector<NSRef<NSString>> _modes;
 };
 
-/// What waits for modes: a T for each list of modes that has been named, which stays where it is.
-/// So what waits for other modes costs a pass nothing.
+/// What waits for modes: one T, a group, for each list of modes that has been named. A group stays
+/// where it is in memory. So what waits for other modes costs a pass nothing.
 template <class T>
 class NSModePartition {
  public:
-  /// What waits for one of those modes; nil is the common ones.
-  T& of(const NSRef<NSArray>& modes) {
+  /// Gives the group of that list of modes; nil is the common ones.
+  [[nodiscard]] T& of(const NSRef<NSArray>& modes) {
     if (!modes) return _common;
     for (Group& group : _groups) {
       if (group.modes == modes || std::ranges::equal(group.modes->objects(), modes->objects(),
@@ -61,8 +61,8 @@ class NSModePartition {
     return _groups.emplace_back(NSCopiedModes(modes)).contents;
   }
 
-  /// All that may go on in a pass in that mode.
-  std::vector<T*> in(const NSRef<NSString>& mode, const NSModeSet& commonModes) {
+  /// Gives all groups whose turn it is in a pass in that mode.
+  [[nodiscard]] std::vector<T*> in(const NSRef<NSString>& mode, const NSModeSet& commonModes) {
     std::vector<T*> result;
     const bool isCommon = commonModes.contains(mode);
     if (isCommon) result.push_back(&_common);
@@ -75,7 +75,7 @@ class NSModePartition {
     return result;
   }
 
-  /// Forgets lists of modes for which nothing waits, when there are many. Not while somebody walks.
+  /// Forgets empty groups, when there are many. Nobody may walk over them meanwhile.
   void tidy() {
     if (_groups.size() < fewGroups) return;
     _groups.remove_if([](Group& group) { return group.contents.empty(); });
@@ -104,3 +104,18 @@ class NSModePartition {
   T _common;
   std::list<Group> _groups;
 };
+
+/// Gives the group that has the least key, null when none has one: `key` gives what comes first in
+/// a group, or nothing. By this, groups are taken from by turns, as if all were one.
+template <class T, class Key>
+[[nodiscard]] T* NSFirstOf(const std::vector<T*>& groups, Key key) {
+  T* first = nullptr;
+  decltype(key(*first)) least;
+  for (T* const group : groups) {
+    auto own = key(*group);
+    if (!own || (least && *least < *own)) continue;
+    least = std::move(own);
+    first = group;
+  }
+  return first;
+}

@@ -8,16 +8,16 @@
 
 class NSSchedule;
 
-/// Something that happens at a time, once it stands in a schedule; in one at most.
+/// Something that happens at a time, when it stands in a schedule. It stands in one at most.
 class NSScheduledEvent : public NSObject {
  public:
   virtual void happen() noexcept = 0;
-  /// Instead of happening, when its run loop ends.
+  /// Is called instead of `happen` when its run loop ends.
   virtual void drop() noexcept {}
 
-  bool isScheduled() const noexcept { return _schedule != nullptr; }
-  /// Takes it out of its schedule, which may go on to hold the mere object for a while. So the
-  /// caller holds it too, and lets what it holds go afterwards.
+  [[nodiscard]] bool isScheduled() const noexcept { return _schedule != nullptr; }
+  /// Takes it out of its schedule, which may hold the empty object for a while. So the caller holds
+  /// it too, and drops its contents afterwards.
   void unschedule() noexcept;
 
  private:
@@ -43,13 +43,14 @@ class NSSchedule {
   NSSchedule() = default;
   NSSchedule(const NSSchedule&) = delete;
 
-  bool isEmpty() noexcept;
-  /// The first of all; the schedule must have been asked whether there is one.
-  Moment first() const noexcept { return _slots.front().moment; }
+  [[nodiscard]] bool isEmpty() noexcept;
+  /// Gives the moment of the first event; the schedule must have been asked whether there is one.
+  [[nodiscard]] Moment first() const noexcept { return _slots.front().moment; }
 
-  /// The event leaves the schedule in which it stands.
+  /// Adds an event, which leaves the schedule in which it stands.
   void add(NSRef<NSScheduledEvent> event, Moment moment);
-  NSRef<NSScheduledEvent> takeFirst();
+  /// Takes out the first event; the schedule must have been asked whether there is one.
+  [[nodiscard]] NSRef<NSScheduledEvent> takeFirst();
 
  private:
   friend class NSScheduledEvent;
@@ -59,7 +60,7 @@ class NSSchedule {
     NSRef<NSScheduledEvent> event;
   };
 
-  bool isVacant(const Slot& slot) const noexcept;
+  [[nodiscard]] bool isVacant(const Slot& slot) const noexcept;
   void rise(std::size_t place, Slot slot) noexcept;
   void sink(std::size_t place, Slot slot) noexcept;
   NSRef<NSScheduledEvent> pop() noexcept;

@@ -8,18 +8,18 @@
 
 #include <sys/types.h>
 
-/// The system's number of the calling thread.
-pid_t NSThreadNumber() noexcept;
+/// Gives the system's number of the calling thread.
+[[nodiscard]] pid_t NSThreadNumber() noexcept;
 
-/// How many threads the process may have without leaving others none: half of the least of the
-/// limits of the user (`RLIMIT_NPROC`), of the system (`threads-max`, `pid_max`) and of the cgroup
-/// (`pids.max`). Reads them anew.
-std::size_t NSMostThreads();
+/// Gives how many threads the process may have and still leave others some: half of the least of
+/// the limits of the user (`RLIMIT_NPROC`), of the system (`threads-max`, `pid_max`) and of the
+/// cgroup (`pids.max`). Reads them anew.
+[[nodiscard]] std::size_t NSMostThreads();
 
 /// Runs the callable on a new thread. The result is the error of a system that gives none; then the
 /// callable is gone.
 template <class F>
-std::error_code NSDetachThread(F&& callable) {
+[[nodiscard]] std::error_code NSDetachThread(F&& callable) {
   try {
     std::thread(std::forward<F>(callable)).detach();
     return {};

@@ -12,28 +12,29 @@
 #include <Foundation/detail/OnceClosure.h>
 #include <Foundation/dispatch.h>
 
-/// The threads that all queues of the process share. They come when there is work and go when there
-/// has been none for a while; the first one stays.
+/// The threads that all queues of the process share. They are made when there is work and end when
+/// there has been none for a while; the first one stays.
 ///
-/// There are as many as processors, and more while some of them are blocked, that is while their
-/// processor time stands still: as many as `NSMostThreads` allows. When work waits then, standard
-/// error tells for which queue.
+/// There are as many as processors, and more while some of them are blocked, which shows in their
+/// processor time: it stands still. `NSMostThreads` bounds them. When work waits even then, a line
+/// on standard error names its queue.
 class NSWorkerPool {
  public:
-  static NSWorkerPool& shared();
+  [[nodiscard]] static NSWorkerPool& shared();
 
   NSWorkerPool() = default;
   NSWorkerPool(const NSWorkerPool&) = delete;
 
-  /// Begun in the order of the calls. The queue is kept until it has no work here. Raises
-  /// `NSGenericException`, which names the operation, when the system gives no thread at all.
+  /// Has the work performed. Works begin in the order of the calls. The queue is held while it has
+  /// work here. Raises `NSGenericException`, which names the operation, when the system gives no
+  /// thread at all.
   void submit(NSOnceClosure work, dispatch_queue& queue, const char* operation);
-  /// Raises likewise. Otherwise what is submitted later will have a thread.
+  /// Makes sure that what is submitted later will have a thread, or raises as `submit` does.
   void requireWorker(const char* operation) {
     if (!_hasWorker.load(std::memory_order_relaxed)) makeWorker(operation);
   }
   /// Whether work waits for a thread.
-  bool hasPendingWork();
+  [[nodiscard]] bool hasPendingWork();
 
  private:
   struct Worker {

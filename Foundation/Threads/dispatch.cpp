@@ -5,11 +5,12 @@
 
 #include <Foundation/NSAutoreleasePool.h>
 #include <Foundation/NSNeverDestroyed.h>
-#include <Foundation/NSRunLoop.h>
 #include <Foundation/NSString.h>
 #include <Foundation/Threads/BlockedThread.h>
+#include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/Threads/SystemThreads.h>
 #include <Foundation/Threads/WorkerPool.h>
+#include <Foundation/detail/Access.h>
 
 namespace {
 
@@ -30,17 +31,17 @@ class MainQueue final : public dispatch_queue {
  public:
   MainQueue() : dispatch_queue("main") {}
 
-  void submit(NSOnceClosure work) override {
-    NSRunLoop::mainRunLoop()->post(std::move(work), nullptr);
-  }
+  void submit(NSOnceClosure work) override { mainLoop().post(std::move(work), nullptr); }
   void performAndWait(NSOnceClosure work) override {
-    if (NSRunLoop::mainRunLoop()->postAndWait(std::move(work), nullptr)) return;
+    if (mainLoop().postAndWait(std::move(work), nullptr)) return;
     NSRaiseEndlessWait(description()->utf8(), "dispatch_sync");
   }
+
+ private:
+  static NSRunLoopCore& mainLoop() { return NSAccess::core(*NSRunLoop::mainRunLoop()); }
 };
 
-// Who runs its blocks, a worker or somebody who waits, owns it meanwhile, with the batch that is at
-// hand.
+// Whoever runs the blocks, a worker or a thread in `dispatch_sync`, owns the queue and `_batch`.
 class SerialQueue final : public dispatch_queue {
  public:
   explicit SerialQueue(const char* label) : dispatch_queue(label) {}
@@ -59,7 +60,7 @@ class SerialQueue final : public dispatch_queue {
   NSWorkerPool& _pool = NSWorkerPool::shared();
   std::mutex _mutex;
   bool _isOwned = false;
-  // The thread of the owner, when it has come.
+  // The thread of the owner, as soon as it is known.
   NSServingThread _server;
   std::deque<NSOnceClosure> _works;
   std::deque<NSOnceClosure> _batch;
@@ -86,8 +87,8 @@ void SerialQueue::submit(NSOnceClosure work) {
   }
 }
 
-// When there is no memory for the first work's turn. Whatever has come after it meanwhile goes on
-// with the next call.
+// When the pool has no memory or thread for the first work. What has come after it waits for the
+// next call.
 void SerialQueue::takeBack() {
   std::unique_lock lock(_mutex);
   const NSOnceClosure first = std::move(_works.front());

@@ -196,16 +196,4 @@ TEST(DispatchQueue, RefusesNil) {
   EXPECT_THROW(dispatch_async(nullptr, [] {}), NSException);
 }
 
-TEST(DispatchQueueDeathTest, AnExceptionEndsTheProgram) {
-  const auto raise = [] { NSException::raise(NSRangeException, "beyond"); };
-  for (const bool waits : {false, true}) {
-    expectToEndTheProgram("NSRangeException: beyond", [&] {
-      const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
-      if (waits) dispatch_sync(queue, raise);
-      dispatch_async(queue, raise);
-      finish(queue);
-    });
-  }
-}
-
 }  // namespace

@@ -4,62 +4,86 @@
 
 #include <poll.h>
 
+#include <ZKFoundation/ZKFoundation.h>
+
+using namespace ZKFoundationExtensions;
+
 namespace {
 
 using namespace std::chrono_literals;
+using Notes = std::vector<int>;
 
 const auto tracking = u"tracking"_ns;
 
-// Notes the numbers that it is told, in a list of its own.
-struct Diary : NSObject {
-  void note(const NSRef<NSNumber>& number) { notes.push_back(number->intValue()); }
-  void note(int number) { notes.push_back(number); }
-  std::vector<int> taken() { return std::exchange(notes, {}); }
-  std::vector<int> notes;
-};
-const NSSelector noting =
-    NSMakeSelector<"note:", static_cast<void (Diary::*)(const NSRef<NSNumber>&)>(&Diary::note)>();
+template <class... Modes>
+NSRef<NSArray> listOf(const Modes&... modes) {
+  return NSMake<NSArray>({modes...});
+}
 
 NSRef<NSObject> box(int number) { return NSMake<NSNumber>(number); }
+
+// Notes the numbers that it is told, in a list of its own.
+struct Diary : NSObject {
+  void note(int number) { notes.push_back(number); }
+  void noteNumber(const NSRef<NSNumber>& number) { note(number->intValue()); }
+  static NSSelector noting() { return NSMakeSelector<"note:", &Diary::noteNumber>(); }
+  std::function<void()> noter(int number) {
+    return [self = self().as<Diary>(), number] { self->note(number); };
+  }
+  void noteLater(int number, NSDelay delay = 0) {
+    performSelector_withObject_afterDelay(noting(), box(number), delay);
+  }
+  void noteOnMainThread(int number, bool wait) {
+    performSelectorOnMainThread_withObject_waitUntilDone(noting(), box(number), wait);
+  }
+  void noteOnThread(int number, const NSRef<NSThread>& thread, bool wait) {
+    performSelector_onThread_withObject_waitUntilDone(noting(), thread, box(number), wait);
+  }
+  void cancel(int number) {
+    cancelPreviousPerformRequestsWithTarget_selector_object(self(), noting(), box(number));
+  }
+  Notes taken() { return std::exchange(notes, {}); }
+  Notes notes;
+};
 
 TEST(NSRunLoop, MakesPassesOfWhatIsThere) {
   DrivenClock clock;
   const auto loop = NSRunLoop::currentRunLoop();
   const auto diary = NSMake<Diary>();
-  const auto note = [&](int number) { return [=] { diary->note(number); }; };
-  // Requests in their order, behind what is due.
-  loop->performBlock(note(3));
+  // Requests in their order, after what is due.
+  loop->performBlock(diary->noter(3));
   loop->performBlock([&] {
     diary->note(4);
-    loop->performBlock(note(6));
-    diary->performSelector_withObject_afterDelay(noting, box(5), 0);
+    loop->performBlock(diary->noter(6));
+    diary->noteLater(5);
     EXPECT_EQ(loop->currentMode(), NSDefaultRunLoopMode());
   });
-  diary->performSelector_withObject_afterDelay(noting, box(2), 1us);
-  diary->performSelector_withObject_afterDelay(noting, box(1), 0.0);
-  diary->performSelector_withObject_afterDelay(noting, box(9), 1h);
+  diary->noteLater(2, 1us);
+  diary->noteLater(1);
+  diary->noteLater(9, 1h);
   clock.advance(1us);
-  EXPECT_EQ(diary->notes.size(), 0U);
-  makePass();
-  EXPECT_EQ(diary->taken(), (std::vector{1, 2, 3, 4}));
+  EXPECT_EQ(diary->notes, Notes());
   // What a pass adds waits for the next one.
-  makePass();
-  EXPECT_EQ(diary->taken(), (std::vector{5, 6}));
-  makePass();
-  EXPECT_EQ(diary->taken(), std::vector<int>());
+  for (const Notes& expected : {Notes{1, 2, 3, 4}, Notes{5, 6}, Notes{}}) {
+    makePass();
+    EXPECT_EQ(diary->taken(), expected);
+  }
   EXPECT_EQ(loop->currentMode(), nullptr);
-  NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(diary, noting, box(9));
+  diary->cancel(9);
+}
 
-  // A pass within a pass takes what is left of the outer one, and what has come.
+TEST(NSRunLoop, TakesWhatIsLeftInAPassWithinAPass) {
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
   loop->performBlock([&] {
-    loop->performBlock(note(3));
+    loop->performBlock(diary->noter(3));
     makePass();
     diary->note(4);
   });
-  loop->performBlock(note(1));
-  loop->performBlock(note(2));
+  loop->performBlock(diary->noter(1));
+  loop->performBlock(diary->noter(2));
   makePass();
-  EXPECT_EQ(diary->taken(), (std::vector{1, 2, 3, 4}));
+  EXPECT_EQ(diary->taken(), (Notes{1, 2, 3, 4}));
 }
 
 TEST(NSRunLoop, LeavesOtherModesAlone) {
@@ -69,105 +93,96 @@ TEST(NSRunLoop, LeavesOtherModesAlone) {
   const auto modal = NSString::stringWithFormat(u"modal %d"_ns, ++runs);
   const auto loop = NSRunLoop::currentRunLoop();
   const auto diary = NSMake<Diary>();
-  const auto modesOf = [](const auto&... modes) { return NSMake<NSArray>({modes...}); };
-  const auto both = modesOf(modal, NSDefaultRunLoopMode());
   const auto fill = [&] {
-    loop->performBlock([=] { diary->note(1); });
-    loop->performInModes_block(modesOf(modal), [=] { diary->note(2); });
-    loop->performInModes_block(both, [=] { diary->note(3); });
-    loop->performInModes_block(modesOf(NSRunLoopCommonModes()), [=] { diary->note(4); });
-    diary->performSelector_withObject_afterDelay(noting, box(5), 0);
-    diary->performSelector_withObject_afterDelay_inModes(noting, box(6), 0, both);
-    diary->performSelector_withObject_afterDelay_inModes(noting, box(7), 0,
-                                                         modesOf(NSRunLoopCommonModes()));
+    const auto both = listOf(modal, NSDefaultRunLoopMode());
+    const auto common = listOf(NSRunLoopCommonModes());
+    int number = 0;
+    loop->performBlock(diary->noter(++number));
+    for (const auto& modes : {listOf(modal), both, common}) {
+      loop->performInModes_block(modes, diary->noter(++number));
+    }
+    diary->noteLater(++number);
+    for (const auto& modes : {both, common}) {
+      diary->performSelector_withObject_afterDelay_inModes(Diary::noting(), box(++number), 0,
+                                                           modes);
+    }
     // Never.
-    loop->performInModes_block(modesOf(), [=] { diary->note(0); });
-    loop->performInModes_block(nullptr, [=] { diary->note(0); });
-    diary->performSelector_withObject_afterDelay_inModes(noting, box(0), 0, nullptr);
-    diary->performSelectorOnMainThread_withObject_waitUntilDone_modes(noting, box(0), true,
-                                                                      modesOf());
+    for (const auto& none : {NSMake<NSArray>(), NSRef<NSArray>()}) {
+      loop->performInModes_block(none, diary->noter(0));
+      diary->performSelector_withObject_afterDelay_inModes(Diary::noting(), box(0), 0, none);
+      diary->performSelectorOnMainThread_withObject_waitUntilDone_modes(Diary::noting(), box(0),
+                                                                        true, none);
+    }
   };
   fill();
   makePass(modal);
-  EXPECT_EQ(diary->taken(), (std::vector{6, 2, 3}));
+  EXPECT_EQ(diary->taken(), (Notes{6, 2, 3}));
   makePass(u"unknown"_ns);
-  EXPECT_EQ(diary->taken(), std::vector<int>());
+  EXPECT_EQ(diary->taken(), Notes());
   makePass();
-  EXPECT_EQ(diary->taken(), (std::vector{5, 7, 1, 4}));
+  EXPECT_EQ(diary->taken(), (Notes{5, 7, 1, 4}));
 
   // A nested run in another mode; then that mode is a common one.
   fill();
-  loop->performInModes_block(modesOf(u"outer"_ns), [&] {
+  loop->performInModes_block(listOf(u"outer"_ns), [&] {
     EXPECT_TRUE(loop->runMode_beforeDate(modal, NSDate::distantPast()));
     EXPECT_EQ(loop->currentMode()->utf8(), "outer");
   });
   makePass(u"outer"_ns);
-  EXPECT_EQ(diary->taken(), (std::vector{6, 2, 3}));
+  EXPECT_EQ(diary->taken(), (Notes{6, 2, 3}));
   loop->addCommonMode(modal);
   makePass(modal);
-  EXPECT_EQ(diary->taken(), (std::vector{7, 1, 4}));
+  EXPECT_EQ(diary->taken(), (Notes{7, 1, 4}));
   makePass();
-  EXPECT_EQ(diary->taken(), std::vector{5});
+  EXPECT_EQ(diary->taken(), Notes{5});
   // The common modes are no mode to run in.
   EXPECT_EQ(loop->limitDateForMode(NSRunLoopCommonModes()), nullptr);
   EXPECT_FALSE(loop->runMode_beforeDate(NSRunLoopCommonModes(), NSDate::distantFuture()));
 }
 
 TEST(NSRunLoop, DelaysAndCancelsAsAListWould) {
-  // A request of the model; its number is its place in the list.
   struct Planned {
     int time;
-    int object;
+    int number;
     bool isTracked;
-    bool isPending = true;
   };
   expectProperty("delayed requests", [] {
     DrivenClock clock;
-    const auto diaries = {NSMake<Diary>(), NSMake<Diary>()};
-    const auto target = *diaries.begin();
+    const auto other = NSMake<Diary>();
+    const auto diary = NSMake<Diary>();
     std::vector<Planned> plan;
     int now = 0;
     const auto steps = *rc::gen::container<std::vector<std::tuple<int, int>>>(
         rc::gen::tuple(rc::gen::inRange(0, 8), rc::gen::inRange(0, 4)));
     for (const auto& [what, value] : steps) {
+      const bool isTracked = what == 0 || what == 6;
+      const auto mode = isTracked ? tracking : NSDefaultRunLoopMode();
       if (what < 4) {
-        const bool isTracked = what == 0;
-        target->performSelector_withObject_afterDelay_inModes(
-            noting, box(value), std::chrono::seconds(what),
-            NSMake<NSArray>({isTracked ? tracking : NSDefaultRunLoopMode()}));
+        diary->performSelector_withObject_afterDelay_inModes(
+            Diary::noting(), box(value), std::chrono::seconds(what), listOf(mode));
         plan.push_back({now + what, value, isTracked});
       } else if (what == 4) {
         // Of another target, which has none, and by an equal argument.
-        for (const auto& diary : diaries) {
-          NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(diary, noting,
-                                                                            box(value));
-        }
-        for (auto& planned : plan) planned.isPending &= planned.object != value;
+        other->cancel(value);
+        diary->cancel(value);
+        std::erase_if(plan, [&, value = value](const auto& it) { return it.number == value; });
       } else if (what == 5) {
         clock.advance(std::chrono::seconds(value));
         now += value;
       } else {
-        const bool isTracked = what == 6;
-        makePass(isTracked ? tracking : NSDefaultRunLoopMode());
-        std::vector<Planned*> due;
-        for (auto& planned : plan) {
-          if (planned.isPending && planned.time <= now && planned.isTracked == isTracked) {
-            due.push_back(&planned);
-          }
-        }
-        std::ranges::stable_sort(due, {}, [](const auto* planned) { return planned->time; });
-        std::vector<int> expected;
-        for (auto* const planned : due) {
-          planned->isPending = false;
-          expected.push_back(planned->object);
-        }
-        RC_ASSERT(target->taken() == expected);
+        makePass(mode);
+        std::ranges::stable_sort(plan, {}, &Planned::time);
+        Notes expected;
+        std::erase_if(plan, [&](const Planned& planned) {
+          if (planned.time > now || planned.isTracked != isTracked) return false;
+          expected.push_back(planned.number);
+          return true;
+        });
+        RC_ASSERT(diary->taken() == expected);
       }
     }
-    for (int k = 0; k < 4; ++k) {
-      NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(target, noting, box(k));
-    }
-    RC_ASSERT(target->retainCount() == 2U);
+    for (int k = 0; k < 4; ++k) diary->cancel(k);
+    RC_ASSERT(diary->retainCount() == 1U);
   });
 }
 
@@ -202,14 +217,14 @@ TEST(NSRunLoop, WakesForEveryWaitingCaller) {
   const auto diary = NSMake<Diary>();
   constexpr int trips = 100'000;
   for (int k = 0; k < trips; ++k) {
-    diary->performSelector_onThread_withObject_waitUntilDone(noting, thread.get(), box(k), true);
+    diary->noteOnThread(k, thread.get(), true);
     ASSERT_EQ(diary->notes.back(), k);
     if (k % 1000 == 999) diary->notes.clear();
   }
   // On the thread itself at once.
   diary->notes.clear();
-  diary->performSelectorOnMainThread_withObject_waitUntilDone(noting, box(1), true);
-  EXPECT_EQ(diary->notes, std::vector{1});
+  diary->noteOnMainThread(1, true);
+  EXPECT_EQ(diary->notes, Notes{1});
 }
 
 TEST(NSRunLoop, LetsGoWhenItsThreadEnds) {
@@ -222,23 +237,22 @@ TEST(NSRunLoop, LetsGoWhenItsThreadEnds) {
     // For later, for another mode, as a timer, and as a notification for ever.
     const auto object = farewell();
     NSTimer::scheduledTimerWithTimeInterval_repeats_block(1h, true, [held = farewell()] {});
-    farewell()->performSelector_withObject_afterDelay(noting, object, 1h);
-    loop->performInModes_block(NSMake<NSArray>({tracking}), [held = farewell()] {});
+    farewell()->performSelector_withObject_afterDelay(Diary::noting(), object, 1h);
+    loop->performInModes_block(listOf(tracking), [held = farewell()] {});
     NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle_coalesceMask_forModes(
         NSNotification::notificationWithName_object(u"Late"_ns, farewell()), NSPostASAP,
-        NSNotificationNoCoalescing, NSMake<NSArray>({tracking}));
+        NSNotificationNoCoalescing, listOf(tracking));
   });
-  // Its last request ends it; who waits for one behind it is let go, as is who comes too late.
+  // Its last request ends it; who waits for a later one goes on, as does who comes too late.
   loop->performBlock([&] { loop->stop(); });
   const auto diary = NSMake<Diary>();
-  diary->performSelector_onThread_withObject_waitUntilDone_modes(noting, inner, box(1), true,
-                                                                 NSMake<NSArray>({tracking}));
+  diary->performSelector_onThread_withObject_waitUntilDone_modes(Diary::noting(), inner, box(1),
+                                                                 true, listOf(tracking));
   thread.reset();
   deaths.wait();
-  diary->performSelector_onThread_withObject_waitUntilDone(noting, inner, box(1), true);
-  diary->performSelector_onThread_withObject_waitUntilDone(noting, inner, box(1), false);
+  for (const bool wait : {true, false}) diary->noteOnThread(1, inner, wait);
   EXPECT_TRUE(inner->isFinished());
-  EXPECT_EQ(diary->notes, std::vector<int>());
+  EXPECT_EQ(diary->notes, Notes());
   EXPECT_EQ(diary->retainCount(), 1U);
 }
 
@@ -247,46 +261,50 @@ TEST(NSRunLoop, WaitsUntilADateOrARequest) {
   const auto diary = NSMake<Diary>();
   // A request for another mode does not end the wait, one for this mode does.
   std::jthread other([&] {
-    loop->performInModes_block(NSMake<NSArray>({tracking}), [&] { diary->note(2); });
-    loop->performBlock([&] { diary->note(1); });
+    loop->performInModes_block(listOf(tracking), diary->noter(2));
+    loop->performBlock(diary->noter(1));
   });
   EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture()));
-  EXPECT_EQ(diary->taken(), std::vector{1});
+  EXPECT_EQ(diary->taken(), Notes{1});
   makePass(tracking);
-  EXPECT_EQ(diary->taken(), std::vector{2});
+  EXPECT_EQ(diary->taken(), Notes{2});
   // Timers fire while it waits, and the date ends it; the clock goes on whenever it is looked at.
   loop->setClock([now = std::chrono::steady_clock::now()]() mutable { return now += 100us; });
-  diary->performSelector_withObject_afterDelay(noting, box(3), 1ms);
-  diary->performSelector_withObject_afterDelay(noting, box(4), 1h);
+  diary->noteLater(3, 1ms);
+  diary->noteLater(4, 1h);
   EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(),
                                        NSDate::dateWithTimeIntervalSinceNow(0.005)));
-  EXPECT_EQ(diary->taken(), std::vector{3});
+  EXPECT_EQ(diary->taken(), Notes{3});
   loop->setClock({});
-  // The inner run ends, the outer goes on; a stop without a run ends none, nor does one for the
-  // outer run end an inner one.
-  loop->stop();
-  loop->performBlock([&] { loop->stop(); });
+  diary->cancel(4);
+  EXPECT_EQ(loop->limitDateForMode(NSDefaultRunLoopMode()), NSDate::distantFuture());
+}
+
+TEST(NSRunLoop, StopsTheInnermostRun) {
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
+  const auto stop = [&] { loop->stop(); };
+  // Without a run it ends none, nor does one for the outer run end an inner one.
+  stop();
+  loop->performBlock(stop);
   (void)loop->performPass();
   loop->performBlock([&] {
     loop->stop();
-    loop->performBlock([&] { diary->note(0); });
+    loop->performBlock(diary->noter(0));
     EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture()));
   });
   loop->run();
-  EXPECT_EQ(diary->taken(), std::vector{0});
+  EXPECT_EQ(diary->taken(), Notes{0});
+  // The inner run ends, the outer goes on.
   loop->performBlock([&] {
-    loop->performBlock([&] { loop->stop(); });
+    loop->performBlock(stop);
     loop->run();
     diary->note(5);
-    loop->performBlock([&] {
-      diary->note(6);
-      loop->stop();
-    });
+    loop->performBlock(diary->noter(6));
+    loop->performBlock(stop);
   });
   loop->run();
-  EXPECT_EQ(diary->taken(), (std::vector{5, 6}));
-  NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(diary, noting, box(4));
-  EXPECT_EQ(loop->limitDateForMode(NSDefaultRunLoopMode()), NSDate::distantFuture());
+  EXPECT_EQ(diary->taken(), (Notes{5, 6}));
 }
 
 TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
@@ -297,52 +315,48 @@ TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
     pollfd descriptor{loop->wakeUpDescriptor(), POLLIN, 0};
     return poll(&descriptor, 1, 0) == 1;
   };
+  const auto passWhenTold = [&] {
+    EXPECT_TRUE(isReadable());
+    const auto due = loop->performPass();
+    EXPECT_FALSE(isReadable());
+    return due;
+  };
   loop->performBlock([] {});
-  EXPECT_TRUE(isReadable());
-  EXPECT_EQ(loop->performPass(), std::nullopt);
-  EXPECT_FALSE(isReadable());
+  EXPECT_EQ(passWhenTold(), std::nullopt);
   // From another thread, and from this one between the passes.
-  std::jthread([&] {
-    diary->performSelectorOnMainThread_withObject_waitUntilDone(noting, box(1), false);
-  }).join();
-  EXPECT_TRUE(isReadable());
-  EXPECT_EQ(loop->performPass(), std::nullopt);
-  diary->performSelector_withObject_afterDelay(noting, box(2), 5ms);
-  EXPECT_TRUE(isReadable());
-  EXPECT_EQ(loop->performPass(), 5ms);
-  EXPECT_FALSE(isReadable());
+  std::jthread([&] { diary->noteOnMainThread(1, false); }).join();
+  EXPECT_EQ(passWhenTold(), std::nullopt);
+  diary->noteLater(2, 5ms);
+  EXPECT_EQ(passWhenTold(), 5ms);
   clock.advance(3ms);
   EXPECT_EQ(loop->performPass(), 2ms);
   clock.advance(2ms);
   // What comes within a pass is told by its result.
   loop->performBlock([&] {
-    diary->performSelector_withObject_afterDelay(noting, box(4), 1ms);
-    diary->performSelectorOnMainThread_withObject_waitUntilDone(noting, box(3), false);
+    diary->noteLater(4, 1ms);
+    diary->noteOnMainThread(3, false);
   });
   EXPECT_EQ(loop->performPass(), 0ms);
   EXPECT_EQ(loop->performPass(), 1ms);
   clock.advance(1h);
   EXPECT_EQ(loop->performPass(), std::nullopt);
-  EXPECT_EQ(diary->taken(), (std::vector{1, 2, 3, 4}));
+  EXPECT_EQ(diary->taken(), (Notes{1, 2, 3, 4}));
   // What another pass has found and left is told by the descriptor.
-  loop->performBlock([&] { diary->note(5); });
+  loop->performBlock(diary->noter(5));
   makePass(tracking);
-  EXPECT_TRUE(isReadable());
-  EXPECT_EQ(loop->performPass(), std::nullopt);
-  loop->performBlock([&] { diary->performSelector_withObject_afterDelay(noting, box(6), 1ms); });
+  EXPECT_EQ(passWhenTold(), std::nullopt);
+  loop->performBlock([&] { diary->noteLater(6, 1ms); });
   makePass();
-  EXPECT_TRUE(isReadable());
-  EXPECT_EQ(loop->performPass(), 1ms);
+  EXPECT_EQ(passWhenTold(), 1ms);
   clock.advance(1ms);
   // A host's loop within a block learns what comes while it runs.
   loop->performBlock([&] {
     EXPECT_FALSE(isReadable());
-    diary->performSelector_withObject_afterDelay(noting, box(7), 0);
-    EXPECT_TRUE(isReadable());
-    EXPECT_EQ(loop->performPass(), std::nullopt);
+    diary->noteLater(7);
+    EXPECT_EQ(passWhenTold(), std::nullopt);
   });
   EXPECT_EQ(loop->performPass(), std::nullopt);
-  EXPECT_EQ(diary->notes, (std::vector{5, 6, 7}));
+  EXPECT_EQ(diary->notes, (Notes{5, 6, 7}));
 }
 
 TEST(NSRunLoop, FindsWhatItCancelsByIdentityAndContents) {
@@ -352,20 +366,24 @@ TEST(NSRunLoop, FindsWhatItCancelsByIdentityAndContents) {
     int count = 0;
   };
   const auto keeper = NSMake<Keeper>();
-  const auto keeping = NSMakeSelector<"keep:", &Keeper::keep>();
   const auto array = NSMake<NSMutableArray>();
+  const auto keep = [&](const NSRef<NSObject>& argument) {
+    keeper->performSelector_withObject_afterDelay(NSMakeSelector<"keep:", &Keeper::keep>(),
+                                                  argument, 0);
+  };
   const auto cancel = [&](const NSRef<NSObject>& argument) {
-    NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(keeper, keeping, argument);
+    NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
+        keeper, NSMakeSelector<"keep:", &Keeper::keep>(), argument);
   };
   for (const bool isChanged : {false, true}) {
-    keeper->performSelector_withObject_afterDelay(keeping, array, 0);
+    keep(array);
     if (isChanged) array->addObject(keeper);
     cancel(isChanged ? array : NSMake<NSArray>());
     // Let go of at once.
     EXPECT_EQ(array->retainCount(), 1U);
   }
   array->removeAllObjects();
-  keeper->performSelector_withObject_afterDelay(keeping, array, 0);
+  keep(array);
   cancel(nullptr);
   makePass();
   EXPECT_EQ(keeper->count, 1);
@@ -380,7 +398,7 @@ TEST(NSRunLoop, FindsWhatItCancelsByIdentityAndContents) {
   };
   auto meddler = NSMake<Meddler>();
   meddler->meddle = [&, argument = meddler.get()] { cancel(NSRef<NSObject>::share(argument)); };
-  keeper->performSelector_withObject_afterDelay(keeping, std::exchange(meddler, nullptr), 0);
+  keep(std::exchange(meddler, nullptr));
   cancel(NSMake<NSArray>());
   makePass();
   EXPECT_EQ(keeper->count, 1);
@@ -390,39 +408,9 @@ TEST(NSRunLoop, RefusesWhatItCannotDo) {
   const LoopThread thread;
   const auto other = thread.get()->runLoop();
   const auto diary = NSMake<Diary>();
-  expectRaises(NSInternalInconsistencyException, "the run loop is another thread's (in 'run')",
-               [&] { other->run(); });
-  expectRaises(NSInternalInconsistencyException,
-               "the run loop is another thread's (in 'runUntilDate:')",
-               [&] { other->runUntilDate(NSDate::distantPast()); });
-  expectRaises(NSInvalidArgumentException, "mode is nil (in 'limitDateForMode:')",
-               [&] { makePass(nullptr); });
-  expectRaises(NSInvalidArgumentException,
-               "thread is nil (in 'performSelector:onThread:withObject:waitUntilDone:')", [&] {
-                 diary->performSelector_onThread_withObject_waitUntilDone(noting, nullptr, nullptr,
-                                                                          true);
-               });
-  // A selector knows whom it is for; what it throws on the spot comes back.
   const auto perform = [](const NSRef<NSObject>& target, const NSRef<NSObject>& argument) {
-    target->performSelectorOnMainThread_withObject_waitUntilDone(noting, argument, true);
+    target->performSelectorOnMainThread_withObject_waitUntilDone(Diary::noting(), argument, true);
   };
-  expectRaises(NSInvalidArgumentException, "NSString does not respond to 'note:'",
-               [&] { perform(u"text"_ns, box(1)); });
-  expectRaises(NSInvalidArgumentException, "'note:' does not take a NSString",
-               [&] { perform(diary, u"text"_ns); });
-  // A thread that waits for the calling one, here over a queue's block.
-  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
-  const auto refuse = [&] {
-    expectRaises(NSInternalInconsistencyException,
-                 "waiting for NSThread main would never end, as it waits for the calling thread "
-                 "(in 'performSelector:onThread:withObject:waitUntilDone:')",
-                 [&] { perform(diary, box(1)); });
-    EXPECT_THROW(dispatch_sync(queue, [] {}), NSException);
-    EXPECT_THROW(dispatch_sync(dispatch_get_main_queue(), [] {}), NSException);
-  };
-  dispatch_sync(queue, [&] { EXPECT_TRUE(other->postAndWait(NSOnceClosure(refuse), nullptr)); });
-  EXPECT_FALSE(NSRunLoop::mainRunLoop()->postAndWait(NSOnceClosure([] {}), nullptr));
-  EXPECT_EQ(diary->notes, std::vector<int>());
   // A mode that changes the list of modes when it is copied.
   struct Mode : NSString {
     explicit Mode(const NSRef<NSMutableArray>& list) : modes(list.get()) {}
@@ -434,36 +422,85 @@ TEST(NSRunLoop, RefusesWhatItCannotDo) {
   };
   const auto modes = NSMake<NSMutableArray>();
   modes->addObject(NSMake<Mode>(modes));
-  expectRaises(NSGenericException, "NSMutableArray was mutated while being enumerated",
-               [&] { other->performInModes_block(modes, [] {}); });
+  for (const auto& [name, reason, action] :
+       Rows<const char16_t*, const char*, std::function<void()>>{
+           {u"NSInternalInconsistencyException", "the run loop is another thread's (in 'run')",
+            [&] { other->run(); }},
+           {u"NSInternalInconsistencyException",
+            "the run loop is another thread's (in 'runUntilDate:')",
+            [&] { other->runUntilDate(NSDate::distantPast()); }},
+           {u"NSInvalidArgumentException", "mode is nil (in 'limitDateForMode:')",
+            [] { makePass(nullptr); }},
+           {u"NSInvalidArgumentException",
+            "thread is nil (in 'performSelector:onThread:withObject:waitUntilDone:')",
+            [&] { diary->noteOnThread(1, nullptr, true); }},
+           // A selector knows whom it is for; what it throws on the spot comes back.
+           {u"NSInvalidArgumentException", "NSString does not respond to 'note:'",
+            [&] { perform(u"text"_ns, box(1)); }},
+           {u"NSInvalidArgumentException", "'note:' does not take a NSString",
+            [&] { perform(diary, u"text"_ns); }},
+           {u"NSGenericException", "NSMutableArray was mutated while being enumerated",
+            [&] { other->performInModes_block(modes, [] {}); }},
+       }) {
+    expectRaises(name, reason, action);
+  }
+  EXPECT_EQ(diary->notes, Notes());
+}
+
+TEST(NSRunLoop, RefusesToWaitForAThreadThatWaitsForIt) {
+  const LoopThread thread;
+  const auto diary = NSMake<Diary>();
+  // Over a queue's block.
+  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  const auto refuse = [&] {
+    expectRaises(NSInternalInconsistencyException,
+                 "waiting for NSThread main would never end, as it waits for the calling thread "
+                 "(in 'performSelector:onThread:withObject:waitUntilDone:')",
+                 [&] { diary->noteOnMainThread(1, true); });
+    for (const auto& waiting : {queue, dispatch_get_main_queue()}) {
+      EXPECT_THROW(dispatch_sync(waiting, [] {}), NSException);
+    }
+    diary->note(2);
+  };
+  dispatch_sync(queue,
+                [&] { performBlock_onThread_waitUntilDone(diary, refuse, thread.get(), true); });
+  EXPECT_EQ(diary->notes, Notes{2});
+}
+
+// Runs the action and expects an exception to end the program: none comes back to who waits.
+void expectToEndTheProgram(const std::function<void()>& action) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto run = [&] {
+    try {
+      action();
+      NSRunLoop::currentRunLoop()->run();
+    } catch (const NSException&) {
+      std::_Exit(0);
+    }
+  };
+  EXPECT_DEATH(run(), "NSRangeException: beyond");
 }
 
 TEST(NSRunLoopDeathTest, AnExceptionEndsTheProgram) {
-  for (const bool waits : {false, true}) {
-    expectToEndTheProgram("NSInvalidArgumentException: NSString does not respond to 'note:'", [&] {
-      const LoopThread thread;
-      u"text"_ns->performSelector_onThread_withObject_waitUntilDone(noting, thread.get(), nullptr,
-                                                                    waits);
-      thread.get()->runLoop()->postAndWait(NSOnceClosure([] {}), nullptr);
-    });
-  }
   const auto raise = [] { NSException::raise(NSRangeException, "beyond"); };
-  const auto loop = NSRunLoop::currentRunLoop();
-  const std::vector<std::function<void()>> ways{
-      [=] { NSTimer::scheduledTimerWithTimeInterval_repeats_block(0, false, raise); },
-      [=] { loop->performBlock(raise); },
-      [=] { NSMake<NSThread>(raise)->start(); },
-      [=] {
-        NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
-            nullptr, nullptr, nullptr, raise);
-        NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(
-            NSNotification::notificationWithName_object(tracking, nullptr), NSPostWhenIdle);
-      },
-  };
-  for (const auto& way : ways) {
-    expectToEndTheProgram("NSRangeException: beyond", [&] {
-      way();
-      loop->run();
+  expectToEndTheProgram(
+      [=] { NSTimer::scheduledTimerWithTimeInterval_repeats_block(0, false, raise); });
+  expectToEndTheProgram([=] { NSRunLoop::currentRunLoop()->performBlock(raise); });
+  expectToEndTheProgram([=] { NSMake<NSThread>(raise)->start(); });
+  expectToEndTheProgram([=] {
+    NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
+        nullptr, nullptr, nullptr, raise);
+    NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(
+        NSNotification::notificationWithName_object(tracking, nullptr), NSPostWhenIdle);
+  });
+  for (const bool waits : {false, true}) {
+    expectToEndTheProgram([=] {
+      const LoopThread thread;
+      performBlock_onThread_waitUntilDone(tracking, raise, thread.get(), waits);
+    });
+    expectToEndTheProgram([=] {
+      const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+      performBlock_onQueue_waitUntilDone(tracking, raise, queue, waits);
     });
   }
 }

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <list>
+
+#include <Foundation/NSNotificationQueue.h>
+#include <Foundation/Threads/IntrusiveHashTable.h>
+#include <Foundation/Threads/RunLoopModes.h>
+
+/// The notifications that wait in a thread's queue: a line for each posting style and list of
+/// modes. They are also found by what makes them the same as others: name, sender, or both.
+class NSQueuedNotifications {
+ public:
+  explicit NSQueuedNotifications(NSRunLoopCore& runLoop);
+  NSQueuedNotifications(const NSQueuedNotifications&) = delete;
+  ~NSQueuedNotifications();
+
+  /// Removes those that are the same by the mask's bits.
+  void remove(const NSNotification& notification, std::uint32_t mask);
+  /// Removes those that are the same, then adds this one; nothing when the queue is closed.
+  void add(const NSRef<NSNotification>& notification, NSPostingStyle style, std::uint32_t mask,
+           const NSRef<NSArray>& modes);
+
+  // What the run loop calls.
+
+  /// Whether the end of a pass would post something.
+  [[nodiscard]] bool hasSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes);
+  /// Posts what waits for such a moment, in the order in which it came, but nothing that comes
+  /// meanwhile. Whether there was anything.
+  bool post(NSPostingStyle style, const NSRef<NSString>& mode,
+            const NSModeSet& commonModes) noexcept;
+  /// Forgets lines without notifications. Not while something is posted.
+  void tidy();
+  /// Drops all and takes no more.
+  void close();
+
+ private:
+  struct Queued;
+  struct Hashes;
+  using Line = std::list<Queued>;
+  struct ByName {};
+  struct BySender {};
+  struct ByBoth {};
+
+  NSModePartition<Line>& lines(NSPostingStyle style) { return style == NSPostASAP ? _soon : _idle; }
+  Queued& make(const NSRef<NSNotification>& notification, Line& line);
+  void put(Queued& queued, const Hashes& hashes);
+  void take(Queued& queued, Line& taken);
+  Line takeSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask);
+
+  // Null when the thread has ended.
+  NSRunLoopCore* _runLoop;
+  std::uint64_t _nextTurn = 0;
+  NSModePartition<Line> _soon;
+  NSModePartition<Line> _idle;
+  NSIntrusiveHashTable<Queued, ByName> _names;
+  NSIntrusiveHashTable<Queued, BySender> _senders;
+  NSIntrusiveHashTable<Queued, ByBoth> _both;
+};

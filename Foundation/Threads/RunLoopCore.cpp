@@ -1,0 +1,244 @@
+#include "Foundation/Threads/RunLoopCore.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include <Foundation/NSAutoreleasePool.h>
+#include <Foundation/Threads/QueuedNotifications.h>
+#include <Foundation/detail/Access.h>
+
+namespace {
+
+// What a burst has needed beyond is given back.
+constexpr std::size_t largestSpare = 10'000;
+
+constexpr auto firstMoment = [](auto& group) -> std::optional<NSSchedule::Moment> {
+  if (group.schedule.isEmpty()) return std::nullopt;
+  return group.schedule.first();
+};
+
+constexpr auto firstTurn = [](const auto& group) -> std::optional<std::uint64_t> {
+  if (group.requests.empty()) return std::nullopt;
+  return group.requests.front().turn;
+};
+
+}  // namespace
+
+// The mode of some passes, which may lie within another one.
+class NSRunLoopCore::Mode {
+ public:
+  Mode(NSRunLoopCore& core, const NSRef<NSString>& mode)
+      : _core(&core), _former(std::exchange(core._currentMode, mode)) {}
+  Mode(const Mode&) = delete;
+  ~Mode() {
+    _core->_currentMode = std::move(_former);
+    if (_core->_currentMode) return;
+    // Between passes nobody walks over the groups.
+    _core->_waiting.tidy();
+    if (_core->_notifications) NSAccess::core(*_core->_notifications).tidy();
+  }
+
+ private:
+  NSRunLoopCore* _core;
+  NSRef<NSString> _former;
+};
+
+// A run, which may lie within another one and is stopped by itself.
+class NSRunLoopCore::Run {
+ public:
+  explicit Run(NSRunLoopCore& core) : _core(&core), _former(std::exchange(core._run, this)) {}
+  Run(const Run&) = delete;
+  ~Run() {
+    _core->_run = _former;
+    // What it found and left is news to a host.
+    _core->signal();
+  }
+
+  bool isStopped = false;
+
+ private:
+  NSRunLoopCore* _core;
+  Run* _former;
+};
+
+void NSRunLoopCore::post(NSOnceClosure&& work, const NSRef<NSArray>& modes) {
+  if (modes && modes->count() == 0) return;
+  _inbox.post({std::move(work), modes ? NSCopiedModes(modes) : nullptr});
+}
+
+bool NSRunLoopCore::postAndWait(NSOnceClosure&& work, const NSRef<NSArray>& modes) {
+  struct Wake {
+    void operator()(NSBlockedThread* thread) const { thread->wake(); }
+  };
+  NSBlockedThread caller(_server);
+  if (caller.isEndless()) return false;
+  // Also when it is dropped.
+  std::unique_ptr<NSBlockedThread, Wake> done(&caller);
+  post(NSOnceClosure([&work, done = std::move(done)] { work.perform(); }), modes);
+  caller.wait();
+  return true;
+}
+
+NSRunLoopCore::Time NSRunLoopCore::now() const {
+  return _clock ? _clock() : std::chrono::steady_clock::now();
+}
+
+void NSRunLoopCore::schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& modes,
+                             Time time) {
+  if (_isEnded) return;
+  _waiting.of(modes).schedule.add(std::move(event), {time, _nextTurn++});
+  signal();
+}
+
+NSRef<NSNotificationQueue> NSRunLoopCore::notificationQueue() {
+  if (!_notifications) {
+    _notifications = NSMake<NSNotificationQueue>(NSPasskey<NSRunLoopCore>(), *this);
+    if (_isEnded) NSAccess::core(*_notifications).close();
+  }
+  return _notifications;
+}
+
+int NSRunLoopCore::descriptor() {
+  const int descriptor = _inbox.descriptor();
+  _isHosted = true;
+  return descriptor;
+}
+
+void NSRunLoopCore::signal() {
+  if (_isHosted) _inbox.signal();
+}
+
+bool NSRunLoopCore::canRunIn(const NSRef<NSString>& mode) const {
+  return !mode->isEqualToString(NSRunLoopCommonModes()) && !_isEnded;
+}
+
+// Gives everything that has come its turn.
+void NSRunLoopCore::collect() {
+  auto items = std::exchange(_spare, {});
+  _inbox.takeInto(items);
+  for (auto& item : items) {
+    _waiting.of(item.modes).requests.push_back({std::move(item.work), _nextTurn++});
+  }
+  items.clear();
+  if (items.capacity() <= largestSpare) _spare = std::move(items);
+}
+
+void NSRunLoopCore::fireEvents(const Groups& groups, std::uint64_t limit, Time time) {
+  while (Waiting* const group = NSFirstOf(groups, firstMoment)) {
+    // What has been scheduled in this pass is not earlier than its time.
+    const auto first = group->schedule.first();
+    if (first.time > time || first.turn >= limit) return;
+    group->schedule.takeFirst()->happen();
+  }
+}
+
+// Whether there were any.
+bool NSRunLoopCore::performRequests(const Groups& groups, std::uint64_t limit) {
+  bool hasPerformed = false;
+  while (Waiting* const group = NSFirstOf(groups, firstTurn)) {
+    if (group->requests.front().turn >= limit) break;
+    NSOnceClosure work = std::move(group->requests.front().work);
+    group->requests.pop_front();
+    work.perform();
+    hasPerformed = true;
+  }
+  return hasPerformed;
+}
+
+// Whether there were any.
+bool NSRunLoopCore::postNotifications(NSPostingStyle style, const NSRef<NSString>& mode) {
+  return _notifications && NSAccess::core(*_notifications).post(style, mode, _commonModes);
+}
+
+// Whether it has performed a request.
+bool NSRunLoopCore::pass(const NSRef<NSString>& mode) {
+  const NSAutoreleasePool pool;
+  collect();
+  const Groups groups = groupsIn(mode);
+  const std::uint64_t limit = _nextTurn;
+  fireEvents(groups, limit, now());
+  const bool hasPerformed = performRequests(groups, limit);
+  postNotifications(NSPostASAP, mode);
+  return hasPerformed;
+}
+
+// Whether a pass in the mode would have something to do at once, timers aside.
+bool NSRunLoopCore::hasWork(const NSRef<NSString>& mode) {
+  collect();
+  return NSFirstOf(groupsIn(mode), firstTurn) != nullptr ||
+         (_notifications && NSAccess::core(*_notifications).hasSoon(mode, _commonModes));
+}
+
+std::optional<NSRunLoopCore::Time> NSRunLoopCore::nextTime(const NSRef<NSString>& mode) {
+  const Waiting* const group = NSFirstOf(groupsIn(mode), firstMoment);
+  return group != nullptr ? std::optional(group->schedule.first().time) : std::nullopt;
+}
+
+std::optional<NSRunLoopCore::Time> NSRunLoopCore::makePass(const NSRef<NSString>& mode) {
+  {
+    const Mode current(*this, mode);
+    pass(mode);
+  }
+  // What it found and left is news to a host.
+  signal();
+  return nextTime(mode);
+}
+
+// How long nothing will have to be done; none if that is for ever. Uses the time for what waits for
+// an idle moment.
+std::optional<std::chrono::nanoseconds> NSRunLoopCore::idleTime(const NSRef<NSString>& mode) {
+  constexpr auto none = std::chrono::nanoseconds::zero();
+  if (hasWork(mode)) return none;
+  const auto next = nextTime(mode);
+  if (next && *next <= now()) return none;
+  const NSAutoreleasePool pool;
+  if (postNotifications(NSPostWhenIdle, mode)) return none;
+  if (!next) return std::nullopt;
+  return std::max(*next - now(), none);
+}
+
+std::optional<std::chrono::nanoseconds> NSRunLoopCore::makeHostedPass(const NSRef<NSString>& mode) {
+  const Mode current(*this, mode);
+  pass(mode);
+  const auto result = idleTime(mode);
+  // Looks once more: what the descriptor has told meanwhile must be in the result.
+  return hasWork(mode) ? std::chrono::nanoseconds::zero() : result;
+}
+
+// Passes until a request has been performed, or that time.
+void NSRunLoopCore::runOnce(const Run& run, const NSRef<NSString>& mode, Time limit) {
+  const Mode current(*this, mode);
+  while (!pass(mode) && !run.isStopped && now() < limit) {
+    const auto idle = idleTime(mode);
+    if (run.isStopped) break;
+    const auto left = limit - now();
+    _inbox.wait(idle ? std::min(*idle, left) : left);
+  }
+}
+
+void NSRunLoopCore::run(const NSRef<NSString>& mode, Time limit, bool goesOn) {
+  Run run(*this);
+  do {
+    runOnce(run, mode, limit);
+  } while (goesOn && !run.isStopped && now() < limit);
+}
+
+void NSRunLoopCore::stop() noexcept {
+  if (_run != nullptr) _run->isStopped = true;
+}
+
+void NSRunLoopCore::end() {
+  _isEnded = true;
+  _server.clear();
+  _inbox.close();
+  if (_notifications) NSAccess::core(*_notifications).close();
+  _waiting.forEach([](Waiting& group) {
+    // One by one: what dies may come back here.
+    while (!group.requests.empty()) {
+      const NSOnceClosure dropped = std::move(group.requests.front().work);
+      group.requests.pop_front();
+    }
+    while (!group.schedule.isEmpty()) group.schedule.takeFirst()->drop();
+  });
+}

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include <sys/types.h>
+
+#include <Foundation/NSNotificationQueue.h>
+#include <Foundation/NSRunLoop.h>
+#include <Foundation/Threads/BlockedThread.h>
+#include <Foundation/Threads/DelayedPerforms.h>
+#include <Foundation/Threads/RunLoopInbox.h>
+#include <Foundation/Threads/RunLoopModes.h>
+#include <Foundation/Threads/Schedule.h>
+
+/// What a run loop holds and does. `NSRunLoop` asks first whether the caller may; the platform's
+/// other classes use it directly. Modes are never nil here.
+class NSRunLoopCore {
+ public:
+  using Time = NSRunLoop::Time;
+
+  NSRunLoopCore() = default;
+  NSRunLoopCore(const NSRunLoopCore&) = delete;
+
+  // From any thread.
+
+  /// Performs the work in a pass in one of those modes; nil is the common ones. Work for no modes,
+  /// or that comes after the end, is dropped.
+  void post(NSOnceClosure&& work, const NSRef<NSArray>& modes);
+  /// Posts the work and returns when it has run or been dropped. False, and nothing is posted, when
+  /// it would never return: on the run loop's own thread, or when that waits for the calling one.
+  [[nodiscard]] bool postAndWait(NSOnceClosure&& work, const NSRef<NSArray>& modes);
+  /// Tells the number of its thread, 0 when that has not begun.
+  void begin(pid_t thread) noexcept { _server.set(thread); }
+  [[nodiscard]] bool isEnded() const noexcept { return _isEnded; }
+
+  // From its own thread.
+
+  [[nodiscard]] Time now() const;
+  void setClock(std::function<Time()> clock) { _clock = std::move(clock); }
+
+  void addCommonMode(const NSRef<NSString>& mode) { _commonModes.add(mode); }
+  [[nodiscard]] const NSRef<NSString>& currentMode() const noexcept { return _currentMode; }
+
+  void schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& modes, Time time);
+  /// The delayed requests in the schedule.
+  [[nodiscard]] NSDelayedPerforms& delayedPerforms() noexcept { return _delayedPerforms; }
+  /// Gives the thread's queue, which is made when it is first asked for.
+  [[nodiscard]] NSRef<NSNotificationQueue> notificationQueue();
+  /// Tells a host, if there is one, that it should make a pass.
+  void signal();
+  /// Gives an eventfd for a host.
+  [[nodiscard]] int descriptor();
+
+  /// Whether there can be passes in the mode.
+  [[nodiscard]] bool canRunIn(const NSRef<NSString>& mode) const;
+  /// Makes a pass without waiting and gives the time of the next timer or delayed request.
+  std::optional<Time> makePass(const NSRef<NSString>& mode);
+  /// Makes a pass and posts what waits for idle moments, if nothing else is left. Gives how long
+  /// nothing will have to be done; none if that is for ever.
+  std::optional<std::chrono::nanoseconds> makeHostedPass(const NSRef<NSString>& mode);
+  /// Makes passes, and waits between them, until the time comes or `stop` is called; unless it
+  /// `goesOn` also until a pass has performed a request.
+  void run(const NSRef<NSString>& mode, Time limit, bool goesOn);
+  /// Ends the innermost run after its current pass.
+  void stop() noexcept;
+
+  /// Drops all and takes no more.
+  void end();
+
+ private:
+  struct Request {
+    NSOnceClosure work;
+    std::uint64_t turn;
+  };
+  // What waits for one list of modes.
+  struct Waiting {
+    bool empty() noexcept { return requests.empty() && schedule.isEmpty(); }
+
+    NSSchedule schedule;
+    std::deque<Request> requests;
+  };
+  using Groups = std::vector<Waiting*>;
+  class Mode;
+  class Run;
+
+  static void fireEvents(const Groups& groups, std::uint64_t limit, Time time);
+  static bool performRequests(const Groups& groups, std::uint64_t limit);
+
+  Groups groupsIn(const NSRef<NSString>& mode) { return _waiting.in(mode, _commonModes); }
+  void collect();
+  bool pass(const NSRef<NSString>& mode);
+  void runOnce(const Run& run, const NSRef<NSString>& mode, Time limit);
+  bool hasWork(const NSRef<NSString>& mode);
+  std::optional<Time> nextTime(const NSRef<NSString>& mode);
+  std::optional<std::chrono::nanoseconds> idleTime(const NSRef<NSString>& mode);
+  bool postNotifications(NSPostingStyle style, const NSRef<NSString>& mode);
+
+  NSRunLoopInbox _inbox;
+  NSServingThread _server;
+  // Room for what the inbox gives.
+  std::vector<NSRunLoopInbox::Item> _spare;
+  // Outlives the requests, which stand in it.
+  NSDelayedPerforms _delayedPerforms;
+  NSModePartition<Waiting> _waiting;
+  NSModeSet _commonModes{NSDefaultRunLoopMode()};
+  NSRef<NSString> _currentMode;
+  std::uint64_t _nextTurn = 0;
+  std::function<Time()> _clock;
+  NSRef<NSNotificationQueue> _notifications;
+  Run* _run = nullptr;
+  bool _isHosted = false;
+  std::atomic<bool> _isEnded = false;
+};
