@@ -47,8 +47,8 @@ enum NSSearchPathDomainMask : NSUInteger {
 /// Asks and changes the file system. It has no state: any number of threads may use one.
 ///
 /// An operation that fails gives nil or false and stores the reason in `*error`: an error of
-/// `NSCocoaErrorDomain`, of a file with its path, and with the `errno` behind it if the system
-/// refused. `error` may be null. A nil URL or path raises `NSInvalidArgumentException`.
+/// `NSCocoaErrorDomain`, of a file with its path, and with the `errno` as underlying error if the
+/// system refused. `error` may be null. A nil URL or path raises `NSInvalidArgumentException`.
 class NS_EXPORT NSFileManager : public NSObject {
  public:
   ~NSFileManager() override;

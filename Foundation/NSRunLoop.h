@@ -25,9 +25,9 @@ class NSTimer;
 /// It cannot be run in.
 [[nodiscard]] NS_EXPORT const NSRef<NSString>& NSRunLoopCommonModes();
 
-/// What a thread does while it has nothing else to do: it performs the requests that come from it
-/// and from other threads, fires timers and posts the thread's queued notifications. Every thread
-/// has one, `currentRunLoop`, as soon as it asks.
+/// Serves a thread while that has nothing else to do: performs the requests that come from it and
+/// from other threads, fires timers and posts the thread's queued notifications. Every thread has
+/// one, `currentRunLoop`, as soon as it asks.
 ///
 /// It runs in passes, each in one mode. A pass fires the timers and delayed requests that are due,
 /// then performs the other requests in the order in which they came; of both, those that were there

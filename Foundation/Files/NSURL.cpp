@@ -43,7 +43,7 @@ class NSURL::Parts {
   [[nodiscard]] Part query() const { return part(_uri.query); }
   [[nodiscard]] Part fragment() const { return part(_uri.fragment); }
 
-  // What is between scheme and authority in front and query and fragment behind. uriparser gives
+  // What is between scheme and authority before it and query and fragment after it. uriparser gives
   // it in segments, without the "/" between them.
   [[nodiscard]] Part path() const {
     std::size_t start = _uri.scheme.first == nullptr ? 0 : scheme().end + std::size_t{1};

@@ -43,7 +43,7 @@ bool canWriteNumbers(const std::string& locale) {
   return U_SUCCESS(status);
 }
 
-// The locale, or the nearest to it that will do: keywords stand behind "@" or "-u-".
+// The locale, or the nearest to it that will do: keywords follow "@" or "-u-".
 std::string localeForNumbers(const std::string& locale) {
   if (canWriteNumbers(locale)) return locale;
   for (const char* const keywords : {"@", "-u-", "_u_"}) {

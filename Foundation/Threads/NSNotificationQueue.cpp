@@ -37,7 +37,7 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
                            operation + "')");
   }
   // What is removed may change the caller's own reference.
-  const auto held = notification;
+  const auto held = NSRef<NSNotification>::share(notification.get());
   if (postingStyle == NSPostNow) {
     _core->remove(*held, coalesceMask);
     NSNotificationCenter::defaultCenter()->postNotification(held);

@@ -18,8 +18,9 @@
 #include <Foundation/Threads/RunLoopModes.h>
 #include <Foundation/Threads/Schedule.h>
 
-/// What a run loop holds and does. `NSRunLoop` asks first whether the caller may; the platform's
-/// other classes use it directly. Modes are never nil here.
+/// Does the work of a run loop, of which `NSRunLoop` is the public face: that one checks who asks
+/// for what. The platform's other classes use this one directly. Modes to run in are never nil
+/// here.
 class NSRunLoopCore {
  public:
   using Time = NSRunLoop::Time;

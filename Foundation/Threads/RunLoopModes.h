@@ -44,8 +44,8 @@ class NSModeSet {
   std::vector<NSRef<NSString>> _modes;
 };
 
-/// What waits for modes: one T, a group, for each list of modes that has been named. A group stays
-/// where it is in memory. So what waits for other modes costs a pass nothing.
+/// Keeps what waits for modes: one T, a group, for each list of modes that has been named. So what
+/// waits for other modes costs a pass nothing. A group stays where it is in memory.
 template <class T>
 class NSModePartition {
  public:
