@@ -77,9 +77,9 @@ TEST(ZKLocaleEntity, ListsLanguages) {
 
   const auto entity = list->firstObject().as<ZKLocaleEntity>();
   NSLocale::setCurrentLocale(NSLocale::localeWithLocaleIdentifier(u"de"_ns));
-  EXPECT_TRUE(entity->displayName() == u"Französisch (Kanada)");
+  EXPECT_EQ(entity->displayName()->utf8(), "Französisch (Kanada)");
   entity->setLocale(NSLocale::localeWithLocaleIdentifier(u"pt_BR"_ns));
-  EXPECT_TRUE(entity->valueForKey(u"languageDisplayName"_ns).as<NSString>() == u"Portugiesisch");
+  EXPECT_EQ(entity->valueForKey(u"languageDisplayName"_ns)->description()->utf8(), "Portugiesisch");
   entity->setLocale(nullptr);
   EXPECT_FALSE(entity->locale() || entity->localeIdentifier() || entity->languageIdentifier() ||
                entity->displayName() || entity->languageDisplayName());
@@ -88,7 +88,7 @@ TEST(ZKLocaleEntity, ListsLanguages) {
   const auto locale = NSLocale::localeWithLocaleIdentifier(u"it"_ns);
   const auto item = ZKLocaleEntity::entityForLocale<LanguageItem>(locale);
   EXPECT_TRUE(item->isMemberOfClass(NSClass::of<LanguageItem>()));
-  EXPECT_TRUE(item->localeIdentifier() == u"it");  // What is stored counts.
+  EXPECT_EQ(item->localeIdentifier()->utf8(), "it");  // What is stored counts.
   const auto items =
       ZKLocaleEntity::entitiesForLocaleIdentifiers<LanguageItem>(NSMake<NSArray>({u"it"_ns}));
   EXPECT_TRUE(items->firstObject()->isMemberOfClass(NSClass::of<LanguageItem>()));

@@ -19,6 +19,10 @@ NSRef<NSFileWrapper> directory(std::initializer_list<NSRef<NSFileWrapper>> child
   return wrapper;
 }
 
+NSRef<NSDictionary> permissions(int mode) {
+  return NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(mode)}});
+}
+
 // The code of the error, 0 for success.
 NSInteger write(const NSRef<NSFileWrapper>& wrapper, const fs::path& path, NSUInteger options = 0) {
   NSRef<NSError> error;
@@ -55,26 +59,28 @@ bool areSame(const NSRef<NSFileWrapper>& a, const NSRef<NSFileWrapper>& b) {
 TEST(NSFileWrapper, KeepsChildrenByName) {
   const auto folder = directory({});
   const auto notes = file("1", "notes.txt");
-  EXPECT_TRUE(folder->addFileWrapper(notes) == u"notes.txt");
-  EXPECT_TRUE(folder->addFileWrapper(file("2", "notes.txt")) == u"notes 2.txt");
-  EXPECT_TRUE(folder->addRegularFileWithContents_preferredFilename(
-                  NSMake<NSData>("3"), u"notes.txt"_ns) == u"notes 2 3.txt");
+  EXPECT_EQ(folder->addFileWrapper(notes)->utf8(), "notes.txt");
+  EXPECT_EQ(folder->addFileWrapper(file("2", "notes.txt"))->utf8(), "notes 2.txt");
+  EXPECT_EQ(
+      folder->addRegularFileWithContents_preferredFilename(NSMake<NSData>("3"), u"notes.txt"_ns)
+          ->utf8(),
+      "notes 2 3.txt");
   const auto nameless = file("4");
-  EXPECT_TRUE(folder->addFileWrapper(nameless) == u"Untitled");
-  EXPECT_TRUE(nameless->preferredFilename() == u"Untitled");
-  EXPECT_TRUE(folder->addFileWrapper(file("5", "")) == u"Untitled 2");
-  EXPECT_TRUE(folder->keyForFileWrapper(notes) == u"notes.txt");
-  EXPECT_TRUE(folder->addFileWrapper(notes) == u"notes 2 3 4.txt");
+  EXPECT_EQ(folder->addFileWrapper(nameless)->utf8(), "Untitled");
+  EXPECT_EQ(nameless->preferredFilename()->utf8(), "Untitled");
+  EXPECT_EQ(folder->addFileWrapper(file("5", ""))->utf8(), "Untitled 2");
+  EXPECT_EQ(folder->keyForFileWrapper(notes)->utf8(), "notes.txt");
+  EXPECT_EQ(folder->addFileWrapper(notes)->utf8(), "notes 2 3 4.txt");
   notes->setPreferredFilename(u"other"_ns);
   folder->removeFileWrapper(notes);
   EXPECT_FALSE(folder->keyForFileWrapper(notes));
   EXPECT_EQ(folder->fileWrappers()->count(), 4U);
-  EXPECT_TRUE(folder->unusedFilename(u"Untitled.txt"_ns) == u"Untitled.txt");
+  EXPECT_EQ(folder->unusedFilename(u"Untitled.txt"_ns)->utf8(), "Untitled.txt");
   EXPECT_EQ(folder->description()->utf8(), "NSFileWrapper (directory of 4)");
   EXPECT_EQ(notes->description()->utf8(), "NSFileWrapper other (regular file of 1 bytes)");
 
   const auto outer = NSMake<NSFileWrapper>(NSMake<NSDictionary>({{u"inner"_ns, folder}}));
-  EXPECT_TRUE(folder->preferredFilename() == u"inner");
+  EXPECT_EQ(folder->preferredFilename()->utf8(), "inner");
   for (const auto& child : {outer, folder}) {
     expectRaises(NSInvalidArgumentException,
                  "the child contains the directory (in 'addFileWrapper:')",
@@ -104,16 +110,16 @@ TEST(NSFileWrapper, SavesAndLoadsADocument) {
     document->addFileWrapper(part);
   }
   const auto empty = directory({file("", "nothing")}, "empty");
-  empty->setFileAttributes(
-      NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0500)}}));
+  empty->setFileAttributes(permissions(0500));
   document->addFileWrapper(empty);
   const fs::path place = folder / "document";
   EXPECT_EQ(write(document, place, NSFileWrapperWritingWithNameUpdating), 0);
   EXPECT_EQ(namesIn(place).size(), 1012U);
-  EXPECT_TRUE(empty->filename() == u"empty" && document->filename() == u"document");
+  EXPECT_EQ(empty->filename()->utf8(), "empty");
+  EXPECT_EQ(document->filename()->utf8(), "document");
   const auto loaded = read(place);
   EXPECT_TRUE(areSame(document, loaded));
-  EXPECT_TRUE(loaded->preferredFilename() == u"document");
+  EXPECT_EQ(loaded->preferredFilename()->utf8(), "document");
   EXPECT_TRUE(childOf(loaded, u"empty"_ns)->fileAttributes()->isEqual(empty->fileAttributes()));
 
   // In its own place, shorter and with a new file; nothing of the old one or of the saving is left.
@@ -130,8 +136,7 @@ TEST(NSFileWrapper, SavesAndLoadsADocument) {
   EXPECT_TRUE(fs::is_symlink(folder / "link") && fs::is_empty(place));
   EXPECT_EQ(fs::status(place).permissions(), fs::perms{0705});
   const auto secret = file("all");
-  secret->setFileAttributes(
-      NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0600)}}));
+  secret->setFileAttributes(permissions(0600));
   // Its own permissions, and then those of the file before.
   for (const auto& wrapper : {secret, file("all")}) {
     EXPECT_EQ(write(wrapper, place), 0);
@@ -164,19 +169,17 @@ TEST(NSFileWrapper, RefusesWhatNoFileCanBe) {
     EXPECT_EQ(code, expected);
   };
   refuses(folder / "none", NSFileReadNoSuchFileError);
-  mkfifo((folder / "pipe").c_str(), 0600);
-  refuses(folder.path(), NSFileReadUnknownError);
-  fs::remove(folder / "pipe");
-  fs::create_symlink(".", folder / "link");
-  refuses(folder.path(), NSFileReadUnknownError);
-  fs::remove(folder / "link");
-  writeFile(folder / "\xFF", "");
-  refuses(folder.path(), NSFileReadInvalidFileNameError);
-  fs::remove(folder / "\xFF");
+  for (const char* const name : {"pipe", "link", "\xFF", "empty"})
+    fs::create_directory(folder / name);
+  mkfifo((folder / "pipe/in").c_str(), 0600);
+  fs::create_symlink(".", folder / "link/in");
+  writeFile(folder / "\xFF" / "in", "");
+  refuses(folder / "pipe", NSFileReadUnknownError);
+  refuses(folder / "link", NSFileReadUnknownError);
+  refuses(folder / "\xFF", NSFileReadInvalidFileNameError);
   EXPECT_EQ(read("/proc/version")->regularFileContents()->view(), contentsOf("/proc/version"));
-  EXPECT_TRUE(read("/proc/self/../version")->filename() == u"version");
-  EXPECT_TRUE(read(folder.path() / ".")->filename() ==
-              NSMake<NSString>(folder.path().filename().native())->view());
+  EXPECT_EQ(read("/proc/self/../version")->filename()->utf8(), "version");
+  EXPECT_EQ(read(folder / "empty/.")->filename()->utf8(), "empty");
 }
 
 TEST(NSFileWrapper, RefusesWhatDoesNotFitIntoMemory) {
@@ -243,9 +246,9 @@ TEST(NSFileWrapper, WritesWhatItsOwnerMayNotChange) {
   const TestFolder folder;
   const bool isTested = asNobody([&] {
     const auto locked = directory({directory({file("x", "a")}, "in")}, "locked");
-    const auto mode = NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(0500)}});
-    locked->setFileAttributes(mode);
-    childOf(locked, u"in"_ns)->setFileAttributes(mode);
+    for (const auto& wrapper : {locked, childOf(locked, u"in"_ns)}) {
+      wrapper->setFileAttributes(permissions(0500));
+    }
     const auto document = directory({locked});
     for (int k = 0; k < 2; ++k) EXPECT_EQ(write(document, folder / "document"), 0);
     EXPECT_EQ(write(locked, folder / "copy"), 0);

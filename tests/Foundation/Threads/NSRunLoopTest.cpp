@@ -33,10 +33,7 @@ struct Diary : NSObject {
   void noteLater(int number, NSDelay delay = 0) {
     performSelector_withObject_afterDelay(noting(), box(number), delay);
   }
-  void noteOnMainThread(int number, bool wait) {
-    performSelectorOnMainThread_withObject_waitUntilDone(noting(), box(number), wait);
-  }
-  void noteOnThread(int number, const NSRef<NSThread>& thread, bool wait) {
+  void noteOn(const NSRef<NSThread>& thread, int number, bool wait) {
     performSelector_onThread_withObject_waitUntilDone(noting(), thread, box(number), wait);
   }
   void cancel(int number) {
@@ -115,24 +112,19 @@ TEST(NSRunLoop, LeavesOtherModesAlone) {
     }
   };
   fill();
-  makePass(modal);
-  EXPECT_EQ(diary->taken(), (Notes{6, 2, 3}));
-  makePass(u"unknown"_ns);
-  EXPECT_EQ(diary->taken(), Notes());
-  makePass();
-  EXPECT_EQ(diary->taken(), (Notes{5, 7, 1, 4}));
-
-  // A nested run in another mode; then that mode is a common one.
-  fill();
+  // A nested run in another mode.
   loop->performInModes_block(listOf(u"outer"_ns), [&] {
     EXPECT_TRUE(loop->runMode_beforeDate(modal, NSDate::distantPast()));
     EXPECT_EQ(loop->currentMode()->utf8(), "outer");
   });
   makePass(u"outer"_ns);
   EXPECT_EQ(diary->taken(), (Notes{6, 2, 3}));
+  makePass();
+  EXPECT_EQ(diary->taken(), (Notes{5, 7, 1, 4}));
+  fill();
   loop->addCommonMode(modal);
   makePass(modal);
-  EXPECT_EQ(diary->taken(), (Notes{7, 1, 4}));
+  EXPECT_EQ(diary->taken(), (Notes{6, 7, 1, 2, 3, 4}));
   makePass();
   EXPECT_EQ(diary->taken(), Notes{5});
   // The common modes are no mode to run in.
@@ -217,13 +209,13 @@ TEST(NSRunLoop, WakesForEveryWaitingCaller) {
   const auto diary = NSMake<Diary>();
   constexpr int trips = 100'000;
   for (int k = 0; k < trips; ++k) {
-    diary->noteOnThread(k, thread.get(), true);
+    diary->noteOn(thread.get(), k, true);
     ASSERT_EQ(diary->notes.back(), k);
     if (k % 1000 == 999) diary->notes.clear();
   }
   // On the thread itself at once.
   diary->notes.clear();
-  diary->noteOnMainThread(1, true);
+  diary->noteOn(NSThread::mainThread(), 1, true);
   EXPECT_EQ(diary->notes, Notes{1});
 }
 
@@ -250,7 +242,7 @@ TEST(NSRunLoop, LetsGoWhenItsThreadEnds) {
                                                                  true, listOf(tracking));
   thread.reset();
   deaths.wait();
-  for (const bool wait : {true, false}) diary->noteOnThread(1, inner, wait);
+  for (const bool wait : {true, false}) diary->noteOn(inner, 1, wait);
   EXPECT_TRUE(inner->isFinished());
   EXPECT_EQ(diary->notes, Notes());
   EXPECT_EQ(diary->retainCount(), 1U);
@@ -324,7 +316,7 @@ TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
   loop->performBlock([] {});
   EXPECT_EQ(passWhenTold(), std::nullopt);
   // From another thread, and from this one between the passes.
-  std::jthread([&] { diary->noteOnMainThread(1, false); }).join();
+  std::jthread([&] { diary->noteOn(NSThread::mainThread(), 1, false); }).join();
   EXPECT_EQ(passWhenTold(), std::nullopt);
   diary->noteLater(2, 5ms);
   EXPECT_EQ(passWhenTold(), 5ms);
@@ -334,7 +326,7 @@ TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
   // What comes within a pass is told by its result.
   loop->performBlock([&] {
     diary->noteLater(4, 1ms);
-    diary->noteOnMainThread(3, false);
+    diary->noteOn(NSThread::mainThread(), 3, false);
   });
   EXPECT_EQ(loop->performPass(), 0ms);
   EXPECT_EQ(loop->performPass(), 1ms);
@@ -423,23 +415,23 @@ TEST(NSRunLoop, RefusesWhatItCannotDo) {
   const auto modes = NSMake<NSMutableArray>();
   modes->addObject(NSMake<Mode>(modes));
   for (const auto& [name, reason, action] :
-       Rows<const char16_t*, const char*, std::function<void()>>{
-           {u"NSInternalInconsistencyException", "the run loop is another thread's (in 'run')",
+       Rows<std::u16string_view, const char*, std::function<void()>>{
+           {NSInternalInconsistencyException, "the run loop is another thread's (in 'run')",
             [&] { other->run(); }},
-           {u"NSInternalInconsistencyException",
+           {NSInternalInconsistencyException,
             "the run loop is another thread's (in 'runUntilDate:')",
             [&] { other->runUntilDate(NSDate::distantPast()); }},
-           {u"NSInvalidArgumentException", "mode is nil (in 'limitDateForMode:')",
+           {NSInvalidArgumentException, "mode is nil (in 'limitDateForMode:')",
             [] { makePass(nullptr); }},
-           {u"NSInvalidArgumentException",
+           {NSInvalidArgumentException,
             "thread is nil (in 'performSelector:onThread:withObject:waitUntilDone:')",
-            [&] { diary->noteOnThread(1, nullptr, true); }},
+            [&] { diary->noteOn(nullptr, 1, true); }},
            // A selector knows whom it is for; what it throws on the spot comes back.
-           {u"NSInvalidArgumentException", "NSString does not respond to 'note:'",
+           {NSInvalidArgumentException, "NSString does not respond to 'note:'",
             [&] { perform(u"text"_ns, box(1)); }},
-           {u"NSInvalidArgumentException", "'note:' does not take a NSString",
+           {NSInvalidArgumentException, "'note:' does not take a NSString",
             [&] { perform(diary, u"text"_ns); }},
-           {u"NSGenericException", "NSMutableArray was mutated while being enumerated",
+           {NSGenericException, "NSMutableArray was mutated while being enumerated",
             [&] { other->performInModes_block(modes, [] {}); }},
        }) {
     expectRaises(name, reason, action);
@@ -456,10 +448,9 @@ TEST(NSRunLoop, RefusesToWaitForAThreadThatWaitsForIt) {
     expectRaises(NSInternalInconsistencyException,
                  "waiting for NSThread main would never end, as it waits for the calling thread "
                  "(in 'performSelector:onThread:withObject:waitUntilDone:')",
-                 [&] { diary->noteOnMainThread(1, true); });
-    for (const auto& waiting : {queue, dispatch_get_main_queue()}) {
-      EXPECT_THROW(dispatch_sync(waiting, [] {}), NSException);
-    }
+                 [&] { diary->noteOn(NSThread::mainThread(), 1, true); });
+    EXPECT_THROW(dispatch_sync(queue, [] {}), NSException);
+    EXPECT_THROW(dispatch_sync(dispatch_get_main_queue(), [] {}), NSException);
     diary->note(2);
   };
   dispatch_sync(queue,
