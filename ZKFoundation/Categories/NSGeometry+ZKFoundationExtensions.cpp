@@ -4,7 +4,6 @@
 #include <array>
 #include <cfloat>
 #include <cmath>
-#include <cstdint>
 #include <span>
 
 #include <ZKFoundation/Categories/ZKBernstein.h>
@@ -171,11 +170,6 @@ void require(bool holds, const char* expression, const char* file = __builtin_FI
   if (!holds) __assert_fail(expression, file, line, "ZKFindRoots");
 }
 
-void requireFewRoots(int left_count, int right_count) {
-  require(left_count < 6, "left_count < 6");
-  require(right_count < 6, "right_count < 6");
-}
-
 // The bounding box of the polygon along its chord, where it meets the axis: whether the two
 // crossings are as near to each other as the method wants.
 bool isFlat(const ZKPolygon& w) {
@@ -187,23 +181,18 @@ bool isFlat(const ZKPolygon& w) {
   // that they round: the crossings are farther apart than what rounding takes away from them.
   const double far = a * w[2].x() + b * w[2].y() + c;
   if (ab2 > 0x1p-900 && far * far > 0x1p-49 * ab2 * (std::abs(a) + std::abs(c))) return false;
-  // Squares keep the order, so that the farthest points are found before they are divided.
-  double highest = 0;
-  double lowest = 0;
+  double above = 0;
+  double below = 0;
   for (std::size_t k = 1; k < 5; ++k) {
     const double v = a * w[k].x() + b * w[k].y() + c;
-    highest = v > highest ? v : highest;
-    lowest = v < lowest ? v : lowest;
+    // Distances that overflow to NaN count as none.
+    const double squared = v * v / ab2;
+    if (v > 0 && squared > above) above = squared;
+    if (v < 0 && -squared < below) below = -squared;
   }
-  // Distances that overflow to NaN count as none.
-  const double aboveOrNaN = highest * highest / ab2;
-  const double belowOrNaN = lowest * lowest / ab2;
-  const double above = aboveOrNaN > 0 ? aboveOrNaN : 0;
-  const double below = belowOrNaN > 0 ? -belowOrNaN : 0;
-  const double inverse = 1 / -a;
-  const double error = 0.5 * std::abs((c + above) * inverse - (c + below) * inverse);
-  // A width without bounds leaves no error that could be compared.
-  return error < 0x1p-65 && std::isfinite(b);
+  // Of an infinite width this makes NaN, which is not flat.
+  const double inverse = 1 / (0 * b - a);
+  return 0.5 * std::abs((c + above) * inverse - (c + below) * inverse) < 0x1p-65;
 }
 
 double chordCrossing(const ZKPolygon& w) {
@@ -212,134 +201,75 @@ double chordCrossing(const ZKPolygon& w) {
   return (width * w[0].y() - height * w[0].x()) / (width * 0 - height);
 }
 
-constexpr int deepest = 64;
-
-// Follows the one crossing of a polygon down, at most so many levels; whether to where it is flat.
-bool follow(ZKPolygon& w, int& depth, int levels) {
-  for (; depth < deepest; ++depth) {
-    if (isFlat(w)) return true;
-    if (levels-- == 0) return false;
-    w = ZKHalfWithCrossing(w);
-  }
-  return false;
-}
-
-// The recursion of the search, unrolled: only halves whose other half has crossings too wait for
-// their turn, of which there are few however deep it goes.
+// The recursive subdivision. A call that finds roots in one half only goes on with that itself, so
+// that however deep a search goes, few calls are in each other.
 class RootSearch {
  public:
-  // More than ten roots always fail a check.
-  static constexpr std::size_t mostRoots = 10;
-  using Roots = std::array<double, mostRoots>;
+  explicit RootSearch(int depth) : _depth(std::min(depth, deepest)) {}
 
-  // Stores the roots and gives their number.
-  int run(const ZKPolygon& polygon, int depth, Roots& roots) {
-    _polygon = polygon;
-    // Deeper makes no difference, and must not overflow.
-    _node.depth = std::min(depth, deepest);
-    _node.crossings = ZKCrossings(polygon);
-    for (;;) {
-      if (_node.crossings > 1 ? enterHalves() : !findRoot(roots) && enterHalves()) continue;
-      if (!finish()) return _node.roots;
+  // Adds the roots of the polygon, and gives their number.
+  int search(ZKPolygon w, int level = 0, int nesting = 0) {
+    // The check that its parent makes of w, once a parent has had roots in this half only.
+    const char* check = nullptr;
+    for (;; ++level) {
+      const int crossings = ZKCrossings(w);
+      if (crossings == 0) return 0;
+      if (crossings == 1 && addRoot(w, level)) return 1;
+      ++_polygonCount;
+      if (isEndless(level) || nesting == deepestNesting) return 0;
+      ZKPolygon right;
+      ZKSplit(w, w, right);
+      const bool hasLeft = ZKCrossings(w) != 0;
+      const bool hasRight = ZKCrossings(right) != 0;
+      if (hasLeft && hasRight) {
+        const int leftCount = search(w, level + 1, nesting + 1);
+        const int rightCount = search(right, level + 1, nesting + 1);
+        require(leftCount < 6, leftCheck);
+        require(rightCount < 6, rightCheck);
+        require(check == nullptr || leftCount + rightCount < 6, check);
+        return leftCount + rightCount;
+      }
+      check = hasLeft ? leftCheck : rightCheck;
+      if (hasRight) w = right;
     }
   }
+
+  std::span<const double> roots() const { return std::span(_roots).first(_rootCount); }
 
  private:
-  // What its parent calls a polygon.
-  enum class Side : std::uint8_t { whole, left, right };
-  struct Node {
-    int depth;
-    int level;
-    int crossings;
-    int roots;
-    Side side;
-    // Whether its parent has crossings on no other side.
-    bool isOnly;
-  };
-  struct Waiting {
-    ZKPolygon polygon;
-    Node parent;
-    Node right;
-    bool isEntered;
-  };
-
-  // Heights as far apart as doubles can be take 2,100 halvings, and five roots as many each.
+  static constexpr int deepest = 64;
+  // Heights as far apart as doubles can be take 2,100 halvings, and five roots as many each; what
+  // goes on after that would never end. Roots that rounding makes up may be in each other deeper
+  // than the five of a polynomial.
   static constexpr int deepestLevel = 2200;
   static constexpr int mostPolygons = 5 * deepestLevel;
+  static constexpr int deepestNesting = 16;
+  static constexpr const char* leftCheck = "left_count < 6";
+  static constexpr const char* rightCheck = "right_count < 6";
 
-  bool isEndless() const { return _node.level >= deepestLevel || _polygonCount > mostPolygons; }
+  bool isEndless(int level) const { return level >= deepestLevel || _polygonCount > mostPolygons; }
 
-  // Of a polygon with one crossing; false when it has to be divided further.
-  bool findRoot(Roots& roots) {
-    if (_node.crossings == 0) return true;
-    const int start = _node.depth;
-    const int levels = ZKHalvesExactly(_polygon) ? ZKExactHalvings : 0;
-    const bool isFound = follow(_polygon, _node.depth, levels);
-    _node.level += _node.depth - start;
-    if (!isFound && _node.depth < deepest && !isEndless()) return false;
-    const double root =
-        isFound ? chordCrossing(_polygon) : (_polygon[0].x() + _polygon[5].x()) * 0.5;
-    if (_rootCount < roots.size()) roots[_rootCount++] = root;
-    _node.roots = 1;
+  // Follows the one crossing of w down, and adds it; false when w has to be divided.
+  bool addRoot(ZKPolygon& w, int& level) {
+    int levels = ZKHalvesExactly(w) ? ZKExactHalvings : 0;
+    bool isFound = false;
+    for (; _depth + level < deepest; ++level) {
+      isFound = isFlat(w);
+      if (isFound || levels-- == 0) break;
+      w = ZKHalfWithCrossing(w);
+    }
+    if (!isFound && _depth + level < deepest && !isEndless(level)) return false;
+    if (_rootCount < _roots.size())
+      _roots[_rootCount++] = isFound ? chordCrossing(w) : (w[0].x() + w[5].x()) * 0.5;
     return true;
   }
 
-  // Goes on to the half that has crossings, or to the left one first; false when there is none.
-  bool enterHalves() {
-    ++_polygonCount;
-    if (isEndless() || _waitingCount == _waiting.size()) return false;
-    Waiting& waiting = _waiting[_waitingCount];
-    ZKSplit(_polygon, _polygon, waiting.polygon);
-    const int left = ZKCrossings(_polygon);
-    const int right = ZKCrossings(waiting.polygon);
-    if (left == 0 && right == 0) return false;
-    const bool hasBoth = left != 0 && right != 0;
-    const Node child = {_node.depth + 1, _node.level + 1, right, 0, Side::right, !hasBoth};
-    if (hasBoth) {
-      waiting.parent = _node;
-      waiting.right = child;
-      waiting.isEntered = false;
-      ++_waitingCount;
-    }
-    _node = child;
-    if (left == 0) {
-      _polygon = waiting.polygon;
-    } else {
-      _node.crossings = left;
-      _node.side = Side::left;
-    }
-    return true;
-  }
-
-  // Hands the number of roots up to the next half that waits for its turn; false when none does.
-  bool finish() {
-    while (_waitingCount > 0) {
-      Waiting& waiting = _waiting[_waitingCount - 1];
-      if (!waiting.isEntered) {
-        waiting.isEntered = true;
-        waiting.parent.roots = _node.roots;
-        _polygon = waiting.polygon;
-        _node = waiting.right;
-        return true;
-      }
-      requireFewRoots(waiting.parent.roots, _node.roots);
-      waiting.parent.roots += _node.roots;
-      _node = waiting.parent;
-      if (_node.isOnly) {
-        requireFewRoots(_node.side == Side::left ? _node.roots : 0,
-                        _node.side == Side::right ? _node.roots : 0);
-      }
-      --_waitingCount;
-    }
-    return false;
-  }
-
-  ZKPolygon _polygon;
-  Node _node{};
-  std::array<Waiting, 16> _waiting;
-  std::size_t _waitingCount = 0;
-  std::size_t _rootCount = 0;
+  // At level 0. Deeper makes no difference, and must not overflow.
+  int _depth;
   int _polygonCount = 0;
+  // More than ten roots always fail a check.
+  std::array<double, 10> _roots;
+  std::size_t _rootCount = 0;
 };
 
 }  // namespace
@@ -347,10 +277,9 @@ class RootSearch {
 int ZKFindRoots(const NSPoint* points, double* t, int depth) {
   ZKPolygon polygon;
   std::copy_n(points, polygon.size(), polygon.begin());
-  RootSearch::Roots roots;
-  RootSearch search;
-  const int count = std::min(search.run(polygon, depth, roots), 5);
-  std::copy_n(roots.begin(), count, t);
+  RootSearch search(depth);
+  const int count = std::min(search.search(polygon), 5);
+  std::copy_n(search.roots().begin(), count, t);
   return count;
 }
 
@@ -359,14 +288,14 @@ NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p) {
   const std::array<ZKPair, 3> d = {(points[1] - ZKPair(points[0])) * 3,
                                    (points[2] - ZKPair(points[1])) * 3,
                                    (points[3] - ZKPair(points[2])) * 3};
-  RootSearch::Roots roots;
-  RootSearch search;
-  const int count = search.run(ZKDistanceQuintic(c, d), 0, roots);
+  const ZKPolygon quintic = ZKDistanceQuintic(c, d);
+  RootSearch search(0);
+  if (ZKCrossings(quintic) != 0) search.search(quintic);
 
   double best = 0;
   NSPoint nearest = cubicAt(points, 0);
   double distance = dot(c[0], c[0]);
-  for (const double root : std::span(roots).first(static_cast<std::size_t>(count))) {
+  for (const double root : search.roots()) {
     const NSPoint point = cubicAt(points, root);
     const double other = ZKDiffPointSquaredLength(p, point);
     if (other < distance) {
