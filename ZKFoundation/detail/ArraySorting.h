@@ -1,0 +1,240 @@
+#pragma once
+
+#include <bit>
+#include <compare>
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <ranges>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+
+#include <Foundation/NSException.h>
+#include <ZKFoundation/Categories/NSArray+ZKSorting.h>
+
+/// Gives 1, 0 or -1 for what an ordering answers; -1 for an unordered pair.
+template <class Order>
+[[nodiscard]] constexpr int ZKSign(const Order& order) {
+  if constexpr (std::convertible_to<Order, std::partial_ordering>) {
+    return std::is_eq(order) ? 0 : std::is_gt(order) ? 1 : -1;
+  } else {
+    static_assert(std::is_signed_v<Order> || std::is_enum_v<Order>,
+                  "an ordering answers negative, zero or positive");
+    return order == 0 ? 0 : order > 0 ? 1 : -1;
+  }
+}
+
+/// Gives the address of what a reference or pointer of any kind refers to, null for a value.
+template <class T>
+[[nodiscard]] auto ZKPointee(const T& reference) {
+  if constexpr (std::is_pointer_v<T>) {
+    return reference;
+  } else if constexpr (requires { *reference.get(); }) {
+    return reference.get();
+  } else {
+    return nullptr;
+  }
+}
+
+/// Whether an element of a range and an object are the very same: one object for references and
+/// pointers, one place in memory for values.
+template <class T, class U>
+[[nodiscard]] bool ZKIsIdentical(const T& element, const U& object) {
+  const auto a = ZKPointee(element);
+  const auto b = ZKPointee(object);
+  if constexpr (std::is_null_pointer_v<decltype(a)> || std::is_null_pointer_v<decltype(b)>) {
+    return std::is_same_v<T, U> &&
+           static_cast<const void*>(std::addressof(element)) == std::addressof(object);
+  } else if constexpr (requires { a == b; }) {
+    return a == b;
+  } else {
+    return false;
+  }
+}
+
+/// Makes the compiler keep the branch in which the value is set: along the guessed half of a
+/// search, the processor fetches the next elements while it still waits for this one.
+inline void ZKKeepBranch(std::size_t& value) { __asm__ volatile("" : "+r"(value)); }
+
+/// The ordering by a method of the object that is searched for, found once for all comparisons.
+template <class Receiver, class Argument, class Method>
+class ZKMethodOrdering {
+ public:
+  ZKMethodOrdering(const NSRef<NSObject>& object, Method method)
+      : _object(object), _receiver(object.cast<Receiver>()), _method(method) {
+    if (method == nullptr) NSRaiseNilArgument("method", "inArraySortedUsingSelector:");
+  }
+
+  auto operator()(const NSRef<NSObject>& /*object*/, const NSRef<NSObject>& element) const {
+    using Plain = std::remove_cvref_t<Argument>;
+    if constexpr (requires { typename Plain::element_type; }) {
+      // Borrowed for the call, without a count of its own.
+      using Other = typename Plain::element_type;
+      struct Borrowed {
+        NSRef<Other> reference;
+        ~Borrowed() { static_cast<void>(reference.leak()); }
+      };
+      const Borrowed other{NSRef<Other>::adopt(checked(element.cast<Other>()))};
+      return (checked(_receiver)->*_method)(other.reference);
+    } else {
+      return (checked(_receiver)->*_method)(*checked(element.cast<Plain>()));
+    }
+  }
+
+ private:
+  template <class T>
+  static T* checked(T* object) {
+    if (object == nullptr) [[unlikely]] {
+      NSRaiseNilDereference(typeid(T));
+    }
+    return object;
+  }
+
+  NSRef<NSObject> _object;
+  Receiver* _receiver;
+  Method _method;
+};
+template <class Receiver, class Result, class Argument>
+ZKMethodOrdering(const NSRef<NSObject>&, Result (Receiver::*)(Argument) const)
+    -> ZKMethodOrdering<Receiver, Argument, Result (Receiver::*)(Argument) const>;
+template <class Receiver, class Result, class Argument>
+ZKMethodOrdering(const NSRef<NSObject>&, Result (Receiver::*)(Argument))
+    -> ZKMethodOrdering<Receiver, Argument, Result (Receiver::*)(Argument)>;
+
+namespace ZKFoundationExtensions {
+
+template <ZKSearchableRange Range, class Object, class Compare>
+std::size_t indexWhereObjectWouldBelong_inArraySortedUsingFunction(const Range& range,
+                                                                   const Object& object,
+                                                                   Compare compare) {
+  const auto elements = std::ranges::begin(range);
+  const auto count = static_cast<std::size_t>(std::ranges::size(range));
+  std::size_t low = 0;
+  for (std::size_t step = std::bit_ceil(count + 1);;) {
+    const bool isLast = step <= 1;
+    step /= 2;
+    const std::size_t probe = low + step;
+    if (probe < count) {
+      const auto& element = elements[static_cast<std::ptrdiff_t>(probe)];
+      if (ZKIsIdentical(element, object)) return probe;
+      const int sign = ZKSign(std::invoke(compare, object, element));
+      if (sign == 0) return probe;
+      if (sign > 0) {
+        low = probe + 1;
+        ZKKeepBranch(low);
+      }
+    }
+    if (isLast) return low;
+  }
+}
+
+template <ZKSearchableRange Range, class Object, class Compare>
+std::size_t indexOfObject_identical_inArraySortedUsingFunction(const Range& range,
+                                                               const Object& object, bool identical,
+                                                               Compare compare) {
+  const auto elements = std::ranges::begin(range);
+  const auto count = static_cast<std::size_t>(std::ranges::size(range));
+  const auto isIt = [&](std::size_t index) {
+    return ZKIsIdentical(elements[static_cast<std::ptrdiff_t>(index)], object);
+  };
+  const auto ordersTheSame = [&](std::size_t index) {
+    const auto& element = elements[static_cast<std::ptrdiff_t>(index)];
+    return ZKSign(std::invoke(compare, object, element)) == 0;
+  };
+  const std::size_t place =
+      indexWhereObjectWouldBelong_inArraySortedUsingFunction(range, object, std::ref(compare));
+  if (place == count) return NSNotFound;
+  if (!identical) return ordersTheSame(place) ? place : NSNotFound;
+  for (std::size_t index = place;; --index) {
+    if (isIt(index)) return index;
+    if (!ordersTheSame(index) || index == 0) break;
+  }
+  for (std::size_t index = place + 1; index < count; ++index) {
+    if (isIt(index)) return index;
+    if (!ordersTheSame(index)) break;
+  }
+  return NSNotFound;
+}
+
+template <ZKSearchableRange Container, class Object, class Compare>
+requires requires(Container& container, Object object) {
+  container.insert(container.begin(), std::move(object));
+}
+void insertObject_inArraySortedUsingFunction(Container& container, Object object, Compare compare) {
+  const std::size_t place = indexWhereObjectWouldBelong_inArraySortedUsingFunction(
+      std::as_const(container), object, std::ref(compare));
+  container.insert(container.begin() + static_cast<std::ptrdiff_t>(place), std::move(object));
+}
+
+template <class Compare>
+NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingFunction(const NSRef<NSArray>& array,
+                                                                  const NSRef<NSObject>& object,
+                                                                  Compare compare) {
+  NSCheckArgument("indexWhereObjectWouldBelong:inArraySortedUsingFunction:context:", "array",
+                  array);
+  // Of its own: the comparison may change the array.
+  const NSObjectVector elements = array->elements();
+  return indexWhereObjectWouldBelong_inArraySortedUsingFunction(elements.view(), object,
+                                                                std::ref(compare));
+}
+
+template <class Compare>
+NSUInteger indexOfObject_identical_inArraySortedUsingFunction(const NSRef<NSArray>& array,
+                                                              const NSRef<NSObject>& object,
+                                                              bool identical, Compare compare) {
+  NSCheckArgument("indexOfObject:identical:inArraySortedUsingFunction:context:", "array", array);
+  const NSObjectVector elements = array->elements();
+  return indexOfObject_identical_inArraySortedUsingFunction(elements.view(), object, identical,
+                                                            std::ref(compare));
+}
+
+template <class Compare>
+void insertObject_inArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
+                                             const NSRef<NSObject>& object, Compare compare) {
+  NSCheckArgument("insertObject:inArraySortedUsingFunction:context:", "array", array);
+  const NSUInteger place = object ? indexWhereObjectWouldBelong_inArraySortedUsingFunction(
+                                        array, object, std::ref(compare))
+                                  : 0;
+  array->insertObject_atIndex(object, place);
+}
+
+template <class Method>
+NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingSelector(const NSRef<NSArray>& array,
+                                                                  const NSRef<NSObject>& object,
+                                                                  Method method) {
+  NSCheckArgument("indexWhereObjectWouldBelong:inArraySortedUsingSelector:", "array", array);
+  return indexWhereObjectWouldBelong_inArraySortedUsingFunction(array, object,
+                                                                ZKMethodOrdering(object, method));
+}
+
+template <class Method>
+NSUInteger indexOfObjectIdenticalTo_inArraySortedUsingSelector(const NSRef<NSArray>& array,
+                                                               const NSRef<NSObject>& object,
+                                                               Method method) {
+  NSCheckArgument("indexOfObjectIdenticalTo:inArraySortedUsingSelector:", "array", array);
+  return indexOfObject_identical_inArraySortedUsingFunction(array, object, true,
+                                                            ZKMethodOrdering(object, method));
+}
+
+template <class Method>
+void insertObject_inArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
+                                             const NSRef<NSObject>& object, Method method) {
+  NSCheckArgument("insertObject:inArraySortedUsingSelector:", "array", array);
+  insertObject_inArraySortedUsingFunction(array, object, ZKMethodOrdering(object, method));
+}
+
+template <class Method>
+void removeObjectIdenticalTo_fromArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
+                                                          const NSRef<NSObject>& object,
+                                                          Method method) {
+  NSCheckArgument("removeObjectIdenticalTo:fromArraySortedUsingSelector:", "array", array);
+  const NSUInteger index =
+      indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object, method);
+  // A comparison may have changed the array.
+  const auto objects = array->objects();
+  if (index < objects.size() && objects[index] == object) array->removeObjectAtIndex(index);
+}
+
+}  // namespace ZKFoundationExtensions

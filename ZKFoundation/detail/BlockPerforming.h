@@ -1,0 +1,132 @@
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+#include <Foundation/NSException.h>
+#include <ZKFoundation/Categories/NSObject+ZKPerforming.h>
+
+namespace ZKFoundationExtensions {
+
+/// Gives the block for a call that waits: the caller's own, which is not copied.
+template <class Receiver, class F>
+[[nodiscard]] NSRef<NSBlock> ZKBorrowBlock(F& block) {
+  if constexpr (std::is_convertible_v<F&, NSRef<NSBlock>>) {
+    return block;
+  } else {
+    if (NSIsNilCallable(block)) return nullptr;
+    return NSMakeBlock<Receiver>(
+        [&block](const NSRef<Receiver>& target) { NSInvokeWithTarget<Receiver>(block, target); });
+  }
+}
+
+/// Gives the block for a request: the caller's own for a call that waits, else a copy; one that
+/// cannot be copied raises `NSInvalidArgumentException`.
+template <class Receiver, class F>
+[[nodiscard]] NSRef<NSBlock> ZKBlockForRequest(F&& block, bool wait) {
+  if (wait) return ZKBorrowBlock<Receiver>(block);
+  if constexpr (std::is_constructible_v<std::decay_t<F>, F>) {
+    return NSMakeBlock<Receiver>(std::forward<F>(block));
+  } else {
+    NSException::raise(NSInvalidArgumentException, "the block cannot be copied");
+  }
+}
+
+template <class Receiver, class F>
+NSRef<NSBlock> performBlock_afterDelay(const NSRef<Receiver>& receiver, F&& block, NSDelay delay) {
+  NSCheckArgument("performBlock:afterDelay:", "receiver", receiver);
+  auto copy = NSMakeBlock<Receiver>(std::forward<F>(block));
+  receiver->performSelector_withObject_afterDelay(ZKInvokeTargetBlockSelector(), copy, delay);
+  return copy;
+}
+
+template <class Receiver, class F>
+NSRef<NSBlock> performBlock_afterDelay_inModes(const NSRef<Receiver>& receiver, F&& block,
+                                               NSDelay delay, const NSRef<NSArray>& modes) {
+  NSCheckArgument("performBlock:afterDelay:inModes:", "receiver", receiver);
+  auto copy = NSMakeBlock<Receiver>(std::forward<F>(block));
+  receiver->performSelector_withObject_afterDelay_inModes(ZKInvokeTargetBlockSelector(), copy,
+                                                          delay, modes);
+  return copy;
+}
+
+template <class Receiver, class F>
+void performBlockOnMainThread(const NSRef<Receiver>& receiver, F&& block) {
+  if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
+    NSRef<NSBlock> held = std::forward<F>(block);
+    if (!held) return;
+    performBlockOnMainThread(receiver, [held = std::move(held)] { held->invoke(nullptr); });
+  } else if (NSIsNilCallable(block)) {
+    return;
+  } else if (NSThread::isMainThread()) {
+    block();
+  } else {
+    dispatch_async(dispatch_get_main_queue(), std::forward<F>(block));
+  }
+}
+
+template <class Receiver, class F>
+void performBlockOnMainThread_waitUntilDone(const NSRef<Receiver>& receiver, F&& block, bool wait) {
+  NSCheckArgument("performBlockOnMainThread:waitUntilDone:", "receiver", receiver);
+  receiver->performSelectorOnMainThread_withObject_waitUntilDone(
+      ZKInvokeTargetBlockSelector(), ZKBlockForRequest<Receiver>(std::forward<F>(block), wait),
+      wait);
+}
+
+template <class Receiver, class F>
+void performBlockOnMainThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, F&& block,
+                                                  bool wait, const NSRef<NSArray>& modes) {
+  NSCheckArgument("performBlockOnMainThread:waitUntilDone:modes:", "receiver", receiver);
+  receiver->performSelectorOnMainThread_withObject_waitUntilDone_modes(
+      ZKInvokeTargetBlockSelector(), ZKBlockForRequest<Receiver>(std::forward<F>(block), wait),
+      wait, modes);
+}
+
+template <class Receiver, class F>
+void performBlock_onThread_waitUntilDone(const NSRef<Receiver>& receiver, F&& block,
+                                         const NSRef<NSThread>& thread, bool wait) {
+  NSCheckArgument("performBlock:onThread:waitUntilDone:", "receiver", receiver);
+  receiver->performSelector_onThread_withObject_waitUntilDone(
+      ZKInvokeTargetBlockSelector(), thread,
+      ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait);
+}
+
+template <class Receiver, class F>
+void performBlock_onThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, F&& block,
+                                               const NSRef<NSThread>& thread, bool wait,
+                                               const NSRef<NSArray>& modes) {
+  NSCheckArgument("performBlock:onThread:waitUntilDone:modes:", "receiver", receiver);
+  receiver->performSelector_onThread_withObject_waitUntilDone_modes(
+      ZKInvokeTargetBlockSelector(), thread,
+      ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait, modes);
+}
+
+template <class Receiver, class F>
+void performBlockInBackground(const NSRef<Receiver>& receiver, F&& block) {
+  NSCheckArgument("performBlockInBackground:", "receiver", receiver);
+  receiver->performSelectorInBackground_withObject(
+      NSMakeSelector<"ZK_invokeTargetBlockWithAutoreleasePool:",
+                     &ZK_invokeTargetBlockWithAutoreleasePool>(),
+      NSMakeBlock<Receiver>(std::forward<F>(block)));
+}
+
+template <class Receiver, class F>
+void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& block,
+                                        const dispatch_queue_t& queue, bool wait) {
+  NSCheckArgument("performBlock:onQueue:waitUntilDone:", "receiver", receiver);
+  if (!queue) {
+    NSException::raise(NSInvalidArgumentException,
+                       "aQueue is NULL (in 'performBlock:onQueue:waitUntilDone:')");
+  }
+  auto request = ZKBlockForRequest<Receiver>(std::forward<F>(block), wait);
+  if (wait) {
+    // The block may change the caller's own reference to the receiver.
+    dispatch_sync(queue, [target = receiver, &request] { ZK_invokeTargetBlock(target, request); });
+  } else {
+    dispatch_async(queue, [target = NSRef<NSObject>(receiver), copy = std::move(request)] {
+      ZK_invokeTargetBlockWithAutoreleasePool(target, copy);
+    });
+  }
+}
+
+}  // namespace ZKFoundationExtensions
