@@ -115,12 +115,12 @@ namespace {
 // For each degree compiled by itself, so that its loops are unrolled.
 template <std::size_t degree>
 NSPoint bezier(const NSPoint* points, double t, NSPoint* left, NSPoint* right) {
-  std::array<ZKPair, degree + 1> row;
+  std::array<ZKVector, degree + 1> row;
   std::copy_n(points, row.size(), row.begin());
   for (std::size_t step = 0; step < degree; ++step) {
     if (left != nullptr) left[step] = row[0].point();
     if (right != nullptr) right[degree - step] = row[degree - step].point();
-    for (std::size_t k = 0; k < degree - step; ++k) row[k] = ZKBetween(row[k], row[k + 1], t);
+    for (std::size_t k = 0; k < degree - step; ++k) row[k] = ZKLerp(row[k], row[k + 1], t);
   }
   const NSPoint point = row[0].point();
   if (left != nullptr) left[degree] = point;
@@ -285,9 +285,9 @@ int ZKFindRoots(const NSPoint* points, double* t, int depth) {
 
 NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p) {
   const ZKCubic c = ZKCubicFrom(p, points);
-  const std::array<ZKPair, 3> d = {(points[1] - ZKPair(points[0])) * 3,
-                                   (points[2] - ZKPair(points[1])) * 3,
-                                   (points[3] - ZKPair(points[2])) * 3};
+  const std::array<ZKVector, 3> d = {(points[1] - ZKVector(points[0])) * 3,
+                                     (points[2] - ZKVector(points[1])) * 3,
+                                     (points[3] - ZKVector(points[2])) * 3};
   const ZKPolygon quintic = ZKDistanceQuintic(c, d);
   RootSearch search(0);
   if (ZKCrossings(quintic) != 0) search.search(quintic);

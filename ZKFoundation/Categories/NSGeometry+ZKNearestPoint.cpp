@@ -22,9 +22,9 @@ struct Nearest {
 // A cubic seen from the point, and what its distance depends on at a parameter.
 class Distance {
  public:
-  Distance(const ZKCubic& curve, const std::array<ZKPair, 3>& derivative) : _curve(curve) {
+  Distance(const ZKCubic& curve, const std::array<ZKVector, 3>& derivative) : _curve(curve) {
     double fastest = 0;
-    for (const ZKPair v : derivative) fastest = std::max(fastest, dot(v, v));
+    for (const ZKVector v : derivative) fastest = std::max(fastest, dot(v, v));
     _standstill = 0x1p-20 * fastest;
   }
 
@@ -41,7 +41,7 @@ class Distance {
     if (value.speed <= _standstill) addAround(t, value, nearest);
   }
 
-  bool standsStill(ZKPair derivative) const { return dot(derivative, derivative) <= _standstill; }
+  bool standsStill(ZKVector derivative) const { return dot(derivative, derivative) <= _standstill; }
 
  private:
   struct Value {
@@ -54,14 +54,14 @@ class Distance {
   };
   Value at(double t) const {
     const auto& [v0, v1, v2, v3] = _curve;
-    const ZKPair v01 = ZKBetween(v0, v1, t);
-    const ZKPair v12 = ZKBetween(v1, v2, t);
-    const ZKPair v23 = ZKBetween(v2, v3, t);
-    const ZKPair v012 = ZKBetween(v01, v12, t);
-    const ZKPair v123 = ZKBetween(v12, v23, t);
-    const ZKPair point = ZKBetween(v012, v123, t);
-    const ZKPair first = (v123 - v012) * 3;
-    const ZKPair second = (v23 - v12 - (v12 - v01)) * 6;
+    const ZKVector v01 = ZKLerp(v0, v1, t);
+    const ZKVector v12 = ZKLerp(v1, v2, t);
+    const ZKVector v23 = ZKLerp(v2, v3, t);
+    const ZKVector v012 = ZKLerp(v01, v12, t);
+    const ZKVector v123 = ZKLerp(v12, v23, t);
+    const ZKVector point = ZKLerp(v012, v123, t);
+    const ZKVector first = (v123 - v012) * 3;
+    const ZKVector second = (v23 - v12 - (v12 - v01)) * 6;
     const double speed = dot(first, first);
     return {dot(point, point), dot(point, first), speed + dot(point, second), speed};
   }
@@ -148,17 +148,17 @@ void searchRoots(const Distance& distance, const ZKPolygon& w, double low, doubl
 NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p) {
   ZKCubic curve = ZKCubicFrom(p, points);
   double size = 0;
-  for (const ZKPair v : curve) {
+  for (const ZKVector v : curve) {
     // Of NaN there is no greatest.
     if (!std::isfinite(v.x()) || !std::isfinite(v.y())) return ZKNearestPointOnCurve(points, t, p);
     size = std::max({size, std::abs(v.x()), std::abs(v.y())});
   }
   // To about 1, so that neither squares nor products leave the range of doubles.
   const int exponent = size > 0 ? std::clamp(std::ilogb(size), -1000, 1000) : 0;
-  for (ZKPair& v : curve) v = v * std::ldexp(1.0, -exponent);
+  for (ZKVector& v : curve) v = v * std::ldexp(1.0, -exponent);
 
-  const std::array<ZKPair, 3> derivative = {(curve[1] - curve[0]) * 3, (curve[2] - curve[1]) * 3,
-                                            (curve[3] - curve[2]) * 3};
+  const std::array<ZKVector, 3> derivative = {(curve[1] - curve[0]) * 3, (curve[2] - curve[1]) * 3,
+                                              (curve[3] - curve[2]) * 3};
   const Distance distance(curve, derivative);
   Nearest nearest = {0, dot(curve[0], curve[0])};
   if (distance.standsStill(derivative[0])) distance.addStationary(0, nearest);
