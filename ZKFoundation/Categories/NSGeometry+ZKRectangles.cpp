@@ -52,7 +52,7 @@ void moveHandle(NSRect& rect, NSUInteger handle, NSPoint p) {
 NSUInteger handleAfterMove(const NSRect& moved, NSUInteger handle, NSPoint p) {
   const CGFloat nx = NSMaxX(moved);
   const CGFloat ny = NSMaxY(moved);
-  // For the handles of the max-x edge, whether it is still behind the min-x edge.
+  // For the handles of the max-x edge, whether it has not passed the min-x edge.
   const bool keepsX = nx >= NSMinX(moved);
   switch (handle) {
     case ZKHandleMinXEdge:
@@ -170,10 +170,8 @@ NSRect ZKExtendRectByPoint(NSRect rect, NSPoint p) {
 }
 
 NSRect ZKUnionRect(NSRect a, NSRect b) {
-  const auto smaller = [](CGFloat u, CGFloat v) { return u < v ? u : v; };
-  const auto larger = [](CGFloat u, CGFloat v) { return u < v ? v : u; };
-  return ZKMakeRectFromTwoPoints({smaller(NSMinX(a), NSMinX(b)), smaller(NSMinY(a), NSMinY(b))},
-                                 {larger(NSMaxX(a), NSMaxX(b)), larger(NSMaxY(a), NSMaxY(b))});
+  return ZKMakeRectFromTwoPoints({std::min(NSMinX(b), NSMinX(a)), std::min(NSMinY(b), NSMinY(a))},
+                                 {std::max(NSMaxX(a), NSMaxX(b)), std::max(NSMaxY(a), NSMaxY(b))});
 }
 
 NSRect ZKNormalizedRect(NSRect rect) {
