@@ -12,7 +12,7 @@
 
 namespace {
 
-// Whether objects are kind of a class. Classes recur: the answers for some are kept.
+// Tells whether objects are kind of a class. Classes recur: the answers for some are kept.
 class KindOfClass {
  public:
   explicit KindOfClass(NSClass aClass) : _class(aClass) {}

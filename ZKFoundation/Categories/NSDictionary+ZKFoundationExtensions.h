@@ -6,7 +6,7 @@
 namespace ZKFoundationExtensions {
 
 /// Sets what the other dictionary has for the keys, whether or not there is an object for a key
-/// already. Keys that it has no object for are passed over; nil is an empty dictionary. The keys
+/// already. Ignores keys that it has no object for; nil is an empty dictionary. The keys
 /// are a collection of any kind, taken in its order; nil has none.
 template <class Keys>
 void addEntriesFromDictionary_withKeys(const NSRef<NSMutableDictionary>& dictionary,

@@ -6,8 +6,9 @@
 namespace ZKFoundationExtensions {
 
 /// Whether the error says that a file does not exist: ENOENT of `NSPOSIXErrorDomain`,
-/// `NSFileNoSuchFileError` or `NSFileReadNoSuchFileError` of `NSCocoaErrorDomain`. Another domain
-/// of the same text is another one. A nil error raises `NSInvalidArgumentException`.
-ZK_EXPORT bool isFileNotFoundError(const NSRef<NSError>& error);
+/// `NSFileNoSuchFileError` or `NSFileReadNoSuchFileError` of `NSCocoaErrorDomain`. Domains
+/// are compared as objects: one of the same text does not count. A nil error raises
+/// `NSInvalidArgumentException`.
+[[nodiscard]] ZK_EXPORT bool isFileNotFoundError(const NSRef<NSError>& error);
 
 }  // namespace ZKFoundationExtensions

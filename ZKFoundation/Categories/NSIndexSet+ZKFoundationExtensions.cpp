@@ -18,7 +18,7 @@ NSRef<NSMutableIndexSet> indexesInRange(const NSRef<NSIndexSet>& indexes, NSRang
                        [](const NSRange& run, NSUInteger index) { return run.location < index; });
   std::vector<NSRange> part(first, end);
   if (!part.empty()) {
-    // The run at the one end may begin before the range, that at the other may end behind it.
+    // The first run may begin before the range, the last one end after it.
     part.front() = NSIntersectionRange(part.front(), range);
     part.back() = NSIntersectionRange(part.back(), range);
   }

@@ -5,13 +5,14 @@
 
 namespace ZKFoundationExtensions {
 
-/// A new set of the indexes that lie in the range. A range that would pass the largest index ends
+/// Makes a set of the indexes that lie in the range. A range that would pass the largest index ends
 /// there.
-ZK_EXPORT NSRef<NSMutableIndexSet> indexesInRange(const NSRef<NSIndexSet>& indexes, NSRange range);
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableIndexSet> indexesInRange(const NSRef<NSIndexSet>& indexes,
+                                                                NSRange range);
 
-/// The indexes in ascending order, in decimal, with the separator between them: "2, 5, 7". An empty
-/// set gives the empty string; a nil separator is written as "(null)".
-ZK_EXPORT NSRef<NSString> stringValueWithSeparator(const NSRef<NSIndexSet>& indexes,
-                                                   const NSRef<NSString>& separator);
+/// Writes the indexes in ascending order, in decimal, with the separator between them: "2, 5, 7".
+/// An empty set gives the empty string; a nil separator is written as "(null)".
+[[nodiscard]] ZK_EXPORT NSRef<NSString> stringValueWithSeparator(const NSRef<NSIndexSet>& indexes,
+                                                                 const NSRef<NSString>& separator);
 
 }  // namespace ZKFoundationExtensions

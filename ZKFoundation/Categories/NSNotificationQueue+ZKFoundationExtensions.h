@@ -26,15 +26,17 @@ ZK_EXPORT void enqueueNotificationInMainThread_postingStyle(NSRef<NSNotification
 /// shorter array raises `NSRangeException`.
 ZK_EXPORT void _mainThreadEnqueue(const NSRef<NSArray>& pair);
 
-/// Makes the notification and enqueues it, coalesced by name and sender, in the default mode.
+/// Makes the notification, without user info, and enqueues it, coalesced by name and sender, in the
+/// default mode.
 ZK_EXPORT void enqueueNotificationName_object_postingStyle(const NSRef<NSNotificationQueue>& queue,
                                                            const NSRef<NSString>& name,
                                                            const NSRef<NSObject>& object,
                                                            NSUInteger postingStyle);
+/// Makes the notification and enqueues it, coalesced by name and sender, in the default mode.
 ZK_EXPORT void enqueueNotificationName_object_userInfo_postingStyle(
     const NSRef<NSNotificationQueue>& queue, const NSRef<NSString>& name,
     const NSRef<NSObject>& object, const NSRef<NSDictionary>& userInfo, NSUInteger postingStyle);
-/// The same, coalesced as the mask says and in those modes.
+/// Makes the notification and enqueues it, coalesced as the mask says, in those modes.
 ZK_EXPORT void enqueueNotificationName_object_userInfo_postingStyle_coalesceMask_forModes(
     const NSRef<NSNotificationQueue>& queue, const NSRef<NSString>& name,
     const NSRef<NSObject>& object, const NSRef<NSDictionary>& userInfo, NSUInteger postingStyle,
@@ -47,8 +49,8 @@ ZK_EXPORT void dequeueNotificationsMatching_object_coalesceMask(
     const NSRef<NSObject>& object, std::uint32_t coalesceMask);
 
 /// Makes the calling thread's run loop do one pass without waiting, in the mode that it runs in or
-/// else in the default mode. So what waits for the end of a pass is posted. The queue itself plays
-/// no part.
+/// else in the default mode. This posts what waits for the end of a pass. The queue itself plays no
+/// part.
 ZK_EXPORT void firePendingNotifications(const NSRef<NSNotificationQueue>& queue);
 
 }  // namespace ZKFoundationExtensions

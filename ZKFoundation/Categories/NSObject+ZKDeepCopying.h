@@ -9,7 +9,7 @@
 /// pairs.
 using ZKCopySpec = NSInteger;
 
-/// What a class implements whose objects are copied together with the objects that they refer to.
+/// Lets the objects of a class be copied together with the objects that they refer to.
 ///
 /// A copy notes itself in the reference table before it copies what it refers to, and whoever is
 /// asked for a copy looks there first. So an object that is reached twice, or through a cycle, is
@@ -18,15 +18,15 @@ class ZK_EXPORT ZKDeepObjectCopyingProtocol {
  public:
   virtual ~ZKDeepObjectCopyingProtocol();
 
-  /// A copy under `copySpec`; what the object refers to is copied under `subCopySpec`. The table is
-  /// the same one throughout a copy: copies by their originals, which it compares by `isEqual`, so
-  /// that equal objects count as one. The zone is handed through.
-  virtual NSRef<NSObject> copyWithZone_refTable_copySpec_subCopySpec(
+  /// Makes a copy under `copySpec`; what the object refers to is copied under `subCopySpec`. The
+  /// table is the same one throughout a copy: copies by their originals, which it compares by
+  /// `isEqual`, so that equal objects count as one. The zone is handed through.
+  [[nodiscard]] virtual NSRef<NSObject> copyWithZone_refTable_copySpec_subCopySpec(
       NSZone* zone, const NSRef<NSMapTable>& refTable, ZKCopySpec copySpec,
       ZKCopySpec subCopySpec) const = 0;
 
-  /// The copy spec that the object really wants where 3, 4 or 5 is asked for.
-  virtual ZKCopySpec copySpec(ZKCopySpec requested) const = 0;
+  /// Gives the copy spec that the object really wants where 3, 4 or 5 is asked for.
+  [[nodiscard]] virtual ZKCopySpec copySpec(ZKCopySpec requested) const = 0;
 
  protected:
   ZKDeepObjectCopyingProtocol() = default;
@@ -36,19 +36,21 @@ class ZK_EXPORT ZKDeepObjectCopyingProtocol {
 
 namespace ZKFoundationExtensions {
 
-/// A copy of the object under the copy spec, with a reference table of its own. A copy spec of 3, 4
-/// or 5 is first put to the object's own `copySpec`. The result is split by
+/// Makes a copy of the object under the copy spec, with a reference table of its own. A copy spec
+/// of 3, 4 or 5 is first put to the object's own `copySpec`. The result is split by
 /// `copySpecForCopySpec_subCopySpec`; where that sets nothing, what the object refers to is copied
 /// under what was asked for at first.
 ///
 /// An object whose class does not implement `ZKDeepObjectCopyingProtocol` raises "Cannot copy
 /// object using copyWithZone:copySpec:". Nil when there is no memory for the table. A nil object
 /// raises `NSInvalidArgumentException`.
-ZK_EXPORT NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zone,
-                                                ZKCopySpec copySpec);
+[[nodiscard]] ZK_EXPORT NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object,
+                                                              NSZone* zone, ZKCopySpec copySpec);
 
-/// The same with no zone. The exception is "Cannot copy object using copyWithCopySpec".
-ZK_EXPORT NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object, ZKCopySpec copySpec);
+/// Makes a copy as `copyWithZone_copySpec` does, with no zone. The exception is "Cannot copy object
+/// using copyWithCopySpec".
+[[nodiscard]] ZK_EXPORT NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object,
+                                                         ZKCopySpec copySpec);
 
 /// Splits a copy spec: gives the object's own and sets the one for the objects that it refers
 /// to. 6 is 3 and 1, 7 is 0 and 3, 8 is 0 and 4; any other is given back and sets nothing. A null

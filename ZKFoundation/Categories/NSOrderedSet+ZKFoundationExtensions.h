@@ -15,10 +15,10 @@ ZK_EXPORT void makeObjectsPerformBlock(
     const NSRef<NSOrderedSet>& set,
     NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock);
 
-/// What the transformator makes of each member, in their order, `NSNull` where it answers nil; of
-/// equal results the first stays. Nil without a transformator. Changes that the transformator makes
-/// to the set do not count.
-ZK_EXPORT NSRef<NSOrderedSet> transformedOrderedSetUsingTransformator(
+/// Gives what the transformator makes of each member, in their order, `NSNull` where it answers
+/// nil; of equal results the first stays. Nil without a transformator. Changes that the
+/// transformator makes to the set do not count.
+[[nodiscard]] ZK_EXPORT NSRef<NSOrderedSet> transformedOrderedSetUsingTransformator(
     const NSRef<NSOrderedSet>& set, ZKTransformator transformator);
 
 }  // namespace ZKFoundationExtensions

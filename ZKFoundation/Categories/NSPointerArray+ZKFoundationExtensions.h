@@ -5,18 +5,19 @@
 
 namespace ZKFoundationExtensions {
 
-/// A new pointer array that neither retains nor releases what it points to, and does not notice
+/// Makes a pointer array that neither retains nor releases what it points to, and does not notice
 /// when that dies.
-ZK_EXPORT NSRef<NSPointerArray> zk_pointerArrayWithWeakObjects();
+[[nodiscard]] ZK_EXPORT NSRef<NSPointerArray> zk_pointerArrayWithWeakObjects();
 
-/// The last pointer; null when the array is empty.
-ZK_EXPORT void* lastPointer(const NSRef<NSPointerArray>& array);
+/// Gives the last pointer; null when the array is empty.
+[[nodiscard]] ZK_EXPORT void* lastPointer(const NSRef<NSPointerArray>& array);
 
 /// Removes the last occurrence of the pointer, which may be null; false when there is none.
 ZK_EXPORT bool removePointerIdenticalTo(const NSRef<NSPointerArray>& array, const void* pointer);
 
 /// Whether the pointer, which may be null, is an element.
-ZK_EXPORT bool containsPointer(const NSRef<NSPointerArray>& array, const void* pointer);
+[[nodiscard]] ZK_EXPORT bool containsPointer(const NSRef<NSPointerArray>& array,
+                                             const void* pointer);
 
 /// Appends the other array's pointers in their order, nulls too. A nil array has none; the other
 /// array may be the same.

@@ -8,8 +8,8 @@
 
 namespace ZKFoundationExtensions {
 
-/// The file URL of a path that no URL of the array has, apart from extensions: the path itself if
-/// that is free, else with a number before its extension, as
+/// Gives the file URL of a path that no URL of the array has, apart from extensions: the path
+/// itself if that is free, else with a number before its extension, as
 /// `uniqueStringWithString_forStringArray` finds it. "/d/report.txt" beside "/d/report.pdf" gives
 /// "/d/report1.txt".
 ///
@@ -18,15 +18,15 @@ namespace ZKFoundationExtensions {
 /// without extension another URL may well have. A URL that is no file URL is given back itself. Nil
 /// for a path that is not UTF-8 or that no file can have; a nil array is empty. As of every path,
 /// the result ends with "/" if there is a directory.
-ZK_EXPORT NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url,
-                                                    const NSRef<NSArray>& urls);
+[[nodiscard]] ZK_EXPORT NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url,
+                                                                  const NSRef<NSArray>& urls);
 
 /// Whether the query has "applesecurityscope=", or there is no query.
-ZK_EXPORT bool isSecurityScoped(const NSRef<NSURL>& url);
+[[nodiscard]] ZK_EXPORT bool isSecurityScoped(const NSRef<NSURL>& url);
 
-/// The file URL of the path alone, also of "http://a.b/c"; nil for an empty path, for one that is
-/// not UTF-8 or that no file can have, and for a URL without hierarchy. The URL itself when it is
-/// not security-scoped.
-ZK_EXPORT NSRef<NSURL> strippedSecurityScopedURL(const NSRef<NSURL>& url);
+/// Gives the file URL of the path alone, also of "http://a.b/c"; nil for an empty path, for one
+/// that is not UTF-8 or that no file can have, and for a URL without hierarchy. The URL itself when
+/// it is not security-scoped.
+[[nodiscard]] ZK_EXPORT NSRef<NSURL> strippedSecurityScopedURL(const NSRef<NSURL>& url);
 
 }  // namespace ZKFoundationExtensions

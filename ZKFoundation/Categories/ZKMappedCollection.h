@@ -7,11 +7,12 @@
 #include <Foundation/detail/ObjectVector.h>
 #include <ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h>
 
-/// A collection of what the transformator makes of the elements. Nil without a transformator, and
-/// when there is no memory for as many references. The elements are a copy of their collection's,
-/// which the transformator may change.
+/// Makes a collection of what the transformator makes of the elements. Nil without a transformator,
+/// and when there is no memory for as many references. The elements are a copy of their
+/// collection's, which the transformator may change.
 template <class Collection>
-NSRef<Collection> ZKMappedCollection(NSObjectVector&& elements, ZKTransformator transformator) {
+[[nodiscard]] NSRef<Collection> ZKMappedCollection(NSObjectVector&& elements,
+                                                   ZKTransformator transformator) {
   if (!transformator) return nullptr;
   NSObjectVector results;
   try {

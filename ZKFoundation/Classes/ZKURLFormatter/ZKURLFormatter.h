@@ -14,15 +14,15 @@ class ZK_EXPORT ZKURLFormatter : public NSFormatter {
   /// Reads what `encodeWithCoder` has written; without schemes every scheme is allowed.
   explicit ZKURLFormatter(const NSRef<NSCoder>& coder);
 
-  /// The schemes that are accepted, as strings, in the order in which a refusal lists them. They
-  /// are compared letter by letter: "HTTP" is another one. Nil accepts every scheme.
-  NSRef<NSArray> allowedSchemes() const noexcept;
+  /// Gives the schemes that are accepted, as strings, in the order in which a refusal lists them.
+  /// They are compared letter by letter: "HTTP" is another one. Nil accepts every scheme.
+  [[nodiscard]] NSRef<NSArray> allowedSchemes() const noexcept;
   /// Keeps a copy.
   void setAllowedSchemes(const NSRef<NSArray>& schemes);
 
-  /// A string as it is, the path of a file URL, the text of any other URL, and the empty string
-  /// for everything else, nil too.
-  NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
+  /// Gives a string as it is, the path of a file URL, the text of any other URL, and the empty
+  /// string for everything else, nil too.
+  [[nodiscard]] NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
 
   /// Gives true when the text is acceptable:
   ///
@@ -35,20 +35,21 @@ class ZK_EXPORT ZKURLFormatter : public NSFormatter {
   /// | the same without a scheme, with a "." somewhere: "a.b/c" | the URL "http://a.b/c" |
   ///
   /// Else it gives false with the reason in `*error`, which is nil after success and may be null:
-  /// "Invalid filesystem path", "Invalid URL", or "URL protocol must be %@" with the allowed
-  /// schemes behind it, percent sign and all. The object is nil then if the text is no URL at all
-  /// or has neither a scheme nor a ".", and the refused URL otherwise.
+  /// "Invalid filesystem path", "Invalid URL", or "URL protocol must be %@", percent sign and all,
+  /// followed by the allowed schemes. The object is nil then if the text is no URL at all or has
+  /// neither a scheme nor a ".", and the refused URL otherwise.
   bool getObjectValue_forString_errorDescription(NSRef<NSObject>& object,
                                                  const NSRef<NSString>& string,
                                                  NSRef<NSString>* error) const override;
 
   /// Writes the schemes.
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
-  /// "allowedSchemes" besides what every object publishes.
-  const NSPropertyTable& propertyTable() const override;
+  /// Publishes "allowedSchemes" besides what every object does.
+  [[nodiscard]] const NSPropertyTable& propertyTable() const override;
 
  private:
-  NSRef<NSString> objectForAddress(NSRef<NSObject>& object, const NSRef<NSString>& string) const;
+  [[nodiscard]] NSRef<NSString> objectForAddress(NSRef<NSObject>& object,
+                                                 const NSRef<NSString>& string) const;
 
   NSRef<NSArray> _allowedSchemes;
 };

@@ -23,7 +23,7 @@ constexpr std::array<double, prefixCount> binaryFactors = {0x1p10, 0x1p20, 0x1p3
 constexpr std::array<double, prefixCount> decimalFactors = {1e3, 1e6, 1e9, 1e12, 1e15, 1e18};
 
 // Where the texts are: four names for each prefix (of bytes in the long and the short form, then of
-// bits), and behind them these.
+// bits), followed by these.
 constexpr std::size_t namesPerPrefix = 4;
 enum Text : std::size_t { bytesText = prefixCount * namesPerPrefix, bitsText, patternText };
 

@@ -48,49 +48,57 @@ class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
   /// formatter; without that numbers are written as "(null)".
   explicit ZKUnitOfInformationFormatter(const NSRef<NSCoder>& coder);
 
-  /// The formatter of the number, whose settings may be changed.
-  NSRef<NSNumberFormatter> numberFormatter() const noexcept { return _numberFormatter; }
+  /// Gives the formatter of the number, whose settings may be changed.
+  [[nodiscard]] NSRef<NSNumberFormatter> numberFormatter() const noexcept {
+    return _numberFormatter;
+  }
 
   /// Whether bytes are shown, not bits.
-  bool displaysInTermsOfBytes() const noexcept { return _displaysInTermsOfBytes; }
+  [[nodiscard]] bool displaysInTermsOfBytes() const noexcept { return _displaysInTermsOfBytes; }
   void setDisplaysInTermsOfBytes(bool displays) noexcept { _displaysInTermsOfBytes = displays; }
   /// Whether prefixes are powers of 1,024, not of 1,000.
-  bool usesIECBinaryPrefixesForCalculation() const noexcept { return _calculatesInBinary; }
+  [[nodiscard]] bool usesIECBinaryPrefixesForCalculation() const noexcept {
+    return _calculatesInBinary;
+  }
   void setUsesIECBinaryPrefixesForCalculation(bool uses) noexcept { _calculatesInBinary = uses; }
   /// Whether units are called "KiB" or "Kibit", not "KB" or "kbit".
-  bool usesIECBinaryPrefixesForDisplay() const noexcept { return _displaysBinaryNames; }
+  [[nodiscard]] bool usesIECBinaryPrefixesForDisplay() const noexcept {
+    return _displaysBinaryNames;
+  }
   void setUsesIECBinaryPrefixesForDisplay(bool uses) noexcept { _displaysBinaryNames = uses; }
 
-  /// The factor of the prefix: 1,024 or 1,000 to the power of one more than its number. A subclass
-  /// may have others; all scaling asks here.
-  virtual double scaleFactorForPrefix(NSInteger prefix) const;
-  /// The greatest prefix above kilo whose factor the number exceeds, else kilo. A negative number
-  /// counts as its 64 bits without a sign.
-  NSInteger prefixForInteger(NSInteger number) const;
+  /// Gives the factor of the prefix: 1,024 or 1,000 to the power of one more than its number. A
+  /// subclass may have others; all scaling asks here.
+  [[nodiscard]] virtual double scaleFactorForPrefix(NSInteger prefix) const;
+  /// Finds the greatest prefix above kilo whose factor the number exceeds, else kilo. A negative
+  /// number counts as its 64 bits without a sign.
+  [[nodiscard]] NSInteger prefixForInteger(NSInteger number) const;
 
-  /// `stringFromNumberOfBits` of a number, nil for anything else.
-  NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
-  /// The text of so many bits. What is below one kilo, and so everything negative, is not scaled.
+  /// Gives `stringFromNumberOfBits` of a number, nil for anything else.
+  [[nodiscard]] NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
+  /// Writes so many bits. What is below one kilo, and so everything negative, is not scaled.
   /// A nil number raises `NSInvalidArgumentException`, here and below.
-  NSRef<NSString> stringFromNumberOfBits(const NSRef<NSNumber>& number) const;
-  /// The text of so many units, fractions cut off. The number of bits wraps around in 64 bits.
-  NSRef<NSString> stringFromNumber_ofUnit(const NSRef<NSNumber>& number, NSInteger unit) const;
-  /// The text of so many times the prefix's factor of units: 2 of `ZKUnitOfInformationByte` with
+  [[nodiscard]] NSRef<NSString> stringFromNumberOfBits(const NSRef<NSNumber>& number) const;
+  /// Writes so many units, fractions cut off. The number of bits wraps around in 64 bits.
+  [[nodiscard]] NSRef<NSString> stringFromNumber_ofUnit(const NSRef<NSNumber>& number,
+                                                        NSInteger unit) const;
+  /// Writes so many times the prefix's factor of units: 2 of `ZKUnitOfInformationByte` with
   /// `ZKUnitOfInformationPrefixMega` are "2 MB". Fractions are cut off before and after; a product
   /// that does not fit 64 bits stops at their limit.
-  NSRef<NSString> stringFromNumber_ofUnit_withPrefix(const NSRef<NSNumber>& number, NSInteger unit,
-                                                     NSInteger prefix) const;
-  /// The number as it is, in the current locale's way, neither scaled nor in groups: "1536 bytes".
-  /// It already counts what is shown, bytes or bits.
-  NSRef<NSString> nativeStringFromNumber(const NSRef<NSNumber>& number) const;
+  [[nodiscard]] NSRef<NSString> stringFromNumber_ofUnit_withPrefix(const NSRef<NSNumber>& number,
+                                                                   NSInteger unit,
+                                                                   NSInteger prefix) const;
+  /// Writes the number as it is, in the current locale's way, neither scaled nor in groups: "1536
+  /// bytes". It already counts what is shown, bytes or bits.
+  [[nodiscard]] NSRef<NSString> nativeStringFromNumber(const NSRef<NSNumber>& number) const;
 
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
-  /// The number formatter and the three switches besides what every object publishes.
-  const NSPropertyTable& propertyTable() const override;
+  /// Publishes the number formatter and the three switches besides what every object does.
+  [[nodiscard]] const NSPropertyTable& propertyTable() const override;
 
  private:
-  NSRef<NSString> localized(std::size_t text) const;
-  NSRef<NSString> joined(std::u16string_view number, std::size_t unit) const;
+  [[nodiscard]] NSRef<NSString> localized(std::size_t text) const;
+  [[nodiscard]] NSRef<NSString> joined(std::u16string_view number, std::size_t unit) const;
 
   NSRef<NSNumberFormatter> _numberFormatter;
   // What the main bundle has for the names of units and the pattern. Looked up when they are
