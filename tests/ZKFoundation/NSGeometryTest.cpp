@@ -305,7 +305,7 @@ TEST(NSRect, IsLookedForInArrays) {
   rects->addObject(u"text"_ns);
   EXPECT_TRUE(ZKPointInRects(rects, {12, 4}));
   expectRaises(NSInvalidArgumentException, "an element is not an NSValue (in 'ZKPointInRects')",
-               [&] { ZKPointInRects(rects, NSMakePoint(7, 7)); });
+               [&] { return ZKPointInRects(rects, NSMakePoint(7, 7)); });
 }
 
 TEST(NSGeometry, HasNamesThatOtherLanguagesFind) {

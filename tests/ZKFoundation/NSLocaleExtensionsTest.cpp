@@ -107,7 +107,7 @@ struct GrowingItem : ZKLocaleEntity {
 
 TEST(ZKLocaleEntity, NoticesAListThatChanges) {
   expectRaises(NSGenericException, "NSMutableArray was mutated while being enumerated", [] {
-    ZKLocaleEntity::entitiesForLocaleIdentifiers<GrowingItem>(GrowingItem::identifiers());
+    return ZKLocaleEntity::entitiesForLocaleIdentifiers<GrowingItem>(GrowingItem::identifiers());
   });
 }
 
