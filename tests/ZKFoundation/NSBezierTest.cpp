@@ -25,12 +25,10 @@ Polygon overUnitInterval(std::array<double, 6> heights, double unit = 1) {
 // Cubics and points of every kind, with coordinates drawn alike for a whole case.
 class Cases {
  public:
-  using Case = std::pair<Cubic, NSPoint>;
-
-  Case next() {
+  std::pair<Cubic, NSPoint> next() {
     const auto kind = draw(8);
     const auto any = [&] { return NSPoint{coordinate(kind), coordinate(kind)}; };
-    Case result = {{any(), any(), any(), any()}, any()};
+    std::pair<Cubic, NSPoint> result = {{any(), any(), any(), any()}, any()};
     auto& [v, p] = result;
     if (draw(5) == 0) v[1] = v[0];
     if (draw(5) == 0) v[2] = v[3];
@@ -49,20 +47,13 @@ class Cases {
   double coordinate(std::uint64_t kind) {
     constexpr std::array special = {0.0,    -0.0,   1.0,     -1.0,     1e154,     1e308, -1e308,
                                     1e-160, 1e-320, tiniest, infinity, -infinity, nan};
-    switch (kind) {
-      case 0:
-        return double(draw(7)) - 3;
-      case 1:
-        return double(draw(2001)) - 1000;
-      case 2:
-        return std::ldexp(number(), int(draw(1200)) - 600);
-      case 3:
-        return special[draw(special.size())];
-      case 4:
-        return number() * 1e-160;
-      default:
-        return number();
-    }
+    const std::array kinds = {double(draw(7)) - 3,
+                              double(draw(2001)) - 1000,
+                              std::ldexp(number(), int(draw(1200)) - 600),
+                              special[draw(special.size())],
+                              number() * 1e-160,
+                              number()};
+    return kinds[std::min(kind, kinds.size() - 1)];
   }
 
   std::mt19937_64 _engine{20};
@@ -196,16 +187,19 @@ TEST(NSBezier, RefinesNothingWithoutFiniteCoordinates) {
 }
 
 TEST(NSBezierDeathTest, StopsAtMoreRootsThanThereCanBe) {
-  // Halving the smallest of all numbers rounds, and makes up crossings.
-  std::array<double, 6> heights = {14, -108, 446, -1332, 3038, -4236};
-  std::array<double, 10> roots;
-  const std::string file = "NSGeometry\\+ZKFoundationExtensions\\.cpp:[0-9]+: ZKFindRoots: ";
-  const auto find = [&] {
-    ZKFindRoots(overUnitInterval(heights, tiniest).data(), roots.data(), 0);
-  };
-  EXPECT_DEATH(find(), file + "Assertion `left_count < 6' failed");
-  std::ranges::reverse(heights);
-  EXPECT_DEATH(find(), file + "Assertion `right_count < 6' failed");
+  // Halving the smallest of all numbers rounds, and makes up crossings: in the whole, and in a
+  // half.
+  using Heights = std::array<double, 6>;
+  for (Heights heights : {Heights{14, -108, 446, -1332, 3038, -4236},
+                          Heights{-2, -178, 2058, -16230, 101782, -502138}}) {
+    for (const std::string side : {"left", "right"}) {
+      double roots[10];
+      EXPECT_DEATH(ZKFindRoots(overUnitInterval(heights, tiniest).data(), roots, 0),
+                   "NSGeometry\\+ZKFoundationExtensions\\.cpp:[0-9]+: ZKFindRoots: Assertion `" +
+                       side + "_count < 6' failed");
+      std::ranges::reverse(heights);
+    }
+  }
 }
 
 TEST(NSBezier, PrefersEarlyParametersAtEqualDistances) {
