@@ -8,10 +8,8 @@ namespace {
 
 constexpr const char* wrongScheme = "URL protocol must be %@http, https, file, ssh";
 
-struct Outcome {
-  std::string object;  // "URL …", "text …" or "nil".
-  std::string error;   // Empty for none.
-};
+// "URL …", "text …" or "nil", and the error, empty for none.
+using Outcome = std::pair<std::string, std::string>;
 
 Outcome parse(const NSRef<ZKURLFormatter>& formatter, const char* text) {
   NSRef<NSObject> object = u"former"_ns, again;
@@ -56,9 +54,7 @@ TEST(ZKURLFormatter, ReadsWhatIsTyped) {
            {"http://:80/", "URL http://:80/", "Invalid URL"},
            {"a.b/c d", "nil", "Invalid URL"},
        }) {
-    const Outcome outcome = parse(formatter, text);
-    EXPECT_EQ(outcome.object, object) << text;
-    EXPECT_EQ(outcome.error, error) << text;
+    EXPECT_EQ(parse(formatter, text), Outcome(object, error)) << text;
   }
 }
 
@@ -67,13 +63,13 @@ TEST(ZKURLFormatter, RefusesSchemesThatAreNotAllowed) {
   const auto schemes = NSMake<NSMutableArray>({u"ftp"_ns});
   formatter->setAllowedSchemes(schemes);
   schemes->addObject(u"http"_ns);
-  EXPECT_EQ(parse(formatter, "ftp://a.b").error, "");
-  EXPECT_EQ(parse(formatter, "a.b").error, "URL protocol must be %@ftp");
+  EXPECT_EQ(parse(formatter, "ftp://a.b").second, "");
+  EXPECT_EQ(parse(formatter, "a.b").second, "URL protocol must be %@ftp");
   formatter->setAllowedSchemes(NSMake<NSArray>());
-  EXPECT_EQ(parse(formatter, "ftp://a.b").error, "URL protocol must be %@");
+  EXPECT_EQ(parse(formatter, "ftp://a.b").second, "URL protocol must be %@");
   formatter->setAllowedSchemes(nullptr);
-  EXPECT_EQ(parse(formatter, "ftp://a.b").error, "");
-  EXPECT_EQ(parse(formatter, "mailto:someone").error, "Invalid URL");
+  EXPECT_EQ(parse(formatter, "ftp://a.b").second, "");
+  EXPECT_EQ(parse(formatter, "mailto:someone").second, "Invalid URL");
 }
 
 TEST(ZKURLFormatter, RefusesPathsThatNoFileHas) {
