@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <vector>
 
 #include <Foundation/NSGeometry.h>
 
@@ -29,10 +30,12 @@ class BezierModel {
   /// Whether the last search came to its end by itself, and in order.
   bool hasEnded() const { return !_isLost; }
 
-  int findRoots(const NSPoint* w, double* t, int depth) {
+  const std::vector<double>& findRoots(const NSPoint* w, int depth) {
     _isLost = false;
     _calls = 0;
-    return search(w, t, depth, 0);
+    _roots.clear();
+    search(w, depth, 0);
+    return _roots;
   }
 
   NSPoint nearestPoint(const NSPoint* v, double* t, NSPoint p) {
@@ -49,18 +52,16 @@ class BezierModel {
         w[k].y += (d.x * c.x + d.y * c.y) * z[j][i];
       }
     }
-    std::array<double, 10> roots;
-    const int count = findRoots(w.data(), roots.data(), 0);
     const auto distance = [p](NSPoint q) {
       return (q.x - p.x) * (q.x - p.x) + (q.y - p.y) * (q.y - p.y);
     };
     double least = distance(v[0]);
     *t = 0;
-    for (int k = 0; k < count; ++k) {
-      const double other = distance(bezier(v, 3, roots[std::size_t(k)], nullptr, nullptr));
+    for (const double root : findRoots(w.data(), 0)) {
+      const double other = distance(bezier(v, 3, root, nullptr, nullptr));
       if (other < least) {
         least = other;
-        *t = roots[std::size_t(k)];
+        *t = root;
       }
     }
     if (distance(v[3]) < least) *t = 1;
@@ -85,37 +86,28 @@ class BezierModel {
     return 0.5 * (std::max(i1, i2) - std::min(i1, i2)) < std::ldexp(1.0, -65);
   }
 
-  int search(const NSPoint* w, double* t, int depth, int level) {
-    if (_isLost || level > 2150 || ++_calls > 15000) {
-      _isLost = true;
-      return 0;
-    }
+  // Adds the roots and gives their number.
+  int search(const NSPoint* w, int depth, int level) {
+    _isLost = _isLost || level > 2150 || ++_calls > 15000;
+    if (_isLost) return 0;
     int crossings = 0;
     for (int k = 1; k <= 5; ++k) crossings += (w[k - 1].y < 0) != (w[k].y < 0) ? 1 : 0;
     if (crossings == 0) return 0;
-    if (crossings == 1 && depth >= 64) {
-      t[0] = (w[0].x + w[5].x) * 0.5;
-      return 1;
-    }
-    if (crossings == 1 && isFlat(w)) {
+    if (crossings == 1 && (depth >= 64 || isFlat(w))) {
       const double width = w[5].x - w[0].x, height = w[5].y - w[0].y;
-      t[0] = (width * w[0].y - height * w[0].x) / (width * 0 - height);
+      _roots.push_back(depth >= 64 ? (w[0].x + w[5].x) * 0.5
+                                   : (width * w[0].y - height * w[0].x) / (width * 0 - height));
       return 1;
     }
     std::array<NSPoint, 6> left, right;
     bezier(w, 5, 0.5, left.data(), right.data());
-    std::array<double, 12> leftRoots, rightRoots;
-    const int leftCount = search(left.data(), leftRoots.data(), depth + 1, level + 1);
-    const int rightCount = search(right.data(), rightRoots.data(), depth + 1, level + 1);
-    if (_isLost || leftCount >= 6 || rightCount >= 6) {
-      _isLost = true;
-      return 0;
-    }
-    std::copy_n(leftRoots.begin(), leftCount, t);
-    std::copy_n(rightRoots.begin(), rightCount, t + leftCount);
+    const int leftCount = search(left.data(), depth + 1, level + 1);
+    const int rightCount = search(right.data(), depth + 1, level + 1);
+    _isLost = _isLost || leftCount >= 6 || rightCount >= 6;
     return leftCount + rightCount;
   }
 
+  std::vector<double> _roots;
   bool _isLost = false;
   int _calls = 0;
 };
