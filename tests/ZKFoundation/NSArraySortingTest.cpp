@@ -17,9 +17,6 @@ struct Card : Counted {
     return static_cast<NSComparisonResult>((key > other->key) - (key < other->key));
   }
   virtual std::strong_ordering order(const Card& other) const noexcept { return key <=> other.key; }
-  NSInteger compareObject(const NSRef<NSObject>& other) const {
-    return key - other.as<Card>()->key;
-  }
   bool isEqual(const NSRef<NSObject>& other) const override {
     return other.as<Card>() && other.as<Card>()->key == key;
   }
@@ -116,9 +113,8 @@ TEST(NSArraySorting, FindsEveryVeryObjectInEverySortedArray) {
     std::vector<int> looked;
     for (NSUInteger k = 0; k < keys.size(); ++k) {
       const auto object = array->objectAtIndex(k);
-      EXPECT_EQ(
-          indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object, &Card::compareObject),
-          k);
+      EXPECT_EQ(indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object, &Card::compare),
+                k);
       EXPECT_EQ(indexOfObject_identical_inArraySortedUsingFunction_context(array, object, true,
                                                                            compareAndNote, &looked),
                 k);

@@ -181,8 +181,7 @@ TEST(ZKGenericVisitor, ServesManyThreads) {
   };
   const auto visitor = NSMake<ZKGenericVisitor>();
   std::atomic<int> visits = 0;
-  onThreads(8, [&] {
-    bool stop = false;
+  onThreads(8, [&, stop = false]() mutable {
     for (int k = 0; k < 50; ++k) {
       const auto object = NSMake<Curious>(*visitor, k);
       if (!visitor->shouldVisitObject(object)) continue;
@@ -211,8 +210,7 @@ TEST(ZKGenericVisitor, WaitsForTheVisitThatIsGoingOn) {
   constexpr NSUInteger last = 30;
   const auto record = NSMake<ZKGenericVisitor>();
   std::atomic<NSUInteger> begun = 0;
-  const std::jthread visiting([&] {
-    bool stop = false;
+  const std::jthread visiting([&, stop = false]() mutable {
     for (NSUInteger k = 1; k <= last; ++k) record->visitObject_stop(NSMake<Slow>(begun, k), stop);
   });
   for (NSUInteger count = 0; count < last;) {

@@ -1,7 +1,5 @@
 #include "tests/Support.h"
 
-#include <filesystem>
-
 #include <ZKFoundation/ZKFoundation.h>
 
 namespace {

@@ -153,20 +153,17 @@ TEST(ZKUnitOfInformationFormatter, FormatsNumbersOnly) {
 }
 
 TEST(ZKUnitOfInformationFormatter, WritesNumbersAsTheyAreInTheLocale) {
-  const auto sizes = NSMake<ZKUnitOfInformationFormatter>();
-  const auto native = [&](auto number) {
-    return sizes->nativeStringFromNumber(NSMake<NSNumber>(number))->utf8();
-  };
-  {
-    const Habits habits("de");
-    EXPECT_EQ(native(1536), "1536 bytes");
-    EXPECT_EQ(native(-1536.25), "-1536,25 bytes");
-    sizes->setDisplaysInTermsOfBytes(false);
-    EXPECT_EQ(native(1e300), "1e+300 bits");
+  for (const auto& [locale, isInBytes, number, native] :
+       Rows<const char*, bool, double, const char*>{
+           {"de", true, 1536, "1536 bytes"},
+           {"de", true, -1536.25, "-1536,25 bytes"},
+           {"de", false, 1e300, "1e+300 bits"},
+           {"ar-EG", false, 1e5, "١٠٠٠٠٠ bits"},
+           {"ar-EG", false, 1234567890.5, "١٢٣٤٥٦٧٨٩٠٫٥ bits"}}) {
+    const Habits habits(locale);
+    const auto sizes = formatter(isInBytes, true, false);
+    EXPECT_EQ(sizes->nativeStringFromNumber(NSMake<NSNumber>(number))->utf8(), native);
   }
-  const Habits habits("ar-EG");
-  EXPECT_EQ(native(1e5), "١٠٠٠٠٠ bits");
-  EXPECT_EQ(native(1234567890.5), "١٢٣٤٥٦٧٨٩٠٫٥ bits");
 }
 
 TEST(ZKUnitOfInformationFormatter, FollowsTheLocaleAndTheTablesOfTheProgram) {
