@@ -49,14 +49,14 @@ class RemovedObjects {
     _index.insert(_objects.size(), hash);
     _objects.push_back(object);
   }
-  bool haveEqualOf(const NSRef<NSObject>& object) const {
+  [[nodiscard]] bool haveEqualOf(const NSRef<NSObject>& object) const {
     return find(object->hash(),
                 [&](const NSRef<NSObject>& other) { return NSEqualObjects{}(object, other); });
   }
 
  private:
   template <class IsWanted>
-  bool find(NSUInteger hash, IsWanted isWanted) const {
+  [[nodiscard]] bool find(NSUInteger hash, IsWanted isWanted) const {
     return _index.find(hash, [&](std::size_t k) { return isWanted(_objects[k]); }) !=
            NSHashIndex::notFound;
   }

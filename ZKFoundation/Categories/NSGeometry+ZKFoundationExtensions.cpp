@@ -234,20 +234,24 @@ class RootSearch {
     }
   }
 
-  std::span<const double> roots() const { return std::span(_roots).first(_rootCount); }
+  [[nodiscard]] std::span<const double> roots() const {
+    return std::span(_roots).first(_rootCount);
+  }
 
  private:
   static constexpr int deepest = 64;
   // Heights as far apart as doubles can be take 2,100 halvings, and five roots as many each; what
-  // goes on after that would never end. Roots that rounding makes up may be in each other deeper
-  // than the five of a polynomial.
+  // goes on after that would never end. Rounding may make up roots, and so more calls in each
+  // other than the five roots of a polynomial make.
   static constexpr int deepestLevel = 2200;
   static constexpr int mostPolygons = 5 * deepestLevel;
   static constexpr int deepestNesting = 16;
   static constexpr const char* leftCheck = "left_count < 6";
   static constexpr const char* rightCheck = "right_count < 6";
 
-  bool isEndless(int level) const { return level >= deepestLevel || _polygonCount > mostPolygons; }
+  [[nodiscard]] bool isEndless(int level) const {
+    return level >= deepestLevel || _polygonCount > mostPolygons;
+  }
 
   // Follows the one crossing of w down, and adds it; false when w has to be divided.
   bool addRoot(ZKPolygon& w, int& level) {

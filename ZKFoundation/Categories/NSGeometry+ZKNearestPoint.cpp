@@ -41,7 +41,9 @@ class Distance {
     if (value.speed <= _standstill) addAround(t, value, nearest);
   }
 
-  bool standsStill(ZKVector derivative) const { return dot(derivative, derivative) <= _standstill; }
+  [[nodiscard]] bool standsStill(ZKVector derivative) const {
+    return dot(derivative, derivative) <= _standstill;
+  }
 
  private:
   struct Value {
@@ -52,7 +54,7 @@ class Distance {
     // The square of the curve's derivative.
     double speed;
   };
-  Value at(double t) const {
+  [[nodiscard]] Value at(double t) const {
     const auto& [v0, v1, v2, v3] = _curve;
     const ZKVector v01 = ZKLerp(v0, v1, t);
     const ZKVector v12 = ZKLerp(v1, v2, t);
@@ -68,7 +70,7 @@ class Distance {
 
   // Newton's method, which halves the bracket where it would leave it or where its steps do not
   // become shorter fast enough.
-  double findRoot(double low, double high, double guess, bool startsBelow) const {
+  [[nodiscard]] double findRoot(double low, double high, double guess, bool startsBelow) const {
     double t = guess > low && guess < high ? guess : 0.5 * (low + high);
     double former = high - low;
     for (;;) {
