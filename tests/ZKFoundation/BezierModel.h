@@ -28,7 +28,7 @@ class BezierModel {
   }
 
   /// Whether the last search came to its end by itself, and in order.
-  bool hasEnded() const { return !_isLost; }
+  [[nodiscard]] bool hasEnded() const { return !_isLost; }
 
   const std::vector<double>& findRoots(const NSPoint* w, int depth) {
     _isLost = false;

@@ -188,8 +188,8 @@ TEST(NSBezierDeathTest, StopsAtMoreRootsThanThereCanBe) {
   for (Heights heights : {Heights{14, -108, 446, -1332, 3038, -4236},
                           Heights{-2, -178, 2058, -16230, 101782, -502138}}) {
     for (const std::string side : {"left", "right"}) {
-      double roots[10];
-      EXPECT_DEATH(ZKFindRoots(overUnitInterval(heights, tiniest).data(), roots, 0),
+      std::array<double, 10> roots;
+      EXPECT_DEATH(ZKFindRoots(overUnitInterval(heights, tiniest).data(), roots.data(), 0),
                    "NSGeometry\\+ZKFoundationExtensions\\.cpp:[0-9]+: ZKFindRoots: Assertion `" +
                        side + "_count < 6' failed");
       std::ranges::reverse(heights);
