@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <typeinfo>
+#include <utility>
 #include <vector>
 
 #include <Foundation/NSException.h>
@@ -13,28 +16,17 @@
 namespace {
 
 // Tells whether objects are kind of a class. Classes recur: the answers for some are kept.
-class KindOfClass {
- public:
-  explicit KindOfClass(NSClass aClass) : _class(aClass) {}
-
-  bool operator()(const NSRef<NSObject>& object) {
+auto isKindOfClass(NSClass aClass) {
+  using Answer = std::pair<const std::type_info*, bool>;
+  return [aClass, answers = std::array<Answer, 16>{}](const NSRef<NSObject>& object) mutable {
     const NSClass objectClass = object->objectClass();
-    const std::type_info& type = objectClass.typeInfo();
-    Answer& answer = _answers[(reinterpret_cast<std::uintptr_t>(&type) / alignof(std::type_info)) %
-                              _answers.size()];
-    if (answer.type != &type) answer = {&type, objectClass.isSubclassOfClass(_class)};
-    return answer.isKind;
-  }
-
- private:
-  struct Answer {
-    const std::type_info* type = nullptr;
-    bool isKind = false;
+    const std::type_info* const type = &objectClass.typeInfo();
+    const auto place = reinterpret_cast<std::uintptr_t>(type) / alignof(std::type_info);
+    Answer& answer = answers[place % answers.size()];
+    if (answer.first != type) answer = {type, objectClass.isSubclassOfClass(aClass)};
+    return answer.second;
   };
-
-  NSClass _class;
-  std::array<Answer, 16> _answers;
-};
+}
 
 // Objects by their hashes. Unlike in a set, equals of different classes stay apart, and it is the
 // others that are asked whether they are equal to these: as `removeObject` asks.
@@ -97,7 +89,7 @@ NSRef<NSArray> transformedArrayUsingTransformator(const NSRef<NSArray>& array,
 
 NSRef<NSArray> arrayWithObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {
   NSCheckArgument("arrayWithObjectsKindOfClass:", "array", array);
-  return array->filteredArrayUsingPredicate(NSPredicate::predicateWithBlock(KindOfClass(aClass)));
+  return array->filteredArrayUsingPredicate(NSPredicate::predicateWithBlock(isKindOfClass(aClass)));
 }
 
 NSRef<NSArray> arrayWithObjectsMemberOfClass(const NSRef<NSArray>& array, NSClass aClass) {
@@ -108,7 +100,7 @@ NSRef<NSArray> arrayWithObjectsMemberOfClass(const NSRef<NSArray>& array, NSClas
 
 bool containObjectsKindOfClass(const NSRef<NSArray>& array, NSClass aClass) {
   NSCheckArgument("containObjectsKindOfClass:", "array", array);
-  return std::ranges::any_of(array->objects(), KindOfClass(aClass));
+  return std::ranges::any_of(array->objects(), isKindOfClass(aClass));
 }
 
 void removeAllObjectsWhichNotMemberOfClass(const NSRef<NSMutableArray>& array, NSClass aClass) {

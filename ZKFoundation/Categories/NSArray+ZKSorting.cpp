@@ -2,20 +2,12 @@
 
 namespace {
 
-class FunctionOrdering {
- public:
-  FunctionOrdering(ZKCompareFunction compare, void* context)
-      : _compare(compare), _context(context) {
-    if (compare == nullptr) NSRaiseNilArgument("compare", "inArraySortedUsingFunction:context:");
-  }
-  NSInteger operator()(const NSRef<NSObject>& object, const NSRef<NSObject>& element) const {
-    return _compare(object, element, _context);
-  }
-
- private:
-  ZKCompareFunction _compare;
-  void* _context;
-};
+auto orderingBy(ZKCompareFunction compare, void* context) {
+  if (compare == nullptr) NSRaiseNilArgument("compare", "inArraySortedUsingFunction:context:");
+  return [=](const NSRef<NSObject>& object, const NSRef<NSObject>& element) {
+    return compare(object, element, context);
+  };
+}
 
 }  // namespace
 
@@ -25,7 +17,7 @@ NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingFunction_context(
     const NSRef<NSArray>& array, const NSRef<NSObject>& object, ZKCompareFunction compare,
     void* context) {
   return indexWhereObjectWouldBelong_inArraySortedUsingFunction(array, object,
-                                                                FunctionOrdering(compare, context));
+                                                                orderingBy(compare, context));
 }
 
 NSUInteger indexOfObject_identical_inArraySortedUsingFunction_context(const NSRef<NSArray>& array,
@@ -34,13 +26,13 @@ NSUInteger indexOfObject_identical_inArraySortedUsingFunction_context(const NSRe
                                                                       ZKCompareFunction compare,
                                                                       void* context) {
   return indexOfObject_identical_inArraySortedUsingFunction(array, object, identical,
-                                                            FunctionOrdering(compare, context));
+                                                            orderingBy(compare, context));
 }
 
 void insertObject_inArraySortedUsingFunction_context(const NSRef<NSMutableArray>& array,
                                                      const NSRef<NSObject>& object,
                                                      ZKCompareFunction compare, void* context) {
-  insertObject_inArraySortedUsingFunction(array, object, FunctionOrdering(compare, context));
+  insertObject_inArraySortedUsingFunction(array, object, orderingBy(compare, context));
 }
 
 }  // namespace ZKFoundationExtensions

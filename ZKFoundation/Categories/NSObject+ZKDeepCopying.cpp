@@ -7,13 +7,8 @@
 
 namespace {
 
-struct CompoundSpec {
-  ZKCopySpec compound;
-  ZKCopySpec own;
-  ZKCopySpec sub;
-};
-
-constexpr std::array<CompoundSpec, 3> compoundSpecs{{{6, 3, 1}, {7, 0, 3}, {8, 0, 4}}};
+// What stands for a pair, the object's own and the one for what it refers to.
+constexpr std::array<std::array<ZKCopySpec, 3>, 3> compoundSpecs{{{6, 3, 1}, {7, 0, 3}, {8, 0, 4}}};
 
 const ZKDeepObjectCopyingProtocol& checkedDeepCopyable(const NSRef<NSObject>& object,
                                                        std::u16string_view exception) {

@@ -6,10 +6,8 @@
 
 namespace {
 
-bool hasExtension(const NSRef<NSString>& path) { return path->pathExtension()->length() != 0; }
-
 NSRef<NSString> stemOf(const NSRef<NSString>& path) {
-  return hasExtension(path) ? path->stringByDeletingPathExtension() : path;
+  return path->pathExtension()->length() != 0 ? path->stringByDeletingPathExtension() : path;
 }
 
 // The path of a file, unless its bytes are others than those of its text.
