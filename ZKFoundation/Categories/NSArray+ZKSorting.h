@@ -24,11 +24,12 @@
 // object or the element is nil or none of the method's class raises `NSInvalidArgumentException`,
 // as does a null method, and a null function.
 
+/// A range that can be searched: elements by index, and their number.
 template <class Range>
 concept ZKSearchableRange =
     std::ranges::random_access_range<Range> && std::ranges::sized_range<Range>;
 
-/// An ordering of objects with its context, which is handed through unchanged.
+/// Orders objects; the context is passed to it unchanged.
 using ZKCompareFunction = NSInteger (*)(const NSRef<NSObject>& object,
                                         const NSRef<NSObject>& element, void* context);
 

@@ -16,13 +16,13 @@ namespace ZKFoundationExtensions {
 
 /// Has the main thread enqueue the notification into its default queue, coalesced by name and
 /// sender, in a later pass of its run loop, also when called on the main thread. From any thread;
-/// notifications arrive in the order of the calls, and one that is moved in dies there. Nil and an
-/// unknown style raise `NSInvalidArgumentException` there, which ends the program.
+/// notifications arrive in the order of the calls, and one that is moved in is released there. Nil
+/// and an unknown style raise `NSInvalidArgumentException` there, which ends the program.
 ZK_EXPORT void enqueueNotificationInMainThread_postingStyle(NSRef<NSNotification> notification,
                                                             NSUInteger postingStyle);
 
 /// Enqueues the first element of the pair, a notification, with the `intValue` of the second as its
-/// style into the calling thread's default queue: for those who can hand on one object only. A
+/// style into the calling thread's default queue: for callers that can pass one object only. A
 /// shorter array raises `NSRangeException`.
 ZK_EXPORT void _mainThreadEnqueue(const NSRef<NSArray>& pair);
 

@@ -4,23 +4,23 @@
 #include <Foundation/NSObject.h>
 #include <ZKFoundation/ZKExport.h>
 
-/// How deeply and in what manner to copy. Classes give the numbers their meaning; the library knows
-/// only that 3, 4 and 5 are put to the object before they are used, and that 6, 7 and 8 stand for
-/// pairs.
+/// Says how deeply and in what manner to copy. Classes give the numbers their meaning; the library
+/// knows only that 3, 4 and 5 are passed to the object's `copySpec` before use, and that 6, 7 and 8
+/// stand for pairs.
 using ZKCopySpec = NSInteger;
 
 /// Lets the objects of a class be copied together with the objects that they refer to.
 ///
-/// A copy notes itself in the reference table before it copies what it refers to, and whoever is
-/// asked for a copy looks there first. So an object that is reached twice, or through a cycle, is
-/// copied once. `docs/object-graphs.md` shows a whole class.
+/// A copy enters itself into the reference table before it copies what it refers to, and who needs
+/// a copy looks there first. So an object that is reached twice, or through a cycle, is copied
+/// once. `docs/object-graphs.md` shows a whole class.
 class ZK_EXPORT ZKDeepObjectCopyingProtocol {
  public:
   virtual ~ZKDeepObjectCopyingProtocol();
 
   /// Makes a copy under `copySpec`; what the object refers to is copied under `subCopySpec`. The
   /// table is the same one throughout a copy: copies by their originals, which it compares by
-  /// `isEqual`, so that equal objects count as one. The zone is handed through.
+  /// `isEqual`, so that equal objects count as one. The zone is passed on.
   [[nodiscard]] virtual NSRef<NSObject> copyWithZone_refTable_copySpec_subCopySpec(
       NSZone* zone, const NSRef<NSMapTable>& refTable, ZKCopySpec copySpec,
       ZKCopySpec subCopySpec) const = 0;
@@ -37,7 +37,7 @@ class ZK_EXPORT ZKDeepObjectCopyingProtocol {
 namespace ZKFoundationExtensions {
 
 /// Makes a copy of the object under the copy spec, with a reference table of its own. A copy spec
-/// of 3, 4 or 5 is first put to the object's own `copySpec`. The result is split by
+/// of 3, 4 or 5 is first passed to the object's own `copySpec`. The result is split by
 /// `copySpecForCopySpec_subCopySpec`; where that sets nothing, what the object refers to is copied
 /// under what was asked for at first.
 ///

@@ -11,8 +11,8 @@
 // takes the receiver, as a reference to it (`[](Editor& editor) {…}`) or as an `NSRef`, or nothing;
 // or an `NSBlock`. The receiver, and the block or its copy, are held until the block has run or
 // been cancelled. A lambda that is not waited for moves into the request, which alone then holds
-// what it captures, so that this dies where the block ran; not where the lambda cannot let go of
-// it, as of a captured constant. A nil block takes its turn and does nothing. A nil receiver, and a
+// what it captures, so that this is released where the block ran; a captured constant cannot be
+// moved, and is copied. A nil block takes its turn and does nothing. A nil receiver, and a
 // block that is not waited for and cannot be copied, raise `NSInvalidArgumentException`. An
 // exception that leaves a block ends the program, except where it runs within the call on the
 // thread that was asked for: there the caller gets it.

@@ -6,7 +6,7 @@
 namespace ZKFoundationExtensions {
 
 /// Makes a pointer array that neither retains nor releases what it points to, and does not notice
-/// when that dies.
+/// when that is deleted.
 [[nodiscard]] ZK_EXPORT NSRef<NSPointerArray> zk_pointerArrayWithWeakObjects();
 
 /// Gives the last pointer; null when the array is empty.
