@@ -3,7 +3,7 @@
 #include <Foundation/Locales/DecimalSymbols.h>
 #include <Foundation/NSLocale.h>
 #include <Foundation/NSString.h>
-#include <Foundation/detail/Access.h>
+#include <Foundation/Objects/Access.h>
 
 NSRef<NSString> NSNumber::descriptionWithLocale(const NSRef<NSLocale>& locale) const {
   if (!locale) return stringValue();

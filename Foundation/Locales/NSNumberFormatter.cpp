@@ -18,8 +18,8 @@
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSUnitBuffer.h>
+#include <Foundation/Objects/Access.h>
 #include <Foundation/Text/ICU.h>
-#include <Foundation/detail/Access.h>
 
 namespace {
 

@@ -7,11 +7,11 @@
 #include <vector>
 
 #include <Foundation/NSUnicode.h>
+#include <Foundation/Objects/Access.h>
 #include <Foundation/Text/KnuthMorrisPratt.h>
 #include <Foundation/Text/NormalForm.h>
 #include <Foundation/Text/UnitMembership.h>
 #include <Foundation/Text/UnitSearch.h>
-#include <Foundation/detail/Access.h>
 
 namespace {
 

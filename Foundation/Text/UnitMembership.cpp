@@ -5,7 +5,7 @@
 #include <tuple>
 
 #include <Foundation/NSUnicode.h>
-#include <Foundation/detail/Access.h>
+#include <Foundation/Objects/Access.h>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Foundation/Text/UnitMembership.cpp"

@@ -5,9 +5,9 @@
 #include <Foundation/NSException.h>
 #include <Foundation/NSNotificationCenter.h>
 #include <Foundation/NSRunLoop.h>
+#include <Foundation/Objects/Access.h>
 #include <Foundation/Threads/QueuedNotifications.h>
 #include <Foundation/Threads/RunLoopCore.h>
-#include <Foundation/detail/Access.h>
 
 NSNotificationQueue::NSNotificationQueue(NSPasskey<NSRunLoopCore> /*key*/, NSRunLoopCore& runLoop)
     : _core(std::make_unique<NSQueuedNotifications>(runLoop)) {}

@@ -8,8 +8,8 @@
 #include <Foundation/NSSelector.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSThread.h>
+#include <Foundation/Objects/Access.h>
 #include <Foundation/Threads/RunLoopCore.h>
-#include <Foundation/detail/Access.h>
 
 namespace {
 

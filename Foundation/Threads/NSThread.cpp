@@ -10,9 +10,9 @@
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Objects/Access.h>
 #include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/Threads/SystemThreads.h>
-#include <Foundation/detail/Access.h>
 
 // What a thread knows of itself. It needs no destructor, so that the last objects which die with
 // the thread may still ask.

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include <Foundation/NSAutoreleasePool.h>
+#include <Foundation/Objects/Access.h>
 #include <Foundation/Threads/QueuedNotifications.h>
-#include <Foundation/detail/Access.h>
 
 namespace {
 

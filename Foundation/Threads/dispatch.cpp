@@ -6,11 +6,11 @@
 #include <Foundation/NSAutoreleasePool.h>
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Objects/Access.h>
 #include <Foundation/Threads/BlockedThread.h>
 #include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/Threads/SystemThreads.h>
 #include <Foundation/Threads/WorkerPool.h>
-#include <Foundation/detail/Access.h>
 
 namespace {
 
