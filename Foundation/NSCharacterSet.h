@@ -17,74 +17,70 @@ class NSString;
 /// The predefined sets follow Unicode's general categories and are made once, on first use.
 class NS_EXPORT NSCharacterSet : public NSObject {
  public:
-  /// The empty set.
-  NSCharacterSet() noexcept;
-  // Copied, never moved: the bitmap is one of the planes.
+  /// Makes the empty set.
+  NSCharacterSet();
+  // Copied, never moved: a set always has contents.
   NSCharacterSet(const NSCharacterSet&) = default;
-  /// The characters with these numbers. Raises `NSRangeException` past U+10FFFF.
+  /// Makes the set of the characters with these numbers. Raises `NSRangeException` past U+10FFFF.
   explicit NSCharacterSet(NSRange characters);
-  /// The characters of the string; nil has none.
+  /// Makes the set of the string's characters; nil has none.
   explicit NSCharacterSet(const NSRef<NSString>& string);
-  static NSRef<NSCharacterSet> characterSetWithRange(NSRange characters);
-  static NSRef<NSCharacterSet> characterSetWithCharactersInString(const NSRef<NSString>& string);
+  [[nodiscard]] static NSRef<NSCharacterSet> characterSetWithRange(NSRange characters);
+  [[nodiscard]] static NSRef<NSCharacterSet> characterSetWithCharactersInString(
+      const NSRef<NSString>& string);
 
-  /// Category Zs and the tab; no line breaks.
-  static const NSRef<NSCharacterSet>& whitespaceCharacterSet();
-  /// Categories Z*, U+0009 to U+000D and U+0085.
-  static const NSRef<NSCharacterSet>& whitespaceAndNewlineCharacterSet();
-  /// Categories Cc and Cf.
-  static const NSRef<NSCharacterSet>& controlCharacterSet();
-  /// Categories L*, M* and N*.
-  static const NSRef<NSCharacterSet>& alphanumericCharacterSet();
-  /// Category Nd.
-  static const NSRef<NSCharacterSet>& decimalDigitCharacterSet();
+  /// Gives category Zs and the tab; no line breaks.
+  [[nodiscard]] static const NSRef<NSCharacterSet>& whitespaceCharacterSet();
+  /// Gives categories Z*, U+0009 to U+000D and U+0085.
+  [[nodiscard]] static const NSRef<NSCharacterSet>& whitespaceAndNewlineCharacterSet();
+  /// Gives categories Cc and Cf.
+  [[nodiscard]] static const NSRef<NSCharacterSet>& controlCharacterSet();
+  /// Gives categories L*, M* and N*.
+  [[nodiscard]] static const NSRef<NSCharacterSet>& alphanumericCharacterSet();
+  /// Gives category Nd.
+  [[nodiscard]] static const NSRef<NSCharacterSet>& decimalDigitCharacterSet();
 
-  /// What may stand in a URL's path as it is: RFC 3986's unreserved characters and sub-delimiters
-  /// without ";", and ":", "@" and "/".
-  static const NSRef<NSCharacterSet>& URLPathAllowedCharacterSet();
-  /// The same for a query, with ";" and "?".
-  static const NSRef<NSCharacterSet>& URLQueryAllowedCharacterSet();
+  /// Gives what may stand in a URL's path as it is: RFC 3986's unreserved characters and
+  /// sub-delimiters without ";", and ":", "@" and "/".
+  [[nodiscard]] static const NSRef<NSCharacterSet>& URLPathAllowedCharacterSet();
+  /// Gives what may stand in a URL's query as it is: what may in a path, ";" and "?".
+  [[nodiscard]] static const NSRef<NSCharacterSet>& URLQueryAllowedCharacterSet();
 
-  bool characterIsMember(unichar unit) const noexcept {
-    return ((_basicPlane[unit / 64U] >> (unit % 64U)) & 1U) != 0;
+  [[nodiscard]] bool characterIsMember(unichar unit) const noexcept {
+    return ((_contents->unitBitmap[unit / 64U] >> (unit % 64U)) & 1U) != 0;
   }
-  /// False for what is no Unicode character.
-  bool longCharacterIsMember(char32_t character) const noexcept;
+  /// Whether the character is a member; false for what is no Unicode character.
+  [[nodiscard]] bool longCharacterIsMember(char32_t character) const noexcept;
 
-  /// All characters that are not members.
-  NSRef<NSCharacterSet> invertedSet() const;
+  /// Gives the set of all characters that are not members.
+  [[nodiscard]] NSRef<NSCharacterSet> invertedSet() const;
 
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
 
-  /// The set itself while it is immutable.
-  NSRef<NSCharacterSet> copy() const;
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
-  NSRef<NSMutableCharacterSet> mutableCopy() const;
-  NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
+  /// Gives the set itself while it is immutable.
+  [[nodiscard]] NSRef<NSCharacterSet> copy() const;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSMutableCharacterSet> mutableCopy() const;
+  [[nodiscard]] NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
-  using Plane = std::array<std::uint64_t, 1024>;
-  // Planes are never changed once they stand in a set, so that copies may share them.
-  using Planes = std::array<std::shared_ptr<const Plane>, 17>;
+  struct Bitmaps {
+    std::array<std::uint64_t, 1024> unitBitmap{};
+    std::array<std::uint8_t, 16> asciiRows{};
+  };
+  // All members, and the bitmaps of those that are single units.
+  struct Contents;
 
-  explicit NSCharacterSet(Planes planes) noexcept;
-  static const Planes& planesOf(const NSCharacterSet& set) noexcept { return set._planes; }
-  static NSRef<NSCharacterSet> make(Planes planes);
-  void setPlanes(Planes planes) noexcept;
-
-  template <class Operation>
-  static Planes combine(const Planes& a, const Planes& b, Operation operation);
-  static Planes planesOfRange(NSRange characters, const char* operation);
-  static Planes planesOfString(const NSRef<NSString>& string);
-  static Planes planesOfCategories(std::uint32_t mask);
+  explicit NSCharacterSet(std::shared_ptr<const Contents> contents) noexcept;
+  [[nodiscard]] static const Contents& contentsOf(const NSCharacterSet& set) noexcept;
+  void setContents(std::shared_ptr<const Contents> contents) noexcept;
 
  private:
   friend struct NSAccess;
 
-  Planes _planes;
-  const std::uint64_t* _basicPlane;
-  std::array<std::uint8_t, 16> _asciiRows{};
+  // Never changed while a set has it, so that copies may share it.
+  std::shared_ptr<const Bitmaps> _contents;
 };
 
 /// A character set that may be changed. Belongs to one thread at a time. Nil arguments have no
@@ -92,7 +88,7 @@ class NS_EXPORT NSCharacterSet : public NSObject {
 class NS_EXPORT NSMutableCharacterSet : public NSCharacterSet {
  public:
   using NSCharacterSet::NSCharacterSet;
-  /// The members of another set; nil has none.
+  /// Makes a set with the members of another one; nil has none.
   explicit NSMutableCharacterSet(const NSRef<NSCharacterSet>& other);
 
   void addCharactersInRange(NSRange characters);
@@ -103,5 +99,9 @@ class NS_EXPORT NSMutableCharacterSet : public NSCharacterSet {
   void formIntersectionWithCharacterSet(const NSRef<NSCharacterSet>& other);
   void invert();
 
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+
+ private:
+  template <class Change>
+  void change(Change change);
 };

@@ -13,9 +13,11 @@ struct NSAccess {
 
   /// Gives the members of a character set, valid until it changes: bit `u % 64` of word `u / 64`
   /// tells whether the unit u is one.
-  [[nodiscard]] static const auto* unitBitmap(const auto& set) noexcept { return set._basicPlane; }
+  [[nodiscard]] static const auto* unitBitmap(const auto& set) noexcept {
+    return set._contents->unitBitmap.data();
+  }
   /// Gives the ASCII members in 16 bytes: bit h of byte l stands for the unit 16 h + l.
   [[nodiscard]] static const auto* asciiRows(const auto& set) noexcept {
-    return set._asciiRows.data();
+    return set._contents->asciiRows.data();
   }
 };

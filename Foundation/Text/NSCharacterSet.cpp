@@ -3,123 +3,81 @@
 #include <algorithm>
 #include <utility>
 
-#include <unicode/uchar.h>
+#include <unicode/uniset.h>
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Text/ICU.h>
+
+struct NSCharacterSet::Contents : Bitmaps {
+  explicit Contents(const icu::UnicodeSet& set) : members(set) {
+    if (members.isBogus()) throw std::bad_alloc();
+    for (std::int32_t k = 0; k < members.getRangeCount(); ++k) {
+      const UChar32 last = std::min<UChar32>(members.getRangeEnd(k), 0xFFFF);
+      for (auto unit = members.getRangeStart(k); unit <= last; ++unit) insert(std::uint32_t(unit));
+    }
+  }
+
+  static NSRef<NSCharacterSet> makeSet(const char16_t* pattern) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeSet members(pattern, status);
+    NSCheckICU(status);
+    return NSRef<NSCharacterSet>::adopt(
+        new NSCharacterSet(std::make_shared<const Contents>(members)));
+  }
+
+  const icu::UnicodeSet members;
+
+ private:
+  void insert(std::uint32_t unit) {
+    unitBitmap[unit / 64] |= std::uint64_t{1} << (unit % 64);
+    if (unit < 0x80) asciiRows[unit % 16] |= static_cast<std::uint8_t>(1U << (unit / 16));
+  }
+};
 
 namespace {
 
-constexpr char32_t planeSize = 0x10000;
-constexpr NSUInteger characterCount = 0x110000;
+using Constant = NSNeverDestroyed<NSRef<NSCharacterSet>>;
 
-using Plane = std::array<std::uint64_t, 1024>;
-constinit const Plane emptyPlane{};
-
-// Collects members and gives them as planes, without a plane where there are none.
-class PlaneBuilder {
- public:
-  void insert(char32_t character) {
-    auto& plane = _planes[character / planeSize];
-    if (plane == nullptr) plane = std::make_shared<Plane>();
-    const char32_t unit = character % planeSize;
-    (*plane)[unit / 64] |= std::uint64_t{1} << (unit % 64);
-  }
-
-  template <class Planes>
-  Planes take() {
-    Planes result;
-    std::ranges::move(_planes, result.begin());
-    return result;
-  }
-
- private:
-  std::array<std::shared_ptr<Plane>, 17> _planes;
-};
-
-const Plane& planeOrEmpty(const std::shared_ptr<const Plane>& plane) {
-  return plane == nullptr ? emptyPlane : *plane;
+icu::UnicodeSet membersOf(NSRange characters, const char* operation) {
+  constexpr NSUInteger characterCount = 0x110000;
+  NSCheckRange(operation, characters, characterCount);
+  icu::UnicodeSet members;
+  const auto last = static_cast<UChar32>(NSMaxRange(characters)) - 1;
+  if (characters.length != 0) members.add(static_cast<UChar32>(characters.location), last);
+  return members;
 }
 
-constexpr auto unite = [](std::uint64_t a, std::uint64_t b) { return a | b; };
-constexpr auto intersect = [](std::uint64_t a, std::uint64_t b) { return a & b; };
-constexpr auto subtract = [](std::uint64_t a, std::uint64_t b) { return a & ~b; };
-constexpr auto complement = [](std::uint64_t a, std::uint64_t /*b*/) { return ~a; };
+icu::UnicodeSet membersOf(const NSRef<NSString>& string) {
+  std::u32string characters;
+  std::u16string_view text = NSViewOf(string);
+  while (!text.empty()) characters += NSTakeCharacter(text);
+  // A set grows at its end in constant time, elsewhere by moving what is after the place.
+  std::ranges::sort(characters);
+  icu::UnicodeSet members;
+  for (const char32_t character : characters) members.add(static_cast<UChar32>(character));
+  return members;
+}
 
 }  // namespace
 
-template <class Operation>
-NSCharacterSet::Planes NSCharacterSet::combine(const Planes& a, const Planes& b,
-                                               Operation operation) {
-  Planes result;
-  for (std::size_t k = 0; k < result.size(); ++k) {
-    auto plane = std::make_shared<Plane>();
-    std::ranges::transform(planeOrEmpty(a[k]), planeOrEmpty(b[k]), plane->begin(), operation);
-    if (*plane != emptyPlane) result[k] = std::move(plane);
-  }
-  return result;
-}
+NSCharacterSet::NSCharacterSet()
+    : NSCharacterSet([] {
+        static const NSNeverDestroyed<std::shared_ptr<const Contents>> empty(
+            std::make_shared<const Contents>(icu::UnicodeSet()));
+        return *empty;
+      }()) {}
 
-NSCharacterSet::Planes NSCharacterSet::planesOfRange(NSRange characters, const char* operation) {
-  NSCheckRange(operation, characters, characterCount);
-  PlaneBuilder builder;
-  for (NSUInteger k = characters.location; k < NSMaxRange(characters); ++k) {
-    builder.insert(static_cast<char32_t>(k));
-  }
-  return builder.take<Planes>();
-}
-
-NSCharacterSet::Planes NSCharacterSet::planesOfString(const NSRef<NSString>& string) {
-  PlaneBuilder builder;
-  std::u16string_view text = NSViewOf(string);
-  while (!text.empty()) builder.insert(NSTakeCharacter(text));
-  return builder.take<Planes>();
-}
-
-NSCharacterSet::Planes NSCharacterSet::planesOfCategories(std::uint32_t mask) {
-  struct Context {
-    std::uint32_t mask;
-    PlaneBuilder builder;
-  } context{mask, {}};
-  const auto visit = [](const void* data, UChar32 start, UChar32 limit, UCharCategory category) {
-    auto& [wanted, builder] = *static_cast<Context*>(const_cast<void*>(data));
-    if ((wanted & U_MASK(category)) != 0) {
-      for (UChar32 k = start; k < limit; ++k) builder.insert(static_cast<char32_t>(k));
-    }
-    return static_cast<UBool>(true);
-  };
-  u_enumCharTypes(visit, &context);
-  return context.builder.take<Planes>();
-}
-
-NSCharacterSet::NSCharacterSet() noexcept : _basicPlane(emptyPlane.data()) {}
-
-NSCharacterSet::NSCharacterSet(Planes planes) noexcept : NSCharacterSet() {
-  setPlanes(std::move(planes));
-}
+NSCharacterSet::NSCharacterSet(std::shared_ptr<const Contents> contents) noexcept
+    : _contents(std::move(contents)) {}
 
 NSCharacterSet::NSCharacterSet(NSRange characters)
-    : NSCharacterSet(planesOfRange(characters, "characterSetWithRange:")) {}
+    : NSCharacterSet(
+          std::make_shared<const Contents>(membersOf(characters, "characterSetWithRange:"))) {}
 
 NSCharacterSet::NSCharacterSet(const NSRef<NSString>& string)
-    : NSCharacterSet(planesOfString(string)) {}
-
-NSRef<NSCharacterSet> NSCharacterSet::make(Planes planes) {
-  auto set = NSMake<NSCharacterSet>();
-  set->setPlanes(std::move(planes));
-  return set;
-}
-
-void NSCharacterSet::setPlanes(Planes planes) noexcept {
-  _planes = std::move(planes);
-  _basicPlane = planeOrEmpty(_planes[0]).data();
-  _asciiRows = {};
-  for (char16_t unit = 0; unit < 0x80; ++unit) {
-    if (characterIsMember(unit))
-      _asciiRows[unit % 16] |= static_cast<std::uint8_t>(1U << (unit / 16));
-  }
-}
+    : NSCharacterSet(std::make_shared<const Contents>(membersOf(string))) {}
 
 NSRef<NSCharacterSet> NSCharacterSet::characterSetWithRange(NSRange characters) {
   return NSMake<NSCharacterSet>(characters);
@@ -131,70 +89,66 @@ NSRef<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInString(
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
-      make(combine(planesOfCategories(U_GC_ZS_MASK), planesOfString(u"\t"_ns), unite)));
+  static const Constant set(Contents::makeSet(u"[[:Zs:]\\u0009]"));
   return *set;
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceAndNewlineCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(make(
-      combine(planesOfCategories(U_GC_Z_MASK), planesOfString(u"\t\n\v\f\r\u0085"_ns), unite)));
+  static const Constant set(Contents::makeSet(u"[[:Z:]\\u0009-\\u000D\\u0085]"));
   return *set;
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::controlCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
-      make(planesOfCategories(U_GC_CC_MASK | U_GC_CF_MASK)));
+  static const Constant set(Contents::makeSet(u"[[:Cc:][:Cf:]]"));
   return *set;
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::alphanumericCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
-      make(planesOfCategories(U_GC_L_MASK | U_GC_M_MASK | U_GC_N_MASK)));
+  static const Constant set(Contents::makeSet(u"[[:L:][:M:][:N:]]"));
   return *set;
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::decimalDigitCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(make(planesOfCategories(U_GC_ND_MASK)));
+  static const Constant set(Contents::makeSet(u"[:Nd:]"));
   return *set;
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::URLPathAllowedCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
-      make(planesOfString(u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
-                          u"-._~!$&'()*+,=:@/"_ns)));
+  static const Constant set(Contents::makeSet(u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/]"));
   return *set;
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::URLQueryAllowedCharacterSet() {
-  static const NSNeverDestroyed<NSRef<NSCharacterSet>> set(
-      make(combine((*URLPathAllowedCharacterSet())._planes, planesOfString(u";?"_ns), unite)));
+  static const Constant set(Contents::makeSet(u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/;?]"));
   return *set;
 }
 
 bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {
-  if (character >= characterCount) return false;
-  const char32_t unit = character % planeSize;
-  return ((planeOrEmpty(_planes[character / planeSize])[unit / 64] >> (unit % 64)) & 1U) != 0;
+  if (character <= 0xFFFF) return characterIsMember(static_cast<unichar>(character));
+  return contentsOf(*this).members.contains(static_cast<UChar32>(character)) != 0;
 }
 
 NSRef<NSCharacterSet> NSCharacterSet::invertedSet() const {
-  return make(combine(_planes, {}, complement));
+  auto inverse = mutableCopy();
+  inverse->invert();
+  return inverse->copy();
+}
+
+const NSCharacterSet::Contents& NSCharacterSet::contentsOf(const NSCharacterSet& set) noexcept {
+  return static_cast<const Contents&>(*set._contents);
+}
+
+void NSCharacterSet::setContents(std::shared_ptr<const Contents> contents) noexcept {
+  _contents = std::move(contents);
 }
 
 bool NSCharacterSet::isEqual(const NSRef<NSObject>& other) const {
-  if (other.get() == this) return true;
-  const auto* const set = dynamic_cast<const NSCharacterSet*>(other.get());
-  const auto samePlane = [](const auto& a, const auto& b) {
-    return a == b || planeOrEmpty(a) == planeOrEmpty(b);
-  };
-  return set != nullptr && std::ranges::equal(_planes, set->_planes, samePlane);
+  const auto* const set = other.cast<const NSCharacterSet>();
+  return set != nullptr && contentsOf(*this).members == contentsOf(*set).members;
 }
 
 NSUInteger NSCharacterSet::hash() const {
-  NSUInteger result = 0;
-  for (const std::uint64_t word : planeOrEmpty(_planes[0])) result = result * 31 + word;
-  return result;
+  return static_cast<NSUInteger>(contentsOf(*this).members.hashCode());
 }
 
 NSRef<NSCharacterSet> NSCharacterSet::copy() const {
@@ -211,38 +165,46 @@ NSRef<NSObject> NSCharacterSet::mutableCopyWithZone(NSZone* /*zone*/) const {
   return NSMake<NSMutableCharacterSet>(share(this));
 }
 
-NSMutableCharacterSet::NSMutableCharacterSet(const NSRef<NSCharacterSet>& other) {
-  formUnionWithCharacterSet(other);
+NSMutableCharacterSet::NSMutableCharacterSet(const NSRef<NSCharacterSet>& other)
+    : NSCharacterSet(other ? *other : NSCharacterSet()) {}
+
+template <class Change>
+void NSMutableCharacterSet::change(Change change) {
+  icu::UnicodeSet members = contentsOf(*this).members;
+  change(members);
+  setContents(std::make_shared<const Contents>(members));
 }
 
 void NSMutableCharacterSet::addCharactersInRange(NSRange characters) {
-  setPlanes(combine(planesOf(*this), planesOfRange(characters, "addCharactersInRange:"), unite));
+  change([&](auto& set) { set.addAll(membersOf(characters, "addCharactersInRange:")); });
 }
 
 void NSMutableCharacterSet::removeCharactersInRange(NSRange characters) {
-  setPlanes(
-      combine(planesOf(*this), planesOfRange(characters, "removeCharactersInRange:"), subtract));
+  change([&](auto& set) { set.removeAll(membersOf(characters, "removeCharactersInRange:")); });
 }
 
 void NSMutableCharacterSet::addCharactersInString(const NSRef<NSString>& string) {
-  setPlanes(combine(planesOf(*this), planesOfString(string), unite));
+  change([&](auto& set) { set.addAll(membersOf(string)); });
 }
 
 void NSMutableCharacterSet::removeCharactersInString(const NSRef<NSString>& string) {
-  setPlanes(combine(planesOf(*this), planesOfString(string), subtract));
+  change([&](auto& set) { set.removeAll(membersOf(string)); });
 }
 
 void NSMutableCharacterSet::formUnionWithCharacterSet(const NSRef<NSCharacterSet>& other) {
-  if (!other) return;
-  setPlanes(combine(planesOf(*this), planesOf(*other), unite));
+  if (other) change([&](auto& set) { set.addAll(contentsOf(*other).members); });
 }
 
 void NSMutableCharacterSet::formIntersectionWithCharacterSet(const NSRef<NSCharacterSet>& other) {
-  setPlanes(other ? combine(planesOf(*this), planesOf(*other), intersect) : Planes());
+  const NSCharacterSet none;
+  const auto& kept = other ? *other : none;
+  change([&](auto& set) { set.retainAll(contentsOf(kept).members); });
 }
 
-void NSMutableCharacterSet::invert() { setPlanes(combine(planesOf(*this), {}, complement)); }
+void NSMutableCharacterSet::invert() {
+  change([](auto& set) { set.complement(); });
+}
 
 NSRef<NSObject> NSMutableCharacterSet::copyWithZone(NSZone* /*zone*/) const {
-  return make(planesOf(*this));
+  return NSMake<NSCharacterSet>(static_cast<const NSCharacterSet&>(*this));
 }
