@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include <Foundation/Archives/PropertyListReader.h>
+#include <Foundation/Text/ASCII.h>
 
 namespace {
 
@@ -107,7 +108,7 @@ Reference NSPropertyListWriter::data(std::span<const std::byte> bytes) {
 
 Reference NSPropertyListWriter::text(std::u16string_view units, bool isShared) {
   const std::size_t start = _values.size();
-  const bool isASCII = std::ranges::all_of(units, [](char16_t unit) { return unit < 0x80; });
+  const bool isASCII = NSIsASCII(units);
   appendHead(_values, isASCII ? Kind::ascii : Kind::utf16, units.size());
   std::size_t at = _values.size();
   _values.resize(at + units.size() * (isASCII ? 1 : 2));

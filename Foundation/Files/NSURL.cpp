@@ -17,6 +17,7 @@
 #include <Foundation/NSKeyValueCoding.h>
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Text/ASCII.h>
 #include <Foundation/Text/PercentEncoding.h>
 
 namespace fs = std::filesystem;
@@ -70,12 +71,6 @@ class NSURL::Parts {
 
 namespace {
 
-std::string asciiOf(std::u16string_view units) { return {units.begin(), units.end()}; }
-
-bool isAscii(std::u16string_view units) {
-  return std::ranges::all_of(units, [](char16_t unit) { return unit < 0x80; });
-}
-
 fs::path filePath(const NSRef<NSString>& path, const char* operation) {
   if (!path) NSRaiseNilArgument("path", operation);
   return NSBytesOfPath(path->view());
@@ -103,7 +98,7 @@ NSURL::NSURL(const NSRef<NSString>& text, const Parts& parts) noexcept
       _fragment(parts.fragment()) {}
 
 NSRef<NSURL> NSURL::URLWithString(const NSRef<NSString>& text) {
-  if (!text || text->length() >= Part::missing || !isAscii(text->view())) return nullptr;
+  if (!text || text->length() >= Part::missing || !NSIsASCII(text->view())) return nullptr;
   const std::u16string_view units = text->view();
   // Most URLs fit here; the bytes are needed for the parser alone.
   std::array<char, 256> room;
@@ -158,7 +153,7 @@ NSRef<NSString> NSURL::decoded(Part part) const {
     return written(part);
   }
   // Whole percent sequences are a part of the syntax.
-  return NSMake<NSString>(std::string_view(*NSPercentDecoded(asciiOf(unitsOf(part)))));
+  return NSMake<NSString>(std::string_view(*NSPercentDecoded(NSASCIIOf(unitsOf(part)))));
 }
 
 NSRef<NSString> NSURL::absoluteString() const noexcept { return _text; }
@@ -181,7 +176,7 @@ NSRef<NSString> NSURL::password() const {
 NSRef<NSString> NSURL::host() const { return decoded(_host); }
 
 NSRef<NSNumber> NSURL::port() const {
-  const std::string digits = asciiOf(unitsOf(_port));
+  const std::string digits = NSASCIIOf(unitsOf(_port));
   std::int64_t value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   return error == std::errc() ? NSMake<NSNumber>(value) : nullptr;
@@ -248,7 +243,7 @@ bool NSURL::isFileURL() const noexcept {
 
 fs::path NSURL::fileSystemPath() const {
   if (!isFileURL()) return {};
-  return *NSPercentDecoded(asciiOf(unitsOf(_path)));
+  return *NSPercentDecoded(NSASCIIOf(unitsOf(_path)));
 }
 
 bool NSURL::isEqual(const NSRef<NSObject>& other) const {

@@ -13,10 +13,9 @@
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Text/ASCII.h>
 
 namespace {
-
-std::string asciiOf(std::u16string_view units) { return {units.begin(), units.end()}; }
 
 using Function = std::int32_t (*)(const char*, char*, std::int32_t, UErrorCode*);
 
@@ -104,7 +103,7 @@ NSRef<NSDictionary> NSLocale::componentsFromLocaleIdentifier(const NSRef<NSStrin
 NSRef<NSString> NSLocale::canonicalLanguageIdentifierFromString(const NSRef<NSString>& identifier) {
   if (!NSIsLocaleIdentifier(NSViewOf(identifier))) return nullptr;
   const std::string canonical =
-      ask(uloc_canonicalize, asciiOf(NSWithoutKeywords(identifier->view())));
+      ask(uloc_canonicalize, NSASCIIOf(NSWithoutKeywords(identifier->view())));
   const std::string language = ask(uloc_getLanguage, canonical);
   if (!isLanguage(language)) return u"und"_ns;
   const std::string written = ask(uloc_getScript, canonical);

@@ -5,6 +5,7 @@
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
 
+#include <Foundation/Text/ASCII.h>
 #include <Foundation/Text/ICU.h>
 #include <Foundation/Text/NormalForm.h>
 
@@ -14,18 +15,10 @@ NSComparisonResult resultOf(std::int64_t sign) {
   return sign < 0 ? NSOrderedAscending : sign > 0 ? NSOrderedDescending : NSOrderedSame;
 }
 
-bool isASCII(std::u16string_view text) {
-  return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
-}
-
-char16_t lowerASCII(char16_t unit) {
-  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
-}
-
 NSComparisonResult compareASCIIFolded(std::u16string_view a, std::u16string_view b) {
-  const auto [atA, atB] = std::ranges::mismatch(a, b, {}, lowerASCII, lowerASCII);
+  const auto [atA, atB] = std::ranges::mismatch(a, b, {}, NSLowerASCII, NSLowerASCII);
   if (atA == a.end() || atB == b.end()) return resultOf((atA != a.end()) - (atB != b.end()));
-  return resultOf(lowerASCII(*atA) - lowerASCII(*atB));
+  return resultOf(NSLowerASCII(*atA) - NSLowerASCII(*atB));
 }
 
 }  // namespace
@@ -34,7 +27,7 @@ NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
                                   NSUInteger options) {
   const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
   const bool isLiteral = (options & NSLiteralSearch) != 0;
-  if (isASCII(a) && isASCII(b))
+  if (NSIsASCII(a) && NSIsASCII(b))
     return foldsCase ? compareASCIIFolded(a, b) : resultOf(a.compare(b));
   if (isLiteral && !foldsCase) return resultOf(a.compare(b));
   if (!isLiteral && (NSHasLongRunsOfMarks(a) || NSHasLongRunsOfMarks(b))) {

@@ -10,36 +10,25 @@
 
 /// Whether a composed character may end, and another begin, in front of the unit at `at`, which is
 /// none of the ends of the text and not below `NSFirstMark`.
-bool NSIsBoundaryAmongMarks(std::u16string_view text, std::size_t at);
+[[nodiscard]] bool NSIsBoundaryAmongMarks(std::u16string_view text, std::size_t at);
 
-/// All below the first combining mark: composed, decomposed and equivalent to nothing but itself.
+/// The first combining mark: all below is composed, decomposed and equivalent to nothing but
+/// itself.
 inline constexpr char16_t NSFirstMark = 0x300;
 
 /// Whether a composed character may end, and another begin, in front of the unit.
-inline bool NSIsComposedBoundary(std::u16string_view text, std::size_t at) {
+[[nodiscard]] inline bool NSIsComposedBoundary(std::u16string_view text, std::size_t at) {
   return at == 0 || at == text.size() || text[at] < NSFirstMark || NSIsBoundaryAmongMarks(text, at);
 }
 
-/// Whether all units are below a power of two.
-inline bool NSIsBelow(std::u16string_view text, char16_t bound) {
-  // Without an early end the loop becomes vector code.
-  constexpr std::size_t block = 256;
-  for (std::size_t at = 0; at < text.size(); at += block) {
-    char16_t bits = 0;
-    for (const char16_t unit : text.substr(at, block)) bits |= unit;
-    if (bits >= bound) return false;
-  }
-  return true;
-}
-
 /// Whether a text, known to have no combining marks or not, is canonically composed.
-bool NSIsComposed(std::u16string_view text, bool hasNoMarks);
+[[nodiscard]] bool NSIsComposed(std::u16string_view text, bool hasNoMarks);
 
 /// Whether a text has runs of marks so long that ICU, which orders them by insertion, should not
 /// be asked to. False for runs of less than 33 units, true from 96 on.
-bool NSHasLongRunsOfMarks(std::u16string_view text);
+[[nodiscard]] bool NSHasLongRunsOfMarks(std::u16string_view text);
 
-/// The form for the options of a comparison: the canonical decomposition without
+/// Gives the form for the options of a comparison: the canonical decomposition without
 /// `NSLiteralSearch`, the case folding with `NSCaseInsensitiveSearch`, or both. Takes time linear
 /// in the text but for the sorting of marks.
-std::u16string NSNormalForm(std::u16string_view text, NSUInteger options);
+[[nodiscard]] std::u16string NSNormalForm(std::u16string_view text, NSUInteger options);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include <Foundation/NSUnicode.h>
-#include <Foundation/Objects/Access.h>
+#include <Foundation/Text/ASCII.h>
 #include <Foundation/Text/KnuthMorrisPratt.h>
 #include <Foundation/Text/NormalForm.h>
 #include <Foundation/Text/UnitMembership.h>
@@ -16,10 +16,6 @@
 namespace {
 
 constexpr std::size_t none = std::u16string_view::npos;
-
-char16_t lowerASCII(char16_t unit) {
-  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit | 0x20) : unit;
-}
 
 struct LiteralMatcher {
   static std::size_t find(std::u16string_view text, std::u16string_view needle, std::size_t from) {
@@ -32,11 +28,11 @@ struct FoldedMatcher {
   static std::size_t find(std::u16string_view text, std::u16string_view needle, std::size_t from) {
     return NSFindASCIIFolded(text, needle, from);
   }
-  static bool isEqual(char16_t a, char16_t b) { return lowerASCII(a) == lowerASCII(b); }
+  static bool isEqual(char16_t a, char16_t b) { return NSLowerASCII(a) == NSLowerASCII(b); }
 };
 
 // Finds places where the units are the needle's, from left to right, until `judge` settles on one.
-// It gives how many units behind the place the search goes on, 0 where it ends.
+// It gives how many units after the place the search goes on, 0 where it ends.
 template <class Matcher, class Judge>
 std::size_t findForwards(std::u16string_view text, std::u16string_view needle, Judge judge) {
   // Units that may be compared for places that overlap before a search takes over that compares
@@ -63,7 +59,7 @@ std::size_t findForwards(std::u16string_view text, std::u16string_view needle, J
   return offset == rest.size() ? none : from + offset;
 }
 
-// The first such place; with options the last, or one at an end.
+// Finds the first such place; with options the last, or one at an end.
 template <class Matcher, class Judge>
 std::size_t findPlace(std::u16string_view text, std::u16string_view needle, NSUInteger options,
                       Judge judge) {
@@ -117,7 +113,7 @@ Normalized normalized(std::u16string_view text, NSUInteger options, NSRange rang
     if (next > end) break;
     result.pieces.push_back({start, result.form.size()});
     if (next == start + 1 && text[start] < 0x80) {
-      result.form += foldsCase ? lowerASCII(text[start]) : text[start];
+      result.form += foldsCase ? NSLowerASCII(text[start]) : text[start];
     } else {
       result.form += NSNormalForm(text.substr(start, next - start), options);
     }
@@ -179,13 +175,13 @@ class FormSearch {
 bool isWithoutMarks(std::u16string_view text) { return NSIsBelow(text, 0x200); }
 
 bool isWithoutForms(std::u16string_view text, NSUInteger options) {
-  if ((options & NSCaseInsensitiveSearch) != 0) return NSIsBelow(text, 0x80);
+  if ((options & NSCaseInsensitiveSearch) != 0) return NSIsASCII(text);
   return (options & NSLiteralSearch) != 0 || NSIsComposed(text, isWithoutMarks(text));
 }
 
-// Searches a part of the range for matches that begin before the limit; those that begin behind it
-// may be found too. The part ends between composed characters, at least a needle's length behind
-// the limit or with the range.
+// Searches a part of the range for matches that begin before the limit; those that begin after it
+// may be found too. The part ends between composed characters, at least a needle's length after the
+// limit or with the range.
 NSRange searchPart(std::u16string_view text, std::u16string_view needle, NSUInteger options,
                    NSRange range, NSRange part, std::size_t limit,
                    NSBlockRef<bool(NSRange)> accept) {
@@ -209,7 +205,7 @@ NSRange searchPart(std::u16string_view text, std::u16string_view needle, NSUInte
 }
 
 // A search goes part by part, each twice as long as the one before, so that it costs what lies in
-// front of its match, not what lies behind it.
+// front of its match, not what follows it.
 constexpr NSUInteger firstPart = 128;
 
 // Where the part ends whose matches begin before the limit.
@@ -231,7 +227,7 @@ NSRange searchForwards(std::u16string_view text, std::u16string_view needle, NSU
     NSUInteger limit = start + std::min(size, end - start);
     while (limit < end && !NSIsComposedBoundary(text, limit)) ++limit;
     const NSUInteger stop = endOfPart(text, needle, limit, end);
-    NSUInteger next = start;  // Behind what has been refused.
+    NSUInteger next = start;  // After what has been refused.
     const auto acceptOrGoOn = [&](NSRange match) {
       next = NSMaxRange(match);
       return !accept || accept(match);
@@ -276,14 +272,9 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
   if ((options & NSBackwardsSearch) == 0) {
     return searchForwards(text, needle, options, range, accept);
   }
-  // Nothing is behind the last match.
+  // Nothing follows the last match.
   const NSRange last = searchBackwards(text, needle, options, range);
   return last.length != 0 && (!accept || accept(last)) ? last : NSNotFoundRange;
-}
-
-NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUInteger options,
-                      NSRange range) {
-  return NSSearchUnits(text, needle, options, range, nullptr);
 }
 
 void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
@@ -321,24 +312,23 @@ void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
 NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text, NSUInteger options) {
   constexpr auto characters = NSMembership::characters;
   if (text.empty()) return NSNotFoundRange;
+  const auto startOf = [&](std::size_t last) { return last - (NSSplitsPair(text, last) ? 1 : 0); };
+  const auto widthAt = [&](std::size_t at) { return NSSplitsPair(text, at + 1) ? 2U : 1U; };
   const bool isBackwards = (options & NSBackwardsSearch) != 0;
+  std::size_t place = 0;
   if ((options & NSAnchoredSearch) != 0) {
-    const std::size_t width =
-        isBackwards ? NSSplitsPair(text, text.size() - 1) + 1U : NSSplitsPair(text, 1) + 1U;
-    const std::u16string_view end =
-        isBackwards ? text.substr(text.size() - width) : text.substr(0, width);
+    if (isBackwards) place = startOf(text.size() - 1);
+    const std::u16string_view end = text.substr(place, widthAt(place));
     if (NSFirstMember(set, end, 0, characters) == none) return NSNotFoundRange;
-    return {isBackwards ? text.size() - width : 0, width};
-  }
-  if (isBackwards) {
+  } else if (isBackwards) {
     const std::size_t end = NSEndOfLastMember(set, text, characters);
     if (end == 0) return NSNotFoundRange;
-    const std::size_t width = NSSplitsPair(text, end - 1) ? 2 : 1;
-    return {end - width, width};
+    place = startOf(end - 1);
+  } else {
+    place = NSFirstMember(set, text, 0, characters);
+    if (place == none) return NSNotFoundRange;
   }
-  const std::size_t place = NSFirstMember(set, text, 0, characters);
-  if (place == none) return NSNotFoundRange;
-  return {place, NSSplitsPair(text, place + 1) ? 2U : 1U};
+  return {place, widthAt(place)};
 }
 
 std::size_t NSStartOfRun(const NSCharacterSet& set, std::u16string_view text, std::size_t index) {
@@ -353,18 +343,15 @@ std::size_t NSEndOfRun(const NSCharacterSet& set, std::u16string_view text, std:
 std::size_t NSCountMembersAtEnd(const NSCharacterSet& set, std::u16string_view text,
                                 NSUInteger options) {
   const bool isBackwards = (options & NSBackwardsSearch) != 0;
-  const std::uint64_t* const bitmap = NSAccess::unitBitmap(set);
   std::size_t count = 0;
   while (count < text.size()) {
     const char16_t unit = text[isBackwards ? text.size() - 1 - count : count];
-    if ((unit & 0xF800U) != 0xD800U) {
-      if ((bitmap[unit / 64] >> (unit % 64) & 1U) == 0) break;
-      ++count;
-      continue;
+    std::size_t width = set.characterIsMember(unit) ? 1 : 0;
+    if (NSIsSurrogate(unit)) {
+      const std::u16string_view rest =
+          isBackwards ? text.substr(0, text.size() - count) : text.substr(count);
+      width = NSSearchMember(set, rest, options | NSAnchoredSearch).length;
     }
-    const std::u16string_view rest =
-        isBackwards ? text.substr(0, text.size() - count) : text.substr(count);
-    const NSUInteger width = NSSearchMember(set, rest, options | NSAnchoredSearch).length;
     if (width == 0) break;
     count += width;
   }

@@ -16,21 +16,19 @@
 /// by character. Without it canonically equivalent text matches, so that the match may be longer or
 /// shorter than the needle, and no match begins or ends inside a composed character, the units
 /// outside of the range included.
-NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
-                                NSUInteger options, NSRange range);
-
-/// The same for a match that `accept` agrees to, for any when it is nil. Behind one that it refuses
-/// the search begins anew, over the rest of the range. All of it takes time linear in the range.
+///
+/// With `accept` the first match that it agrees to. After one that it refuses the search begins
+/// anew, over the rest of the range. All of it takes time linear in the range.
 NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
                                 NSUInteger options, NSRange range,
-                                NSBlockRef<bool(NSRange)> accept);
+                                NSBlockRef<bool(NSRange)> accept = nullptr);
 
 /// Calls `visit`, with some at a time, for the occurrences that `rangeOfString` finds from left to
 /// right, each search starting where the last match ended.
 NS_EXPORT void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
                                   NSBlockRef<void(std::span<const NSRange>)> visit);
 
-/// The same, one at a time.
+/// Calls `visit` for each of the occurrences that `NSVisitOccurrences` finds.
 template <class Visit>
 void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle, Visit visit) {
   NSVisitOccurrences(text, needle, [&](std::span<const NSRange> ranges) {
@@ -42,22 +40,24 @@ class NSCharacterSet;
 
 /// Finds a member of the set, a surrogate pair as one of two units; knows `NSBackwardsSearch` and
 /// `NSAnchoredSearch`.
-NS_EXPORT NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text,
-                                 NSUInteger options);
+[[nodiscard]] NS_EXPORT NSRange NSSearchMember(const NSCharacterSet& set, std::u16string_view text,
+                                               NSUInteger options);
 
-/// The units around the index without members of the set: from behind the last member before it to
-/// the first one at or behind it. A pair that the index divides counts as two halves.
-NS_EXPORT std::size_t NSStartOfRun(const NSCharacterSet& set, std::u16string_view text,
-                                   std::size_t index);
-NS_EXPORT std::size_t NSEndOfRun(const NSCharacterSet& set, std::u16string_view text,
-                                 std::size_t index);
-inline NSRange NSRunWithoutMembers(const NSCharacterSet& set, std::u16string_view text,
-                                   std::size_t index) {
+/// Gives the run of units around the index without members of the set: from the end of the last
+/// member before it to the first one at or after it. A pair that the index divides counts as two
+/// halves.
+[[nodiscard]] NS_EXPORT std::size_t NSStartOfRun(const NSCharacterSet& set,
+                                                 std::u16string_view text, std::size_t index);
+[[nodiscard]] NS_EXPORT std::size_t NSEndOfRun(const NSCharacterSet& set, std::u16string_view text,
+                                               std::size_t index);
+[[nodiscard]] inline NSRange NSRunWithoutMembers(const NSCharacterSet& set,
+                                                 std::u16string_view text, std::size_t index) {
   const std::size_t start = NSStartOfRun(set, text, index);
   return {start, NSEndOfRun(set, text, index) - start};
 }
 
-/// How many units the members of the set take up that the text begins with, or ends with when
+/// Counts the units of the members of the set that the text begins with, or ends with when
 /// `options` hold `NSBackwardsSearch`.
-NS_EXPORT std::size_t NSCountMembersAtEnd(const NSCharacterSet& set, std::u16string_view text,
-                                          NSUInteger options);
+[[nodiscard]] NS_EXPORT std::size_t NSCountMembersAtEnd(const NSCharacterSet& set,
+                                                        std::u16string_view text,
+                                                        NSUInteger options);
