@@ -11,19 +11,31 @@
 // for every maximal part of a broken UTF-8 sequence (the practice that Unicode recommends) and one
 // for every surrogate half that stands alone.
 
-/// The text of UTF-8 bytes.
-NS_EXPORT NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8);
-/// Puts it behind a text. Needs room for as many units as there are bytes.
+/// Gives the text of UTF-8 bytes.
+[[nodiscard]] NS_EXPORT NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8);
+/// Appends the text of UTF-8 bytes. Needs room for as many units as there are bytes.
 NS_EXPORT void NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text);
 
-/// The UTF-8 bytes of a text.
-NS_EXPORT std::string NSUTF8FromUnits(std::u16string_view text);
+/// Gives the UTF-8 bytes of a text.
+[[nodiscard]] NS_EXPORT std::string NSUTF8FromUnits(std::u16string_view text);
 
-constexpr bool NSIsHighSurrogate(char32_t unit) { return (unit & 0xFFFFFC00U) == 0xD800U; }
-constexpr bool NSIsLowSurrogate(char32_t unit) { return (unit & 0xFFFFFC00U) == 0xDC00U; }
+/// Whether the bytes are UTF-8, so that nothing of them becomes U+FFFD.
+[[nodiscard]] NS_EXPORT bool NSIsWellFormedUTF8(std::string_view utf8) noexcept;
+/// Whether no surrogate half of the text stands alone.
+[[nodiscard]] NS_EXPORT bool NSIsWellFormed(std::u16string_view text) noexcept;
+
+[[nodiscard]] constexpr bool NSIsSurrogate(char32_t unit) {
+  return (unit & 0xFFFFF800U) == 0xD800U;
+}
+[[nodiscard]] constexpr bool NSIsHighSurrogate(char32_t unit) {
+  return (unit & 0xFFFFFC00U) == 0xD800U;
+}
+[[nodiscard]] constexpr bool NSIsLowSurrogate(char32_t unit) {
+  return (unit & 0xFFFFFC00U) == 0xDC00U;
+}
 
 /// Whether a place in a text lies between the halves of a surrogate pair.
-constexpr bool NSSplitsPair(std::u16string_view text, std::size_t at) {
+[[nodiscard]] constexpr bool NSSplitsPair(std::u16string_view text, std::size_t at) {
   return at > 0 && at < text.size() && NSIsHighSurrogate(text[at - 1]) &&
          NSIsLowSurrogate(text[at]);
 }
@@ -39,5 +51,5 @@ constexpr char32_t NSTakeCharacter(std::u16string_view& text) {
   return character;
 }
 
-/// The value of a decimal digit of any script; -1 for every other character.
-NS_EXPORT int NSDecimalDigitValue(char32_t character) noexcept;
+/// Gives the value of a decimal digit of any script; -1 for every other character.
+[[nodiscard]] NS_EXPORT int NSDecimalDigitValue(char32_t character) noexcept;

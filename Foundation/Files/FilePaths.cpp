@@ -9,9 +9,8 @@
 #include <Foundation/NSUnicode.h>
 
 std::string NSBytesOfPath(std::u16string_view path) {
-  std::string bytes = NSUTF8FromUnits(path);
-  const bool isWhole = NSUnitsFromUTF8(bytes).view() == path;
-  return isWhole && bytes.find('\0') == std::string::npos ? bytes : std::string();
+  const bool canBePath = NSIsWellFormed(path) && path.find(u'\0') == std::u16string_view::npos;
+  return canBePath ? NSUTF8FromUnits(path) : std::string();
 }
 
 std::string NSEnvironmentPath(const char* variable) {

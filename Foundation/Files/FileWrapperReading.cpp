@@ -18,9 +18,9 @@ namespace fs = std::filesystem;
 namespace {
 
 NSRef<NSString> nameOf(const fs::path& path) {
-  auto name = NSMake<NSString>(path.filename().native());
-  if (name->utf8() != path.filename().native()) NSFailWithPath(path, EILSEQ);
-  return name;
+  const std::string name = path.filename().native();
+  if (!NSIsWellFormedUTF8(name)) NSFailWithPath(path, EILSEQ);
+  return NSMake<NSString>(name);
 }
 
 NSRef<NSDictionary> permissionsOf(mode_t mode) {

@@ -9,7 +9,5 @@ NSRef<NSString> NSHomeDirectory() {
 
 NSRef<NSString> NSTemporaryDirectory() {
   const std::string bytes = NSEnvironmentPath("TMPDIR");
-  auto directory = NSMake<NSString>(bytes);
-  const bool isText = !bytes.empty() && directory->utf8() == bytes;
-  return isText ? directory : u"/tmp"_ns;
+  return bytes.empty() || !NSIsWellFormedUTF8(bytes) ? u"/tmp"_ns : NSMake<NSString>(bytes);
 }

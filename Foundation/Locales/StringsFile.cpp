@@ -215,6 +215,6 @@ NSStringsFile NSReadStringsFile(const std::filesystem::path& file) {
   }
   const NSUnitBuffer units = NSUnitsFromUTF8(bytes);
   NSStringsFile table = NSReadStringsTable(units.view());
-  if (table.fault.empty() && NSUTF8FromUnits(units.view()) != bytes) table.fault = "not UTF-8";
+  if (table.fault.empty() && !NSIsWellFormedUTF8(bytes)) table.fault = "not UTF-8";
   return table;
 }

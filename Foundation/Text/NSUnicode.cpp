@@ -19,10 +19,12 @@ struct Decoded {
   bool isWellFormed;
 };
 
-// Decodes the sequence that starts with a byte of 0x80 or above. A broken sequence gives U+FFFD and
-// the length of its longest part that could have begun a well-formed one (at least one byte).
-Decoded decodeSequence(const unsigned char* bytes, std::size_t available) {
+// Decodes the first character of bytes that are not empty. A broken sequence gives U+FFFD and the
+// length of its longest part that could have begun a well-formed one (at least one byte).
+Decoded decodeFirst(std::string_view utf8) {
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(utf8.data());
   const unsigned char lead = bytes[0];
+  if (lead < 0x80) return {lead, 1, true};
   if (lead < 0xC2 || lead > 0xF4) return {replacementCharacter, 1, false};
   const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
 
@@ -33,12 +35,12 @@ Decoded decodeSequence(const unsigned char* bytes, std::size_t available) {
   if (lead == 0xED) high = 0x9F;
   if (lead == 0xF0) low = 0x90;
   if (lead == 0xF4) high = 0x8F;
-  if (available < 2 || bytes[1] < low || bytes[1] > high) return {replacementCharacter, 1, false};
+  if (utf8.size() < 2 || bytes[1] < low || bytes[1] > high) return {replacementCharacter, 1, false};
 
   char32_t character = lead & (0x7FU >> length);
   character = (character << 6U) | (bytes[1] & 0x3FU);
   for (std::size_t k = 2; k < length; ++k) {
-    if (k == available || !isContinuation(bytes[k])) return {replacementCharacter, k, false};
+    if (k == utf8.size() || !isContinuation(bytes[k])) return {replacementCharacter, k, false};
     character = (character << 6U) | (bytes[k] & 0x3FU);
   }
   return {character, length, true};
@@ -63,9 +65,7 @@ char16_t* decode(std::string_view utf8, char16_t* out) {
   std::size_t position = 0;
   std::size_t wellFormed = 0;
   while (position < utf8.size()) {
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(utf8.data()) + position;
-    const Decoded decoded = bytes[0] < 0x80 ? Decoded{bytes[0], 1, true}
-                                            : decodeSequence(bytes, utf8.size() - position);
+    const Decoded decoded = decodeFirst(utf8.substr(position));
     out = putCharacter(decoded.character, out);
     position += decoded.length;
     wellFormed = decoded.isWellFormed ? wellFormed + decoded.length : 0;
@@ -80,7 +80,7 @@ char16_t* decode(std::string_view utf8, char16_t* out) {
 }
 
 char* putUTF8(char32_t character, char* out) {
-  if ((character & 0xFFFFF800U) == 0xD800U) character = replacementCharacter;
+  if (NSIsSurrogate(character)) character = replacementCharacter;
   const auto put = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
   if (character < 0x80) {
     put(character);
@@ -138,6 +138,22 @@ std::string NSUTF8FromUnits(std::u16string_view text) {
   }
   while (!rest.empty()) appendCharacters(chunkSize / 4);
   return result;
+}
+
+bool NSIsWellFormedUTF8(std::string_view utf8) noexcept {
+  while (!utf8.empty()) {
+    const Decoded first = decodeFirst(utf8);
+    if (!first.isWellFormed) return false;
+    utf8.remove_prefix(first.length);
+  }
+  return true;
+}
+
+bool NSIsWellFormed(std::u16string_view text) noexcept {
+  while (!text.empty()) {
+    if (NSIsSurrogate(NSTakeCharacter(text))) return false;
+  }
+  return true;
 }
 
 int NSDecimalDigitValue(char32_t character) noexcept {

@@ -182,7 +182,7 @@ auto withMembership(const NSCharacterSet& set, std::u16string_view text, NSMembe
   };
   if (membership == NSMembership::units) return use(isMemberUnit);
   return use([&](std::size_t at) {
-    if ((text[at] & 0xF800U) != 0xD800U) return isMemberUnit(at);
+    if (!NSIsSurrogate(text[at])) return isMemberUnit(at);
     const bool isSecond = at > 0 && isPair(text, at - 1);
     if (!isSecond && !isPair(text, at)) return isMemberUnit(at);
     std::u16string_view pair = text.substr(isSecond ? at - 1 : at);
@@ -219,9 +219,8 @@ std::span<const std::uint64_t> NSFindMembers(const NSCharacterSet& set, std::u16
 }
 
 // Words and fields are short: most searches end within the first few units, for which the vectors
-// are not worth setting up, and most others within a line.
+// are not worth setting up.
 constexpr std::size_t unitsByHand = 8;
-constexpr std::size_t unitsOfLine = 128;
 
 std::size_t NSFirstMember(const NSCharacterSet& set, std::u16string_view text, std::size_t from,
                           NSMembership membership) noexcept {
@@ -231,16 +230,14 @@ std::size_t NSFirstMember(const NSCharacterSet& set, std::u16string_view text, s
   });
   if (from < near) return from;
   NSMemberBits bits;
-  std::size_t most = unitsOfLine;
   while (from < text.size()) {
-    const std::size_t count = std::min(text.size() - from, most);
+    const std::size_t count = std::min(text.size() - from, NSMemberBits::unitCount);
     std::size_t at = from;
     for (const std::uint64_t word : find(set, text, from, count, membership, bits)) {
       if (word != 0) return at + static_cast<std::size_t>(std::countr_zero(word));
       at += wordSize;
     }
     from += count;
-    most = NSMemberBits::unitCount;
   }
   return std::u16string_view::npos;
 }
@@ -254,16 +251,14 @@ std::size_t NSEndOfLastMember(const NSCharacterSet& set, std::u16string_view tex
   });
   if (end > near) return end;
   NSMemberBits bits;
-  std::size_t most = unitsOfLine;
   while (end > 0) {
-    const std::size_t from = end - std::min(end, most);
+    const std::size_t from = end - std::min(end, NSMemberBits::unitCount);
     const auto words = find(set, text, from, end - from, membership, bits);
     for (std::size_t word = words.size(); word-- > 0;) {
       if (words[word] == 0) continue;
       return from + word * wordSize + static_cast<std::size_t>(std::bit_width(words[word]));
     }
     end = from;
-    most = NSMemberBits::unitCount;
   }
   return 0;
 }

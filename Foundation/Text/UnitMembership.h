@@ -10,7 +10,7 @@
 #include <Foundation/NSCharacterSet.h>
 #include <Foundation/NSExport.h>
 
-/// What a character set is asked about a surrogate pair.
+/// Tells what a character set is asked about a surrogate pair.
 enum class NSMembership : std::uint8_t {
   /// Every unit by itself: the two halves apart.
   units,
@@ -19,7 +19,7 @@ enum class NSMembership : std::uint8_t {
   characters,
 };
 
-/// Room for which units of a part of a text are members, in bits: bit `k % 64` of word `k / 64`
+/// Holds which units of a part of a text are members, in bits: bit `k % 64` of word `k / 64`
 /// stands for the k-th unit of the part.
 struct NSMemberBits {
   static constexpr std::size_t unitCount = 1024;
@@ -28,24 +28,29 @@ struct NSMemberBits {
 };
 
 /// Marks the members among the `NSMemberBits::unitCount` units from `from` on, or those that there
-/// are. Gives the words in use; bits behind the text are 0.
-NS_EXPORT std::span<const std::uint64_t> NSFindMembers(const NSCharacterSet& set,
-                                                       std::u16string_view text, std::size_t from,
-                                                       NSMembership membership,
-                                                       NSMemberBits& bits) noexcept;
+/// are. Gives the words in use; bits after the text are 0.
+[[nodiscard]] NS_EXPORT std::span<const std::uint64_t> NSFindMembers(const NSCharacterSet& set,
+                                                                     std::u16string_view text,
+                                                                     std::size_t from,
+                                                                     NSMembership membership,
+                                                                     NSMemberBits& bits) noexcept;
 
-/// The first member at or behind `from`; `npos` when there is none.
-NS_EXPORT std::size_t NSFirstMember(const NSCharacterSet& set, std::u16string_view text,
-                                    std::size_t from, NSMembership membership) noexcept;
+/// Finds the first member at or after `from`; `npos` when there is none.
+[[nodiscard]] NS_EXPORT std::size_t NSFirstMember(const NSCharacterSet& set,
+                                                  std::u16string_view text, std::size_t from,
+                                                  NSMembership membership) noexcept;
 
-/// The unit behind the last member; 0 when there is none.
-NS_EXPORT std::size_t NSEndOfLastMember(const NSCharacterSet& set, std::u16string_view text,
-                                        NSMembership membership) noexcept;
+/// Gives the end of the last member; 0 when there is none.
+[[nodiscard]] NS_EXPORT std::size_t NSEndOfLastMember(const NSCharacterSet& set,
+                                                      std::u16string_view text,
+                                                      NSMembership membership) noexcept;
 
 /// Writes the units that are no members to `out`, which has room for the whole text. It may be the
 /// text's own storage when the units are asked about. Gives the number of units written.
-NS_EXPORT std::size_t NSCopyNonMembers(const NSCharacterSet& set, std::u16string_view text,
-                                       NSMembership membership, char16_t* out) noexcept;
+[[nodiscard]] NS_EXPORT std::size_t NSCopyNonMembers(const NSCharacterSet& set,
+                                                     std::u16string_view text,
+                                                     NSMembership membership,
+                                                     char16_t* out) noexcept;
 
 /// Calls `visit` with the position of every member unit, from left to right.
 template <class Visit>

@@ -14,8 +14,7 @@ NSRef<NSString> stemOf(const NSRef<NSString>& path) {
 NSRef<NSString> pathInUTF8(const NSRef<NSURL>& url) {
   auto path = url->path();
   if (!path || !url->isFileURL()) return path;
-  const auto text = NSMake<NSString>(url->fileSystemPath().native());
-  return text->utf8() == url->fileSystemPath().native() ? path : nullptr;
+  return NSIsWellFormedUTF8(url->fileSystemPath().native()) ? path : nullptr;
 }
 
 }  // namespace

@@ -4,31 +4,20 @@
 #include <iterator>
 #include <sstream>
 
-#include <unicode/ustring.h>
+#include <unicode/unistr.h>
 
 namespace {
 
 // ICU's conversions, as the models.
 std::u16string decodedByICU(const std::string& utf8) {
-  std::u16string units(utf8.size(), u'\0');
-  UErrorCode status = U_ZERO_ERROR;
-  std::int32_t length = 0;
-  u_strFromUTF8WithSub(units.data(), static_cast<std::int32_t>(units.size()), &length, utf8.data(),
-                       static_cast<std::int32_t>(utf8.size()), 0xFFFD, nullptr, &status);
-  EXPECT_TRUE(U_SUCCESS(status));
-  units.resize(static_cast<std::size_t>(length));
-  return units;
+  const auto units = icu::UnicodeString::fromUTF8(utf8);
+  return {units.getBuffer(), static_cast<std::size_t>(units.length())};
 }
 
 std::string encodedByICU(const std::u16string& units) {
-  std::string utf8(3 * units.size(), '\0');
-  UErrorCode status = U_ZERO_ERROR;
-  std::int32_t length = 0;
-  u_strToUTF8WithSub(utf8.data(), static_cast<std::int32_t>(utf8.size()), &length, units.data(),
-                     static_cast<std::int32_t>(units.size()), 0xFFFD, nullptr, &status);
-  EXPECT_TRUE(U_SUCCESS(status));
-  utf8.resize(static_cast<std::size_t>(length));
-  return utf8;
+  std::string utf8;
+  return icu::UnicodeString(units.data(), static_cast<std::int32_t>(units.size()))
+      .toUTF8String(utf8);
 }
 
 // Pieces that meet at every border: of the forms, of the ranges that are left out, and of blocks.
@@ -64,7 +53,9 @@ TEST(NSUnicode, DecodesAsUnicodeRecommends) {
   forEachVectorTarget([] {
     expectProperty("the same units as ICU", [] {
       const auto utf8 = *utf8Texts();
-      RC_ASSERT(std::u16string(NSUnitsFromUTF8(utf8).view()) == decodedByICU(utf8));
+      const auto units = decodedByICU(utf8);
+      RC_ASSERT(std::u16string(NSUnitsFromUTF8(utf8).view()) == units);
+      RC_ASSERT(NSIsWellFormedUTF8(utf8) == (encodedByICU(units) == utf8));
     });
   });
 }
@@ -78,7 +69,9 @@ TEST(NSUnicode, EncodesLoneHalvesAsReplacements) {
                                            textOver(u"\u0800\uFFFFa\u07FF" + halves))));
       std::u16string units;
       for (const auto& kind : kinds) units += kind;
-      RC_ASSERT(NSUTF8FromUnits(units) == encodedByICU(units));
+      const auto utf8 = encodedByICU(units);
+      RC_ASSERT(NSUTF8FromUnits(units) == utf8);
+      RC_ASSERT(NSIsWellFormed(units) == (decodedByICU(utf8) == units));
     });
   });
 }
@@ -86,7 +79,7 @@ TEST(NSUnicode, EncodesLoneHalvesAsReplacements) {
 TEST(NSUnicode, ConvertsLongTextsThroughEveryChunk) {
   std::u16string units;
   for (char16_t k = 0; units.size() < 50'000; ++k) {
-    if ((k & 0xF800) != 0xD800) units += std::u16string(k % 40, u'x') + k;
+    if (!NSIsSurrogate(k)) units += std::u16string(k % 40, u'x') + k;
   }
   const std::string utf8 = NSUTF8FromUnits(units);
   EXPECT_EQ(utf8, encodedByICU(units));
