@@ -10,7 +10,6 @@
 #include <uuid/uuid.h>
 
 #include <Foundation/NSException.h>
-#include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSStringComparison.h>
 #include <Foundation/Text/StringSearch.h>
 #include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
@@ -102,32 +101,24 @@ std::uint32_t lenientHexValue(std::u16string_view text, auto isWideSpace) {
       text, [](char16_t unit) { return std::iswspace(static_cast<std::wint_t>(unit)) != 0; });
 }
 
-// One slot for each constant, made by whichever thread comes first; the others wait for it.
-template <unichar unit>
-const NSRef<NSString>& constantString() {
-  static const NSNeverDestroyed<NSRef<NSString>> string(
-      ZKFoundationExtensions::stringWithCharacter(unit));
-  return *string;
-}
-
 }  // namespace
 
 namespace ZKFoundationExtensions {
 
 bool isEmptyString(const NSRef<NSString>& string) noexcept { return NSViewOf(string).empty(); }
 
-const NSRef<NSString>& horizontalEllipsisString() { return constantString<0x2026>(); }
+const NSRef<NSString>& horizontalEllipsisString() { return NSConstantString<u"…">(); }
 const NSRef<NSString>& leftPointingDoubleAngleQuotationMarkString() {
-  return constantString<0x00AB>();
+  return NSConstantString<u"«">();
 }
 const NSRef<NSString>& rightPointingDoubleAngleQuotationMarkString() {
-  return constantString<0x00BB>();
+  return NSConstantString<u"»">();
 }
-const NSRef<NSString>& emdashString() { return constantString<0x2014>(); }
-const NSRef<NSString>& endashString() { return constantString<0x2013>(); }
-const NSRef<NSString>& commandKeyIndicatorString() { return constantString<0x2318>(); }
-const NSRef<NSString>& alternateKeyIndicatorString() { return constantString<0x2325>(); }
-const NSRef<NSString>& shiftKeyIndicatorString() { return constantString<0x21E7>(); }
+const NSRef<NSString>& emdashString() { return NSConstantString<u"—">(); }
+const NSRef<NSString>& endashString() { return NSConstantString<u"–">(); }
+const NSRef<NSString>& commandKeyIndicatorString() { return NSConstantString<u"⌘">(); }
+const NSRef<NSString>& alternateKeyIndicatorString() { return NSConstantString<u"⌥">(); }
+const NSRef<NSString>& shiftKeyIndicatorString() { return NSConstantString<u"⇧">(); }
 
 NSRef<NSString> UUIDString() {
   uuid_t uuid;
@@ -164,7 +155,7 @@ std::uint64_t maxHexValue(const NSRef<NSString>& string) {
   skipSpace(text, [](char16_t unit) { return classOf(unit) == spaceClass; });
   const bool isNegative = text.starts_with(u'-');
   if (isNegative || text.starts_with(u'+')) text.remove_prefix(1);
-  // "0x" without a digit behind it is the number 0, which is what dropping it leaves.
+  // "0x" without a digit after it is the number 0, which is what dropping it leaves.
   skipPrefix(text, [](char16_t x) { return x == u'x' || x == u'X'; });
 
   constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();

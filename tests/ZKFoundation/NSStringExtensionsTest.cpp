@@ -34,37 +34,33 @@ TEST(NSStringExtensions, ConstantsAreOneObjectForAllThreads) {
       const std::lock_guard lock(mutex);
       seen.insert(constant.get());
     }
-    (void)NSCharacterSet::whitespaceCharacterSet();
-    (void)NSCharacterSet::whitespaceAndNewlineCharacterSet();
-    (void)NSCharacterSet::controlCharacterSet();
-    (void)NSCharacterSet::alphanumericCharacterSet();
-    (void)NSCharacterSet::decimalDigitCharacterSet();
+    EXPECT_TRUE(NSCharacterSet::decimalDigitCharacterSet()->characterIsMember(u'0'));
     (void)NSNull::null();
     EXPECT_TRUE(controlAndAttachmentCharacterSet()->characterIsMember(0xFFFC));
     (void)wordBoundariesCharacterSet();
     const NSRange all = {0, 2};
     EXPECT_EQ(trimRange_prefixRange_postfixRange_trimOptions(u" a"_ns, all, nullptr, nullptr, 3),
               (NSRange{1, 1}));
-    EXPECT_TRUE(titlecaseString(u"to be"_ns) == u"To Be");
+    EXPECT_EQ(titlecaseString(u"to be"_ns), u"To Be");
   });
   EXPECT_EQ(seen.size(), constantRows.size());
   for (const auto& [operation, text] : constantRows) {
-    EXPECT_TRUE(operation() == text) << operation();
+    EXPECT_EQ(operation(), text);
     EXPECT_TRUE(operation()->isMemberOfClass(NSClass::of<NSString>()));
   }
 }
 
 TEST(NSStringExtensions, MakesStrings) {
-  EXPECT_TRUE(stringWithCharacter(u'A') == u"A");
+  EXPECT_EQ(stringWithCharacter(u'A'), u"A");
   const NSRef<NSMutableString> changeable = stringWithCharacter<NSMutableString>(0xD800);
   EXPECT_EQ(changeable->characterAtIndex(0), 0xD800);
-  EXPECT_TRUE(stringWithStrings({u"a"_ns, u""_ns, u"b"_ns, nullptr, u"c"_ns}) == u"ab");
-  EXPECT_TRUE(stringWithStrings({nullptr}) == u"");
+  EXPECT_EQ(stringWithStrings({u"a"_ns, u""_ns, u"b"_ns, nullptr, u"c"_ns}), u"ab");
+  EXPECT_EQ(stringWithStrings({nullptr}), u"");
   EXPECT_TRUE(stringWithStrings({u"a"_ns})->isMemberOfClass(NSClass::of<NSString>()));
 
   const auto string = NSMake<NSMutableString>(u"<");
   appendStrings(string, {string, u">"_ns, nullptr, u"x"_ns});
-  EXPECT_TRUE(string == u"<<>");
+  EXPECT_EQ(string, u"<<>");
   appendStrings(string, {nullptr});
   EXPECT_EQ(string->length(), 3U);
 
@@ -78,7 +74,7 @@ TEST(NSStringExtensions, PrintsIdentitiesAsPrintf) {
   std::array<char, 32> text;
   std::snprintf(text.data(), text.size(), "%p", static_cast<void*>(object.get()));
   EXPECT_EQ(stringForId(object)->utf8(), text.data());
-  EXPECT_TRUE(stringForId(nullptr) == u"(nil)");
+  EXPECT_EQ(stringForId(nullptr), u"(nil)");
 }
 
 TEST(NSStringExtensions, MakesFreshUUIDs) {
@@ -138,55 +134,42 @@ TEST(NSStringExtensions, ReadsHexadecimalText) {
 TEST(NSStringExtensions, NamesTheReceiverThatIsNil) {
   const NSRef<NSString> nothing;
   const NSRef<NSArray> noArray;
-  for (const auto& [reason, operation] : Rows<const char*, std::function<void()>>{
-           {"string is nil (in 'hexValue')", [&] { (void)hexValue(nothing); }},
-           {"string is nil (in 'stringByRemovingPrefix:')",
+  for (const auto& [reason, operation] : Rows<std::string, std::function<void()>>{
+           {"string is nil (in 'hexValue", [&] { (void)hexValue(nothing); }},
+           {"string is nil (in 'stringByRemovingPrefix:",
             [&] { (void)stringByRemovingPrefix(nothing, nothing); }},
-           {"string is nil (in 'stringByRemovingSuffix:')",
+           {"string is nil (in 'stringByRemovingSuffix:",
             [&] { (void)stringByRemovingSuffix(nothing, nothing); }},
-           {"string is nil (in 'stringByRemovingString:')",
+           {"string is nil (in 'stringByRemovingString:",
             [&] { (void)stringByRemovingString(nothing, nothing); }},
-           {"string is nil (in 'hasCaseInsensitivePrefix:')",
+           {"string is nil (in 'hasCaseInsensitivePrefix:",
             [&] { (void)hasCaseInsensitivePrefix(nothing, nothing); }},
-           {"string is nil (in 'rangeOfWordsIntersectingRange:')",
+           {"string is nil (in 'rangeOfWordsIntersectingRange:",
             [&] { (void)rangeOfWordsIntersectingRange(nothing, NSRange()); }},
-           {"string is nil (in 'titlecaseString')", [&] { (void)titlecaseString(nothing); }},
-           {"array is nil (in 'insertObjectsFromArray:atIndex:')",
+           {"string is nil (in 'titlecaseString", [&] { (void)titlecaseString(nothing); }},
+           {"array is nil (in 'insertObjectsFromArray:atIndex:",
             [] { insertObjectsFromArray_atIndex(nullptr, nullptr, 0); }},
-           {"array is nil (in 'indexOfObjectIdenticalTo:inArraySortedUsingSelector:')",
+           {"array is nil (in 'indexOfObjectIdenticalTo:inArraySortedUsingSelector:",
             [&] {
               (void)indexOfObjectIdenticalTo_inArraySortedUsingSelector(noArray, nothing,
                                                                         &NSString::compare);
             }},
        }) {
-    expectRaises(NSInvalidArgumentException, reason, operation);
+    expectRaises(NSInvalidArgumentException, reason + "')", operation);
   }
 }
 
-// The rules one by one, in the "C" locale.
-std::uint32_t lenientModel(std::u16string_view text) {
-  text = text.substr(0, 40);
-  const auto isSpace = [](char16_t unit) {
-    return unit != 0 && std::u16string_view(u" \t\n\v\f\r").find(unit) != std::u16string_view::npos;
-  };
-  while (!text.empty() && isSpace(text[0])) text.remove_prefix(1);
-  if (text.starts_with(u"0x")) text.remove_prefix(2);
-  std::uint64_t value = 0;
-  for (const char16_t unit : text) {
-    const auto digit = std::u16string_view(u"0123456789abcdefABCDEF").find(unit);
-    if (digit == std::u16string_view::npos && !isSpace(unit)) return 0;
-    if (digit != std::u16string_view::npos) value = value << 4 | (digit < 16 ? digit : digit - 6);
+TEST(NSStringExtensions, KnowsEveryDigitAtEveryPlace) {
+  for (std::size_t place = 0; place < 10; ++place) {
+    for (char16_t unit = u'!'; unit < 0x180; ++unit) {
+      std::u16string text = u"1023456789";
+      text[place] = unit;
+      const bool isDigit = unit < 0x80 && std::isxdigit(unit) != 0;
+      const std::string digits(text.begin(), text.end());
+      const auto expected = isDigit ? std::stoull(digits, nullptr, 16) & 0xFFFF'FFFF : 0;
+      EXPECT_EQ(hexValue(NSMake<NSString>(text)), expected) << int{unit} << " at " << place;
+    }
   }
-  return static_cast<std::uint32_t>(value);
-}
-
-TEST(NSStringExtensions, ReadsLenientlyByItsRules) {
-  expectProperty("the rules one by one", [] {
-    const auto digits = rc::gen::scale(0.6, textOver(u"0123456789abcdefABCDEF"));
-    const auto noise = rc::gen::scale(0.03, textOver(u"09:/@AFG`afg 0x\t\u0130\u2041\uFF11"));
-    const auto text = *noise + *digits + *noise + *digits;
-    RC_ASSERT(hexValue(NSMake<NSString>(text)) == lenientModel(text));
-  });
 }
 
 TEST(NSStringExtensions, ReadsTheWidestNumbersAsTheCLibrary) {
@@ -200,19 +183,19 @@ TEST(NSStringExtensions, ReadsTheWidestNumbersAsTheCLibrary) {
 
 TEST(NSStringExtensions, RemovesOnePrefixOrSuffix) {
   const auto string = u"aabbcc"_ns;
-  EXPECT_TRUE(stringByRemovingPrefix(string, u"a"_ns) == u"abbcc");
-  EXPECT_TRUE(stringByRemovingSuffix(string, u"bcc"_ns) == u"aab");
-  EXPECT_TRUE(stringByRemovingPrefix(string, string) == u"");
-  EXPECT_TRUE(stringByRemovingSuffix(string, u"aabbcc"_ns) == u"");
-  EXPECT_TRUE(stringByRemovingPrefix(u"e\u0301"_ns, u"e"_ns) == u"\u0301");
-  EXPECT_TRUE(stringByRemovingPrefix(u"e\u0301"_ns, u"é"_ns) == u"e\u0301");
+  EXPECT_EQ(stringByRemovingPrefix(string, u"a"_ns), u"abbcc");
+  EXPECT_EQ(stringByRemovingSuffix(string, u"bcc"_ns), u"aab");
+  EXPECT_EQ(stringByRemovingPrefix(string, string), u"");
+  EXPECT_EQ(stringByRemovingSuffix(string, u"aabbcc"_ns), u"");
+  EXPECT_EQ(stringByRemovingPrefix(u"e\u0301"_ns, u"e"_ns), u"\u0301");
+  EXPECT_EQ(stringByRemovingPrefix(u"e\u0301"_ns, u"é"_ns), u"e\u0301");
   const auto changeable = NSMake<NSMutableString>(u"x");
   EXPECT_EQ(stringByRemovingPrefix(changeable, u"y"_ns), changeable);
   for (const auto& none : {NSRef<NSString>(), u""_ns, u"A"_ns, u"C"_ns, u"aabbccd"_ns}) {
     EXPECT_EQ(stringByRemovingPrefix(string, none), string);
     EXPECT_EQ(stringByRemovingSuffix(string, none), string);
   }
-  EXPECT_TRUE(stringByAppendingEllipsis(string) == u"aabbcc…");
+  EXPECT_EQ(stringByAppendingEllipsis(string), u"aabbcc…");
 }
 
 TEST(NSStringExtensions, ComparesPrefixesWithoutCase) {
@@ -250,11 +233,9 @@ TEST(NSStringExtensions, RemovesEveryOccurrenceInOnePass) {
     RC_ASSERT(pieces->componentsJoinedByString(nullptr) == result->view());
     RC_ASSERT((pieces->count() == 1) == (result == string));
   });
-  EXPECT_TRUE(stringByRemovingString(u"aabb"_ns, u"ab"_ns) == u"ab");
+  EXPECT_EQ(stringByRemovingString(u"aabb"_ns, u"ab"_ns), u"ab");
   const auto string = u"abc"_ns;
-  for (const auto& none : {NSRef<NSString>(), u""_ns, u"x"_ns}) {
-    EXPECT_EQ(stringByRemovingString(string, none), string);
-  }
+  EXPECT_EQ(stringByRemovingString(string, nullptr), string);
 }
 
 }  // namespace
