@@ -13,44 +13,26 @@ std::u16string replacedModel(const NSRef<NSCharacterSet>& set, std::u16string_vi
                              std::u16string_view replacement) {
   std::u16string result;
   for (const char16_t unit : text) {
-    if (set->characterIsMember(unit)) {
-      result += replacement;
-    } else {
-      result += unit;
-    }
+    result += set->characterIsMember(unit) ? replacement : std::u16string_view(&unit, 1);
   }
   return result;
 }
 
-std::u16string trimmedModel(const NSRef<NSCharacterSet>& set, std::u16string text) {
-  while (!text.empty() && set->characterIsMember(text.front())) text.erase(0, 1);
-  while (!text.empty() && set->characterIsMember(text.back())) text.pop_back();
-  return text;
-}
-
-std::vector<std::u16string> splitModel(const NSRef<NSCharacterSet>& set, std::u16string_view text,
-                                       bool trims) {
-  std::vector<std::u16string> result;
-  std::u16string component;
-  const auto emit = [&] {
-    const auto& blanks = NSCharacterSet::whitespaceCharacterSet();
-    if (!component.empty()) result.push_back(trims ? trimmedModel(blanks, component) : component);
-    component.clear();
+// The components, each with a "|" after it.
+std::u16string splitModel(const NSRef<NSCharacterSet>& set, std::u16string_view text, bool trims) {
+  const auto isBlank = [&](char16_t unit) {
+    return trims && NSCharacterSet::whitespaceCharacterSet()->characterIsMember(unit);
   };
-  for (const char16_t unit : text) {
-    if (set->characterIsMember(unit)) {
-      emit();
-    } else {
-      component += unit;
-    }
+  std::u16string result;
+  for (std::size_t start = 0, end = 0; end <= text.size(); ++end) {
+    if (end < text.size() && !set->characterIsMember(text[end])) continue;
+    std::u16string_view component = text.substr(start, end - start);
+    start = end + 1;
+    if (component.empty()) continue;
+    while (!component.empty() && isBlank(component.front())) component.remove_prefix(1);
+    while (!component.empty() && isBlank(component.back())) component.remove_suffix(1);
+    result.append(component).append(u"|");
   }
-  emit();
-  return result;
-}
-
-std::vector<std::u16string> unitsOf(const NSRef<NSMutableArray>& array) {
-  std::vector<std::u16string> result;
-  for (const auto& element : *array) result.emplace_back(element.as<NSString>()->view());
   return result;
 }
 
@@ -79,16 +61,15 @@ TEST(NSStringEditing, LeavesStringsWithoutMembersAlone) {
   ZKRemoveCharactersInCharacterSet(string, comma);
   ZKRemoveCharactersInCharacterSet(string, nullptr);
   EXPECT_EQ(string->view().data(), units);
-  EXPECT_TRUE(string == u"a text of some length");
+  EXPECT_EQ(string, u"a text of some length");
   EXPECT_EQ(stringByReplacingCharactersInSet_withString(string, comma, u"x"_ns), string);
   EXPECT_EQ(stringByReplacingCharactersInSet_withString(string, nullptr, u"x"_ns), string);
-  const auto replaced = stringByReplacingCharactersInSet_withString(u"a,,b"_ns, comma, u"; "_ns);
-  EXPECT_TRUE(replaced == u"a; ; b");
-  EXPECT_TRUE(stringByReplacingCharactersInSet_withString(u"a,b"_ns, comma, nullptr) == u"ab");
+  EXPECT_EQ(stringByReplacingCharactersInSet_withString(u"a,b"_ns, comma, u"; "_ns), u"a; b");
+  EXPECT_EQ(stringByReplacingCharactersInSet_withString(u"a,b"_ns, comma, nullptr), u"ab");
 
   const auto own = NSMake<NSMutableString>(u"a,b,");
   ZKReplaceCharactersInCharacterSet(own, comma, own);
-  EXPECT_TRUE(own == u"aa,b,ba,b,");
+  EXPECT_EQ(own, u"aa,b,ba,b,");
 }
 
 TEST(NSStringEditing, RemovesCharactersIntoNewStrings) {
@@ -112,21 +93,21 @@ TEST(NSStringEditing, RemovesCharactersIntoNewStrings) {
       RC_ASSERT(stringByRemovingCharactersInSet_options(string, set, options)->view() == expected);
     });
   });
-  EXPECT_TRUE(stringByRemovingCharacter(u"banana"_ns, u'a') == u"bnn");
-  EXPECT_TRUE(stringByRemovingCharactersInSet(u"ab"_ns, nullptr) == u"ab");
-  EXPECT_TRUE(stringByRemovingWhitespace(u" a\t\u00A0b\n "_ns) == u"ab\n");
+  EXPECT_EQ(stringByRemovingCharacter(u"banana"_ns, u'a'), u"bnn");
+  EXPECT_EQ(stringByRemovingCharactersInSet(u"ab"_ns, nullptr), u"ab");
+  EXPECT_EQ(stringByRemovingWhitespace(u" a\t\u00A0b\n "_ns), u"ab\n");
 }
 
 TEST(NSStringEditing, BothTrimmingsKeepLineBreaks) {
   for (const auto operation :
        {stringByRemovingSurroundingWhitespace, stringByRemovingSurroundingWhitespaceAndNewlines}) {
-    EXPECT_TRUE(operation(u"\t \u3000a b \t"_ns) == u"a b");
-    EXPECT_TRUE(operation(u" \na\n "_ns) == u"\na\n");
-    EXPECT_TRUE(operation(u" \t "_ns) == u"");
+    EXPECT_EQ(operation(u"\t \u3000a b \t"_ns), u"a b");
+    EXPECT_EQ(operation(u" \na\n "_ns), u"\na\n");
+    EXPECT_EQ(operation(u" \t "_ns), u"");
   }
   const auto set = NSMake<NSCharacterSet>(u"\U0001F600x"_ns);
-  EXPECT_TRUE(u"x\U0001F600a\U0001F601\U0001F600"_ns->stringByTrimmingCharactersInSet(set) ==
-              u"a\U0001F601");
+  EXPECT_EQ(u"x\U0001F600a\U0001F601\U0001F600"_ns->stringByTrimmingCharactersInSet(set),
+            u"a\U0001F601");
 }
 
 TEST(NSStringEditing, SplitsAndTrims) {
@@ -136,18 +117,10 @@ TEST(NSStringEditing, SplitsAndTrims) {
     const auto trims = *rc::gen::arbitrary<bool>();
     const auto result =
         componentsSeparatedByCharactersInSet_trimWhitespace(NSMake<NSString>(text), set, trims);
-    RC_ASSERT(unitsOf(result) == splitModel(set, text, trims));
+    std::u16string joined;
+    for (const auto& piece : *result) joined.append(*piece.as<NSString>()).append(u"|");
+    RC_ASSERT(joined == splitModel(set, text, trims));
   });
-  const auto comma = NSMake<NSCharacterSet>(u","_ns);
-  const auto split = [&](const NSRef<NSString>& string, bool trims) {
-    return unitsOf(componentsSeparatedByCharactersInSet_trimWhitespace(string, comma, trims));
-  };
-  using Pieces = std::vector<std::u16string>;
-  EXPECT_EQ(split(u" a , ,b"_ns, true), (Pieces{u"a", u"", u"b"}));
-  EXPECT_EQ(split(u" a , ,b"_ns, false), (Pieces{u" a ", u" ", u"b"}));
-  EXPECT_EQ(split(u"a, "_ns, true), (Pieces{u"a", u""}));
-  EXPECT_EQ(split(u",,,"_ns, true), Pieces());
-  EXPECT_EQ(split(u""_ns, true), Pieces());
 }
 
 TEST(NSStringEditing, SplitsWithTheCallersMemory) {
@@ -220,23 +193,19 @@ TEST(NSStringEditing, FindsTheRunAroundAnIndex) {
     const auto run = rangeWithoutCharactersFromSet_atIndex(NSMake<NSString>(text), set, index);
     RC_ASSERT(run == (NSRange{start, end - start}));
   });
-  expectRaises(NSRangeException,
-               "index 3 beyond bounds [0, 2) (in 'rangeWithoutCharactersFromSet:atIndex:')",
-               [] { (void)rangeWithoutCharactersFromSet_atIndex(u"ab"_ns, nullptr, 3); });
 }
 
 TEST(NSCharacterSetExtensions, HoldsWhatItSays) {
   EXPECT_TRUE(attachmentCharacterSet()->isEqual(NSMake<NSCharacterSet>(u"\uFFFC"_ns)));
-  for (char32_t c = 0; c < 0x110000; ++c) {
-    const bool isControl = NSCharacterSet::controlCharacterSet()->longCharacterIsMember(c);
-    ASSERT_EQ(controlAndAttachmentCharacterSet()->longCharacterIsMember(c),
-              isControl || c == 0xFFFC);
-    ASSERT_NE(wordBoundariesCharacterSet()->longCharacterIsMember(c),
-              NSCharacterSet::alphanumericCharacterSet()->longCharacterIsMember(c));
+  const auto both = NSCharacterSet::controlCharacterSet()->mutableCopy();
+  both->addCharactersInString(u"\uFFFC"_ns);
+  EXPECT_TRUE(controlAndAttachmentCharacterSet()->isEqual(both));
+  const auto& words = NSCharacterSet::alphanumericCharacterSet();
+  EXPECT_TRUE(wordBoundariesCharacterSet()->isEqual(words->invertedSet()));
+  for (const auto set :
+       {attachmentCharacterSet, wordBoundariesCharacterSet, controlAndAttachmentCharacterSet}) {
+    EXPECT_EQ(set(), set());
   }
-  EXPECT_EQ(attachmentCharacterSet(), attachmentCharacterSet());
-  EXPECT_EQ(wordBoundariesCharacterSet(), wordBoundariesCharacterSet());
-  EXPECT_EQ(controlAndAttachmentCharacterSet(), controlAndAttachmentCharacterSet());
 }
 
 }  // namespace

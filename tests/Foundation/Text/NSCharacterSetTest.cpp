@@ -28,10 +28,8 @@ TEST(NSCharacterSet, CombinesMembers) {
   set->addCharactersInRange({0x1F600, 2});
   set->removeCharactersInRange({u'b', 1});
   set->removeCharactersInString(u"x"_ns);
-  EXPECT_TRUE(set->characterIsMember(u'a'));
-  EXPECT_FALSE(set->characterIsMember(u'b'));
-  EXPECT_FALSE(set->characterIsMember(u'x'));
-  EXPECT_TRUE(set->longCharacterIsMember(0x1F601));
+  set->addCharactersInRange({0, 0});
+  EXPECT_TRUE(set->isEqual(NSMake<NSCharacterSet>(u"\U0001F601ca\U0001F600"_ns)));
   // The halves of the pair are no members.
   EXPECT_FALSE(set->characterIsMember(0xD83D));
 
