@@ -40,11 +40,11 @@ class NSFormatArgument {
   NSFormatArgument(const char* utf8) noexcept
       : _value(utf8 == nullptr ? std::string_view("(null)") : std::string_view(utf8)) {}
 
-  const Value& value() const noexcept { return _value; }
+  [[nodiscard]] const Value& value() const noexcept { return _value; }
 
  private:
   template <class T>
-  static Integer integer(T number) noexcept {
+  [[nodiscard]] static Integer integer(T number) noexcept {
     if constexpr (std::is_enum_v<T>) {
       return integer(static_cast<std::underlying_type_t<T>>(number));
     } else if constexpr (std::same_as<T, bool>) {

@@ -20,5 +20,6 @@ enum NSStringCompareOptions : NSUInteger {
 /// Orders two texts by their units. Without `NSLiteralSearch` by the units of their canonical
 /// decompositions (of their foldings with `NSCaseInsensitiveSearch`); other options have no
 /// meaning here.
-NS_EXPORT NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
-                                            NSUInteger options);
+[[nodiscard]] NS_EXPORT NSComparisonResult NSCompareUnits(std::u16string_view a,
+                                                          std::u16string_view b,
+                                                          NSUInteger options);

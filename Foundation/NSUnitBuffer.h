@@ -28,11 +28,10 @@ class NS_EXPORT NSUnitBuffer {
   NSUnitBuffer& operator=(NSUnitBuffer&& other);  // NOLINT(*-noexcept-move*): may copy.
   ~NSUnitBuffer() { giveBack(); }
 
-  std::u16string_view view() const noexcept { return {_units, _size}; }
-  char16_t* data() noexcept { return _units; }
-  const char16_t* data() const noexcept { return _units; }
-  std::size_t size() const noexcept { return _size; }
-  std::size_t capacity() const noexcept { return _capacity; }
+  [[nodiscard]] std::u16string_view view() const noexcept { return {_units, _size}; }
+  [[nodiscard]] char16_t* data() noexcept { return _units; }
+  [[nodiscard]] const char16_t* data() const noexcept { return _units; }
+  [[nodiscard]] std::size_t size() const noexcept { return _size; }
 
   /// Makes room for a text of `capacity` units altogether.
   void reserve(std::size_t capacity);
@@ -43,7 +42,7 @@ class NS_EXPORT NSUnitBuffer {
     _size += count;
     return start;
   }
-  /// Cuts the text off behind `size` units, at most its present size.
+  /// Keeps the first `size` units, at most as many as there are.
   void truncate(std::size_t size) noexcept { _size = size; }
   /// Gives back memory when much of it is unused. Never fails.
   void shrink() noexcept;
@@ -54,6 +53,7 @@ class NS_EXPORT NSUnitBuffer {
     std::char_traits<char16_t>::copy(_units + _size, text.data(), text.size());
     _size += text.size();
   }
+  /// Appends the number's decimal digits.
   void appendDecimal(std::uint64_t value);
   /// Puts the text in the place of `count` units at `position`; it may be a part of this buffer.
   void replace(std::size_t position, std::size_t count, std::u16string_view text);

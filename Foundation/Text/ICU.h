@@ -13,7 +13,7 @@
 // What every call of ICU needs: it takes lengths of 32 bits, no null texts, and reports by status.
 
 /// Raises `NSInvalidArgumentException` for a text of 2^31 units and more.
-inline std::int32_t NSICULength(std::u16string_view text) {
+[[nodiscard]] inline std::int32_t NSICULength(std::u16string_view text) {
   if (text.size() > std::size_t{std::numeric_limits<std::int32_t>::max()}) {
     NSException::raise(NSInvalidArgumentException,
                        "a text of " + std::to_string(text.size()) + " units is too long");
@@ -21,7 +21,7 @@ inline std::int32_t NSICULength(std::u16string_view text) {
   return static_cast<std::int32_t>(text.size());
 }
 
-inline const char16_t* NSICUText(std::u16string_view text) {
+[[nodiscard]] inline const char16_t* NSICUText(std::u16string_view text) {
   return text.empty() ? u"" : text.data();
 }
 

@@ -4,8 +4,8 @@
 #include <iterator>
 #include <vector>
 
-/// The search of Knuth, Morris and Pratt: linear in the text whatever it holds, for texts on which
-/// quicker searches give up.
+/// Searches as Knuth, Morris and Pratt do: in time linear in the text whatever it holds, for texts
+/// on which quicker searches give up.
 template <class Needle, class Equal>
 class NSKnuthMorrisPratt {
  public:
@@ -21,10 +21,11 @@ class NSKnuthMorrisPratt {
     }
   }
 
-  /// The offset of the first occurrence that `accept` agrees to when told its offset, or the length
-  /// of the text. Occurrences that are not accepted may overlap the next.
+  /// Gives the offset of the first occurrence that `accept`, which is told its offset, agrees to;
+  /// the length of the text when there is none. Occurrences that are not accepted may overlap the
+  /// next.
   template <class Text, class Accept>
-  std::size_t find(Text first, Text last, Accept accept) const {
+  [[nodiscard]] std::size_t find(Text first, Text last, Accept accept) const {
     const auto length = static_cast<std::size_t>(std::distance(first, last));
     std::size_t matched = 0;
     for (std::size_t k = 0; k < length; ++k) {
@@ -35,14 +36,14 @@ class NSKnuthMorrisPratt {
     return length;
   }
 
-  bool overlapsItself() const { return _borders.back() != 0; }
+  [[nodiscard]] bool overlapsItself() const { return _borders.back() != 0; }
 
  private:
-  auto at(std::size_t k) const { return _needle[static_cast<std::ptrdiff_t>(k)]; }
+  [[nodiscard]] auto at(std::size_t k) const { return _needle[static_cast<std::ptrdiff_t>(k)]; }
 
   // How much of the needle matches once one more unit follows a match of this much.
   template <class Unit>
-  std::size_t extended(std::size_t matched, Unit unit) const {
+  [[nodiscard]] std::size_t extended(std::size_t matched, Unit unit) const {
     while (matched > 0 && !_equal(at(matched), unit)) matched = _borders[matched - 1];
     return _equal(at(matched), unit) ? matched + 1 : 0;
   }

@@ -56,7 +56,7 @@ class Reader {
     return conversion.letter != 0 ? std::optional(conversion) : std::nullopt;
   }
 
-  std::u16string_view rest() const { return _text; }
+  [[nodiscard]] std::u16string_view rest() const { return _text; }
 
  private:
   // Gives 0 where none of them comes next.

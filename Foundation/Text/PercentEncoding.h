@@ -6,8 +6,8 @@
 
 class NSCharacterSet;
 
-/// The bytes that percent sequences and plain characters stand for; nothing when a sequence is
-/// broken.
-std::optional<std::string> NSPercentDecoded(std::string_view text);
-/// Bytes that are not ASCII members of the set as percent sequences.
-std::string NSPercentEncoded(std::string_view bytes, const NSCharacterSet& allowed);
+/// Gives the bytes that percent sequences and plain characters stand for; nothing when a sequence
+/// is broken.
+[[nodiscard]] std::optional<std::string> NSPercentDecoded(std::string_view text);
+/// Writes bytes that are not ASCII members of the set as percent sequences.
+[[nodiscard]] std::string NSPercentEncoded(std::string_view bytes, const NSCharacterSet& allowed);

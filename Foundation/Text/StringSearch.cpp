@@ -134,7 +134,7 @@ class FormSearch {
         _options(options),
         _range(range) {}
 
-  NSRange find(NSBlockRef<bool(NSRange)> accept) const {
+  [[nodiscard]] NSRange find(NSBlockRef<bool(NSRange)> accept) const {
     NSRange match;
     const auto judge = [&](std::size_t place) -> std::size_t {
       match = rangeAt(place);
@@ -146,14 +146,14 @@ class FormSearch {
   }
 
  private:
-  const Normalized::Piece* pieceAt(std::size_t place) const {
+  [[nodiscard]] const Normalized::Piece* pieceAt(std::size_t place) const {
     const auto found =
         std::ranges::lower_bound(_source.pieces, place, {}, &Normalized::Piece::form);
     return found != _source.pieces.end() && found->form == place ? &*found : nullptr;
   }
 
   // What the form's units from `place` on stand for; empty unless these are whole pieces.
-  NSRange rangeAt(std::size_t place) const {
+  [[nodiscard]] NSRange rangeAt(std::size_t place) const {
     const auto* const start = pieceAt(place);
     const auto* const end = pieceAt(place + _wanted.size());
     if (start == nullptr || end == nullptr) return {};

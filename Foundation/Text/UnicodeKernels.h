@@ -15,12 +15,13 @@ struct NSTranscoded {
 /// Decodes from `position` on, the start of a character with at least three bytes of well-formed
 /// characters before it. Stops in front of what is not well-formed and near the end. Writes into
 /// the room for one unit a byte.
-NSTranscoded NSDecodeWellFormed(std::string_view utf8, std::size_t position, char16_t* out);
+[[nodiscard]] NSTranscoded NSDecodeWellFormed(std::string_view utf8, std::size_t position,
+                                              char16_t* out);
 
-/// Encodes from `position` on, the start of a character behind another one. Stops near the end of
-/// the text and of the room, which must be `NSEncodingSlack` bytes more than is used of it.
-NSTranscoded NSEncodeBlocks(std::u16string_view text, std::size_t position, char* out,
-                            std::size_t room);
+/// Encodes from `position` on, the start of a character that follows another one. Stops near the
+/// end of the text and of the room, which must be `NSEncodingSlack` bytes more than is used of it.
+[[nodiscard]] NSTranscoded NSEncodeBlocks(std::u16string_view text, std::size_t position, char* out,
+                                          std::size_t room);
 
 /// A vector of the widest machine with every unit in three bytes.
 inline constexpr std::size_t NSEncodingSlack = 256;

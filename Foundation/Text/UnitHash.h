@@ -6,10 +6,14 @@
 
 #include <Foundation/detail/HashSeed.h>
 
-/// A hash of the units, of which every bit counts for all of its bits: each 16 bytes go into one
-/// product of 128 bits whose halves are folded, as in wyhash. The factors contain random numbers of
-/// the process, so that who does not know these cannot choose texts of one hash.
-inline std::uint64_t NSHashUnits(std::u16string_view units) noexcept {
+/// Hashes the units: each 16 bytes go into one product of 128 bits whose halves are folded, as in
+/// wyhash, so that every bit counts for all bits of the hash.
+///
+/// The factors contain random numbers of the process. `std::hash` would not do: its seed is fixed,
+/// so texts of one hash can be prepared, and whatever is mixed in afterwards keeps them together.
+/// Resists texts that were chosen without knowing these numbers; not one who sees hashes, or
+/// measures times long enough to infer the numbers, as this is no cryptographic function.
+[[nodiscard]] inline std::uint64_t NSHashUnits(std::u16string_view units) noexcept {
   const std::uint64_t secret = NSHashSeed[1];
   __extension__ using Wide = unsigned __int128;
   const auto fold = [](std::uint64_t a, std::uint64_t b) {

@@ -41,7 +41,7 @@ struct ASCIIFolded {
   }
 };
 
-// Goes on from a place, behind `found` places, in time that is linear in the text.
+// Goes on from a place, after `found` places, in time that is linear in the text.
 template <class Letters>
 std::size_t findLinearly(Letters letters, const std::uint16_t* text, std::size_t place,
                          std::size_t count, const std::uint16_t* needle, std::size_t length,
@@ -49,7 +49,7 @@ std::size_t findLinearly(Letters letters, const std::uint16_t* text, std::size_t
   const auto areSame = [=](std::uint16_t a, std::uint16_t b) { return letters.areSame(a, b); };
   const NSKnuthMorrisPratt search(needle, needle + length, areSame);
   std::size_t earliest = place;
-  search.find(text + place, text + count + length - 1, [&](std::size_t offset) {
+  (void)search.find(text + place, text + count + length - 1, [&](std::size_t offset) {
     if (place + offset < earliest) return false;
     places[found++] = place + offset;
     earliest = place + offset + length;

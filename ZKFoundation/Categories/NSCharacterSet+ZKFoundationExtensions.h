@@ -8,13 +8,13 @@
 
 namespace ZKFoundationExtensions {
 
-/// U+FFFC alone, the object replacement character that stands for an attachment in a text.
-ZK_EXPORT const NSRef<NSCharacterSet>& attachmentCharacterSet();
+/// Gives U+FFFC alone, the object replacement character that stands for an attachment in a text.
+[[nodiscard]] ZK_EXPORT const NSRef<NSCharacterSet>& attachmentCharacterSet();
 
-/// All but letters, marks and digits.
-ZK_EXPORT const NSRef<NSCharacterSet>& wordBoundariesCharacterSet();
+/// Gives all characters but letters, marks and digits.
+[[nodiscard]] ZK_EXPORT const NSRef<NSCharacterSet>& wordBoundariesCharacterSet();
 
-/// The platform's control characters and U+FFFC.
-ZK_EXPORT const NSRef<NSCharacterSet>& controlAndAttachmentCharacterSet();
+/// Gives the platform's control characters and U+FFFC.
+[[nodiscard]] ZK_EXPORT const NSRef<NSCharacterSet>& controlAndAttachmentCharacterSet();
 
 }  // namespace ZKFoundationExtensions

@@ -6,7 +6,7 @@
 #include <Foundation/NSString.h>
 #include <ZKFoundation/ZKExport.h>
 
-/// Numbering styles.
+/// Names the numbering styles.
 enum ZKNumberStyle : NSUInteger {
   ZKNumberDecimal = 0,
   /// A, B, … Z, AA, AB, …
@@ -16,13 +16,13 @@ enum ZKNumberStyle : NSUInteger {
   ZKNumberLowerCaseRoman = 4,
 };
 
-/// The number in the `ZKNumberStyle`. 0 is "NUL" in every style, and so are Roman numerals from
-/// 5000 on; any other style gives nil. Decimal digits are those of the signed number. Letters of
-/// 2^63 and above give nil.
+/// Writes the number in the `ZKNumberStyle`. 0 is "NUL" in every style, and so are Roman numerals
+/// from 5000 on; any other style gives nil. Decimal digits are those of the signed number. Letters
+/// of 2^63 and above give nil.
 ///
 /// Roman numerals have two rules of their own: fifty is written with "D" ("XD" is 40, "DX" 60), and
 /// four thousands with one "M" (4999 is "MCMXCIX").
-ZK_EXPORT NSRef<NSString> ZKBinToStr(std::uint64_t value, NSUInteger type);
+[[nodiscard]] ZK_EXPORT NSRef<NSString> ZKBinToStr(std::uint64_t value, NSUInteger type);
 
 /// Appends one decimal digit, 0 to 9, in Roman numerals, from the texts for one, five and ten units
 /// of its place: 4 is one and five, 9 is one and ten. Larger digits append nothing, and so do nil
@@ -33,7 +33,8 @@ ZK_EXPORT void roman_digit(const NSRef<NSString>& one, const NSRef<NSString>& fi
 
 namespace ZKFoundationExtensions {
 
-/// `ZKBinToStr` of the number's unsigned long value.
-ZK_EXPORT NSRef<NSString> numberToStringWithType(const NSRef<NSNumber>& number, NSUInteger type);
+/// Writes the number's unsigned long value as `ZKBinToStr` does.
+[[nodiscard]] ZK_EXPORT NSRef<NSString> numberToStringWithType(const NSRef<NSNumber>& number,
+                                                               NSUInteger type);
 
 }  // namespace ZKFoundationExtensions

@@ -30,59 +30,64 @@ ZK_EXPORT void ZKRemoveCharactersInCharacterSet(const NSRef<NSMutableString>& st
 ///
 /// Memory that is needed only while it works comes from the allocator; null means
 /// `std::pmr::get_default_resource()`.
-ZK_EXPORT NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace(
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableArray>
+ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace(
     std::pmr::memory_resource* allocator, const NSRef<NSString>& string,
     const NSRef<NSCharacterSet>& separators, bool trimsWhitespace);
 
 namespace ZKFoundationExtensions {
 
-/// `ZKReplaceCharactersInCharacterSet` on the receiver.
+/// Replaces in place, as `ZKReplaceCharactersInCharacterSet` does.
 ZK_EXPORT void replaceOccurrencesOfCharactersInSet_withString(const NSRef<NSMutableString>& string,
                                                               const NSRef<NSCharacterSet>& set,
                                                               const NSRef<NSString>& replacement);
 
-/// `ZKRemoveCharactersInCharacterSet` on the receiver.
+/// Deletes in place, as `ZKRemoveCharactersInCharacterSet` does.
 ZK_EXPORT void removeCharactersInCharacterSet(const NSRef<NSMutableString>& string,
                                               const NSRef<NSCharacterSet>& set);
 
-/// The string without the members of the set; a surrogate pair is one member. With
+/// Gives the string without the members of the set; a surrogate pair is one member. With
 /// `NSAnchoredSearch` only the members at the very beginning go; `NSBackwardsSearch` means nothing.
-ZK_EXPORT NSRef<NSMutableString> stringByRemovingCharactersInSet_options(
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableString> stringByRemovingCharactersInSet_options(
     const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set, NSUInteger options);
 
-/// The same without options.
-ZK_EXPORT NSRef<NSMutableString> stringByRemovingCharactersInSet(const NSRef<NSString>& string,
-                                                                 const NSRef<NSCharacterSet>& set);
+/// Gives the string without the members of the set, wherever they stand; a surrogate pair is one
+/// member.
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableString> stringByRemovingCharactersInSet(
+    const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set);
 
-/// The same for the set of that one unit.
-ZK_EXPORT NSRef<NSMutableString> stringByRemovingCharacter(const NSRef<NSString>& string,
-                                                           unichar unit);
+/// Gives the string without that unit, wherever it stands.
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableString> stringByRemovingCharacter(
+    const NSRef<NSString>& string, unichar unit);
 
-/// The string itself when it has no member of the set; otherwise a mutable copy in which every
-/// member unit is replaced.
-ZK_EXPORT NSRef<NSString> stringByReplacingCharactersInSet_withString(
+/// Gives the string itself when it has no member of the set; otherwise a mutable copy in which
+/// every member unit is replaced.
+[[nodiscard]] ZK_EXPORT NSRef<NSString> stringByReplacingCharactersInSet_withString(
     const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set,
     const NSRef<NSString>& replacement);
 
-/// The string without spaces and tabs, wherever they stand; line breaks stay.
-ZK_EXPORT NSRef<NSMutableString> stringByRemovingWhitespace(const NSRef<NSString>& string);
-
-/// The string without the spaces and tabs at its beginning and end.
-ZK_EXPORT NSRef<NSString> stringByRemovingSurroundingWhitespace(const NSRef<NSString>& string);
-
-/// Exactly the same: in spite of its name, line breaks at the beginning and end stay.
-ZK_EXPORT NSRef<NSString> stringByRemovingSurroundingWhitespaceAndNewlines(
+/// Gives the string without spaces and tabs, wherever they stand; line breaks stay.
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableString> stringByRemovingWhitespace(
     const NSRef<NSString>& string);
 
-/// `ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace` with the default allocator.
-ZK_EXPORT NSRef<NSMutableArray> componentsSeparatedByCharactersInSet_trimWhitespace(
+/// Gives the string without the spaces and tabs at its beginning and end; line breaks stay.
+[[nodiscard]] ZK_EXPORT NSRef<NSString> stringByRemovingSurroundingWhitespace(
+    const NSRef<NSString>& string);
+
+/// Does exactly what `stringByRemovingSurroundingWhitespace` does: in spite of its name, line
+/// breaks at the beginning and end stay.
+[[nodiscard]] ZK_EXPORT NSRef<NSString> stringByRemovingSurroundingWhitespaceAndNewlines(
+    const NSRef<NSString>& string);
+
+/// Splits as `ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace` does, with the default
+/// allocator.
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableArray> componentsSeparatedByCharactersInSet_trimWhitespace(
     const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set, bool trimsWhitespace);
 
-/// The run of units around the index that are no members; it ends at the index when the unit there
-/// is one. The index may be the length; beyond it `NSRangeException` is raised. A surrogate pair is
-/// one member, but the halves of one that the index divides are asked about by themselves.
-ZK_EXPORT NSRange rangeWithoutCharactersFromSet_atIndex(const NSRef<NSString>& string,
-                                                        const NSRef<NSCharacterSet>& set,
-                                                        NSUInteger index);
+/// Gives the run of units around the index that are no members; it ends at the index when the unit
+/// there is one. The index may be the length; beyond it `NSRangeException` is raised. A surrogate
+/// pair is one member, but the halves of one that the index divides are asked about by themselves.
+[[nodiscard]] ZK_EXPORT NSRange rangeWithoutCharactersFromSet_atIndex(
+    const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set, NSUInteger index);
 
 }  // namespace ZKFoundationExtensions

@@ -38,10 +38,7 @@ struct WordPlace {
     std::u16string_view rest = text.substr(start);
     const char32_t character = NSTakeCharacter(rest);
     const auto& boundaries = *ZKFoundationExtensions::wordBoundariesCharacterSet();
-    const bool isBoundary = character <= 0xFFFF
-                                ? boundaries.characterIsMember(static_cast<unichar>(character))
-                                : boundaries.longCharacterIsMember(character);
-    delimiters = isBoundary ? alphanumerics().get() : &boundaries;
+    delimiters = boundaries.longCharacterIsMember(character) ? alphanumerics().get() : &boundaries;
   }
 
   NSUInteger start;
@@ -66,14 +63,14 @@ bool isAccepted(NSRange match, NSRange word, NSUInteger condition) {
   }
 }
 
-// Moves a selection over the removal of a range that lies before, in or behind it.
+// Moves a selection over the removal of a range that lies before, in or after it.
 void removeFromSelection(NSRange removed, NSRange& selection) {
   if (removed.location < selection.location) {
     // At most to 0, where the selection began inside a removed pair at the very start.
     selection.location -= std::min(selection.location, removed.length);
   } else if (removed.location - selection.location < selection.length) {
-    const bool reachesBehind = NSMaxRange(selection) >= NSMaxRange(removed);
-    selection.length = reachesBehind ? selection.length - removed.length : 0;
+    const bool reachesBeyond = NSMaxRange(selection) >= NSMaxRange(removed);
+    selection.length = reachesBeyond ? selection.length - removed.length : 0;
   }
 }
 
@@ -89,7 +86,7 @@ constexpr std::array<SmallWord, 5> smallWords{{
     {u"And", u"and"},
 }};
 
-// How a word is written behind others: a small word in lower case, unless the first word, which
+// How a word is written after others: a small word in lower case, unless the first word, which
 // shields its own later occurrences, is the same.
 std::u16string_view laterForm(std::u16string_view word, std::u16string_view firstWord) {
   if (word == firstWord) return word;

@@ -13,8 +13,8 @@
 // Of words and runs a surrogate pair is one character, whichever of its units an index names; it is
 // a member of the sets that have the character. A half that stands alone is asked about by itself.
 
-/// Which match `findString_searchRange_options_wordCompareOption` accepts. Other codes from 5 on
-/// accept the first match and give its word.
+/// Tells which match `findString_searchRange_options_wordCompareOption` accepts. Other codes from 5
+/// on accept the first match and give its word.
 enum ZKWordCompareOption : NSUInteger {
   ZKWordCompareNone = 0,
   /// The match is a whole word.
@@ -27,7 +27,7 @@ enum ZKWordCompareOption : NSUInteger {
   ZKWordCompareAny = 4,
 };
 
-/// Ends that `trimRange_prefixRange_postfixRange_trimOptions` trims; a set of bits.
+/// Names the ends that `trimRange_prefixRange_postfixRange_trimOptions` trims; a set of bits.
 enum ZKTrimOptions : NSUInteger {
   ZKTrimStart = 1,
   ZKTrimEnd = 2,
@@ -35,13 +35,14 @@ enum ZKTrimOptions : NSUInteger {
 
 namespace ZKFoundationExtensions {
 
-/// Finds the next occurrence behind the selection, or with `NSBackwardsSearch` the last one before
+/// Finds the next occurrence after the selection, or with `NSBackwardsSearch` the last one before
 /// it; with `wrap` then on the other side. What is selected, or overlaps the selection, is never
 /// found. Options as for `rangeOfString_options`.
-ZK_EXPORT NSRange findString_selectedRange_options_wrap(const NSRef<NSString>& string,
-                                                        const NSRef<NSString>& needle,
-                                                        NSRange selectedRange, NSUInteger options,
-                                                        bool wrap);
+[[nodiscard]] ZK_EXPORT NSRange findString_selectedRange_options_wrap(const NSRef<NSString>& string,
+                                                                      const NSRef<NSString>& needle,
+                                                                      NSRange selectedRange,
+                                                                      NSUInteger options,
+                                                                      bool wrap);
 
 /// Finds the first match in the search range whose word, in the whole string, satisfies the
 /// `ZKWordCompareOption`, and gives that word's range: searching "app" at word starts in
@@ -49,25 +50,24 @@ ZK_EXPORT NSRange findString_selectedRange_options_wrap(const NSRef<NSString>& s
 ///
 /// A rejected match is followed by a search forwards from its end, so that with `NSBackwardsSearch`
 /// only the last occurrence is examined.
-ZK_EXPORT NSRange findString_searchRange_options_wordCompareOption(const NSRef<NSString>& string,
-                                                                   const NSRef<NSString>& needle,
-                                                                   NSRange searchRange,
-                                                                   NSUInteger options,
-                                                                   NSUInteger wordCompareOption);
+[[nodiscard]] ZK_EXPORT NSRange findString_searchRange_options_wordCompareOption(
+    const NSRef<NSString>& string, const NSRef<NSString>& needle, NSRange searchRange,
+    NSUInteger options, NSUInteger wordCompareOption);
 
-/// The run between the delimiters around the index; it ends in front of the character there when
-/// that is a delimiter. The index may be the length. A nil set has no members.
-ZK_EXPORT NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string,
-                                                       NSUInteger index,
-                                                       const NSRef<NSCharacterSet>& delimiters);
+/// Gives the run between the delimiters around the index; it ends in front of the character there
+/// when that is a delimiter. The index may be the length. A nil set has no members.
+[[nodiscard]] ZK_EXPORT NSRange rangeOfCharactersAtIndex_delimitedBy(
+    const NSRef<NSString>& string, NSUInteger index, const NSRef<NSCharacterSet>& delimiters);
 
-/// The run of letters, marks and digits around the character at the index, or the run of everything
-/// else when that is none of them. The index must be below the length.
-ZK_EXPORT NSRange rangeOfWordContainingCharacter(const NSRef<NSString>& string, NSUInteger index);
+/// Gives the run of letters, marks and digits around the character at the index, or the run of
+/// everything else when that is none of them. The index must be below the length.
+[[nodiscard]] ZK_EXPORT NSRange rangeOfWordContainingCharacter(const NSRef<NSString>& string,
+                                                               NSUInteger index);
 
-/// From the start of the word that holds the range's first unit to the end of the one that holds
-/// its last; {0, 0} for an empty range, wherever it lies.
-ZK_EXPORT NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange range);
+/// Gives the range from the start of the word that holds the range's first unit to the end of the
+/// one that holds its last; {0, 0} for an empty range, wherever it lies.
+[[nodiscard]] ZK_EXPORT NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string,
+                                                              NSRange range);
 
 /// Trims spaces and line breaks off the ends of the range that the `ZKTrimOptions` name. The runs
 /// around its start and end are written to the out-ranges, either of which may be null; they may
@@ -75,22 +75,20 @@ ZK_EXPORT NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, N
 ///
 /// A range of white space alone, trimmed at both ends, is empty at the end of its run; trimmed at
 /// its end alone it stays when it begins where the run does.
-ZK_EXPORT NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSString>& string,
-                                                                 NSRange range,
-                                                                 NSRange* prefixRange,
-                                                                 NSRange* postfixRange,
-                                                                 NSUInteger trimOptions);
+[[nodiscard]] ZK_EXPORT NSRange trimRange_prefixRange_postfixRange_trimOptions(
+    const NSRef<NSString>& string, NSRange range, NSRange* prefixRange, NSRange* postfixRange,
+    NSUInteger trimOptions);
 
-/// The substring without control characters and attachments. The selected range is made relative to
-/// it and follows what is removed; one that starts before the range or does not fit the string
-/// raises `NSRangeException`, null `NSInvalidArgumentException`.
-ZK_EXPORT NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(
+/// Gives the substring without control characters and attachments. The selected range is made
+/// relative to it and follows what is removed; one that starts before the range or does not fit the
+/// string raises `NSRangeException`, null `NSInvalidArgumentException`.
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableString> normalizedSubStringWithRange_selectedRange(
     const NSRef<NSString>& string, NSRange range, NSRange* selectedRange);
 
-/// The string in title case, its words (between spaces and tabs) joined by single spaces: letters
-/// by the current locale, and "A", "An", "The", "Of" and "And" in lower case unless the text begins
-/// with that word, which then keeps its capital everywhere: "the lord of the rings" gives "The Lord
-/// of The Rings".
-ZK_EXPORT NSRef<NSString> titlecaseString(const NSRef<NSString>& string);
+/// Writes the string in title case, its words (between spaces and tabs) joined by single spaces:
+/// letters by the current locale, and "A", "An", "The", "Of" and "And" in lower case unless the
+/// text begins with that word, which then keeps its capital everywhere: "the lord of the rings"
+/// gives "The Lord of The Rings".
+[[nodiscard]] ZK_EXPORT NSRef<NSString> titlecaseString(const NSRef<NSString>& string);
 
 }  // namespace ZKFoundationExtensions

@@ -6,8 +6,8 @@
 
 namespace ZKFoundationExtensions {
 
-/// A string that is not in the array, compared exactly: a fresh copy of the string, if that is
-/// free. Otherwise its base with the first number that is free behind it, counted from the one with
+/// Makes a string that is not in the array, compared exactly: a copy of the string, if that is
+/// free. Otherwise its base with the first number after it that is free, counted from the one with
 /// which it ends: "Untitled", "Untitled1", "Untitled2"; "Copy 9", "Copy 10"; "a007", "a8".
 ///
 /// The number is the string's last decimal digits, of any script whose digits are single units, but
@@ -17,7 +17,7 @@ namespace ZKFoundationExtensions {
 ///
 /// A nil array is empty, what is no string in it does not count. A nil string raises
 /// `NSInvalidArgumentException`.
-ZK_EXPORT NSRef<NSString> uniqueStringWithString_forStringArray(const NSRef<NSString>& string,
-                                                                const NSRef<NSArray>& strings);
+[[nodiscard]] ZK_EXPORT NSRef<NSString> uniqueStringWithString_forStringArray(
+    const NSRef<NSString>& string, const NSRef<NSArray>& strings);
 
 }  // namespace ZKFoundationExtensions

@@ -11,9 +11,10 @@ class ZKNumberedName {
   /// The name must outlive this. At most `count` names will be taken.
   ZKNumberedName(std::u16string_view name, std::size_t count);
 
+  /// Notes that a name is taken.
   void take(std::u16string_view name);
-  /// The name itself, or its base with the first number behind its own that is free.
-  std::u16string freeName() const;
+  /// Gives the name itself, or its base with the first free number after its own.
+  [[nodiscard]] std::u16string freeName() const;
 
  private:
   // The name in two, the second of which is its number.
