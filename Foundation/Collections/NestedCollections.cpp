@@ -10,10 +10,12 @@
 #include <Foundation/NSOrderedSet.h>
 #include <Foundation/NSSet.h>
 #include <Foundation/NSString.h>
+#include <Foundation/detail/GoldenRatio.h>
 
 namespace {
 
-// The share of each of so many objects in what their collection may ask, itself not counted.
+// The number of objects that each of `count` elements may ask, when their collection may ask `most`
+// with itself.
 std::size_t shareOf(std::size_t most, std::size_t count) {
   return count == 0 ? 0 : (most - 1) / count;
 }
@@ -39,12 +41,12 @@ NSUInteger hashOf(const NSRef<NSObject>& object, std::size_t most) {
 
 // Hashes that are added must differ in more than their sum.
 NSUInteger mixed(NSUInteger hash) {
-  constexpr NSUInteger odd = 0x9E3779B97F4A7C15;  // 2^64 over the golden ratio.
-  hash *= odd;
-  return (hash ^ (hash >> 32U)) * odd;
+  hash *= NSGoldenRatio;
+  return (hash ^ (hash >> 32U)) * NSGoldenRatio;
 }
 
-// What one outermost comparison knows of pairs. It holds them, so that none can be another one.
+// The answers of one outermost comparison. It holds the pairs, so that no other object can take the
+// address of one.
 struct Comparison {
   using Pair = std::pair<NSRef<NSObject>, NSRef<NSObject>>;
   struct Hash {

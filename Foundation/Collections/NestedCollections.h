@@ -5,21 +5,25 @@
 #include <Foundation/NSBlock.h>
 #include <Foundation/detail/ObjectMap.h>
 
-// Hashes and comparisons of collections that may be in each other, and shared: a walk over all of
-// them would visit what each of n levels holds twice 2^n times.
+// Hashes and comparisons of collections that may be in each other, and shared: where each of n
+// levels holds the next one twice, a walk over all of them would visit the last one 2^n times.
 
-/// How many objects a hash asks for theirs at most, in collections in each other altogether.
+/// The most objects that one hash asks for theirs, in collections in each other altogether.
 inline constexpr std::size_t NSMostHashedObjects = 64;
 
-// The elements are to be a copy of their collection's, which an element may change.
+// Callers pass copies of the elements, as an element may change its collection.
 
-/// The hash of elements in their order: of some of them, spread evenly.
-NSUInteger NSHashSequence(const NSObjectVector& elements, std::size_t most = NSMostHashedObjects);
-/// The hash of elements in any order: of all of them, or of their number alone.
-NSUInteger NSHashSet(const NSObjectVector& elements, std::size_t most = NSMostHashedObjects);
-NSUInteger NSHashEntries(const NSEntryList& entries, std::size_t most = NSMostHashedObjects);
+/// Hashes elements in their order: some of them, spread evenly.
+[[nodiscard]] NSUInteger NSHashSequence(const NSObjectVector& elements,
+                                        std::size_t most = NSMostHashedObjects);
+/// Hashes elements in any order: all of them, or their number alone when they are many.
+[[nodiscard]] NSUInteger NSHashSet(const NSObjectVector& elements,
+                                   std::size_t most = NSMostHashedObjects);
+/// Hashes entries in any order: all of them, or their number alone when they are many.
+[[nodiscard]] NSUInteger NSHashEntries(const NSEntryList& entries,
+                                       std::size_t most = NSMostHashedObjects);
 
-/// The answer of `isEqualTo`, which compares the contents of two collections. Within one outermost
-/// call each pair of collections that others may hold as well is compared once.
-bool NSCompareCollections(const NSObject& a, const NSRef<NSObject>& b,
-                          NSBlockRef<bool(const NSRef<NSObject>&)> isEqualTo);
+/// Gives the answer of `isEqualTo`, which compares the contents of two collections. Within one
+/// outermost call each pair of collections that others may hold as well is compared once.
+[[nodiscard]] bool NSCompareCollections(const NSObject& a, const NSRef<NSObject>& b,
+                                        NSBlockRef<bool(const NSRef<NSObject>&)> isEqualTo);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <Foundation/NSTypes.h>
+#include <Foundation/detail/GoldenRatio.h>
 
 /// A node's place in an `NSIntrusiveHashTable` of the same tag; nodes derive from it.
 template <class Node, class Tag = Node>
@@ -60,10 +61,9 @@ class NSIntrusiveHashTable {
 
   static Link& linkOf(Node& node) noexcept { return node; }
 
-  // Hashes may be small numbers or addresses: a product spreads them upwards. The factor is 2^64
-  // over the golden ratio.
+  // Hashes may be small numbers or addresses: a product spreads them upwards.
   [[nodiscard]] std::size_t bucketOf(NSUInteger hash) const noexcept {
-    return static_cast<std::size_t>((hash * 0x9E3779B97F4A7C15) >> 32U) & (_buckets.size() - 1);
+    return static_cast<std::size_t>((hash * NSGoldenRatio) >> 32U) & (_buckets.size() - 1);
   }
 
   void attach(Node& node) noexcept {

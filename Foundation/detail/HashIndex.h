@@ -7,10 +7,11 @@
 
 #include <Foundation/NSExport.h>
 #include <Foundation/NSTypes.h>
+#include <Foundation/detail/GoldenRatio.h>
 #include <Foundation/detail/HashSeed.h>
 
-/// Where the elements of a sequence stand, by their hashes: an open-addressing table of positions,
-/// which is told of every element that comes or goes.
+/// The index of a sequence by the hashes of its elements: an open-addressing table of positions
+/// with linear probing. Its owner tells it of every element that comes or goes.
 ///
 /// It keeps 32 bits of each hash, so that it never asks an element again, even one whose hash has
 /// changed since, and hardly ever compares with another element than the one that is looked for.
@@ -20,11 +21,11 @@ class NS_EXPORT NSHashIndex {
  public:
   static constexpr std::size_t notFound = std::numeric_limits<std::size_t>::max();
 
-  std::size_t size() const noexcept { return _hashes.size(); }
+  [[nodiscard]] std::size_t size() const noexcept { return _hashes.size(); }
 
-  /// The position for which `isSame(position)` holds, among those with this hash.
+  /// Finds the position for which `isSame(position)` holds, among those with this hash.
   template <class IsSame>
-  std::size_t find(NSUInteger hash, IsSame isSame) const {
+  [[nodiscard]] std::size_t find(NSUInteger hash, IsSame isSame) const {
     if (_slots.empty()) return notFound;
     const std::uint32_t mixed = mix(hash);
     for (std::size_t at = home(mixed);; at = (at + 1) & mask()) {
@@ -34,14 +35,14 @@ class NS_EXPORT NSHashIndex {
     }
   }
 
-  /// Makes room for so many elements altogether: until then, inserting cannot fail. More than
+  /// Makes room for that many elements altogether: until then, inserting cannot fail. More than
   /// 2^32 - 2 throw `std::length_error`.
   void reserve(std::size_t count);
-  /// An element comes to the position; those from there on move up.
+  /// Enters an element at the position; those from there on move up.
   void insert(std::size_t position, NSUInteger hash);
-  /// The element goes; those behind it move down.
+  /// Removes the element; those behind it move down.
   void remove(std::size_t position) noexcept;
-  /// The element goes, and the last one takes its place.
+  /// Removes the element; the last one takes its place.
   void replaceByLast(std::size_t position) noexcept;
 
  private:
@@ -51,21 +52,21 @@ class NS_EXPORT NSHashIndex {
     std::uint32_t position = vacant;
   };
 
-  // Classes' own hashes may be small numbers or addresses. The first product, by 2^64 over the
-  // golden ratio, and the shift scatter such sequences without bringing any two together. The upper
-  // half of the second one, by a random odd number, is the same for two numbers, whichever they
-  // are, with a probability of at most 2^-31 (Dietzfelbinger et al., 1997).
-  static std::uint32_t mix(NSUInteger hash) noexcept {
-    hash *= 0x9E3779B97F4A7C15;
+  // Classes' own hashes may be small numbers or addresses. The first product and the shift scatter
+  // such sequences without bringing any two together. The upper half of the second product, by a
+  // random odd number, is the same for two numbers, whichever they are, with a probability of at
+  // most 2^-31 (Dietzfelbinger et al., 1997).
+  [[nodiscard]] static std::uint32_t mix(NSUInteger hash) noexcept {
+    hash *= NSGoldenRatio;
     hash ^= hash >> 32U;
     return static_cast<std::uint32_t>((hash * NSHashSeed[0]) >> 32U);
   }
-  std::size_t mask() const noexcept { return _slots.size() - 1; }
+  [[nodiscard]] std::size_t mask() const noexcept { return _slots.size() - 1; }
   // By the uppermost bits, to which every bit of a hash contributes.
-  std::size_t home(std::uint32_t mixed) const noexcept {
+  [[nodiscard]] std::size_t home(std::uint32_t mixed) const noexcept {
     return static_cast<std::size_t>((std::uint64_t{mixed} * _slots.size()) >> 32U);
   }
-  std::size_t slotOf(std::size_t position) const noexcept;
+  [[nodiscard]] std::size_t slotOf(std::size_t position) const noexcept;
   void fill(Slot slot) noexcept;
   void vacate(std::size_t hole) noexcept;
 
