@@ -18,18 +18,28 @@
 
 namespace {
 
-using Objects = std::vector<NSRef<NSObject>>;
-
 [[noreturn]] void raiseBroken(const char* reason) {
   NSException::raise(NSInvalidUnarchiveOperationException, reason);
 }
 
+template <class Collection>
+void encodeElements(const NSObject& object, NSKeyedArchiver& coder) {
+  coder.encodeObjects_forKey(static_cast<const Collection&>(object), u"NS.objects"_ns);
+}
+
+// The collection as the class that the archive names.
+template <class Wanted, class Mutable>
+NSRef<NSObject> as(const NSRef<Mutable>& collection) {
+  if constexpr (std::is_same_v<Wanted, Mutable>) {
+    return collection;
+  } else {
+    return collection->copy();
+  }
+}
+
 template <class Array>
 NSArchivedClass arrayClass(const char16_t* name) {
-  return {NSClass::of<Array>(), name,
-          [](const NSObject& object, NSKeyedArchiver& coder) {
-            coder.encodeObjects_forKey(static_cast<const Array&>(object), u"NS.objects"_ns);
-          },
+  return {NSClass::of<Array>(), name, encodeElements<Array>,
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
             return NSMake<Array>(coder.decodeObjectsForKey(u"NS.objects"_ns));
           }};
@@ -37,19 +47,13 @@ NSArchivedClass arrayClass(const char16_t* name) {
 
 template <class Set>
 NSArchivedClass setClass(const char16_t* name) {
-  return {NSClass::of<Set>(), name,
-          [](const NSObject& object, NSKeyedArchiver& coder) {
-            coder.encodeObjects_forKey(static_cast<const Set&>(object), u"NS.objects"_ns);
-          },
+  return {NSClass::of<Set>(), name, encodeElements<Set>,
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
-            const Objects elements = coder.decodeObjectsForKey(u"NS.objects"_ns);
-            auto set = NSMake<NSMutableSet>();
-            for (const auto& element : elements) set->addObject(element);
-            if constexpr (std::is_same_v<Set, NSMutableSet>) {
-              return set;
-            } else {
-              return set->copy();
+            const auto set = NSMake<NSMutableSet>();
+            for (const auto& element : coder.decodeObjectsForKey(u"NS.objects"_ns)) {
+              set->addObject(element);
             }
+            return as<Set>(set);
           }};
 }
 
@@ -64,18 +68,14 @@ NSArchivedClass dictionaryClass(const char16_t* name) {
             coder.encodeObjects_forKey(dictionary, u"NS.objects"_ns, value);
           },
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
-            const Objects keys = coder.decodeObjectsForKey(u"NS.keys"_ns);
-            const Objects values = coder.decodeObjectsForKey(u"NS.objects"_ns);
+            const auto keys = coder.decodeObjectsForKey(u"NS.keys"_ns);
+            const auto values = coder.decodeObjectsForKey(u"NS.objects"_ns);
             if (keys.size() != values.size()) raiseBroken("a dictionary has keys without objects");
-            auto dictionary = NSMake<NSMutableDictionary>();
+            const auto dictionary = NSMake<NSMutableDictionary>();
             for (std::size_t k = 0; k < keys.size(); ++k) {
               dictionary->setObject_forKey(values[k], keys[k]);
             }
-            if constexpr (std::is_same_v<Dictionary, NSMutableDictionary>) {
-              return dictionary;
-            } else {
-              return dictionary->copy();
-            }
+            return as<Dictionary>(dictionary);
           }};
 }
 

@@ -8,7 +8,10 @@
 class NSKeyedArchiver;
 class NSKeyedUnarchiver;
 
-/// How a class of the platform's own stands in archives.
+/// The most objects in each other that archives may hold: writing and reading take stack for each.
+inline constexpr unsigned NSMostNestedObjects = 500;
+
+/// A class of the platform's own, with its name in archives and both directions.
 struct NSArchivedClass {
   NSClass itself;
   const char16_t* name;
@@ -16,5 +19,5 @@ struct NSArchivedClass {
   NSRef<NSObject> (*decode)(NSKeyedUnarchiver& coder);
 };
 
-/// Classes before the classes that they derive from.
-std::span<const NSArchivedClass> NSArchivedClasses();
+/// Lists the classes, each before the one that it derives from.
+[[nodiscard]] std::span<const NSArchivedClass> NSArchivedClasses();

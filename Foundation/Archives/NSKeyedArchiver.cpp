@@ -21,7 +21,6 @@ namespace {
 
 using Reference = NSPropertyListWriter::Reference;
 
-constexpr unsigned deepest = 500;
 // Reading copies the text of a mutable string. Longer ones are not shared, so that what one archive
 // makes a reader copy stays within a small multiple of its bytes.
 constexpr std::size_t longestSharedText = 64;
@@ -108,7 +107,7 @@ struct NSKeyedArchiver::Archive {
     return number;
   }
 
-  // What stands in the table of objects without a record.
+  // Values that stand in the table of objects without a record.
   std::optional<Reference> plainValue(const NSRef<NSObject>& object) {
     if (const auto* const string = object.cast<NSString>()) {
       if (object.cast<NSMutableString>() != nullptr) return std::nullopt;
@@ -126,7 +125,10 @@ struct NSKeyedArchiver::Archive {
   }
 
   void encodeRecord(const NSRef<NSObject>& object, Reference record, NSKeyedArchiver& coder) {
-    if (++depth > deepest) raiseCannotArchive("a graph of more than 500 objects in each other");
+    if (++depth > NSMostNestedObjects) {
+      raiseCannotArchive("a graph of more than " + std::to_string(NSMostNestedObjects) +
+                         " objects in each other");
+    }
     const Reference outer = std::exchange(current, record);
     NSClass itself = object->objectClass();
     if (const auto* const coding = object.cast<NSCoding>()) {

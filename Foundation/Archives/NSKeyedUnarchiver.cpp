@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <exception>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -25,8 +24,6 @@ using Index = NSPropertyListReader::Index;
 using Kind = NSPropertyListKind;
 using Value = NSPropertyListObject;
 
-constexpr unsigned deepest = 500;
-
 [[noreturn]] void raiseBroken(const std::string& reason) {
   NSException::raise(NSInvalidUnarchiveOperationException, reason);
 }
@@ -36,22 +33,10 @@ constexpr unsigned deepest = 500;
                      "the data is no keyed archive (in 'initForReadingWithData:')");
 }
 
-template <class Reader>
-struct Readers {
-  std::mutex mutex;
-  std::unordered_map<std::u16string, Reader> byName;
-};
-
-template <class Reader>
-Readers<Reader>& readers() {
-  static NSNeverDestroyed<Readers<Reader>> instance;
-  return *instance;
-}
-
 // Where an archive says of itself what it is.
 constexpr std::int64_t version = 100000;
-// Copies of texts may add up to so many times the archive, or to what is no matter. The archiver
-// shares only texts of which a record is long enough for that.
+// Copies of texts may add up to this many times the archive, and in any case to some that are not
+// worth a thought. The archiver shares no text that could need more.
 constexpr std::size_t copiesPerByte = 32;
 constexpr std::size_t copiesAlways = std::size_t{1} << 20U;
 
@@ -75,7 +60,7 @@ struct NSKeyedUnarchiver::Archive {
         list.object(*number).integer() != version) {
       raiseNoArchive();
     }
-    current = *top;
+    frame.record = *top;
     table = list.object(*objects);
     slots.resize(list.count());
   }
@@ -84,8 +69,8 @@ struct NSKeyedUnarchiver::Archive {
   std::optional<Index> value(const NSRef<NSString>& key, const char* operation) {
     if (!key) NSRaiseNilArgument("key", operation);
     const std::u16string_view text = key->view();
-    if (!text.starts_with(u'$')) return list.find(current, text, place);
-    return list.find(current, u'$' + std::u16string(text), place);
+    if (!text.starts_with(u'$')) return list.find(frame.record, text, frame.place);
+    return list.find(frame.record, u'$' + std::u16string(text), frame.place);
   }
   [[noreturn]] static void raiseWrongKind(const NSRef<NSString>& key, const char* kind) {
     raiseBroken("value for key '" + key->utf8() + "' is not " + kind);
@@ -104,17 +89,14 @@ struct NSKeyedUnarchiver::Archive {
     const Index index = list.reference(table, *number);
     const Value found = list.object(index);
     if (!found.is(Kind::dictionary)) return plain(index, found);
-    const Slot& slot = slots[index];
+    Slot& slot = slots[index];
     if (slot.state == State::isBeingRead) {
       raiseBroken("the object for key '" + key->utf8() + "' contains itself");
     }
-    if (slot.state == State::unread) {
-      const BeingRead reading(*this, slots[index]);
-      slots[index].object = readRecord(index, coder);
-    }
-    tallest = std::max(tallest, unsigned{slot.height});
+    if (slot.state == State::unread) readRecord(index, slot, coder);
+    frame.tallest = std::max(frame.tallest, unsigned{slot.height});
     // An object that has been read before may itself be the top of a tall graph.
-    if (depth + slot.height > deepest) raiseTooDeep();
+    if (depth + slot.height > NSMostNestedObjects) raiseTooDeep();
     return slot.object;
   }
 
@@ -125,11 +107,17 @@ struct NSKeyedUnarchiver::Archive {
     }
   }
 
+  struct Readers {
+    std::mutex mutex;
+    std::unordered_map<std::u16string, Reader> byName;
+  };
+  static Readers& readers() {
+    static NSNeverDestroyed<Readers> instance;
+    return *instance;
+  }
+
   const NSRef<NSData> data;
   const NSPropertyListReader list;
-  // The dictionary of the object at hand, and where its values were found last.
-  Index current = 0;
-  std::size_t place = 0;
 
  private:
   enum class State : std::uint8_t { unread, isBeingRead, isRead };
@@ -140,46 +128,11 @@ struct NSKeyedUnarchiver::Archive {
     State state = State::unread;
   };
 
-  // Both also when reading raises: the reader may catch that and go on.
-  class BeingRead {
-   public:
-    BeingRead(Archive& archive, Slot& slot)
-        : _archive(archive), _slot(slot), _outerTallest(std::exchange(archive.tallest, 0)) {
-      _slot.state = State::isBeingRead;
-    }
-    BeingRead(const BeingRead&) = delete;
-    ~BeingRead() {
-      const bool hasRaised = std::uncaught_exceptions() > _exceptions;
-      _slot.state = hasRaised ? State::unread : State::isRead;
-      _slot.height = static_cast<std::uint16_t>(_archive.tallest);
-      _archive.tallest = _outerTallest;
-    }
-
-   private:
-    Archive& _archive;
-    Slot& _slot;
-    unsigned _outerTallest;
-    int _exceptions = std::uncaught_exceptions();
-  };
-  class Entering {
-   public:
-    Entering(Archive& archive, Index record)
-        : _archive(archive),
-          _current(std::exchange(archive.current, record)),
-          _place(std::exchange(archive.place, 0)) {
-      ++archive.depth;
-    }
-    Entering(const Entering&) = delete;
-    ~Entering() {
-      _archive.current = _current;
-      _archive.place = _place;
-      --_archive.depth;
-    }
-
-   private:
-    Archive& _archive;
-    Index _current;
-    std::size_t _place;
+  // The object at hand.
+  struct Frame {
+    Index record = 0;
+    std::size_t place = 0;  // After the value that was found last.
+    unsigned tallest = 0;   // The greatest height of the objects that it has asked for.
   };
 
   // The number of the object that a reference means; nothing for what is no reference.
@@ -208,13 +161,26 @@ struct NSKeyedUnarchiver::Archive {
     raiseBroken("an object of the archive is of no kind that objects have");
   }
 
-  NSRef<NSObject> readRecord(Index record, NSKeyedUnarchiver& coder) {
+  void readRecord(Index record, Slot& slot, NSKeyedUnarchiver& coder) {
+    // Ends also when a class raises: who asked for the object may catch that and go on.
+    struct Reading {
+      ~Reading() {
+        if (slot.state == State::isBeingRead) slot.state = State::unread;
+        archive.frame = outer;
+        --archive.depth;
+      }
+      Archive& archive;
+      Slot& slot;
+      const Frame outer;
+    };
+    slot.state = State::isBeingRead;
+    ++depth;
+    const Reading reading{*this, slot, std::exchange(frame, {record})};
     const std::u16string& name = className(record);
-    if (depth == deepest) raiseTooDeep();
-    const Entering entering(*this, record);
-    auto object = make(name, coder);
-    ++tallest;
-    return object;
+    if (depth > NSMostNestedObjects) raiseTooDeep();
+    slot.object = make(name, coder);
+    slot.height = static_cast<std::uint16_t>(frame.tallest + 1);
+    slot.state = State::isRead;
   }
 
   const std::u16string& className(Index record) {
@@ -230,7 +196,7 @@ struct NSKeyedUnarchiver::Archive {
   }
 
   [[noreturn]] static void raiseTooDeep() {
-    raiseBroken("more than " + std::to_string(deepest) + " objects are in each other");
+    raiseBroken("more than " + std::to_string(NSMostNestedObjects) + " objects are in each other");
   }
 
   static NSRef<NSObject> make(std::u16string_view name, NSKeyedUnarchiver& coder) {
@@ -245,7 +211,7 @@ struct NSKeyedUnarchiver::Archive {
   }
 
   static Reader registered(std::u16string_view name) {
-    auto& [mutex, byName] = readers<Reader>();
+    auto& [mutex, byName] = readers();
     const std::lock_guard lock(mutex);
     const auto found = byName.find(std::u16string(name));
     return found == byName.end() ? nullptr : found->second;
@@ -253,15 +219,15 @@ struct NSKeyedUnarchiver::Archive {
 
   Value table{};            // The references to the objects, by their numbers.
   std::vector<Slot> slots;  // By the index in the list.
-  unsigned tallest = 0;     // Of the heights that the object at hand has asked for.
-  std::size_t copied = 0;
   std::unordered_map<std::uint64_t, std::u16string> classNames;
+  Frame frame;
   unsigned depth = 0;
+  std::size_t copied = 0;
 };
 
 void NSKeyedUnarchiver::setReader(const NSRef<NSString>& name, Reader reader) {
   if (!name) NSRaiseNilArgument("name", "setClass:forClassName:");
-  auto& [mutex, byName] = readers<Reader>();
+  auto& [mutex, byName] = Archive::readers();
   const std::lock_guard lock(mutex);
   byName[std::u16string(name->view())] = reader;
 }

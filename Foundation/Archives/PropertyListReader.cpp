@@ -49,7 +49,7 @@ std::optional<Bytes> takeElements(Bytes& bytes, std::uint64_t low, std::size_t s
   return count && *count <= bytes.size() ? take(bytes, *count * size) : std::nullopt;
 }
 
-// What lies behind the first byte, by the kind and the rest of that byte.
+// Takes what follows the first byte, by the kind and the rest of that byte.
 std::optional<Bytes> takeValue(Bytes& bytes, Kind kind, std::uint64_t low,
                                std::size_t referenceSize) noexcept {
   switch (kind) {
@@ -191,7 +191,7 @@ std::optional<Object> NSPropertyListReader::read(std::uint64_t index) const noex
 }
 
 // Notes that something refers to the object, and whether it may: containers stand in one place, or
-// lists that double at each step would be walked for ever.
+// a walk over lists that double at each step would never end.
 bool NSPropertyListReader::isNamed(std::uint64_t index, std::vector<bool>& named,
                                    std::uint64_t& total, Object& object) const {
   const auto found = read(index);

@@ -46,25 +46,25 @@ struct NSPropertyListObject {
   /// The value, or the references of a container: of a dictionary all keys, then all values.
   std::span<const std::byte> bytes;
 
-  bool is(NSPropertyListKind other) const noexcept { return kind == other; }
-  bool isText() const noexcept {
+  [[nodiscard]] bool is(NSPropertyListKind other) const noexcept { return kind == other; }
+  [[nodiscard]] bool isText() const noexcept {
     return is(NSPropertyListKind::ascii) || is(NSPropertyListKind::utf16);
   }
-  bool isContainer() const noexcept { return kind >= NSPropertyListKind::array; }
-  std::optional<bool> boolean() const noexcept;
-  /// Of an integer of 64 bits with a sign.
-  std::optional<std::int64_t> integer() const noexcept;
-  /// Of an integer of 64 bits without a sign that has no room with one.
-  std::optional<std::uint64_t> largeInteger() const noexcept;
-  std::optional<double> real() const noexcept;
-  std::optional<std::uint64_t> uid() const noexcept;
-  /// Of a text.
-  std::size_t unitCount() const noexcept;
-  NSRef<NSString> text() const;
-  bool isText(std::u16string_view text) const noexcept;
+  [[nodiscard]] bool isContainer() const noexcept { return kind >= NSPropertyListKind::array; }
+  [[nodiscard]] std::optional<bool> boolean() const noexcept;
+  /// Gives an integer that fits 64 bits with a sign.
+  [[nodiscard]] std::optional<std::int64_t> integer() const noexcept;
+  /// Gives an integer that fits 64 bits only without a sign.
+  [[nodiscard]] std::optional<std::uint64_t> largeInteger() const noexcept;
+  [[nodiscard]] std::optional<double> real() const noexcept;
+  [[nodiscard]] std::optional<std::uint64_t> uid() const noexcept;
+  /// Counts the UTF-16 units of a text.
+  [[nodiscard]] std::size_t unitCount() const noexcept;
+  [[nodiscard]] NSRef<NSString> text() const;
+  [[nodiscard]] bool isText(std::u16string_view text) const noexcept;
 };
 
-/// Reads a binary property list where it stands: it keeps nothing but the places of its parts.
+/// Reads a binary property list in place: it keeps nothing but the places of its parts.
 ///
 /// A list is checked as a whole when it is opened, in time proportional to its bytes: every size
 /// and offset lies within them, the objects together are no longer than they are, containers form a
@@ -75,34 +75,38 @@ class NSPropertyListReader {
  public:
   using Index = std::uint32_t;
 
-  /// Nothing when the bytes are no such list. They must outlive the reader.
-  static std::optional<NSPropertyListReader> open(std::span<const std::byte> bytes);
+  /// Opens a list; gives nothing when the bytes are none. They must outlive the reader.
+  [[nodiscard]] static std::optional<NSPropertyListReader> open(std::span<const std::byte> bytes);
 
-  std::size_t size() const noexcept { return _bytes.size(); }
-  Index count() const noexcept { return _count; }
-  Index top() const noexcept { return _top; }
-  /// Of an index below the count, and of what the top refers to.
-  NSPropertyListObject object(Index index) const noexcept { return *read(index); }
+  [[nodiscard]] std::size_t size() const noexcept { return _bytes.size(); }
+  [[nodiscard]] Index count() const noexcept { return _count; }
+  [[nodiscard]] Index top() const noexcept { return _top; }
+  /// Gives the object of an index below the count that the top one refers to, directly or through
+  /// others.
+  [[nodiscard]] NSPropertyListObject object(Index index) const noexcept { return *read(index); }
 
-  /// How many references a container holds; dictionaries hold two for each entry.
-  std::size_t references(const NSPropertyListObject& container) const noexcept {
+  /// Counts the references of a container; dictionaries hold two for each entry.
+  [[nodiscard]] std::size_t references(const NSPropertyListObject& container) const noexcept {
     return container.bytes.size() / _referenceSize;
   }
-  Index reference(const NSPropertyListObject& container, std::size_t at) const noexcept;
-  /// The value under the key; nothing for what is no dictionary. Entries are looked at from the
-  /// place on, which then is that behind the found one: keys are mostly asked for in their order.
-  std::optional<Index> find(Index dictionary, std::u16string_view key, std::size_t& place) const;
-  std::optional<Index> find(Index dictionary, std::u16string_view key) const {
+  [[nodiscard]] Index reference(const NSPropertyListObject& container,
+                                std::size_t at) const noexcept;
+  /// Finds the value under the key; gives nothing for what is no dictionary. Entries are looked at
+  /// from the place on, which then is the one after the found one: keys are mostly asked for in
+  /// their order.
+  [[nodiscard]] std::optional<Index> find(Index dictionary, std::u16string_view key,
+                                          std::size_t& place) const;
+  [[nodiscard]] std::optional<Index> find(Index dictionary, std::u16string_view key) const {
     std::size_t place = 0;
     return find(dictionary, key, place);
   }
 
  private:
   NSPropertyListReader() noexcept = default;
-  bool isSound() const;
-  bool isNamed(std::uint64_t index, std::vector<bool>& named, std::uint64_t& total,
-               NSPropertyListObject& object) const;
-  std::optional<NSPropertyListObject> read(std::uint64_t index) const noexcept;
+  [[nodiscard]] bool isSound() const;
+  [[nodiscard]] bool isNamed(std::uint64_t index, std::vector<bool>& named, std::uint64_t& total,
+                             NSPropertyListObject& object) const;
+  [[nodiscard]] std::optional<NSPropertyListObject> read(std::uint64_t index) const noexcept;
 
   std::span<const std::byte> _bytes;
   std::span<const std::byte> _offsets;

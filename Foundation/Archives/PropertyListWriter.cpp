@@ -14,7 +14,7 @@ using Form = NSPropertyListForm;
 using Kind = NSPropertyListKind;
 using Reference = NSPropertyListWriter::Reference;
 
-// Tells references to containers, which stand behind all values, from those to values.
+// Tells references to containers, which are written after all values, from those to values.
 constexpr Reference containerBit = Reference{1} << 31U;
 
 constexpr std::uint8_t marker(Kind kind, std::size_t low) {

@@ -13,7 +13,7 @@
 /// until the bytes are asked for, which is possible again and again.
 class NSPropertyListWriter {
  public:
-  /// What containers hold of an object, which may be in any number of them.
+  /// Stands for an object in containers; it may be in any number of them.
   using Reference = std::uint32_t;
 
   Reference boolean(bool value);
@@ -23,20 +23,20 @@ class NSPropertyListWriter {
   Reference uid(std::uint64_t value);
   Reference data(std::span<const std::byte> bytes);
   Reference text(std::u16string_view units) { return text(units, true); }
-  /// A text that stands for itself, also where there is an equal one.
+  /// Adds a text of its own, also where there is an equal one.
   Reference ownText(std::u16string_view units) { return text(units, false); }
 
-  /// An empty one with room for so many elements.
+  /// Begins an empty array with room for that many elements.
   Reference array(std::size_t capacity);
   Reference dictionary();
   void append(Reference array, Reference element);
-  /// Replaces the value that the key had.
+  /// Enters the value for the key, in place of the one that the key had.
   void set(Reference dictionary, Reference key, Reference value);
 
-  std::vector<std::byte> bytes(Reference top) const;
+  [[nodiscard]] std::vector<std::byte> bytes(Reference top) const;
 
  private:
-  // Of a dictionary each key with its value behind it.
+  // A dictionary has each key with its value behind it.
   struct Container {
     bool isDictionary;
     std::vector<Reference> references;
@@ -46,11 +46,10 @@ class NSPropertyListWriter {
   Reference value(std::size_t start, bool isShared = true);
   Reference number(std::uint8_t marker, std::uint64_t value, std::size_t size);
   Reference container(bool isDictionary, std::size_t capacity);
-  std::size_t indexOf(Reference reference) const noexcept;
-  std::size_t sizeOf(const Container& container, std::size_t referenceSize) const noexcept;
+  [[nodiscard]] std::size_t indexOf(Reference reference) const noexcept;
   void write(const Container& container, std::size_t referenceSize, std::string& bytes) const;
 
-  std::string _values;  // One behind the other, as they will be written.
+  std::string _values;  // One after the other, as they will be written.
   std::vector<std::size_t> _starts;
   NSHashIndex _index;
   std::vector<Container> _containers;
