@@ -1,7 +1,6 @@
 #pragma once
 
-#include <exception>
-#include <string>
+#include <stdexcept>
 #include <string_view>
 
 #include <Foundation/NSExport.h>
@@ -22,18 +21,17 @@ inline constexpr std::u16string_view NSInvalidArchiveOperationException =
 inline constexpr std::u16string_view NSInvalidUnarchiveOperationException =
     u"NSInvalidUnarchiveOperationException";
 
-/// A programming error. Ordinary outcomes are returned, never thrown.
-class NS_EXPORT NSException : public std::exception {
+/// A programming error. Ordinary outcomes are returned, never thrown. `what` is "name: reason" in
+/// UTF-8.
+class NS_EXPORT NSException : public std::runtime_error {
  public:
   NSException(const NSRef<NSString>& name, const NSRef<NSString>& reason);
   NSException(const NSException&) noexcept = default;
   NSException& operator=(const NSException&) noexcept = default;
   ~NSException() override;
 
-  NSRef<NSString> name() const noexcept;
-  NSRef<NSString> reason() const noexcept;
-  /// "name: reason" in UTF-8.
-  const char* what() const noexcept override;
+  [[nodiscard]] NSRef<NSString> name() const noexcept;
+  [[nodiscard]] NSRef<NSString> reason() const noexcept;
 
   /// Throws an exception of this name; the reason is UTF-8.
   [[noreturn]] static void raise(std::u16string_view name, std::string_view reason);
@@ -41,7 +39,6 @@ class NS_EXPORT NSException : public std::exception {
  private:
   NSRef<NSString> _name;
   NSRef<NSString> _reason;
-  NSRef<NSObject> _what;
 };
 
 /// Raises `NSRangeException`: "index 7 beyond bounds [0, 3) (in 'objectAtIndex:')".

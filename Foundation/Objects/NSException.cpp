@@ -7,31 +7,17 @@
 
 namespace {
 
-// Keeps the UTF-8 text that `what` lends out; shared, because exceptions are copied as they fly.
-class Message : public NSObject {
- public:
-  explicit Message(std::string text) : _text(std::move(text)) {}
-  const char* text() const noexcept { return _text.c_str(); }
-
- private:
-  std::string _text;
-};
-
 std::string textOf(const NSRef<NSString>& string) { return string ? string->utf8() : "(null)"; }
 
 }  // namespace
 
 NSException::NSException(const NSRef<NSString>& name, const NSRef<NSString>& reason)
-    : _name(name), _reason(reason), _what(NSMake<Message>(textOf(name) + ": " + textOf(reason))) {}
+    : runtime_error(textOf(name) + ": " + textOf(reason)), _name(name), _reason(reason) {}
 
 NSException::~NSException() = default;
 
 NSRef<NSString> NSException::name() const noexcept { return _name; }
 NSRef<NSString> NSException::reason() const noexcept { return _reason; }
-
-const char* NSException::what() const noexcept {
-  return static_cast<const Message&>(*_what).text();
-}
 
 void NSException::raise(std::u16string_view name, std::string_view reason) {
   throw NSException(NSMake<NSString>(name), NSMake<NSString>(reason));
