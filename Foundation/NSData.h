@@ -15,28 +15,27 @@ class NS_EXPORT NSData : public NSObject {
  public:
   NSData() noexcept = default;
   explicit NSData(std::span<const std::byte> bytes) : _bytes(bytes.begin(), bytes.end()) {}
-  /// Takes the bytes over.
+  /// Takes over the bytes.
   explicit NSData(std::vector<std::byte>&& bytes) noexcept : _bytes(std::move(bytes)) {}
-  /// The bytes of a narrow text, such as a file's contents.
+  /// Copies the bytes of a narrow text, such as a file's contents.
   explicit NSData(std::string_view bytes) : NSData(std::as_bytes(std::span(bytes))) {}
 
-  NSUInteger length() const noexcept { return _bytes.size(); }
-  /// The bytes in place.
-  std::span<const std::byte> bytes() const noexcept { return _bytes; }
-  /// The same as a narrow text.
-  std::string_view view() const noexcept {
+  [[nodiscard]] NSUInteger length() const noexcept { return _bytes.size(); }
+  /// Lends the bytes.
+  [[nodiscard]] std::span<const std::byte> bytes() const noexcept { return _bytes; }
+  /// Lends the bytes as a narrow text.
+  [[nodiscard]] std::string_view view() const noexcept {
     return {reinterpret_cast<const char*>(_bytes.data()), _bytes.size()};
   }
 
-  bool isEqualToData(const NSRef<NSData>& other) const noexcept;
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
-  /// "NSData of 12 bytes"
-  NSRef<NSString> description() const override;
-  /// "length" besides what every object publishes.
-  const NSPropertyTable& propertyTable() const override;
-  /// The data itself.
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] bool isEqualToData(const NSRef<NSData>& other) const noexcept;
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
+  /// Gives "NSData of 12 bytes".
+  [[nodiscard]] NSRef<NSString> description() const override;
+  /// Publishes "length" besides what every object does.
+  [[nodiscard]] const NSPropertyTable& propertyTable() const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 
  private:
   std::vector<std::byte> _bytes;

@@ -20,42 +20,46 @@ class NS_EXPORT NSDictionary : public NSObject {
   using Elements = std::initializer_list<std::pair<NSRef<NSObject>, NSRef<NSObject>>>;
 
   NSDictionary() noexcept = default;
-  /// Of entries with equal keys the last one stays.
+  /// Keeps the last one of entries with equal keys.
   explicit NSDictionary(Elements entries);
-  /// The entries of another dictionary; nil has none.
+  /// Takes the entries of another dictionary; nil has none.
   explicit NSDictionary(const NSRef<NSDictionary>& other);
 
-  NSUInteger count() const noexcept { return _entries.size(); }
-  /// Nil when there is no entry for the key, or the key is nil.
-  NSRef<NSObject> objectForKey(const NSRef<NSObject>& key) const;
-  NSRef<NSArray> allKeys() const;
-  NSRef<NSArray> allValues() const;
+  [[nodiscard]] NSUInteger count() const noexcept { return _entries.size(); }
+  /// Gives nil when there is no entry for the key, or the key is nil.
+  [[nodiscard]] NSRef<NSObject> objectForKey(const NSRef<NSObject>& key) const {
+    return _entries.find(key);
+  }
+  [[nodiscard]] NSRef<NSArray> allKeys() const;
+  [[nodiscard]] NSRef<NSArray> allValues() const;
 
-  /// Entries as pairs of key and object: `for (const auto& [key, object] : dictionary)`. One that
-  /// steps on in a dictionary which has changed raises `NSGenericException`.
-  auto begin() const noexcept {
+  /// Begins a range-for over pairs: `for (const auto& [key, object] : dictionary)`. When the
+  /// dictionary has changed, its next step raises `NSGenericException`.
+  [[nodiscard]] auto begin() const noexcept {
     return NSEnumeration(_entries.list(), {self(), _entries.mutations()});
   }
-  static std::default_sentinel_t end() noexcept { return {}; }
+  [[nodiscard]] static std::default_sentinel_t end() noexcept { return {}; }
   /// Calls the block with each key, its object and a flag that ends the walk once it is set. Raises
   /// as range-for does, and for a nil block `NSInvalidArgumentException`.
   void enumerateKeysAndObjectsUsingBlock(
       NSBlockRef<void(const NSRef<NSObject>&, const NSRef<NSObject>&, bool&)> aBlock) const;
 
-  bool isEqualToDictionary(const NSRef<NSDictionary>& other) const;
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
-  /// "{a = 1; b = 2}"
-  NSRef<NSString> description() const override;
+  [[nodiscard]] bool isEqualToDictionary(const NSRef<NSDictionary>& other) const;
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
+  /// Gives "{a = 1; b = 2}".
+  [[nodiscard]] NSRef<NSString> description() const override;
 
-  /// The entry for the key, nil when there is none.
-  NSRef<NSObject> valueForKey(const NSRef<NSString>& key) const override;
+  /// Gives the object for the key, nil when there is none.
+  [[nodiscard]] NSRef<NSObject> valueForKey(const NSRef<NSString>& key) const override;
 
-  /// The dictionary itself while it is immutable; copies share the entries.
-  NSRef<NSDictionary> copy() const;
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
-  NSRef<NSMutableDictionary> mutableCopy() const;
-  NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
+  /// Gives the dictionary itself while it is immutable; copies share the entries.
+  [[nodiscard]] NSRef<NSDictionary> copy() const {
+    return copyWithZone(nullptr).as<NSDictionary>();
+  }
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
+  [[nodiscard]] NSRef<NSMutableDictionary> mutableCopy() const;
+  [[nodiscard]] NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
   NSObjectMap& entries() noexcept { return _entries; }
@@ -75,9 +79,9 @@ class NS_EXPORT NSMutableDictionary : public NSDictionary {
   void setObject_forKey(const NSRef<NSObject>& anObject, const NSRef<NSObject>& aKey) {
     setEntry("setObject:forKey:", anObject, aKey);
   }
-  /// Does nothing when there is no such entry, or the key is nil.
+  /// Removes the entry for the key; does nothing when there is none, or the key is nil.
   void removeObjectForKey(const NSRef<NSObject>& key) { entries().remove(key); }
   void removeAllObjects() noexcept { entries().removeAll(); }
 
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };

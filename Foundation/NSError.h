@@ -7,21 +7,22 @@
 
 // Domains of errors. Each is one object for the whole process: compare `error->domain()` with `==`.
 
-/// Codes are those of `errno`.
-NS_EXPORT const NSRef<NSString>& NSPOSIXErrorDomain();
-/// Codes are the `NSCocoaErrorCode`s.
-NS_EXPORT const NSRef<NSString>& NSCocoaErrorDomain();
+/// Names the domain whose codes are those of `errno`.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSPOSIXErrorDomain();
+/// Names the domain whose codes are the `NSCocoaErrorCode`s.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSCocoaErrorDomain();
 
 // Keys of `NSError::userInfo`.
 
-/// A string, the text for people.
-NS_EXPORT const NSRef<NSString>& NSLocalizedDescriptionKey();
-/// The `NSError` behind this one.
-NS_EXPORT const NSRef<NSString>& NSUnderlyingErrorKey();
-/// A string, the path of the file, or the text of a URL that is none's.
-NS_EXPORT const NSRef<NSString>& NSFilePathErrorKey();
+/// Has a string, the text for people.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSLocalizedDescriptionKey();
+/// Has the `NSError` that led to this one.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSUnderlyingErrorKey();
+/// Has a string, the path of the file, or the text of a URL that is no file's.
+[[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFilePathErrorKey();
 
-/// What went wrong with a file, with the `errno` from which each comes, or with an archive.
+/// The codes of `NSCocoaErrorDomain`: for files, each with the `errno` from which it comes, and for
+/// archives.
 enum NSCocoaErrorCode : NSInteger {
   /// ENOENT while writing
   NSFileNoSuchFileError = 4,
@@ -57,35 +58,36 @@ enum NSCocoaErrorCode : NSInteger {
   NSCoderValueNotFoundError = 4865,
 };
 
-/// What went wrong: a code of a domain. Immutable.
+/// A failure: a code of a domain, and what is known of it. Immutable.
 class NS_EXPORT NSError : public NSObject {
  public:
-  /// A domain that is immutable stays the same object. Nil raises `NSInvalidArgumentException`; nil
-  /// for `userInfo` is the empty dictionary.
+  /// Keeps copies, so that an immutable domain stays the same object. A nil domain raises
+  /// `NSInvalidArgumentException`; nil for `userInfo` is the empty dictionary.
   NSError(const NSRef<NSString>& domain, NSInteger code, const NSRef<NSDictionary>& userInfo);
 
-  static NSRef<NSError> errorWithDomain_code_userInfo(const NSRef<NSString>& domain, NSInteger code,
-                                                      const NSRef<NSDictionary>& userInfo) {
+  [[nodiscard]] static NSRef<NSError> errorWithDomain_code_userInfo(
+      const NSRef<NSString>& domain, NSInteger code, const NSRef<NSDictionary>& userInfo) {
     return NSMake<NSError>(domain, code, userInfo);
   }
 
-  NSRef<NSString> domain() const noexcept { return _domain; }
-  NSInteger code() const noexcept { return _code; }
-  NSRef<NSDictionary> userInfo() const noexcept { return _userInfo; }
+  [[nodiscard]] NSRef<NSString> domain() const noexcept { return _domain; }
+  [[nodiscard]] NSInteger code() const noexcept { return _code; }
+  [[nodiscard]] NSRef<NSDictionary> userInfo() const noexcept { return _userInfo; }
 
-  /// The text under `NSLocalizedDescriptionKey`. Without one that of the underlying error; for
-  /// codes of `errno` the C library's; else the domain and the code.
-  NSRef<NSString> localizedDescription() const;
+  /// Gives the text under `NSLocalizedDescriptionKey`, or else that of the underlying error, or
+  /// else for codes of `errno` the C library's, or else the domain and the code.
+  [[nodiscard]] NSRef<NSString> localizedDescription() const;
 
   /// Whether domains (as texts), codes and dictionaries are equal.
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
-  /// "NSPOSIXErrorDomain 2: No such file or directory", and in parentheses the path, if it has one.
-  NSRef<NSString> description() const override;
-  /// "domain", "code", "userInfo" and "localizedDescription" besides what every object publishes.
-  const NSPropertyTable& propertyTable() const override;
-  /// The error itself.
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
+  /// Gives "NSPOSIXErrorDomain 2: No such file or directory", and in parentheses the path if there
+  /// is one.
+  [[nodiscard]] NSRef<NSString> description() const override;
+  /// Publishes "domain", "code", "userInfo" and "localizedDescription" besides what every object
+  /// does.
+  [[nodiscard]] const NSPropertyTable& propertyTable() const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 
  private:
   NSRef<NSString> _domain;

@@ -25,59 +25,59 @@ class NS_EXPORT NSIndexSet : public NSObject {
   explicit NSIndexSet(Elements indexes);
   explicit NSIndexSet(NSUInteger index) { add("initWithIndex:", {index, 1}); }
   explicit NSIndexSet(NSRange range) { add("initWithIndexesInRange:", range); }
-  /// Of ranges in any order. Takes them as they are when they are runs, as `ranges` gives them.
+  /// Accepts ranges in any order; adopts them if sorted and disjoint.
   explicit NSIndexSet(std::vector<NSRange> ranges);
 
-  NSUInteger count() const noexcept { return _count; }
-  /// `NSNotFound` when the set is empty.
-  NSUInteger firstIndex() const noexcept;
-  NSUInteger lastIndex() const noexcept;
-  /// The nearest index of the set on that side, or `NSNotFound`.
-  NSUInteger indexGreaterThanIndex(NSUInteger index) const noexcept;
-  NSUInteger indexGreaterThanOrEqualToIndex(NSUInteger index) const noexcept;
-  NSUInteger indexLessThanIndex(NSUInteger index) const noexcept;
-  NSUInteger indexLessThanOrEqualToIndex(NSUInteger index) const noexcept;
+  [[nodiscard]] NSUInteger count() const noexcept { return _count; }
+  /// Gives `NSNotFound` when the set is empty, as `lastIndex` does.
+  [[nodiscard]] NSUInteger firstIndex() const noexcept;
+  [[nodiscard]] NSUInteger lastIndex() const noexcept;
+  /// Finds the nearest index of the set on that side, or gives `NSNotFound`, as the next three do.
+  [[nodiscard]] NSUInteger indexGreaterThanIndex(NSUInteger index) const noexcept;
+  [[nodiscard]] NSUInteger indexGreaterThanOrEqualToIndex(NSUInteger index) const noexcept;
+  [[nodiscard]] NSUInteger indexLessThanIndex(NSUInteger index) const noexcept;
+  [[nodiscard]] NSUInteger indexLessThanOrEqualToIndex(NSUInteger index) const noexcept;
 
-  bool containsIndex(NSUInteger index) const noexcept;
-  /// Whether every index of the range is in the set; an empty range is in none. Ranges that would
-  /// pass the largest index end there, here and below.
-  bool containsIndexesInRange(NSRange range) const noexcept;
-  bool intersectsIndexesInRange(NSRange range) const noexcept;
-  NSUInteger countOfIndexesInRange(NSRange range) const noexcept;
+  [[nodiscard]] bool containsIndex(NSUInteger index) const noexcept;
+  /// Whether every index of the range is in the set; an empty range is in none. A range that would
+  /// pass the largest index ends there, here and below.
+  [[nodiscard]] bool containsIndexesInRange(NSRange range) const noexcept;
+  [[nodiscard]] bool intersectsIndexesInRange(NSRange range) const noexcept;
+  [[nodiscard]] NSUInteger countOfIndexesInRange(NSRange range) const noexcept;
 
   /// Copies up to `maxCount` indexes that lie in the range, or any when it is null, in ascending
-  /// order, and tells how many. Moves the range's location behind the last one given; its end stays
-  /// where it is.
+  /// order, and tells how many. The range then begins after the last one copied; its end stays.
   NSUInteger getIndexes_maxCount_inIndexRange(NSUInteger* indexes, NSUInteger maxCount,
                                               NSRange* range) const noexcept;
 
   /// Calls the block with each index and a flag that ends the walk once it is set. Raises as
   /// range-for does, and for a nil block `NSInvalidArgumentException`.
   void enumerateIndexesUsingBlock(NSBlockRef<void(NSUInteger, bool&)> aBlock) const;
-  /// The same with each run of consecutive indexes.
+  /// Calls the block with each run of consecutive indexes and a flag that ends the walk once it is
+  /// set. Raises as `enumerateIndexesUsingBlock` does.
   void enumerateRangesUsingBlock(NSBlockRef<void(NSRange, bool&)> aBlock) const;
 
-  /// The runs of consecutive indexes, ascending, none empty, with gaps between them; valid until
-  /// the set changes.
-  std::span<const NSRange> ranges() const noexcept { return _ranges; }
+  /// Lends the runs of consecutive indexes, ascending, none empty, with gaps between them; valid
+  /// until the set changes.
+  [[nodiscard]] std::span<const NSRange> ranges() const noexcept { return _ranges; }
 
-  /// Range-for over the indexes. One that steps on in a set which has changed raises
-  /// `NSGenericException`.
   class Iterator;
-  Iterator begin() const noexcept;
-  static std::default_sentinel_t end() noexcept { return {}; }
+  /// Begins a range-for over the indexes. When the set has changed, its next step raises
+  /// `NSGenericException`.
+  [[nodiscard]] Iterator begin() const noexcept;
+  [[nodiscard]] static std::default_sentinel_t end() noexcept { return {}; }
 
-  bool isEqualToIndexSet(const NSRef<NSIndexSet>& other) const noexcept;
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
-  /// "(1-3 7)"
-  NSRef<NSString> description() const override;
+  [[nodiscard]] bool isEqualToIndexSet(const NSRef<NSIndexSet>& other) const noexcept;
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
+  /// Gives "(1-3 7)".
+  [[nodiscard]] NSRef<NSString> description() const override;
 
-  /// The set itself while it is immutable.
-  NSRef<NSIndexSet> copy() const;
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
-  NSRef<NSMutableIndexSet> mutableCopy() const;
-  NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
+  /// Gives the set itself while it is immutable.
+  [[nodiscard]] NSRef<NSIndexSet> copy() const { return copyWithZone(nullptr).as<NSIndexSet>(); }
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
+  [[nodiscard]] NSRef<NSMutableIndexSet> mutableCopy() const;
+  [[nodiscard]] NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
   void add(const char* operation, NSRange range);
@@ -86,8 +86,8 @@ class NS_EXPORT NSIndexSet : public NSObject {
   void setRanges(std::vector<NSRange>&& ranges) noexcept;
 
  private:
-  std::size_t firstRangeEndingAbove(NSUInteger index) const noexcept;
-  std::size_t firstRangeStartingAt(NSUInteger index) const noexcept;
+  [[nodiscard]] std::size_t firstRangeEndingAbove(NSUInteger index) const noexcept;
+  [[nodiscard]] std::size_t firstRangeStartingAt(NSUInteger index) const noexcept;
   void replaceRanges(std::size_t first, std::size_t end, std::span<const NSRange> by);
 
   std::vector<NSRange> _ranges;
@@ -150,12 +150,13 @@ class NS_EXPORT NSMutableIndexSet : public NSIndexSet {
 
   void addIndex(NSUInteger index) { add("addIndex:", {index, 1}); }
   void addIndexesInRange(NSRange range) { add("addIndexesInRange:", range); }
-  /// Nil has no indexes.
+  /// Adds the other set's indexes; nil has none.
   void addIndexes(const NSRef<NSIndexSet>& other);
   void removeIndex(NSUInteger index) { remove({index, 1}); }
   void removeIndexesInRange(NSRange range) { remove(range); }
+  /// Removes the other set's indexes; nil has none.
   void removeIndexes(const NSRef<NSIndexSet>& other);
   void removeAllIndexes() noexcept { removeAll(); }
 
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };

@@ -93,8 +93,7 @@ class NS_EXPORT NSLocale : public NSObject {
   [[nodiscard]] NSRef<NSString> description() const override;
   /// "localeIdentifier" besides what every object publishes.
   [[nodiscard]] const NSPropertyTable& propertyTable() const override;
-  /// The locale itself.
-  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 
  private:
   friend struct NSAccess;

@@ -25,8 +25,7 @@ class NS_EXPORT NSNotification : public NSObject {
 
   /// "NSNotification DocumentDidChange"
   [[nodiscard]] NSRef<NSString> description() const override;
-  /// The notification itself.
-  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 
  private:
   NSRef<NSString> _name;

@@ -8,11 +8,11 @@
 /// process.
 class NS_EXPORT NSNull : public NSObject {
  public:
-  static const NSRef<NSNull>& null();
+  [[nodiscard]] static const NSRef<NSNull>& null();
 
-  /// "<null>".
-  NSRef<NSString> description() const override;
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  /// Gives "<null>".
+  [[nodiscard]] NSRef<NSString> description() const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 
   explicit NSNull(NSPasskey<NSNull> /*key*/) noexcept {}
   NSNull(const NSNull&) = delete;

@@ -23,45 +23,48 @@ class NS_EXPORT NSNumber : public NSObject {
   requires std::is_arithmetic_v<T>
   explicit NSNumber(T value) noexcept : _value(widen(value)) {}
 
-  bool boolValue() const noexcept;
-  int intValue() const noexcept { return convert<int>(); }
-  NSInteger integerValue() const noexcept { return convert<NSInteger>(); }
-  NSUInteger unsignedIntegerValue() const noexcept { return convert<NSUInteger>(); }
-  long long longLongValue() const noexcept { return convert<long long>(); }
-  unsigned long unsignedLongValue() const noexcept { return convert<unsigned long>(); }
-  unsigned long long unsignedLongLongValue() const noexcept {
+  [[nodiscard]] bool boolValue() const noexcept;
+  [[nodiscard]] int intValue() const noexcept { return convert<int>(); }
+  [[nodiscard]] NSInteger integerValue() const noexcept { return convert<NSInteger>(); }
+  [[nodiscard]] NSUInteger unsignedIntegerValue() const noexcept { return convert<NSUInteger>(); }
+  [[nodiscard]] long long longLongValue() const noexcept { return convert<long long>(); }
+  [[nodiscard]] unsigned long unsignedLongValue() const noexcept {
+    return convert<unsigned long>();
+  }
+  [[nodiscard]] unsigned long long unsignedLongLongValue() const noexcept {
     return convert<unsigned long long>();
   }
-  float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
-  double doubleValue() const noexcept;
+  [[nodiscard]] float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
+  [[nodiscard]] double doubleValue() const noexcept;
 
   /// Whether the number holds a double, not an integer or a boolean.
-  bool isFloatingPoint() const noexcept { return std::holds_alternative<double>(_value); }
-  bool isBoolean() const noexcept { return std::holds_alternative<bool>(_value); }
+  [[nodiscard]] bool isFloatingPoint() const noexcept {
+    return std::holds_alternative<double>(_value);
+  }
+  [[nodiscard]] bool isBoolean() const noexcept { return std::holds_alternative<bool>(_value); }
 
-  /// Exact. NaN comes before every other number and beside itself. Nil raises
+  /// Compares the exact values. NaN comes before every other number and equals itself. Nil raises
   /// `NSInvalidArgumentException`.
-  NSComparisonResult compare(const NSRef<NSNumber>& other) const;
-  bool isEqualToNumber(const NSRef<NSNumber>& other) const;
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
+  [[nodiscard]] NSComparisonResult compare(const NSRef<NSNumber>& other) const;
+  [[nodiscard]] bool isEqualToNumber(const NSRef<NSNumber>& other) const;
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
 
-  /// Decimal digits; for a double the shortest that read back as the same, with an exponent below
-  /// 1e-4 and from 1e16 on ("100000", "1e+16"); "1" or "0" for a boolean.
-  NSRef<NSString> stringValue() const;
-  NSRef<NSString> description() const override;
-  /// The same with the locale's digits, sign and decimal separator, not in groups; `stringValue`
-  /// for nil.
-  NSRef<NSString> descriptionWithLocale(const NSRef<NSLocale>& locale) const;
+  /// Writes decimal digits: of a double the shortest that read back as the same, with an exponent
+  /// below 1e-4 and from 1e16 on ("100000", "1e+16"); "1" or "0" for a boolean.
+  [[nodiscard]] NSRef<NSString> stringValue() const;
+  [[nodiscard]] NSRef<NSString> description() const override;
+  /// Writes the digits of `stringValue` with the locale's digits, sign and decimal separator,
+  /// without groups. Nil gives `stringValue`.
+  [[nodiscard]] NSRef<NSString> descriptionWithLocale(const NSRef<NSLocale>& locale) const;
 
-  /// The number itself.
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 
  private:
   using Value = std::variant<bool, NSInteger, NSUInteger, double>;
 
   template <class T>
-  static Value widen(T value) noexcept {
+  [[nodiscard]] static Value widen(T value) noexcept {
     if constexpr (std::same_as<T, bool>) {
       return value;
     } else if constexpr (std::is_floating_point_v<T>) {
@@ -73,7 +76,7 @@ class NS_EXPORT NSNumber : public NSObject {
     }
   }
   template <class T>
-  T convert() const noexcept;
+  [[nodiscard]] T convert() const noexcept;
 
   Value _value;
 };

@@ -21,62 +21,73 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   using Elements = std::initializer_list<NSRef<NSObject>>;
 
   NSOrderedSet() noexcept = default;
-  /// Of equal objects the first one stays.
+  /// Keeps the first one of equal objects.
   explicit NSOrderedSet(Elements elements)
       : NSOrderedSet(std::span(elements.begin(), elements.size())) {}
   explicit NSOrderedSet(std::span<const NSRef<NSObject>> elements);
-  /// The elements of the array; nil has none.
+  /// Takes the elements of the array; nil has none.
   explicit NSOrderedSet(const NSRef<NSArray>& array);
   explicit NSOrderedSet(NSObjectVector&& elements) : NSOrderedSet(elements.view()) {}
   explicit NSOrderedSet(NSObjectSet members) noexcept : _members(std::move(members)) {}
 
-  NSUInteger count() const noexcept { return _members.size(); }
-  NSRef<NSObject> objectAtIndex(NSUInteger index) const;
-  /// Nil when the set is empty.
-  NSRef<NSObject> firstObject() const { return count() == 0 ? nullptr : _members[0]; }
-  NSRef<NSObject> lastObject() const { return count() == 0 ? nullptr : _members[count() - 1]; }
-  /// The index of the member that is equal, or `NSNotFound`; looked up by its hash.
-  NSUInteger indexOfObject(const NSRef<NSObject>& object) const;
-  bool containsObject(const NSRef<NSObject>& object) const { return _members.contains(object); }
+  [[nodiscard]] NSUInteger count() const noexcept { return _members.size(); }
+  [[nodiscard]] NSRef<NSObject> objectAtIndex(NSUInteger index) const;
+  /// Gives nil when the set is empty, as `lastObject` does.
+  [[nodiscard]] NSRef<NSObject> firstObject() const { return count() == 0 ? nullptr : _members[0]; }
+  [[nodiscard]] NSRef<NSObject> lastObject() const {
+    return count() == 0 ? nullptr : _members[count() - 1];
+  }
+  /// Finds the index of the member that is equal by its hash, or gives `NSNotFound`.
+  [[nodiscard]] NSUInteger indexOfObject(const NSRef<NSObject>& object) const;
+  [[nodiscard]] bool containsObject(const NSRef<NSObject>& object) const {
+    return _members.contains(object);
+  }
 
-  /// The members as an array and as a set without order.
-  NSRef<NSArray> array() const;
-  NSRef<NSSet> set() const;
+  /// Gives the members as an array.
+  [[nodiscard]] NSRef<NSArray> array() const;
+  /// Gives the members as a set without order.
+  [[nodiscard]] NSRef<NSSet> set() const;
 
-  /// As `NSArray` does.
+  /// Calls the block with each member, its index and a flag that ends the walk once it is set; a
+  /// block may take the member alone. Raises as range-for does, and for a nil block
+  /// `NSInvalidArgumentException`.
   void enumerateObjectsUsingBlock(
       NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) const;
 
-  /// The members in place; valid until the set changes.
-  std::span<const NSRef<NSObject>> objects() const noexcept { return _members.elements().view(); }
-  /// The same, to be kept while the set may change: it goes on as it was.
-  const NSObjectVector& elements() const noexcept { return _members.elements(); }
-  /// Range-for. One that steps on in a set which has changed raises `NSGenericException`; the
-  /// element at hand stays valid.
-  auto begin() const noexcept {
+  /// Lends the members; valid until the set changes.
+  [[nodiscard]] std::span<const NSRef<NSObject>> objects() const noexcept {
+    return _members.elements().view();
+  }
+  /// Gives the members for who copies them: a copy stays as it is when the set changes.
+  [[nodiscard]] const NSObjectVector& elements() const noexcept { return _members.elements(); }
+  /// Begins a range-for. When the set has changed, its next step raises `NSGenericException`; the
+  /// member at hand stays valid.
+  [[nodiscard]] auto begin() const noexcept {
     return NSEnumeration(_members.elements(), {self(), _members.mutations()});
   }
-  static std::default_sentinel_t end() noexcept { return {}; }
+  [[nodiscard]] static std::default_sentinel_t end() noexcept { return {}; }
 
-  /// As many members, equal one by one.
-  bool isEqualToOrderedSet(const NSRef<NSOrderedSet>& other) const;
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
-  /// "{(a, b)}"
-  NSRef<NSString> description() const override;
+  /// Whether the other set has as many members, equal one by one.
+  [[nodiscard]] bool isEqualToOrderedSet(const NSRef<NSOrderedSet>& other) const;
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
+  /// Gives "{(a, b)}".
+  [[nodiscard]] NSRef<NSString> description() const override;
 
-  /// An ordered set of the members' answers, `NSNull` where a member answers nil.
-  NSRef<NSObject> valueForKey(const NSRef<NSString>& key) const override;
+  /// Gives an ordered set of the members' answers, `NSNull` where a member answers nil.
+  [[nodiscard]] NSRef<NSObject> valueForKey(const NSRef<NSString>& key) const override;
 
-  /// The set itself while it is immutable; copies share the members.
-  NSRef<NSOrderedSet> copy() const;
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
-  NSRef<NSMutableOrderedSet> mutableCopy() const;
-  NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
+  /// Gives the set itself while it is immutable; copies share the members.
+  [[nodiscard]] NSRef<NSOrderedSet> copy() const {
+    return copyWithZone(nullptr).as<NSOrderedSet>();
+  }
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
+  [[nodiscard]] NSRef<NSMutableOrderedSet> mutableCopy() const;
+  [[nodiscard]] NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
  protected:
   NSObjectSet& members() noexcept { return _members; }
-  const NSObjectSet& members() const noexcept { return _members; }
+  [[nodiscard]] const NSObjectSet& members() const noexcept { return _members; }
 
  private:
   NSObjectSet _members;
@@ -88,14 +99,14 @@ class NS_EXPORT NSMutableOrderedSet : public NSOrderedSet {
  public:
   using NSOrderedSet::NSOrderedSet;
 
-  /// At the end; does nothing when the set has an equal member.
+  /// Adds the object at the end; does nothing when the set has an equal member.
   void addObject(const NSRef<NSObject>& anObject);
-  /// Does nothing when the set has an equal member, wherever that is.
+  /// Inserts the object; does nothing when the set has an equal member, wherever that is.
   void insertObject_atIndex(const NSRef<NSObject>& anObject, NSUInteger index);
   void removeObjectAtIndex(NSUInteger index);
-  /// Does nothing when the set has no equal member.
+  /// Removes the member that is equal to the object; does nothing when there is none.
   void removeObject(const NSRef<NSObject>& object);
   void removeAllObjects() noexcept;
 
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };

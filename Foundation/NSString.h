@@ -178,8 +178,8 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] const NSPropertyTable& propertyTable() const override;
 
   /// Gives the string itself while it is immutable.
-  [[nodiscard]] NSRef<NSString> copy() const;
-  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSString> copy() const { return copyWithZone(nullptr).as<NSString>(); }
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
   [[nodiscard]] NSRef<NSMutableString> mutableCopy() const;
   [[nodiscard]] NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 

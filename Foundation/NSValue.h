@@ -17,28 +17,28 @@ class NS_EXPORT NSValue : public NSObject {
   explicit NSValue(NSRect value) noexcept : _value(value) {}
   explicit NSValue(NSRange value) noexcept : _value(value) {}
 
-  NSPoint pointValue() const;
-  NSSize sizeValue() const;
-  NSRect rectValue() const;
-  NSRange rangeValue() const;
+  [[nodiscard]] NSPoint pointValue() const;
+  [[nodiscard]] NSSize sizeValue() const;
+  [[nodiscard]] NSRect rectValue() const;
+  [[nodiscard]] NSRange rangeValue() const;
 
-  /// The value as a `T`, or null when it is of another kind.
+  /// Gives the value as a `T`, or null when it is of another kind.
   template <class T>
-  const T* get() const noexcept {
+  [[nodiscard]] const T* get() const noexcept {
     return std::get_if<T>(&_value);
   }
 
-  /// The same kind with equal members; a value with a NaN member equals only itself.
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
-  /// As `operator<<` prints the value.
-  NSRef<NSString> description() const override;
-  /// The value itself.
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  /// Whether the other value is of the same kind and has equal members; a value with a NaN member
+  /// equals itself alone.
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
+  /// Gives the value as `operator<<` prints it.
+  [[nodiscard]] NSRef<NSString> description() const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 
  private:
   template <class T>
-  T checked(const char* operation) const;
+  [[nodiscard]] T checked(const char* operation) const;
 
   std::variant<NSPoint, NSSize, NSRect, NSRange> _value;
 };

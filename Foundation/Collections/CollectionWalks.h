@@ -4,12 +4,13 @@
 #include <utility>
 
 #include <Foundation/NSBlock.h>
+#include <Foundation/NSException.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSString.h>
 
-// What the collections do alike by walking over themselves, with the check that a walk makes.
+// Operations that collections share, made by walking over them with the check that a walk makes.
 
-/// The descriptions of the objects with the separator between them.
+/// Appends the descriptions of the objects with the separator between them.
 template <class Collection>
 void NSAppendDescriptions(NSUnitBuffer& text, const Collection& collection,
                           std::u16string_view separator) {
@@ -21,19 +22,20 @@ void NSAppendDescriptions(NSUnitBuffer& text, const Collection& collection,
   }
 }
 
-/// The descriptions of the objects, joined by ", ", in brackets.
+/// Joins the descriptions of the objects by ", ", in brackets.
 template <class Collection>
-NSRef<NSString> NSDescribeObjects(std::u16string_view opening, const Collection& collection,
-                                  std::u16string_view closing) {
+[[nodiscard]] NSRef<NSString> NSDescribeObjects(std::u16string_view opening,
+                                                const Collection& collection,
+                                                std::u16string_view closing) {
   NSUnitBuffer text(opening);
   NSAppendDescriptions(text, collection, u", ");
   text.append(closing);
   return NSMake<NSString>(std::move(text));
 }
 
-/// "{a = 1; b = 2}"
+/// Gives "{a = 1; b = 2}".
 template <class Collection>
-NSRef<NSString> NSDescribeEntries(const Collection& collection) {
+[[nodiscard]] NSRef<NSString> NSDescribeEntries(const Collection& collection) {
   NSUnitBuffer text(u"{");
   for (const auto& [key, object] : collection) {
     if (text.size() > 1) text.append(u"; ");
@@ -45,9 +47,11 @@ NSRef<NSString> NSDescribeEntries(const Collection& collection) {
   return NSMake<NSString>(std::move(text));
 }
 
+/// Calls the block of `enumerateObjectsUsingBlock:` until it stops the walk.
 template <class Collection>
 void NSEnumerateWithIndexes(const Collection& collection,
                             NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> block) {
+  if (!block) NSRaiseNilArgument("aBlock", "enumerateObjectsUsingBlock:");
   NSUInteger index = 0;
   bool stop = false;
   for (const auto& object : collection) {

@@ -60,7 +60,8 @@ void NSHashIndex::fill(Slot slot) noexcept {
   _slots[at] = slot;
 }
 
-// What a taken slot has pushed behind the hole moves up, or look-ups would stop at the hole.
+// Moves up what stands behind the hole for want of its own slot, or look-ups would stop at the
+// hole.
 void NSHashIndex::vacate(std::size_t hole) noexcept {
   const auto distance = [&](std::size_t from, std::size_t to) { return (to - from) & mask(); };
   for (std::size_t at = (hole + 1) & mask(); _slots[at].position != vacant;

@@ -87,7 +87,6 @@ NSRef<NSObject> NSArray::valueForKey(const NSRef<NSString>& key) const {
 
 void NSArray::enumerateObjectsUsingBlock(
     NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) const {
-  if (!aBlock) NSRaiseNilArgument("aBlock", "enumerateObjectsUsingBlock:");
   NSEnumerateWithIndexes(*this, aBlock);
 }
 
@@ -99,10 +98,6 @@ NSRef<NSArray> NSArray::filteredArrayUsingPredicate(const NSRef<NSPredicate>& pr
   }
   return NSMake<NSArray>(std::move(filtered));
 }
-
-NSRef<NSArray> NSArray::copy() const { return copyWithZone(nullptr).as<NSArray>(); }
-
-NSRef<NSObject> NSArray::copyWithZone(NSZone* /*zone*/) const { return self(); }
 
 NSRef<NSMutableArray> NSArray::mutableCopy() const {
   return mutableCopyWithZone(nullptr).as<NSMutableArray>();

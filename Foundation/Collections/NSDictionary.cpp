@@ -25,11 +25,6 @@ void NSDictionary::setEntry(const char* operation, const NSRef<NSObject>& anObje
   if (isNew) _entries.append(key, anObject);
 }
 
-NSRef<NSObject> NSDictionary::objectForKey(const NSRef<NSObject>& key) const {
-  const auto* const found = _entries.find(key);
-  return found == nullptr ? nullptr : *found;
-}
-
 NSRef<NSArray> NSDictionary::allKeys() const { return NSMake<NSArray>(_entries.keys()); }
 
 NSRef<NSArray> NSDictionary::allValues() const { return NSMake<NSArray>(_entries.objects()); }
@@ -61,10 +56,6 @@ NSRef<NSString> NSDictionary::description() const { return NSDescribeEntries(*th
 NSRef<NSObject> NSDictionary::valueForKey(const NSRef<NSString>& key) const {
   return objectForKey(key);
 }
-
-NSRef<NSDictionary> NSDictionary::copy() const { return copyWithZone(nullptr).as<NSDictionary>(); }
-
-NSRef<NSObject> NSDictionary::copyWithZone(NSZone* /*zone*/) const { return self(); }
 
 NSRef<NSMutableDictionary> NSDictionary::mutableCopy() const {
   return mutableCopyWithZone(nullptr).as<NSMutableDictionary>();

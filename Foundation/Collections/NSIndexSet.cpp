@@ -14,7 +14,7 @@ void checkRange(const char* operation, NSRange range) {
   if (!NSRangeFits(range, NSNotFound)) NSRaiseRangeOutOfBounds(operation, range, NSNotFound);
 }
 
-// Where a range ends, at the latest behind the largest index.
+// Gives the end of a range, at most the first number after the largest index.
 NSUInteger endOf(NSRange range) { return std::min(NSClampedMaxRange(range), NSNotFound); }
 
 // Makes runs of ranges that ascend: none empty, with gaps between them.
@@ -235,10 +235,6 @@ NSRef<NSString> NSIndexSet::description() const {
   text.append(u")");
   return NSMake<NSString>(std::move(text));
 }
-
-NSRef<NSIndexSet> NSIndexSet::copy() const { return copyWithZone(nullptr).as<NSIndexSet>(); }
-
-NSRef<NSObject> NSIndexSet::copyWithZone(NSZone* /*zone*/) const { return self(); }
 
 NSRef<NSMutableIndexSet> NSIndexSet::mutableCopy() const {
   return mutableCopyWithZone(nullptr).as<NSMutableIndexSet>();

@@ -5,11 +5,6 @@
 #include <Foundation/NSArray.h>
 #include <Foundation/NSException.h>
 
-NSRef<NSObject> NSMapTable::objectForKey(const NSRef<NSObject>& key) const {
-  const auto* const found = _entries.find(key);
-  return found == nullptr ? nullptr : *found;
-}
-
 void NSMapTable::setObject_forKey(const NSRef<NSObject>& anObject, const NSRef<NSObject>& aKey) {
   if (!anObject) NSRaiseNilArgument("anObject", "setObject:forKey:");
   if (!aKey) NSRaiseNilArgument("aKey", "setObject:forKey:");

@@ -37,7 +37,6 @@ NSRef<NSSet> NSOrderedSet::set() const { return NSMake<NSSet>(_members); }
 
 void NSOrderedSet::enumerateObjectsUsingBlock(
     NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) const {
-  if (!aBlock) NSRaiseNilArgument("aBlock", "enumerateObjectsUsingBlock:");
   NSEnumerateWithIndexes(*this, aBlock);
 }
 
@@ -60,10 +59,6 @@ NSRef<NSString> NSOrderedSet::description() const { return NSDescribeObjects(u"{
 NSRef<NSObject> NSOrderedSet::valueForKey(const NSRef<NSString>& key) const {
   return NSMake<NSOrderedSet>(array()->valueForKey(key).as<NSArray>());
 }
-
-NSRef<NSOrderedSet> NSOrderedSet::copy() const { return copyWithZone(nullptr).as<NSOrderedSet>(); }
-
-NSRef<NSObject> NSOrderedSet::copyWithZone(NSZone* /*zone*/) const { return self(); }
 
 NSRef<NSMutableOrderedSet> NSOrderedSet::mutableCopy() const {
   return mutableCopyWithZone(nullptr).as<NSMutableOrderedSet>();

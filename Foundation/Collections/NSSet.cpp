@@ -78,10 +78,6 @@ NSRef<NSObject> NSSet::valueForKey(const NSRef<NSString>& key) const {
   return values;
 }
 
-NSRef<NSSet> NSSet::copy() const { return copyWithZone(nullptr).as<NSSet>(); }
-
-NSRef<NSObject> NSSet::copyWithZone(NSZone* /*zone*/) const { return self(); }
-
 NSRef<NSMutableSet> NSSet::mutableCopy() const {
   return mutableCopyWithZone(nullptr).as<NSMutableSet>();
 }

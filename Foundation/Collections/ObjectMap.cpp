@@ -2,9 +2,9 @@
 
 #include <utility>
 
-const NSRef<NSObject>* NSObjectMap::find(const NSRef<NSObject>& key) const {
+NSRef<NSObject> NSObjectMap::find(const NSRef<NSObject>& key) const {
   const std::size_t position = _keys.find(key);
-  return position == NSObjectSet::notFound ? nullptr : &_objects[position];
+  return position == NSObjectSet::notFound ? nullptr : _objects[position];
 }
 
 bool NSObjectMap::replace(const NSRef<NSObject>& key, const NSRef<NSObject>& object) {
@@ -36,10 +36,8 @@ bool NSObjectMap::isEqual(const NSObjectMap& other) const {
   if (size() != other.size()) return false;
   const NSEntryList entries = list();
   for (std::size_t k = 0; k < entries.size(); ++k) {
-    const auto* const object = other.find(entries.keys[k]);
-    if (object == nullptr) return false;
-    const NSRef<NSObject> theirs = *object;
-    if (!NSEqualObjects{}(entries.objects[k], theirs)) return false;
+    const auto theirs = other.find(entries.keys[k]);
+    if (!theirs || !NSEqualObjects{}(entries.objects[k], theirs)) return false;
   }
   return true;
 }

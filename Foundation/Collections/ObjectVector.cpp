@@ -162,7 +162,7 @@ NSObjectVector NSObjectVector::removeMarked(const std::vector<bool>& marks) {
       objects[kept++] = std::move(objects[k]);
     }
   }
-  // What lies behind is nil now.
+  // The slots behind them are nil now.
   _block->count = kept;
   return removed;
 }

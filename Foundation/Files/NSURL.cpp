@@ -265,5 +265,3 @@ const NSPropertyTable& NSURL::propertyTable() const {
                                      NSObject::propertyTable());
   return table;
 }
-
-NSRef<NSObject> NSURL::copyWithZone(NSZone* /*zone*/) const { return self(); }

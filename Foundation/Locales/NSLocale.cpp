@@ -174,5 +174,3 @@ const NSPropertyTable& NSLocale::propertyTable() const {
                                      NSObject::propertyTable());
   return table;
 }
-
-NSRef<NSObject> NSLocale::copyWithZone(NSZone* /*zone*/) const { return self(); }

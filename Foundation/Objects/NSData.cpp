@@ -27,5 +27,3 @@ const NSPropertyTable& NSData::propertyTable() const {
   static const NSPropertyTable table({{u"length", &NSData::length}}, NSObject::propertyTable());
   return table;
 }
-
-NSRef<NSObject> NSData::copyWithZone(NSZone* /*zone*/) const { return self(); }

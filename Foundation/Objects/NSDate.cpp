@@ -71,5 +71,3 @@ NSRef<NSString> NSDate::description() const {
                 parts.tm_sec);
   return NSMake<NSString>(text.data());
 }
-
-NSRef<NSObject> NSDate::copyWithZone(NSZone* /*zone*/) const { return self(); }

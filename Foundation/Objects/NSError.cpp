@@ -59,5 +59,3 @@ const NSPropertyTable& NSError::propertyTable() const {
                                      NSObject::propertyTable());
   return table;
 }
-
-NSRef<NSObject> NSError::copyWithZone(NSZone* /*zone*/) const { return self(); }

@@ -9,5 +9,3 @@ const NSRef<NSNull>& NSNull::null() {
 }
 
 NSRef<NSString> NSNull::description() const { return u"<null>"_ns; }
-
-NSRef<NSObject> NSNull::copyWithZone(NSZone* /*zone*/) const { return self(); }

@@ -150,5 +150,3 @@ NSRef<NSString> NSNumber::stringValue() const {
 }
 
 NSRef<NSString> NSNumber::description() const { return stringValue(); }
-
-NSRef<NSObject> NSNumber::copyWithZone(NSZone* /*zone*/) const { return self(); }

@@ -5,14 +5,13 @@
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
+#include <Foundation/detail/GoldenRatio.h>
 
 namespace {
 
 NSUInteger mix(NSUInteger seed, NSUInteger value) {
-  // The odd fraction of the golden ratio in 64 bits spreads neighbouring values; two that are the
-  // same do not cancel each other out.
-  constexpr NSUInteger odd = 0x9E3779B97F4A7C15U;
-  return (seed * odd + value) * odd;
+  // Two that are the same do not cancel each other out.
+  return (seed * NSGoldenRatio + value) * NSGoldenRatio;
 }
 
 NSUInteger hashOf(double value) { return std::hash<double>{}(value); }
@@ -51,5 +50,3 @@ NSRef<NSString> NSValue::description() const {
   std::visit([&](auto value) { text << value; }, _value);
   return NSMake<NSString>(text.view());
 }
-
-NSRef<NSObject> NSValue::copyWithZone(NSZone* /*zone*/) const { return self(); }

@@ -151,12 +151,6 @@ NSUInteger NSCharacterSet::hash() const {
   return static_cast<NSUInteger>(contentsOf(*this).members.hashCode());
 }
 
-NSRef<NSCharacterSet> NSCharacterSet::copy() const {
-  return copyWithZone(nullptr).as<NSCharacterSet>();
-}
-
-NSRef<NSObject> NSCharacterSet::copyWithZone(NSZone* /*zone*/) const { return self(); }
-
 NSRef<NSMutableCharacterSet> NSCharacterSet::mutableCopy() const {
   return mutableCopyWithZone(nullptr).as<NSMutableCharacterSet>();
 }

@@ -172,10 +172,6 @@ const NSPropertyTable& NSString::propertyTable() const {
   return table;
 }
 
-NSRef<NSString> NSString::copy() const { return copyWithZone(nullptr).as<NSString>(); }
-
-NSRef<NSObject> NSString::copyWithZone(NSZone* /*zone*/) const { return share(this); }
-
 NSRef<NSMutableString> NSString::mutableCopy() const {
   return mutableCopyWithZone(nullptr).as<NSMutableString>();
 }

@@ -33,5 +33,3 @@ NSRef<NSDictionary> NSNotification::userInfo() const noexcept { return _userInfo
 NSRef<NSString> NSNotification::description() const {
   return u"NSNotification "_ns->stringByAppendingString(_name);
 }
-
-NSRef<NSObject> NSNotification::copyWithZone(NSZone* /*zone*/) const { return self(); }

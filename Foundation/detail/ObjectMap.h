@@ -7,7 +7,7 @@
 #include <Foundation/detail/Enumeration.h>
 #include <Foundation/detail/ObjectSet.h>
 
-/// A key with its object, in place in their collection.
+/// A key with its object, as references into their collection.
 using NSEntry = std::pair<const NSRef<NSObject>&, const NSRef<NSObject>&>;
 
 /// Keys and their objects as a walk holds them.
@@ -15,30 +15,31 @@ struct NSEntryList {
   NSObjectVector keys;
   NSObjectVector objects;
 
-  std::size_t size() const noexcept { return keys.size(); }
+  [[nodiscard]] std::size_t size() const noexcept { return keys.size(); }
   NSEntry operator[](std::size_t index) const noexcept { return {keys[index], objects[index]}; }
 };
 
-/// What dictionaries and map tables keep their entries in. Nil has no entry.
+/// The hash map of dictionaries and map tables, in order of insertion: a hash set of keys with a
+/// vector of their objects beside it. Nil has no entry.
 class NS_EXPORT NSObjectMap {
  public:
-  std::size_t size() const noexcept { return _keys.size(); }
-  const NSObjectVector& keys() const noexcept { return _keys.elements(); }
-  const NSObjectVector& objects() const noexcept { return _objects; }
-  const NSMutationCount& mutations() const noexcept { return _keys.mutations(); }
-  NSEntryList list() const noexcept { return {keys(), objects()}; }
+  [[nodiscard]] std::size_t size() const noexcept { return _keys.size(); }
+  [[nodiscard]] const NSObjectVector& keys() const noexcept { return _keys.elements(); }
+  [[nodiscard]] const NSObjectVector& objects() const noexcept { return _objects; }
+  [[nodiscard]] const NSMutationCount& mutations() const noexcept { return _keys.mutations(); }
+  [[nodiscard]] NSEntryList list() const noexcept { return {keys(), objects()}; }
 
-  /// The key's object, or null. Valid until the entries change.
-  const NSRef<NSObject>* find(const NSRef<NSObject>& key) const;
-  /// False when the key has no object that could be replaced.
+  /// Gives the key's object, or nil.
+  [[nodiscard]] NSRef<NSObject> find(const NSRef<NSObject>& key) const;
+  /// Replaces the key's object, and tells whether there was one.
   bool replace(const NSRef<NSObject>& key, const NSRef<NSObject>& object);
-  /// For a key that is known to have none.
+  /// Adds an entry for a key that is known to have none.
   void append(const NSRef<NSObject>& key, const NSRef<NSObject>& object);
   void remove(const NSRef<NSObject>& key);
   void removeAll() noexcept;
 
-  /// The same keys with equal objects.
-  bool isEqual(const NSObjectMap& other) const;
+  /// Whether the other map has the same keys with equal objects.
+  [[nodiscard]] bool isEqual(const NSObjectMap& other) const;
 
  private:
   NSObjectSet _keys;
