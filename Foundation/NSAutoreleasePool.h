@@ -19,9 +19,9 @@ class NS_EXPORT NSAutoreleasePool {
   NSAutoreleasePool(const NSAutoreleasePool&) = delete;
   NSAutoreleasePool& operator=(const NSAutoreleasePool&) = delete;
 
-  /// Keeps the object until the calling thread's innermost pool ends; without a pool, until the
-  /// thread does; in the destructors of what dies last with a thread, for ever. Nil is nothing to
-  /// keep.
+  /// Keeps the object until the calling thread's innermost pool ends, or the thread when it has no
+  /// pool. Called while the last objects of a thread die, it keeps the object until the process
+  /// ends. Nil is ignored.
   static void addObject(const NSRef<NSObject>& object);
 
  private:

@@ -22,9 +22,9 @@ inline constexpr bool NSIsStandardFunction = false;
 template <class Signature>
 inline constexpr bool NSIsStandardFunction<std::function<Signature>> = true;
 
-/// Whether a callable is none: a null pointer or an empty `std::function`.
+/// Whether the callable is none: a null pointer or an empty `std::function`.
 template <class F>
-constexpr bool NSIsNilCallable(const F& callable) noexcept {
+[[nodiscard]] constexpr bool NSIsNilCallable(const F& callable) noexcept {
   if constexpr (std::is_pointer_v<F> || std::is_member_pointer_v<F> || NSIsStandardFunction<F>) {
     return !callable;
   } else {
@@ -43,19 +43,11 @@ class NSBlockRef<Result(First, Rest...)> {
             std::is_invocable_r_v<Result, F&, First>)) constexpr NSBlockRef(F&& callable) noexcept {
     using Callable = std::remove_reference_t<F>;
     if (NSIsNilCallable(callable)) return;
-    if constexpr (std::is_function_v<Callable>) {
-      _callable = reinterpret_cast<const void*>(&callable);
-      _call = [](const void* pointer, First first, Rest... rest) -> Result {
-        return call(*reinterpret_cast<Callable*>(const_cast<void*>(pointer)),
-                    std::forward<First>(first), std::forward<Rest>(rest)...);
-      };
-    } else {
-      _callable = std::addressof(callable);
-      _call = [](const void* pointer, First first, Rest... rest) -> Result {
-        return call(*static_cast<Callable*>(const_cast<void*>(pointer)), std::forward<First>(first),
-                    std::forward<Rest>(rest)...);
-      };
-    }
+    _callable = reinterpret_cast<const void*>(std::addressof(callable));
+    _call = [](const void* pointer, First first, Rest... rest) -> Result {
+      return call(*reinterpret_cast<Callable*>(const_cast<void*>(pointer)),
+                  std::forward<First>(first), std::forward<Rest>(rest)...);
+    };
   }
 
   explicit operator bool() const noexcept { return _call != nullptr; }
@@ -85,15 +77,15 @@ class NSBlockRef<Result(First, Rest...)> {
 };
 
 /// A block as an object, for what outlives the call: any callable that takes its target, or
-/// nothing. Equal only to itself. Copies are the block itself.
+/// nothing. Equal to itself alone. Copies are the block itself.
 class NS_EXPORT NSBlock : public NSObject {
  public:
   virtual void invoke(const NSRef<NSObject>& target) = 0;
 
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };
 
-/// Calls a callable with the target, as a reference to it or as an `NSRef`, or with nothing.
+/// Calls the callable with the target, as a reference to it or as an `NSRef`, or with nothing.
 template <class Target, class F>
 void NSInvokeWithTarget(F& callable, const NSRef<Target>& target) {
   if constexpr (std::is_invocable_v<F&, Target&>) {
@@ -105,10 +97,10 @@ void NSInvokeWithTarget(F& callable, const NSRef<Target>& target) {
   }
 }
 
-/// The block object of a callable for targets of that class; a block object itself as it is, nil
-/// for a nil callable.
+/// Makes a block object of a callable for targets of that class; gives a block object as it is, and
+/// nil for a nil callable.
 template <class Target, class F>
-NSRef<NSBlock> NSMakeBlock(F&& callable) {
+[[nodiscard]] NSRef<NSBlock> NSMakeBlock(F&& callable) {
   using Callable = std::decay_t<F>;
   if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
     return std::forward<F>(callable);

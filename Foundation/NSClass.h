@@ -15,20 +15,20 @@ class NS_EXPORT NSClass {
   explicit NSClass(const std::type_info& type) noexcept : _type(&type) {}
 
   template <class T>
-  static NSClass of() noexcept {
+  [[nodiscard]] static NSClass of() noexcept {
     return NSClass(typeid(T));
   }
 
-  /// The qualified C++ name, such as "Chapter" or "editor::Chapter".
-  NSRef<NSString> name() const;
+  /// Gives the qualified C++ name, such as "Chapter" or "editor::Chapter".
+  [[nodiscard]] NSRef<NSString> name() const;
 
-  /// The first base that derives from `NSObject`; none for `NSObject` itself.
-  std::optional<NSClass> superclass() const;
+  /// Gives the first base that derives from `NSObject`; none for `NSObject` itself.
+  [[nodiscard]] std::optional<NSClass> superclass() const;
 
   /// Whether this class is the other one or derives from it, at any depth and by any base.
-  bool isSubclassOfClass(NSClass other) const;
+  [[nodiscard]] bool isSubclassOfClass(NSClass other) const;
 
-  const std::type_info& typeInfo() const noexcept { return *_type; }
+  [[nodiscard]] const std::type_info& typeInfo() const noexcept { return *_type; }
 
   friend bool operator==(NSClass a, NSClass b) noexcept { return *a._type == *b._type; }
 
@@ -36,8 +36,8 @@ class NS_EXPORT NSClass {
   const std::type_info* _type;
 };
 
-/// `NSClass::name` under the platform's name.
-NS_EXPORT NSRef<NSString> NSStringFromClass(NSClass aClass);
+/// Gives the class's `name`.
+[[nodiscard]] NS_EXPORT NSRef<NSString> NSStringFromClass(NSClass aClass);
 
 template <>
 struct std::hash<NSClass> {

@@ -6,8 +6,8 @@
 class NSCoder;
 class NSString;
 
-/// What a class derives from, besides `NSObject`, to be archived. Reading is a constructor, or,
-/// where it may give nil, a static function of the name `initWithCoder`:
+/// The second base, besides `NSObject`, of classes that can be archived. Reading is a constructor,
+/// or, where it may give nil, a static function of the name `initWithCoder`:
 ///
 ///     struct Chapter : NSObject, NSCoding {
 ///       explicit Chapter(const NSRef<NSCoder>& coder)
@@ -30,8 +30,8 @@ class NS_EXPORT NSCoding {
   NSCoding& operator=(const NSCoding&) noexcept = default;
 };
 
-/// What objects write themselves to and read themselves from, value by value under keys that are
-/// unique in their class and its bases. Nil as a key raises `NSInvalidArgumentException`.
+/// The archive that objects write themselves to or read themselves from, value by value under keys
+/// that are unique in their class and its bases. Nil as a key raises `NSInvalidArgumentException`.
 ///
 /// A key that was not written reads as false, 0 or nil. A value of another kind than is asked for
 /// raises `NSInvalidUnarchiveOperationException`. Asking an archiver to decode, or an unarchiver to
@@ -43,21 +43,21 @@ class NS_EXPORT NSCoder : public NSObject {
   virtual void encodeBool_forKey(bool value, const NSRef<NSString>& key);
   virtual void encodeInteger_forKey(NSInteger value, const NSRef<NSString>& key);
   virtual void encodeDouble_forKey(double value, const NSRef<NSString>& key);
-  /// An object that occurs several times is written once. An object that cannot be archived raises
+  /// Writes an object, once however often it occurs. An object that cannot be archived raises
   /// `NSInvalidArchiveOperationException`.
   virtual void encodeObject_forKey(const NSRef<NSObject>& object, const NSRef<NSString>& key);
 
-  virtual bool containsValueForKey(const NSRef<NSString>& key) const;
-  virtual bool decodeBoolForKey(const NSRef<NSString>& key);
-  virtual NSInteger decodeIntegerForKey(const NSRef<NSString>& key);
-  /// Reads integers as well.
-  virtual double decodeDoubleForKey(const NSRef<NSString>& key);
-  virtual NSRef<NSObject> decodeObjectForKey(const NSRef<NSString>& key);
+  [[nodiscard]] virtual bool containsValueForKey(const NSRef<NSString>& key) const;
+  [[nodiscard]] virtual bool decodeBoolForKey(const NSRef<NSString>& key);
+  [[nodiscard]] virtual NSInteger decodeIntegerForKey(const NSRef<NSString>& key);
+  /// Reads a number, an integer as well.
+  [[nodiscard]] virtual double decodeDoubleForKey(const NSRef<NSString>& key);
+  [[nodiscard]] virtual NSRef<NSObject> decodeObjectForKey(const NSRef<NSString>& key);
 
-  /// The object as a `T`; nil when nil was written, or nothing. An object of another class raises
-  /// `NSInvalidUnarchiveOperationException`.
+  /// Reads an object as a `T`; gives nil when nil was written, or nothing. An object of another
+  /// class raises `NSInvalidUnarchiveOperationException`.
   template <class T>
-  NSRef<T> decodeObjectOfClass(const NSRef<NSString>& key) {
+  [[nodiscard]] NSRef<T> decodeObjectOfClass(const NSRef<NSString>& key) {
     NSRef<NSObject> object = decodeObjectForKey(key);
     NSRef<T> result = object.as<T>();
     if (object && !result) raiseWrongClass(*object, NSClass::of<T>(), key);

@@ -23,7 +23,7 @@ struct NSSize {
   friend constexpr bool operator==(const NSSize&, const NSSize&) = default;
 };
 
-/// Spans [x, x + width) by [y, y + height).
+/// A rectangle, which spans [x, x + width) by [y, y + height).
 struct NSRect {
   NSPoint origin;
   NSSize size;
@@ -31,32 +31,37 @@ struct NSRect {
   friend constexpr bool operator==(const NSRect&, const NSRect&) = default;
 };
 
-constexpr NSPoint NSMakePoint(CGFloat x, CGFloat y) { return {x, y}; }
-constexpr NSSize NSMakeSize(CGFloat width, CGFloat height) { return {width, height}; }
-constexpr NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
+[[nodiscard]] constexpr NSPoint NSMakePoint(CGFloat x, CGFloat y) { return {x, y}; }
+[[nodiscard]] constexpr NSSize NSMakeSize(CGFloat width, CGFloat height) { return {width, height}; }
+[[nodiscard]] constexpr NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
   return {{x, y}, {width, height}};
 }
 
-constexpr CGFloat NSMinX(NSRect rect) { return rect.origin.x; }
-constexpr CGFloat NSMinY(NSRect rect) { return rect.origin.y; }
-constexpr CGFloat NSMidX(NSRect rect) { return rect.origin.x + rect.size.width * 0.5; }
-constexpr CGFloat NSMidY(NSRect rect) { return rect.origin.y + rect.size.height * 0.5; }
-constexpr CGFloat NSMaxX(NSRect rect) { return rect.origin.x + rect.size.width; }
-constexpr CGFloat NSMaxY(NSRect rect) { return rect.origin.y + rect.size.height; }
+[[nodiscard]] constexpr CGFloat NSMinX(NSRect rect) { return rect.origin.x; }
+[[nodiscard]] constexpr CGFloat NSMinY(NSRect rect) { return rect.origin.y; }
+[[nodiscard]] constexpr CGFloat NSMidX(NSRect rect) {
+  return rect.origin.x + rect.size.width * 0.5;
+}
+[[nodiscard]] constexpr CGFloat NSMidY(NSRect rect) {
+  return rect.origin.y + rect.size.height * 0.5;
+}
+[[nodiscard]] constexpr CGFloat NSMaxX(NSRect rect) { return rect.origin.x + rect.size.width; }
+[[nodiscard]] constexpr CGFloat NSMaxY(NSRect rect) { return rect.origin.y + rect.size.height; }
 
-/// Exactly the same origin and size.
-constexpr bool NSEqualRects(NSRect a, NSRect b) { return a == b; }
-/// The rectangle moved by dx and dy.
-constexpr NSRect NSOffsetRect(NSRect rect, CGFloat dx, CGFloat dy) {
+/// Whether origin and size are exactly the same.
+[[nodiscard]] constexpr bool NSEqualRects(NSRect a, NSRect b) { return a == b; }
+/// Moves the rectangle by dx and dy.
+[[nodiscard]] constexpr NSRect NSOffsetRect(NSRect rect, CGFloat dx, CGFloat dy) {
   return {{rect.origin.x + dx, rect.origin.y + dy}, rect.size};
 }
-/// Whether the rectangle contains the point; its min edges belong to it, its max edges do not.
-constexpr bool NSPointInRect(NSPoint point, NSRect rect) {
+/// Whether the point lies in the rectangle: on its min edges it does, on its max edges it does not.
+[[nodiscard]] constexpr bool NSPointInRect(NSPoint point, NSRect rect) {
   return point.x >= NSMinX(rect) && point.x < NSMaxX(rect) && point.y >= NSMinY(rect) &&
          point.y < NSMaxY(rect);
 }
-/// Whether the rectangles have an area in common; none has, whose width or height is not positive.
-constexpr bool NSIntersectsRect(NSRect a, NSRect b) {
+/// Whether the rectangles have an area in common; one whose width or height is not positive has
+/// none.
+[[nodiscard]] constexpr bool NSIntersectsRect(NSRect a, NSRect b) {
   const bool haveAreas =
       a.size.width > 0 && a.size.height > 0 && b.size.width > 0 && b.size.height > 0;
   return haveAreas && NSMinX(a) < NSMaxX(b) && NSMinX(b) < NSMaxX(a) && NSMinY(a) < NSMaxY(b) &&

@@ -14,10 +14,10 @@
 #include <Foundation/NSString.h>
 #include <Foundation/NSValue.h>
 
-/// The object for a value: references as they are, numbers and enumerators as `NSNumber`, ranges,
-/// points, sizes and rectangles as `NSValue`, standard strings as `NSString`.
+/// Makes an object of a value: gives references as they are, numbers and enumerators as `NSNumber`,
+/// ranges, points, sizes and rectangles as `NSValue`, standard strings as `NSString`.
 template <class T>
-NSRef<NSObject> NSBox(const T& value) {
+[[nodiscard]] NSRef<NSObject> NSBox(const T& value) {
   if constexpr (std::convertible_to<T, NSRef<NSObject>>) {
     return value;
   } else if constexpr (std::is_enum_v<T>) {
@@ -41,15 +41,15 @@ class NSProperty {
           return NSBox(std::invoke(member, static_cast<const Class&>(object)));
         }) {}
 
-  /// Reads through a function instead.
+  /// Reads through a function of the object.
   template <class Class, class Value>
   NSProperty(std::u16string_view name, Value (*function)(const Class&))
       : _name(name), _read([function](const NSObject& object) {
           return NSBox(function(static_cast<const Class&>(object)));
         }) {}
 
-  std::u16string_view name() const noexcept { return _name; }
-  NSRef<NSObject> read(const NSObject& object) const { return _read(object); }
+  [[nodiscard]] std::u16string_view name() const noexcept { return _name; }
+  [[nodiscard]] NSRef<NSObject> read(const NSObject& object) const { return _read(object); }
 
  private:
   std::u16string_view _name;
@@ -69,13 +69,13 @@ class NS_EXPORT NSPropertyTable {
  public:
   explicit NSPropertyTable(std::initializer_list<NSProperty> properties)
       : _properties(properties) {}
-  /// Finds in `inherited`, the base class's table, what is not in the list. That table must live as
-  /// long as this one.
+  /// Looks in `inherited`, the base class's table, for what is not in the list. That table must
+  /// live as long as this one.
   NSPropertyTable(std::initializer_list<NSProperty> properties, const NSPropertyTable& inherited)
       : _properties(properties), _inherited(&inherited) {}
 
-  /// The property of that name, or null.
-  const NSProperty* find(std::u16string_view name) const noexcept;
+  /// Gives the property of that name, or null.
+  [[nodiscard]] const NSProperty* find(std::u16string_view name) const noexcept;
 
  private:
   NSNeverDestroyed<std::vector<NSProperty>> _properties;

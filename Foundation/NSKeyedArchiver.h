@@ -18,14 +18,14 @@
 /// and come back as one object.
 ///
 /// These can be archived: strings, numbers, data, `NSNull`, arrays, sets, dictionaries, `NSURL`,
-/// `NSLocale`, and what derives from `NSCoding`; of other subclasses of these their contents. All
+/// `NSLocale`, the contents of other subclasses of these, and what derives from `NSCoding`. All
 /// else raises `NSInvalidArchiveOperationException`, and so does a graph of more than 500 objects
 /// in each other. A collection that is changed while its elements are encoded raises
 /// `NSGenericException`. An archiver that has raised cannot be used further.
 class NS_EXPORT NSKeyedArchiver : public NSCoder {
  public:
-  /// The archive of one object, under the key "root". Nil is archived as nil.
-  static NSRef<NSData> archivedDataWithRootObject(const NSRef<NSObject>& root);
+  /// Archives one object, under the key "root". Nil is archived as nil.
+  [[nodiscard]] static NSRef<NSData> archivedDataWithRootObject(const NSRef<NSObject>& root);
 
   /// Gives the class another name in all archives that are written from now on than its C++ name,
   /// which a class in an unnamed namespace shares with others. Nil takes that back.
@@ -39,10 +39,10 @@ class NS_EXPORT NSKeyedArchiver : public NSCoder {
   void encodeInteger_forKey(NSInteger value, const NSRef<NSString>& key) override;
   void encodeDouble_forKey(double value, const NSRef<NSString>& key) override;
   void encodeObject_forKey(const NSRef<NSObject>& object, const NSRef<NSString>& key) override;
-  /// Text in its place, not as an object, as mutable strings write theirs.
+  /// Writes a text in its place, not as an object, as mutable strings write theirs.
   void encodeText_forKey(const NSString& text, const NSRef<NSString>& key);
-  /// The objects of a collection, or what the projection takes of its elements, as a list without a
-  /// class, as collections write theirs.
+  /// Writes the objects of a collection, or what the projection takes of its elements, as a list
+  /// without a class, as collections write theirs.
   template <class Objects, class Projection = std::identity>
   void encodeObjects_forKey(const Objects& objects, const NSRef<NSString>& key,
                             Projection projection = {}) {
@@ -50,8 +50,8 @@ class NS_EXPORT NSKeyedArchiver : public NSCoder {
     for (const auto& object : objects) appendToList(list, projection(object));
   }
 
-  /// The archive of what has been encoded up to now.
-  NSRef<NSData> encodedData() const;
+  /// Gives the archive of what has been encoded up to now.
+  [[nodiscard]] NSRef<NSData> encodedData() const;
 
  private:
   std::uint32_t beginList(const NSRef<NSString>& key);

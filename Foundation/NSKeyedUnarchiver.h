@@ -18,31 +18,32 @@
 /// itself, such as for nil in an array, comes through. Where damage is an ordinary outcome, as with
 /// a file, `unarchivedObjectOfClass_fromData_error` gives it back as an error.
 ///
-/// Memory is proportional to the bytes, for the platform's classes at most some hundred times as
-/// much, and 512 KiB of stack are enough. Time is too, but for keys and members of sets that have
-/// equal hashes and are compared with each other, and for URLs of one long text, each of which
-/// parses it.
+/// Memory and time are proportional to the bytes: memory for the platform's classes at most some
+/// hundred times as much; time but for keys and members of sets with equal hashes, which are
+/// compared with each other, and for URLs of one long text, each of which parses it. 512 KiB of
+/// stack are enough.
 class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
  public:
-  /// The object under the key "root", nil when there is none.
-  static NSRef<NSObject> unarchiveObjectWithData(const NSRef<NSData>& data);
-  /// The same as a `T`; nil when it is of another class.
+  /// Reads the object under the key "root"; gives nil when there is none.
+  [[nodiscard]] static NSRef<NSObject> unarchiveObjectWithData(const NSRef<NSData>& data);
+  /// Reads the object under the key "root" as a `T`; gives nil when it is of another class.
   template <class T>
-  static NSRef<T> unarchivedObjectOfClass(const NSRef<NSData>& data) {
+  [[nodiscard]] static NSRef<T> unarchivedObjectOfClass(const NSRef<NSData>& data) {
     return unarchiveObjectWithData(data).template as<T>();
   }
 
-  /// The object under the key "root". Nil, with an `NSError` of the domain `NSCocoaErrorDomain`
-  /// whose text is the reason, when there is none (`NSCoderValueNotFoundError`), and when it is of
-  /// another class or reading raises an `NSException` (`NSCoderReadCorruptError`). The place for
-  /// the error may be null. Nil as data raises `NSInvalidArgumentException`.
-  static NSRef<NSObject> unarchivedObjectOfClass_fromData_error(NSClass aClass,
-                                                                const NSRef<NSData>& data,
-                                                                NSRef<NSError>* error);
-  /// The same as a `T`.
+  /// Reads the object under the key "root". Gives nil, with an `NSError` of the domain
+  /// `NSCocoaErrorDomain` whose text is the reason, when there is none
+  /// (`NSCoderValueNotFoundError`), and when it is of another class or reading raises an
+  /// `NSException`
+  /// (`NSCoderReadCorruptError`). The place for the error may be null. Nil as data raises
+  /// `NSInvalidArgumentException`.
+  [[nodiscard]] static NSRef<NSObject> unarchivedObjectOfClass_fromData_error(
+      NSClass aClass, const NSRef<NSData>& data, NSRef<NSError>* error);
+  /// Reads the object under the key "root" as a `T`, with an error where it gives nil.
   template <class T>
-  static NSRef<T> unarchivedObjectOfClass_fromData_error(const NSRef<NSData>& data,
-                                                         NSRef<NSError>* error) {
+  [[nodiscard]] static NSRef<T> unarchivedObjectOfClass_fromData_error(const NSRef<NSData>& data,
+                                                                       NSRef<NSError>* error) {
     return unarchivedObjectOfClass_fromData_error(NSClass::of<T>(), data, error).template as<T>();
   }
 
@@ -55,8 +56,8 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
   static void registerClass() {
     setClass_forClassName<T>(NSClass::of<T>().name());
   }
-  /// The same, under the name that the class has in the archive, such as one that was given to
-  /// `NSKeyedArchiver::setClassName_forClass`.
+  /// Allows archives to make instances of the class under the name that it has in them, such as one
+  /// that was given to `NSKeyedArchiver::setClassName_forClass`.
   template <class T>
   static void setClass_forClassName(const NSRef<NSString>& name) {
     setReader(name, [](const NSRef<NSCoder>& coder) -> NSRef<NSObject> {
@@ -68,16 +69,17 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
     });
   }
 
-  bool containsValueForKey(const NSRef<NSString>& key) const override;
-  bool decodeBoolForKey(const NSRef<NSString>& key) override;
-  NSInteger decodeIntegerForKey(const NSRef<NSString>& key) override;
-  double decodeDoubleForKey(const NSRef<NSString>& key) override;
-  NSRef<NSObject> decodeObjectForKey(const NSRef<NSString>& key) override;
-  /// A text that the caller is going to copy. In one archive these may add up to 1 MiB and 32 times
-  /// its bytes; more raise `NSInvalidUnarchiveOperationException`.
-  NSRef<NSString> decodeTextForKey(const NSRef<NSString>& key);
-  /// Objects that were written as a list without a class; none when there is no such key.
-  std::vector<NSRef<NSObject>> decodeObjectsForKey(const NSRef<NSString>& key);
+  [[nodiscard]] bool containsValueForKey(const NSRef<NSString>& key) const override;
+  [[nodiscard]] bool decodeBoolForKey(const NSRef<NSString>& key) override;
+  [[nodiscard]] NSInteger decodeIntegerForKey(const NSRef<NSString>& key) override;
+  [[nodiscard]] double decodeDoubleForKey(const NSRef<NSString>& key) override;
+  [[nodiscard]] NSRef<NSObject> decodeObjectForKey(const NSRef<NSString>& key) override;
+  /// Reads a text that the caller is going to copy. In one archive these may add up to 1 MiB and 32
+  /// times its bytes; more raise `NSInvalidUnarchiveOperationException`.
+  [[nodiscard]] NSRef<NSString> decodeTextForKey(const NSRef<NSString>& key);
+  /// Reads objects that were written as a list without a class; gives none when there is no such
+  /// key.
+  [[nodiscard]] std::vector<NSRef<NSObject>> decodeObjectsForKey(const NSRef<NSString>& key);
 
  private:
   using Reader = NSRef<NSObject> (*)(const NSRef<NSCoder>& coder);

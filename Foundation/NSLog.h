@@ -16,6 +16,6 @@ using NSLogSink = std::function<void(const NSRef<NSString>& text)>;
 /// stays one. Nil writes "(null)". May be called from any thread.
 NS_EXPORT void NSLog(const NSRef<NSString>& text);
 
-/// Replaces the sink and gives the former one; an empty sink is the default one. Calls that run
-/// when it returns may still reach the former sink. A sink may log itself.
+/// Replaces the sink and gives the former one; an empty sink stands for the default one. Calls of
+/// `NSLog` that have begun before may still reach the former sink. A sink may log itself.
 NS_EXPORT NSLogSink NSSetLogSink(NSLogSink sink);

@@ -10,7 +10,7 @@
 
 /// How a collection treats the pointers that it holds.
 using NSPointerFunctionsOptions = NSUInteger;
-/// As plain addresses: it neither retains, releases nor clears what they point to.
+/// Treats them as plain addresses: neither retains, releases nor clears what they point to.
 inline constexpr NSPointerFunctionsOptions NSPointerFunctionsOpaqueMemory = 2;
 
 /// A sequence of plain pointers, which may be null. It owns nothing of what they point to, and two
@@ -19,35 +19,39 @@ inline constexpr NSPointerFunctionsOptions NSPointerFunctionsOpaqueMemory = 2;
 class NS_EXPORT NSPointerArray : public NSObject {
  public:
   NSPointerArray() noexcept = default;
-  /// Options other than `NSPointerFunctionsOpaqueMemory` raise `NSInvalidArgumentException`.
-  static NSRef<NSPointerArray> pointerArrayWithOptions(NSPointerFunctionsOptions options);
+  /// Makes an empty array. Options other than `NSPointerFunctionsOpaqueMemory` raise
+  /// `NSInvalidArgumentException`.
+  [[nodiscard]] static NSRef<NSPointerArray> pointerArrayWithOptions(
+      NSPointerFunctionsOptions options);
 
-  /// Nulls count as well.
-  NSUInteger count() const noexcept { return _pointers.size(); }
-  void* pointerAtIndex(NSUInteger index) const;
+  /// Counts the pointers, nulls as well.
+  [[nodiscard]] NSUInteger count() const noexcept { return _pointers.size(); }
+  [[nodiscard]] void* pointerAtIndex(NSUInteger index) const;
   void addPointer(void* pointer);
   void insertPointer_atIndex(void* pointer, NSUInteger index);
   void replacePointerAtIndex_withPointer(NSUInteger index, void* pointer);
   void removePointerAtIndex(NSUInteger index);
 
-  /// In place; valid until the array changes.
-  std::span<void* const> pointers() const noexcept { return _pointers; }
-  /// Range-for. One that steps on in an array which has changed raises `NSGenericException`.
-  auto begin() const noexcept { return NSEnumeration(Pointers{_pointers}, {self(), _mutations}); }
-  static std::default_sentinel_t end() noexcept { return {}; }
+  /// Lends the pointers; valid until the array changes.
+  [[nodiscard]] std::span<void* const> pointers() const noexcept { return _pointers; }
+  /// Begins a range-for. When the array has changed, its next step raises `NSGenericException`.
+  [[nodiscard]] auto begin() const noexcept {
+    return NSEnumeration(Pointers{_pointers}, {self(), _mutations});
+  }
+  [[nodiscard]] static std::default_sentinel_t end() noexcept { return {}; }
 
-  /// The same addresses in the same order.
-  bool isEqual(const NSRef<NSObject>& other) const override;
-  NSUInteger hash() const override;
-  /// "(0x7f00, (null))"
-  NSRef<NSString> description() const override;
-  /// Another array with the same pointers, which may be changed too.
-  NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+  /// Whether the other array has the same addresses in the same order.
+  [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
+  [[nodiscard]] NSUInteger hash() const override;
+  /// Gives "(0x7f00, (null))".
+  [[nodiscard]] NSRef<NSString> description() const override;
+  /// Gives another array with the same pointers, which may be changed too.
+  [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 
  private:
   // Gives the pointers by value: they may move while one is at hand.
   struct Pointers {
-    std::size_t size() const noexcept { return all.size(); }
+    [[nodiscard]] std::size_t size() const noexcept { return all.size(); }
     void* operator[](std::size_t index) const noexcept { return all[index]; }
     std::span<void* const> all;
   };

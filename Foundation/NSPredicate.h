@@ -15,10 +15,10 @@ class NS_EXPORT NSPredicate : public NSObject {
   using Block = std::function<bool(const NSRef<NSObject>& evaluatedObject,
                                    const NSRef<NSDictionary>& bindings)>;
 
-  /// Holds where the block answers true; a block may take the object alone. Without a block it
-  /// raises `NSInvalidArgumentException`.
+  /// Makes a predicate that holds where the block answers true; a block may take the object alone.
+  /// A nil block raises `NSInvalidArgumentException`.
   template <class F>
-  static NSRef<NSPredicate> predicateWithBlock(F block) {
+  [[nodiscard]] static NSRef<NSPredicate> predicateWithBlock(F block) {
     if constexpr (std::is_invocable_r_v<bool, F&, const NSRef<NSObject>&>) {
       if (NSIsNilCallable(block)) return NSMake<NSPredicate>(Block());
       return NSMake<NSPredicate>([block = std::move(block)](const NSRef<NSObject>& object,
@@ -32,11 +32,13 @@ class NS_EXPORT NSPredicate : public NSObject {
   explicit NSPredicate(Block block);
   ~NSPredicate() override;
 
-  /// Whether it holds for the object, which may be nil.
-  bool evaluateWithObject(const NSRef<NSObject>& object) const { return _block(object, nullptr); }
-  /// The same with values for the block's variables.
-  bool evaluateWithObject_substitutionVariables(const NSRef<NSObject>& object,
-                                                const NSRef<NSDictionary>& bindings) const {
+  /// Whether the predicate holds for the object, which may be nil.
+  [[nodiscard]] bool evaluateWithObject(const NSRef<NSObject>& object) const {
+    return _block(object, nullptr);
+  }
+  /// Whether the predicate holds for the object with these values for the block's variables.
+  [[nodiscard]] bool evaluateWithObject_substitutionVariables(
+      const NSRef<NSObject>& object, const NSRef<NSDictionary>& bindings) const {
     return _block(object, bindings);
   }
 

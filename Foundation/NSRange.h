@@ -14,40 +14,44 @@ struct NSRange {
   friend constexpr bool operator==(const NSRange&, const NSRange&) = default;
 };
 
-/// What a search gives that finds nothing.
+/// The range that a search gives when it finds nothing.
 inline constexpr NSRange NSNotFoundRange{NSNotFound, 0};
 
-constexpr NSRange NSMakeRange(NSUInteger location, NSUInteger length) { return {location, length}; }
+[[nodiscard]] constexpr NSRange NSMakeRange(NSUInteger location, NSUInteger length) {
+  return {location, length};
+}
 
-/// First index behind the range; wraps in 64 bits.
-constexpr NSUInteger NSMaxRange(NSRange range) { return range.location + range.length; }
+/// Gives the first index after the range; wraps in 64 bits.
+[[nodiscard]] constexpr NSUInteger NSMaxRange(NSRange range) {
+  return range.location + range.length;
+}
 
-/// Half-open: the first index is in the range, `NSMaxRange` is not.
-constexpr bool NSLocationInRange(NSUInteger index, NSRange range) {
+/// Whether the index is in the range: the first one is, `NSMaxRange` is not.
+[[nodiscard]] constexpr bool NSLocationInRange(NSUInteger index, NSRange range) {
   return index >= range.location && index - range.location < range.length;
 }
 
-constexpr bool NSEqualRanges(NSRange a, NSRange b) { return a == b; }
+[[nodiscard]] constexpr bool NSEqualRanges(NSRange a, NSRange b) { return a == b; }
 
 /// Whether the range lies within [0, count), also for lengths that would overflow.
-constexpr bool NSRangeFits(NSRange range, NSUInteger count) {
+[[nodiscard]] constexpr bool NSRangeFits(NSRange range, NSUInteger count) {
   return range.location <= count && range.length <= count - range.location;
 }
 
-/// `NSMaxRange`, or the largest index where that would overflow.
-constexpr NSUInteger NSClampedMaxRange(NSRange range) {
+/// Gives `NSMaxRange`, or the largest index where that would overflow.
+[[nodiscard]] constexpr NSUInteger NSClampedMaxRange(NSRange range) {
   return range.location + std::min(range.length, NSUIntegerMax - range.location);
 }
 
-/// What both ranges hold; {0, 0} when they share nothing.
-constexpr NSRange NSIntersectionRange(NSRange a, NSRange b) {
+/// Gives what both ranges hold; {0, 0} when they share nothing.
+[[nodiscard]] constexpr NSRange NSIntersectionRange(NSRange a, NSRange b) {
   const NSUInteger start = std::max(a.location, b.location);
   const NSUInteger end = std::min(NSClampedMaxRange(a), NSClampedMaxRange(b));
   return start < end ? NSRange{start, end - start} : NSRange{};
 }
 
-/// The shortest range that holds both and whatever lies between them.
-constexpr NSRange NSUnionRange(NSRange a, NSRange b) {
+/// Gives the shortest range that holds both and whatever lies between them.
+[[nodiscard]] constexpr NSRange NSUnionRange(NSRange a, NSRange b) {
   const NSUInteger start = std::min(a.location, b.location);
   return {start, std::max(NSClampedMaxRange(a), NSClampedMaxRange(b)) - start};
 }

@@ -12,8 +12,7 @@
 
 class NSObject;
 
-/// Raises `NSInvalidArgumentException`: something asked of nil where an object of `type` was
-/// needed.
+/// Raises `NSInvalidArgumentException` for a nil reference where an object of `type` is needed.
 [[noreturn]] NS_EXPORT void NSRaiseNilDereference(const std::type_info& type);
 
 /// The strong reference to an object; null is nil.
@@ -62,21 +61,21 @@ class NSRef {
   /// Hands the count over to the caller and becomes nil; the opposite of `adopt`.
   [[nodiscard]] T* leak() noexcept { return std::exchange(_object, nullptr); }
 
-  T* get() const noexcept { return _object; }
+  [[nodiscard]] T* get() const noexcept { return _object; }
   explicit operator bool() const noexcept { return _object != nullptr; }
   T& operator*() const { return *checked(); }
   T* operator->() const { return checked(); }
 
-  /// The object as a `U` without a reference of its own, or null when it is none.
+  /// Gives the object as a `U` without counting a reference, or null when it is none.
   template <class U>
-  U* cast() const noexcept {
-    // Mostly it is exactly a U, for which the type need not be searched.
+  [[nodiscard]] U* cast() const noexcept {
+    // Mostly it is exactly a U, which needs no search through its bases.
     if constexpr (requires { static_cast<U*>(_object); }) {
       if (_object != nullptr && typeid(*_object) == typeid(U)) return static_cast<U*>(_object);
     }
     return dynamic_cast<U*>(_object);
   }
-  /// The same object as a `U`, or nil when it is none.
+  /// Gives a reference to the object as a `U`, or nil when it is none.
   template <class U>
   [[nodiscard]] NSRef<U> as() const& noexcept {
     return NSRef<U>::share(cast<U>());
@@ -99,7 +98,7 @@ class NSRef {
   void retain() const noexcept {
     if (_object != nullptr) _object->retain();
   }
-  T* checked() const {
+  [[nodiscard]] T* checked() const {
     if (_object == nullptr) [[unlikely]] {
       NSRaiseNilDereference(typeid(T));
     }
@@ -109,15 +108,15 @@ class NSRef {
   T* _object = nullptr;
 };
 
-/// Range-for over the collection that a reference refers to, also over one that a call has just
-/// returned: `for (const auto& object : set->allObjects())`. Nil raises
+/// Walks by range-for over the collection that a reference refers to, also over one that a call has
+/// just returned: `for (const auto& object : set->allObjects())`. Nil raises
 /// `NSInvalidArgumentException`.
 template <class T>
-auto begin(const NSRef<T>& collection) -> decltype(collection->begin()) {
+[[nodiscard]] auto begin(const NSRef<T>& collection) -> decltype(collection->begin()) {
   return collection->begin();
 }
 template <class T>
-auto end(const NSRef<T>& collection) -> decltype(collection->end()) {
+[[nodiscard]] auto end(const NSRef<T>& collection) -> decltype(collection->end()) {
   return collection->end();
 }
 

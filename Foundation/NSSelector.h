@@ -14,7 +14,7 @@ class NS_EXPORT NSSelector {
  public:
   using Operation = void (*)(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument);
 
-  /// Must live as long as the program.
+  /// The name and the operation to which selectors refer; must live as long as the program.
   class Definition {
    public:
     constexpr Definition(std::string_view name, Operation perform) noexcept
@@ -23,7 +23,7 @@ class NS_EXPORT NSSelector {
    private:
     friend NSSelector;
     // FNV-1a.
-    static constexpr NSUInteger hashOf(std::string_view name) noexcept {
+    [[nodiscard]] static constexpr NSUInteger hashOf(std::string_view name) noexcept {
       NSUInteger hash = 0xCBF29CE484222325;
       for (const char sign : name) hash = (hash ^ static_cast<unsigned char>(sign)) * 0x100000001B3;
       return hash;
@@ -36,10 +36,10 @@ class NS_EXPORT NSSelector {
 
   constexpr NSSelector(const Definition& definition) noexcept : _definition(&definition) {}
 
-  constexpr std::string_view name() const noexcept { return _definition->_name; }
-  /// Of the name.
-  constexpr NSUInteger hash() const noexcept { return _definition->_hash; }
-  /// Throws what the operation throws.
+  [[nodiscard]] constexpr std::string_view name() const noexcept { return _definition->_name; }
+  /// Hashes the name.
+  [[nodiscard]] constexpr NSUInteger hash() const noexcept { return _definition->_hash; }
+  /// Performs the operation, and throws what it throws.
   void perform(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument) const {
     _definition->_perform(receiver, argument);
   }
@@ -52,8 +52,8 @@ class NS_EXPORT NSSelector {
   const Definition* _definition;
 };
 
-/// The selector's name.
-NS_EXPORT NSRef<NSString> NSStringFromSelector(NSSelector aSelector);
+/// Gives the selector's name.
+[[nodiscard]] NS_EXPORT NSRef<NSString> NSStringFromSelector(NSSelector aSelector);
 
 /// Raises `NSInvalidArgumentException`: "Chapter does not respond to 'save:'".
 [[noreturn]] NS_EXPORT void NSRaiseUnknownSelector(const char* selector,
@@ -82,13 +82,13 @@ struct NSSelectorTrampoline {
   using Object = const NSRef<NSObject>&;
 
   template <class T>
-  static T& receiverAs(Object receiver) {
+  [[nodiscard]] static T& receiverAs(Object receiver) {
     T* const target = receiver.template cast<T>();
     if (target == nullptr) NSRaiseUnknownSelector(name.text.data(), receiver);
     return *target;
   }
   template <class T>
-  static NSRef<T> argumentAs(Object argument) {
+  [[nodiscard]] static NSRef<T> argumentAs(Object argument) {
     auto typed = argument.template as<T>();
     if (argument && !typed) NSRaiseWrongArgument(name.text.data(), argument);
     return typed;
@@ -113,8 +113,8 @@ struct NSSelectorTrampoline {
   }
 };
 
-/// The selector of a method without arguments or with one object, or of a function that takes the
-/// receiver and one object, or the object alone; they return nothing:
+/// Makes the selector of a method without arguments or with one object, or of a function that takes
+/// the receiver and one object, or the object alone; they return nothing:
 ///
 ///     editor->performSelector_withObject_afterDelay(NSMakeSelector<"save:", &Editor::save>(),
 ///                                                   folder, 0.5);
@@ -122,6 +122,6 @@ struct NSSelectorTrampoline {
 /// A receiver or an argument of another class raises `NSInvalidArgumentException` when the selector
 /// is performed; nil is an argument of any class.
 template <NSSelectorName name, auto operation>
-constexpr NSSelector NSMakeSelector() noexcept {
+[[nodiscard]] constexpr NSSelector NSMakeSelector() noexcept {
   return NSSelectorTrampoline<name, operation>::definition;
 }

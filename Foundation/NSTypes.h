@@ -9,7 +9,7 @@ using NSUInteger = std::uint64_t;
 using NSInteger = std::int64_t;
 /// One UTF-16 code unit; half of a surrogate pair is a unit of its own.
 using unichar = char16_t;
-/// Geometry is computed in doubles.
+/// A coordinate: geometry is computed in doubles.
 using CGFloat = double;
 /// Seconds.
 using NSTimeInterval = double;
@@ -21,7 +21,8 @@ inline constexpr NSUInteger NSUIntegerMax = std::numeric_limits<NSUInteger>::max
 /// The index or location that stands for "not found": the largest signed 64-bit value.
 inline constexpr NSUInteger NSNotFound = static_cast<NSUInteger>(NSIntegerMax);
 
-/// Answer of an ordering: the left side comes before, beside or after the right one.
+/// The answer of a comparison: the left side comes before the right one, equals it or comes after
+/// it.
 enum NSComparisonResult : NSInteger {
   NSOrderedAscending = -1,
   NSOrderedSame = 0,

@@ -6,10 +6,10 @@
 
 #include <Foundation/detail/MutationCheck.h>
 
-/// The walk of range-for over a collection. It holds the collection and a list of its entries;
-/// where that is a copy, the entry at hand stays valid whatever happens to the collection. A
-/// collection that has changed raises `NSGenericException` at the next step, also at the one that
-/// would end the walk.
+/// The iterator of range-for over a collection. It holds the collection and a list of its entries;
+/// where that is a copy, the entry at hand stays valid whatever happens to the collection. When the
+/// collection has changed, the next step raises `NSGenericException`, also the one that would end
+/// the walk.
 template <class Entries>
 class NSEnumeration {
  public:

@@ -18,21 +18,21 @@ class NSMutationCount {
     ++_value;
     return *this;
   }
-  NSUInteger value() const noexcept { return _value; }
+  [[nodiscard]] NSUInteger value() const noexcept { return _value; }
 
  private:
   NSUInteger _value = 0;
 };
 
-/// Holds a collection and tells whether it has changed since.
+/// Holds a collection, and notices when it has changed since.
 class NS_EXPORT NSMutationCheck {
  public:
   NSMutationCheck() noexcept = default;
   NSMutationCheck(NSRef<NSObject> collection, const NSMutationCount& mutations) noexcept
       : _collection(std::move(collection)), _mutations(&mutations), _expected(mutations.value()) {}
 
-  /// Raises `NSGenericException` when it has changed: "NSMutableArray was mutated while being
-  /// enumerated".
+  /// Raises `NSGenericException` when the collection has changed: "NSMutableArray was mutated while
+  /// being enumerated".
   void operator()() const {
     if (_mutations->value() != _expected) [[unlikely]] {
       raise();

@@ -9,8 +9,8 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
-/// What collections keep their objects in: a sequence of strong references in one block of memory,
-/// with room at both ends, so that an insertion moves the shorter side only.
+/// The copy-on-write vector of collections: strong references in one block of memory with room at
+/// both ends, so that an insertion moves the shorter side only.
 ///
 /// Copies share the block until one of them is changed. So a copy costs no time, and whoever holds
 /// one keeps the elements alive, whatever happens to the collection. Indexes are not checked.
@@ -20,9 +20,9 @@ class NS_EXPORT NSObjectVector {
   explicit NSObjectVector(std::span<const NSRef<NSObject>> objects);
   explicit NSObjectVector(std::vector<NSRef<NSObject>>&& objects);
 
-  std::size_t size() const noexcept { return _block ? _block.get()->count : 0; }
-  /// In place; valid until this sequence changes.
-  std::span<const NSRef<NSObject>> view() const noexcept {
+  [[nodiscard]] std::size_t size() const noexcept { return _block ? _block.get()->count : 0; }
+  /// Lends the elements; valid until this vector changes.
+  [[nodiscard]] std::span<const NSRef<NSObject>> view() const noexcept {
     if (!_block) return {};
     return {_block.get()->begin(), _block.get()->count};
   }
@@ -35,9 +35,9 @@ class NS_EXPORT NSObjectVector {
     if (index < size()) __builtin_prefetch((*this)[index].get());
   }
 
-  /// Makes room for so many elements altogether: until there are as many, appending cannot fail.
+  /// Makes room for that many elements altogether: until there are as many, appending cannot fail.
   void reserve(std::size_t count);
-  /// Has a block of its own from now on: until a copy is made, what needs no more room cannot fail.
+  /// Takes a block of its own: until a copy is made, what needs no more room cannot fail.
   void makeOwn();
   void append(NSRef<NSObject> object) {
     Block* const block = _block.get();
@@ -48,18 +48,19 @@ class NS_EXPORT NSObjectVector {
       insert(size(), std::move(object));
     }
   }
-  /// The index may be the size. Fails for want of memory alone, and then changes nothing.
+  /// Inserts at an index up to the size. Fails for want of memory alone, and then changes nothing.
   void insert(std::size_t index, NSRef<NSObject> object);
-  /// The same of several.
+  /// Inserts several, the first at the index.
   void insert(std::size_t index, NSObjectVector&& elements);
-  /// What goes is handed back, so that it dies when the caller's collection is in order again.
+  /// Hands the former element back, so that it dies when the caller's collection is in order again.
   [[nodiscard]] NSRef<NSObject> replace(std::size_t index, NSRef<NSObject> object);
+  /// Hands the removed element back, as `replace` does.
   [[nodiscard]] NSRef<NSObject> remove(std::size_t index);
   /// Removes the elements that have a mark, in one pass; there is a mark for each.
   [[nodiscard]] NSObjectVector removeMarked(const std::vector<bool>& marks);
 
  private:
-  // The elements lie behind it in the same memory, from `first` on.
+  // The slots lie behind it in the same memory; the elements stand in them from `first` on.
   struct NS_EXPORT Block : NSObject {
     explicit Block(std::size_t room) noexcept : capacity(room) {}
     Block(const Block&) = delete;
@@ -74,7 +75,7 @@ class NS_EXPORT NSObjectVector {
     std::size_t capacity;
   };
 
-  static NSRef<Block> makeBlock(std::size_t capacity);
+  [[nodiscard]] static NSRef<Block> makeBlock(std::size_t capacity);
   void moveTo(std::size_t capacity, std::size_t first);
   void grow(std::size_t index, std::size_t added);
   NSRef<NSObject>* openGap(std::size_t index, std::size_t width);

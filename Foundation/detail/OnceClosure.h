@@ -6,8 +6,8 @@
 #include <type_traits>
 #include <utility>
 
-/// Makes the call. What it throws ends the program as an exception does that nobody catches: with
-/// its name and reason on standard error, of which `noexcept` alone cannot be relied upon.
+/// Makes the call. What it throws ends the program, with its name and reason on standard error:
+/// with `noexcept` alone these may be missing.
 template <class F>
 void NSCallOrTerminate(F&& call) noexcept {
   try {
@@ -17,7 +17,7 @@ void NSCallOrTerminate(F&& call) noexcept {
   }
 }
 
-/// A call that is made once, somewhere else: owns any callable without arguments, which need not be
+/// A move-only function that is called once: owns any callable without arguments, which need not be
 /// copyable. A small one costs no allocation.
 class NSOnceClosure {
  public:
@@ -36,8 +36,7 @@ class NSOnceClosure {
   NSOnceClosure(NSOnceClosure&& other) noexcept { take(other); }
   ~NSOnceClosure() { clear(); }
 
-  /// Makes the call and forgets the callable. What it throws ends the program, as an exception does
-  /// that nobody catches.
+  /// Makes the call and destroys the callable. What it throws ends the program.
   void perform() noexcept {
     NSCallOrTerminate([this] { _operations->call(&_room); });
     clear();
@@ -57,7 +56,7 @@ class NSOnceClosure {
       sizeof(Callable) <= sizeof(Room) &&
       alignof(Callable) <= alignof(Room) && std::is_nothrow_move_constructible_v<Callable>;
   template <class Callable>
-  static Callable& at(void* room) noexcept {
+  [[nodiscard]] static Callable& at(void* room) noexcept {
     return *std::launder(static_cast<Callable*>(room));
   }
   template <class Callable>

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The key to constructors that are public, as `NSMake` calls them, but for T's own functions
-/// alone.
+/// The key to constructors that are public because `NSMake` calls them, but meant for T's own
+/// functions alone.
 template <class T>
 class NSPasskey {
   friend T;

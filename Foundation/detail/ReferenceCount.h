@@ -39,19 +39,21 @@ class NSReferenceCount {
   }
 
   /// Whether there is no reference but the caller's, who then may change the object.
-  bool isSole() const noexcept {
+  [[nodiscard]] bool isSole() const noexcept {
     // Acquire: sees everything that former holders did before they let go.
     return _count.load(std::memory_order_acquire) == 1;
   }
 
-  /// How many references there are, for tests and debuggers; stale as soon as it is read.
-  std::uint32_t value() const noexcept { return _count.load(std::memory_order_relaxed); }
+  /// Counts the references, for tests and debuggers; stale as soon as it is read.
+  [[nodiscard]] std::uint32_t value() const noexcept {
+    return _count.load(std::memory_order_relaxed);
+  }
 
  private:
   static constexpr std::uint32_t minusOne = UINT32_MAX;
 
-  // A process with one thread, as the C library knows it to be, needs no costly
-  // read-modify-write either; the standard library's shared pointers do the same.
+  // Where the C library knows of one thread alone, no costly read-modify-write is needed either;
+  // the standard library's shared pointers do the same.
   std::uint32_t add(std::uint32_t difference, std::memory_order order) const noexcept {
 #if __has_include(<sys/single_threaded.h>)
     if (__libc_single_threaded != 0) {
