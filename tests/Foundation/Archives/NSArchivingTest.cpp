@@ -51,11 +51,6 @@ struct Stranger : NSObject, NSCoding {
   Encode encode;
 };
 
-class Archiving : public testing::Test {
- protected:
-  Archiving() { NSKeyedUnarchiver::setClass_forClassName<Page>(NSClass::of<Page>().name()); }
-};
-
 NSRef<NSMutableArray> everything() {
   const auto shared = NSMake<NSMutableString>("geändert 😀");
   auto all = NSMake<NSMutableArray>(
@@ -74,7 +69,7 @@ NSRef<NSMutableArray> everything() {
   return all;
 }
 
-TEST_F(Archiving, KeepsThePlatformsObjects) {
+TEST(Archiving, KeepsThePlatformsObjects) {
   const auto original = everything();
   // Texts that no XML could hold.
   for (const auto units : {u"a\0b"sv, u"\0ä"sv, u"\xDC00\xD800"sv}) {
@@ -87,7 +82,7 @@ TEST_F(Archiving, KeepsThePlatformsObjects) {
   for (NSUInteger k = 0; k < copy->count(); ++k) {
     const auto before = original->objectAtIndex(k);
     const auto after = copy->objectAtIndex(k);
-    EXPECT_TRUE(after->isEqual(before)) << before << " became " << after;
+    EXPECT_PRED2(NSEqualObjects{}, after, before);
     EXPECT_EQ(after->objectClass(), before->objectClass()) << before;
   }
   EXPECT_EQ(copy->objectAtIndex(2), copy->objectAtIndex(3));
@@ -97,7 +92,8 @@ TEST_F(Archiving, KeepsThePlatformsObjects) {
   EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClass<NSArray>(archived(u"text"_ns)));
 }
 
-TEST_F(Archiving, KeepsObjectsOfTheProgram) {
+TEST(Archiving, KeepsObjectsOfTheProgram) {
+  NSKeyedUnarchiver::registerClass<Page>();
   const auto original = NSMake<Page>();
   original->next = NSMake<Page>();
   original->title = u"first"_ns;
@@ -106,39 +102,35 @@ TEST_F(Archiving, KeepsObjectsOfTheProgram) {
   EXPECT_TRUE(copy->hasNumber);
   EXPECT_EQ(copy->number, NSIntegerMin);
   EXPECT_EQ(copy->scale, 0.1);
-  EXPECT_TRUE(copy->title->isEqual(u"first"_ns));
-  EXPECT_FALSE(copy->next.as<Page>()->title);
+  EXPECT_PRED2(NSEqualObjects{}, copy->title, u"first"_ns);
+  EXPECT_EQ(copy->next.as<Page>()->title, nullptr);
+}
 
+TEST(Archiving, KnowsClassesByOtherNames) {
   struct Gone : NSObject, NSCoding {
     static NSRef<Gone> initWithCoder(const NSRef<NSCoder>& /*coder*/) { return nullptr; }
     void encodeWithCoder(const NSRef<NSCoder>& /*coder*/) const override {}
   };
-  original->next = NSMake<Gone>();
   // Names stay known.
   static int runs = 0;
   const auto name = NSString::stringWithFormat(u"Lost %d"_ns, ++runs);
   NSKeyedArchiver::setClassName_forClass(name, NSClass::of<Gone>());
-  EXPECT_NE(archived(original)->view().find(name->utf8()), std::string_view::npos);
-  EXPECT_THROW(roundTrip(original), NSException);
+  const auto data = archived(NSMake<Gone>());
+  EXPECT_NE(data->view().find(name->utf8()), std::string_view::npos);
+  EXPECT_THROW(read(data), NSException);
   NSKeyedUnarchiver::setClass_forClassName<Gone>(name);
-  EXPECT_FALSE(roundTrip(original).as<Page>()->next);
+  EXPECT_EQ(read(data), nullptr);
 }
 
-TEST_F(Archiving, RaisesWhenWhatItWalksIsChanged) {
-  const auto refused = [](const auto& make) {
-    const auto saboteur = NSMake<Stranger>(nullptr);
-    const auto collection = make(saboteur);
-    saboteur->encode = [&](auto&) { collection->removeAllObjects(); };
-    expectRaises(NSGenericException,
-                 collection->objectClass().name()->utf8() + " was mutated while being enumerated",
-                 [&] { archived(collection); });
-  };
-  refused([](const auto& a) { return NSMake<NSMutableArray>({a, NSMake<NSArray>()}); });
-  refused([](const auto& a) { return NSMake<NSMutableSet>({a}); });
-  refused([](const auto& a) { return NSMake<NSMutableDictionary>({{a, a}}); });
+TEST(Archiving, RaisesWhenWhatItWalksIsChanged) {
+  const auto saboteur = NSMake<Stranger>(nullptr);
+  const auto array = NSMake<NSMutableArray>({saboteur, NSMake<NSArray>()});
+  saboteur->encode = [&](auto&) { array->removeAllObjects(); };
+  expectRaises(NSGenericException, "NSMutableArray was mutated while being enumerated",
+               [&] { archived(array); });
 }
 
-TEST_F(Archiving, RefusesWhatTheFormCannotHold) {
+TEST(Archiving, RefusesWhatTheFormCannotHold) {
   struct Plain : NSObject {};
   const auto refusal = [](const NSRef<NSObject>& object, const char* reason) {
     expectRaises(NSInvalidArchiveOperationException,
@@ -147,13 +139,15 @@ TEST_F(Archiving, RefusesWhatTheFormCannotHold) {
   refusal(NSMake<Plain>(), ("an object of class " + NSClass::of<Plain>().name()->utf8()).c_str());
   auto nested = NSMake<NSArray>();
   for (int k = 1; k < 500; ++k) nested = NSMake<NSArray>({nested});
-  EXPECT_TRUE(roundTrip(nested)->isEqual(nested));
+  EXPECT_PRED2(NSEqualObjects{}, roundTrip(nested), nested);
   refusal(NSMake<NSArray>({nested}), "a graph of more than 500 objects in each other");
+}
 
+TEST(Archiving, GoesInOneDirection) {
   const auto archiver = NSMake<NSKeyedArchiver>();
   expectRaises(NSInvalidArgumentException, "key is nil (in 'encodeBool:forKey:')",
                [&] { archiver->encodeBool_forKey(true, nullptr); });
-  EXPECT_THROW(archiver->decodeBoolForKey(u"a"_ns), NSException);
+  EXPECT_THROW((void)archiver->decodeBoolForKey(u"a"_ns), NSException);
   EXPECT_THROW(NSMake<NSKeyedUnarchiver>(archived(nullptr))->encodeBool_forKey(true, u"a"_ns),
                NSException);
 }
@@ -165,37 +159,40 @@ NSRef<NSData> archiveWith(const NSRef<NSDictionary>& entries) {
   return archiver->encodedData();
 }
 
-TEST_F(Archiving, RefusesValuesOfTheWrongKind) {
+TEST(Archiving, RefusesValuesOfTheWrongKind) {
   const auto coder = NSMake<NSKeyedArchiver>();
   coder->encodeBool_forKey(true, u"bool"_ns);
   coder->encodeInteger_forKey(7, u"integer"_ns);
-  coder->encodeDouble_forKey(7.5, u"double"_ns);
   coder->encodeObject_forKey(u"text"_ns, u"object"_ns);
   coder->encodeObjects_forKey(NSMake<NSArray>(), u"objects"_ns);
-  const auto decoder = NSMake<NSKeyedUnarchiver>(coder->encodedData());
-  const auto refusal = [](const char* reason, auto action) {
-    expectRaises(NSInvalidUnarchiveOperationException, reason, action);
+  const auto archive = NSMake<NSKeyedUnarchiver>(coder->encodedData());
+  const Rows<const char*, std::function<void()>> rows = {
+      {"integer' is not a boolean", [&] { (void)archive->decodeBoolForKey(u"integer"_ns); }},
+      {"bool' is not an integer", [&] { (void)archive->decodeIntegerForKey(u"bool"_ns); }},
+      {"bool' is not a number", [&] { (void)archive->decodeDoubleForKey(u"bool"_ns); }},
+      {"objects' is not an object", [&] { (void)archive->decodeObjectForKey(u"objects"_ns); }},
+      {"object' is not a list of objects",
+       [&] { (void)archive->decodeObjectsForKey(u"object"_ns); }},
+      {"object' is a NSString, not a NSNumber",
+       [&] { (void)archive->decodeObjectOfClass<NSNumber>(u"object"_ns); }},
   };
-  refusal("value for key 'integer' is not a boolean",
-          [&] { decoder->decodeBoolForKey(u"integer"_ns); });
-  refusal("value for key 'bool' is not an integer",
-          [&] { decoder->decodeIntegerForKey(u"bool"_ns); });
-  refusal("value for key 'bool' is not a number", [&] { decoder->decodeDoubleForKey(u"bool"_ns); });
-  refusal("value for key 'objects' is not an object",
-          [&] { decoder->decodeObjectForKey(u"objects"_ns); });
-  refusal("value for key 'object' is not a list of objects",
-          [&] { decoder->decodeObjectsForKey(u"object"_ns); });
-  refusal("value for key 'object' is a NSString, not a NSNumber",
-          [&] { decoder->decodeObjectOfClass<NSNumber>(u"object"_ns); });
-  EXPECT_EQ(decoder->decodeDoubleForKey(u"integer"_ns), 7);
-  EXPECT_EQ(decoder->decodeDoubleForKey(u"none"_ns), 0);
-  EXPECT_EQ(decoder->decodeIntegerForKey(u"none"_ns), 0);
-  EXPECT_FALSE(decoder->decodeBoolForKey(u"none"_ns));
-  EXPECT_TRUE(decoder->decodeObjectsForKey(u"none"_ns).empty());
-  EXPECT_FALSE(decoder->containsValueForKey(u"none"_ns));
+  for (const auto& [reason, action] : rows) {
+    expectRaises(NSInvalidUnarchiveOperationException,
+                 std::string("value for key '").append(reason), action);
+  }
+  EXPECT_EQ(archive->decodeDoubleForKey(u"integer"_ns), 7);
 }
 
-TEST_F(Archiving, RefusesUnknownClassesAndGoesOn) {
+TEST(Archiving, ReadsNothingAsNoValue) {
+  const auto archive = NSMake<NSKeyedUnarchiver>(NSMake<NSKeyedArchiver>()->encodedData());
+  EXPECT_EQ(archive->decodeDoubleForKey(u"none"_ns), 0);
+  EXPECT_EQ(archive->decodeIntegerForKey(u"none"_ns), 0);
+  EXPECT_FALSE(archive->decodeBoolForKey(u"none"_ns));
+  EXPECT_TRUE(archive->decodeObjectsForKey(u"none"_ns).empty());
+  EXPECT_FALSE(archive->containsValueForKey(u"none"_ns));
+}
+
+TEST(Archiving, RefusesUnknownClassesAndGoesOn) {
   const auto stranger = NSMake<Stranger>([](auto&) {});
   const auto decoder = NSMake<NSKeyedUnarchiver>(
       archiveWith(NSMake<NSDictionary>({{u"bad"_ns, NSMake<NSArray>({u"a"_ns, stranger})},
@@ -203,13 +200,14 @@ TEST_F(Archiving, RefusesUnknownClassesAndGoesOn) {
   const auto reason = "the class " + NSClass::of<Stranger>().name()->utf8() + " is not registered";
   for (int k = 0; k < 2; ++k) {
     expectRaises(NSInvalidUnarchiveOperationException, reason,
-                 [&] { decoder->decodeObjectForKey(u"bad"_ns); });
-    EXPECT_EQ(decoder->decodeObjectForKey(u"good"_ns)->description()->utf8(), "(b)");
+                 [&] { (void)decoder->decodeObjectForKey(u"bad"_ns); });
+    EXPECT_EQ(decoder->decodeObjectForKey(u"good"_ns)->description(), u"(b)");
   }
 }
 
 // Broken copies of an archive give an error or objects, and nothing else.
-TEST_F(Archiving, GivesDamageBackAsAnError) {
+TEST(Archiving, GivesDamageBackAsAnError) {
+  NSKeyedUnarchiver::registerClass<Page>();
   const auto page = NSMake<Page>();
   page->next = everything();
   const std::string bytes(archived(page)->view());
@@ -254,7 +252,7 @@ NSRef<NSData> propertyList(const std::vector<std::string>& objects) {
   return NSMake<NSData>(std::string_view(bytes.append(offsets).append(trailer)));
 }
 
-TEST_F(Archiving, RefusesArchivesThatWouldNotFitInMemory) {
+TEST(Archiving, RefusesListsThatWouldNotFitInMemory) {
   using namespace std::string_literals;
   const std::vector<std::vector<std::string>> lists = {
       {"\xA1\0"s},                                                // A list in itself.
@@ -266,10 +264,11 @@ TEST_F(Archiving, RefusesArchivesThatWouldNotFitInMemory) {
       {"\x6F\x10\x7Fk"s},
       {"\xA1\x09"s},
   };
-  for (const auto& objects : lists) {
-    EXPECT_THROW(read(propertyList(objects)), NSException);
-  }
-  // Mutable strings, each with a copy of one long text.
+  for (const auto& list : lists) EXPECT_THROW(read(propertyList(list)), NSException);
+}
+
+TEST(Archiving, RefusesTextsThatAreCopiedTooOften) {
+  // In the place of mutable strings, each with a copy of one long text.
   const auto text = NSMake<NSString>(std::string(100'000, 'x'));
   const auto copies = NSMake<NSMutableArray>();
   for (int k = 0; k < 10'000; ++k) {
@@ -326,7 +325,7 @@ std::string outcome(const std::string& objects) {
   }
 }
 
-TEST_F(Archiving, RefusesObjectsThatCannotBe) {
+TEST(Archiving, RefusesObjectsThatCannotBe) {
   const std::string array = classNamed("NSArray");
   EXPECT_EQ(outcome(record(2, listOf({1})) + array),
             "the object for key 'NS.objects' contains itself");
@@ -355,7 +354,7 @@ TEST_F(Archiving, RefusesObjectsThatCannotBe) {
             "((");
 }
 
-TEST_F(Archiving, ReadsRecordsOfOtherWriters) {
+TEST(Archiving, ReadsRecordsOfOtherWriters) {
   EXPECT_EQ(outcome(record(2, "<key>NS.string</key><string>inline</string>") +
                     classNamed("NSMutableString")),
             "inline");
@@ -374,7 +373,7 @@ NSRef<NSArray> sample() {
 }
 
 // The form is fixed: others read it, and archives are kept for long.
-TEST_F(Archiving, HasTheFormThatIsKept) {
+TEST(Archiving, HasTheFormThatIsKept) {
   const std::string kept = contentsOf(ZK_ARCHIVES "/sample.xml");
   const auto withoutLayout = [](std::string xml) {
     std::erase_if(xml, [](char c) { return c == '\n' || c == '\t'; });
@@ -390,19 +389,19 @@ TEST_F(Archiving, HasTheFormThatIsKept) {
   EXPECT_EQ(sizes->numberFormatter()->minimumFractionDigits(), 1);
   EXPECT_EQ(sizes->numberFormatter()->roundingIncrement()->doubleValue(), 0.01F);
   for (NSUInteger k = 1; k < copy->count(); ++k) {
-    EXPECT_TRUE(copy->objectAtIndex(k)->isEqual(sample()->objectAtIndex(k))) << k;
+    EXPECT_PRED2(NSEqualObjects{}, copy->objectAtIndex(k), sample()->objectAtIndex(k));
   }
 }
 
-TEST_F(Archiving, ComesBackThroughXML) {
+TEST(Archiving, ComesBackThroughXML) {
   const auto original = everything();
   const std::string xml = converted(archived(original)->view(), "xml");
   const std::string bytes = converted(xml, "bin");
   EXPECT_NE(bytes, archived(original)->view());
-  EXPECT_TRUE(read(NSMake<NSData>(std::string_view(bytes)))->isEqual(original));
+  EXPECT_PRED2(NSEqualObjects{}, read(NSMake<NSData>(std::string_view(bytes))), original);
 }
 
-TEST_F(Archiving, MayBeLarge) {
+TEST(Archiving, MayBeLarge) {
   for (const std::size_t length : {65'000U, 66'000U, 17'000'000U}) {
     const auto text = NSMake<NSString>(std::string(length, 'x'));
     EXPECT_TRUE(roundTrip(text)->isEqual(text)) << length;
@@ -426,7 +425,7 @@ TEST_F(Archiving, MayBeLarge) {
 }
 
 // Collections that share the next one twice, in each other, and once more, in a set.
-TEST_F(Archiving, ComparesWhatIsSharedOnce) {
+TEST(Archiving, ComparesWhatIsSharedOnce) {
   const auto doubled = [](int kind, const NSRef<NSObject>& next) -> NSRef<NSObject> {
     if (kind == 0) return NSMake<NSArray>({next, next});
     if (kind == 1) return NSMake<NSSet>({next, NSMake<NSArray>({next})});

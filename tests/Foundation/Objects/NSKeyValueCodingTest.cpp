@@ -40,12 +40,6 @@ NSRef<Section> makeSection(const NSRef<NSString>& heading, int pages) {
   return section;
 }
 
-std::string textOf(const NSRef<NSObject>& value) {
-  std::ostringstream text;
-  text << value;
-  return text.str();
-}
-
 TEST(NSKeyValueCoding, ReadsPublishedMembersAndBoxesThem) {
   auto chapter = NSMake<Chapter>();
   chapter->heading = u"One"_ns;
@@ -54,13 +48,13 @@ TEST(NSKeyValueCoding, ReadsPublishedMembersAndBoxesThem) {
     return chapter->valueForKey(NSMake<NSString>(key));
   };
   EXPECT_EQ(value(u"heading"), chapter->heading);
-  EXPECT_TRUE(NSEqualObjects{}(value(u"pages"), NSMake<NSNumber>(12)));
-  EXPECT_TRUE(NSEqualObjects{}(value(u"style"), NSMake<NSNumber>(1)));
-  EXPECT_TRUE(NSEqualObjects{}(value(u"range"), NSMake<NSValue>(NSRange{2, 5})));
-  EXPECT_EQ(textOf(value(u"author")), "Ada");
+  EXPECT_PRED2(NSEqualObjects{}, value(u"pages"), NSMake<NSNumber>(12));
+  EXPECT_PRED2(NSEqualObjects{}, value(u"style"), NSMake<NSNumber>(1));
+  EXPECT_PRED2(NSEqualObjects{}, value(u"range"), NSMake<NSValue>(NSRange{2, 5}));
+  EXPECT_PRED2(NSEqualObjects{}, value(u"author"), u"Ada"_ns);
   EXPECT_EQ(value(u"sections"), nullptr);
   EXPECT_EQ(value(u"self"), chapter);
-  EXPECT_TRUE(NSEqualObjects{}(value(u"hash"), NSMake<NSNumber>(chapter->hash())));
+  EXPECT_PRED2(NSEqualObjects{}, value(u"hash"), NSMake<NSNumber>(chapter->hash()));
 }
 
 TEST(NSKeyValueCoding, FollowsPathsThroughCollections) {
@@ -69,14 +63,14 @@ TEST(NSKeyValueCoding, FollowsPathsThroughCollections) {
   chapter->sections = NSMake<NSArray>({makeSection(u"A"_ns, 1), makeSection(nullptr, 2)});
   const auto book = NSMake<NSDictionary>({{u"first"_ns, chapter}});
   const auto path = [&](const char16_t* keys) {
-    return textOf(book->valueForKeyPath(NSMake<NSString>(keys)));
+    return testing::PrintToString(book->valueForKeyPath(NSMake<NSString>(keys)));
   };
   EXPECT_EQ(path(u"first.sections.heading"), "(A, <null>)");
   EXPECT_EQ(path(u"first.sections.pages"), "(1, 2)");
   EXPECT_EQ(path(u"first.author.length"), "3");
   EXPECT_EQ(path(u"second.author"), "(null)");
   const auto set = NSMake<NSSet>({makeSection(u"B"_ns, 1), makeSection(nullptr, 2)});
-  EXPECT_EQ(textOf(set->valueForKey(u"heading"_ns)), "{(B)}");
+  EXPECT_EQ(set->valueForKey(u"heading"_ns)->description(), u"{(B)}");
 }
 
 TEST(NSKeyValueCoding, RaisesForUndefinedKeysWithoutAHandler) {
@@ -87,7 +81,7 @@ TEST(NSKeyValueCoding, RaisesForUndefinedKeysWithoutAHandler) {
     EXPECT_TRUE(object.isMemberOfClass(NSClass::of<NSString>()));
     return NSRef<NSObject>(key);
   });
-  EXPECT_EQ(textOf(u"x"_ns->valueForKey(u"colour"_ns)), "colour");
+  EXPECT_EQ(u"x"_ns->valueForKey(u"colour"_ns)->description(), u"colour");
   NSSetUndefinedKeyHandler(former);
   expectRaises(NSInvalidArgumentException, "NSString is nil where an object is needed",
                [] { (void)u"x"_ns->valueForKey(nullptr); });

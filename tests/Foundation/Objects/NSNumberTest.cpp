@@ -86,30 +86,32 @@ TEST(NSNumber, IsFoundAmongOthersThatWereChosen) {
 }
 
 TEST(NSNumber, WritesItsValue) {
-  EXPECT_TRUE(NSMake<NSNumber>(uint64Max)->stringValue() == u"18446744073709551615");
-  EXPECT_TRUE(NSMake<NSNumber>(-2.2250738585072014e-308)->stringValue() ==
-              u"-2.2250738585072014e-308");
-  EXPECT_TRUE(NSMake<NSNumber>(0.1)->stringValue() == u"0.1");
-  EXPECT_TRUE(NSMake<NSNumber>(-0.0001)->stringValue() == u"-0.0001");
-  EXPECT_TRUE(NSMake<NSNumber>(0.00001)->stringValue() == u"1e-05");
-  EXPECT_TRUE(NSMake<NSNumber>(1e15)->stringValue() == u"1000000000000000");
-  EXPECT_TRUE(NSMake<NSNumber>(1e16)->stringValue() == u"1e+16");
-  EXPECT_TRUE(NSMake<NSNumber>(true)->stringValue() == u"1");
+  const auto text = [](auto value) { return NSMake<NSNumber>(value)->stringValue(); };
+  EXPECT_EQ(text(uint64Max), u"18446744073709551615");
+  EXPECT_EQ(text(-2.2250738585072014e-308), u"-2.2250738585072014e-308");
+  EXPECT_EQ(text(0.1), u"0.1");
+  EXPECT_EQ(text(-0.0001), u"-0.0001");
+  EXPECT_EQ(text(0.00001), u"1e-05");
+  EXPECT_EQ(text(1e15), u"1000000000000000");
+  EXPECT_EQ(text(1e16), u"1e+16");
+  EXPECT_EQ(text(true), u"1");
 }
 
 TEST(NSValue, KeepsItsKind) {
   const auto rect = NSMake<NSValue>(NSMakeRect(1, 2.5, 3, 4));
   EXPECT_EQ(rect->rectValue(), NSMakeRect(1, 2.5, 3, 4));
-  EXPECT_TRUE(rect->description() == u"{{1, 2.5}, {3, 4}}");
+  EXPECT_EQ(rect->description(), u"{{1, 2.5}, {3, 4}}");
   expectRaises(NSInvalidArgumentException,
                "the value {{1, 2.5}, {3, 4}} is of another kind (in 'rangeValue')",
                [&] { (void)rect->rangeValue(); });
-  const auto point = NSMake<NSValue>(NSMakePoint(1, 2));
-  EXPECT_TRUE(point->isEqual(NSMake<NSValue>(NSMakePoint(1, 2))));
-  EXPECT_FALSE(point->isEqual(NSMake<NSValue>(NSMakeSize(1, 2))));
-  EXPECT_NE(NSMake<NSValue>(NSMakePoint(1, 1))->hash(), NSMake<NSValue>(NSMakePoint(2, 2))->hash());
-  EXPECT_EQ(NSMake<NSValue>(NSMakePoint(0.0, 1))->hash(),
-            NSMake<NSValue>(NSMakePoint(-0.0, 1))->hash());
+}
+
+TEST(NSValue, EqualsTheSameKindWithEqualMembers) {
+  const auto point = [](double x, double y) { return NSMake<NSValue>(NSMakePoint(x, y)); };
+  EXPECT_PRED2(NSEqualObjects{}, point(0.0, 2), point(-0.0, 2));
+  EXPECT_EQ(point(0.0, 2)->hash(), point(-0.0, 2)->hash());
+  EXPECT_FALSE(point(1, 2)->isEqual(NSMake<NSValue>(NSMakeSize(1, 2))));
+  EXPECT_NE(point(1, 1)->hash(), point(2, 2)->hash());
 }
 
 TEST(NSRange, ComputesWithoutOverflow) {
