@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <string_view>
 
 #include <Foundation/NSExport.h>
@@ -15,33 +16,19 @@ class NS_EXPORT NSSelector {
   using Operation = void (*)(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument);
 
   /// The name and the operation to which selectors refer; must live as long as the program.
-  class Definition {
-   public:
-    constexpr Definition(std::string_view name, Operation perform) noexcept
-        : _name(name), _hash(hashOf(name)), _perform(perform) {}
-
-   private:
-    friend NSSelector;
-    // FNV-1a.
-    [[nodiscard]] static constexpr NSUInteger hashOf(std::string_view name) noexcept {
-      NSUInteger hash = 0xCBF29CE484222325;
-      for (const char sign : name) hash = (hash ^ static_cast<unsigned char>(sign)) * 0x100000001B3;
-      return hash;
-    }
-
-    std::string_view _name;
-    NSUInteger _hash;
-    Operation _perform;
+  struct Definition {
+    std::string_view name;
+    Operation perform;
   };
 
   constexpr NSSelector(const Definition& definition) noexcept : _definition(&definition) {}
 
-  [[nodiscard]] constexpr std::string_view name() const noexcept { return _definition->_name; }
+  [[nodiscard]] constexpr std::string_view name() const noexcept { return _definition->name; }
   /// Hashes the name.
-  [[nodiscard]] constexpr NSUInteger hash() const noexcept { return _definition->_hash; }
+  [[nodiscard]] NSUInteger hash() const noexcept { return std::hash<std::string_view>{}(name()); }
   /// Performs the operation, and throws what it throws.
   void perform(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument) const {
-    _definition->_perform(receiver, argument);
+    _definition->perform(receiver, argument);
   }
 
   friend constexpr bool operator==(NSSelector a, NSSelector b) noexcept {
