@@ -60,13 +60,6 @@ bool NSSchedule::isEmpty() noexcept {
 NSRef<NSScheduledEvent> NSSchedule::takeFirst() {
   auto event = pop();
   event->_schedule = nullptr;
-  // The next one is likely to be asked for, and lies anywhere.
-  if (!_slots.empty()) {
-    const void* const next = _slots.front().event.get();
-    constexpr std::ptrdiff_t cacheLine = 64;
-    __builtin_prefetch(next);
-    __builtin_prefetch(static_cast<const char*>(next) + cacheLine);
-  }
   return event;
 }
 

@@ -30,11 +30,6 @@ class NS_EXPORT NSObjectVector {
     return _block.get()->begin()[index];
   }
 
-  /// Fetches the object at the index, if there is one, for whoever comes to use it soon.
-  void prefetch(std::size_t index) const noexcept {
-    if (index < size()) __builtin_prefetch((*this)[index].get());
-  }
-
   /// Makes room for that many elements altogether: until there are as many, appending cannot fail.
   void reserve(std::size_t count);
   /// Takes a block of its own: until a copy is made, what needs no more room cannot fail.

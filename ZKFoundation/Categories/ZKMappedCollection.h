@@ -20,11 +20,12 @@ template <class Collection>
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
-  for (std::size_t k = 0; k < elements.size(); ++k) {
+  const auto objects = elements.view();
+  for (std::size_t k = 0; k < objects.size(); ++k) {
     // The objects lie anywhere: several are on their way while one is transformed.
     constexpr std::size_t ahead = 8;
-    elements.prefetch(k + ahead);
-    auto result = transformator(elements[k]);
+    if (k + ahead < objects.size()) __builtin_prefetch(objects[k + ahead].get());
+    auto result = transformator(objects[k]);
     results.append(result ? std::move(result) : NSNull::null());
   }
   return NSMake<Collection>(std::move(results));
