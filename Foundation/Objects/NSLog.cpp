@@ -1,12 +1,12 @@
 #include "Foundation/NSLog.h"
 
-#include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <ctime>
+#include <iomanip>
 #include <memory>
 #include <mutex>
+#include <sstream>
 #include <string>
 
 #include <sys/syscall.h>
@@ -26,11 +26,9 @@ std::string timestamp() {
       duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
   std::tm local{};
   localtime_r(&seconds, &local);
-  std::array<char, 32> text;
-  const std::size_t length = std::strftime(text.data(), text.size(), "%F %T", &local);
-  std::array<char, 8> fraction;
-  std::snprintf(fraction.data(), fraction.size(), ".%03d", static_cast<int>(milliseconds));
-  return std::string(text.data(), length) + fraction.data();
+  std::ostringstream text;
+  text << std::put_time(&local, "%F %T.") << std::setfill('0') << std::setw(3) << milliseconds;
+  return text.str();
 }
 
 // One write for the whole line, so that lines of several threads do not mix.
