@@ -55,14 +55,9 @@ struct Comparison {
              reinterpret_cast<std::uintptr_t>(pair.second.get());
     }
   };
-  struct Same {
-    bool operator()(const Pair& a, const Pair& b) const noexcept {
-      return a.first.get() == b.first.get() && a.second.get() == b.second.get();
-    }
-  };
 
   std::size_t count = 0;
-  std::unordered_map<Pair, bool, Hash, Same> answers;
+  std::unordered_map<Pair, bool, Hash> answers;
 };
 
 thread_local Comparison* current = nullptr;
