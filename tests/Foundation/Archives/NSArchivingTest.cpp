@@ -16,30 +16,25 @@ NSRef<NSObject> read(const NSRef<NSData>& data) {
 
 NSRef<NSObject> roundTrip(const NSRef<NSObject>& object) { return read(archived(object)); }
 
-// A class with one value of every kind and two references.
+// A class with one value of every kind.
 struct Page : NSObject, NSCoding {
   Page() = default;
   explicit Page(const NSRef<NSCoder>& coder)
       : isOpen(coder->decodeBoolForKey(u"isOpen"_ns)),
         number(coder->decodeIntegerForKey(u"number"_ns)),
         scale(coder->decodeDoubleForKey(u"$scale"_ns)),
-        hasNumber(coder->containsValueForKey(u"number"_ns)),
-        next(coder->decodeObjectForKey(u"next"_ns)),
-        title(coder->decodeObjectOfClass<NSString>(u"title"_ns)) {}
+        next(coder->decodeObjectForKey(u"next"_ns)) {}
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override {
     coder->encodeBool_forKey(isOpen, u"isOpen"_ns);
     coder->encodeInteger_forKey(number, u"number"_ns);
     coder->encodeDouble_forKey(scale, u"$scale"_ns);
     coder->encodeObject_forKey(next, u"next"_ns);
-    coder->encodeObject_forKey(title, u"title"_ns);
   }
 
   bool isOpen = true;
   NSInteger number = NSIntegerMin;
   double scale = 0.1;
-  bool hasNumber = false;
   NSRef<NSObject> next;
-  NSRef<NSObject> title;
 };
 
 // One that writes what a test wants, and that no archive may make.
@@ -47,7 +42,6 @@ struct Stranger : NSObject, NSCoding {
   using Encode = std::function<void(NSCoder&)>;
   explicit Stranger(Encode does) : encode(std::move(does)) {}
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override { encode(*coder); }
-  NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
   Encode encode;
 };
 
@@ -96,14 +90,11 @@ TEST(Archiving, KeepsObjectsOfTheProgram) {
   NSKeyedUnarchiver::registerClass<Page>();
   const auto original = NSMake<Page>();
   original->next = NSMake<Page>();
-  original->title = u"first"_ns;
   const auto copy = roundTrip(original).as<Page>();
   EXPECT_TRUE(copy->isOpen);
-  EXPECT_TRUE(copy->hasNumber);
   EXPECT_EQ(copy->number, NSIntegerMin);
   EXPECT_EQ(copy->scale, 0.1);
-  EXPECT_PRED2(NSEqualObjects{}, copy->title, u"first"_ns);
-  EXPECT_EQ(copy->next.as<Page>()->title, nullptr);
+  EXPECT_EQ(copy->next.as<Page>()->next, nullptr);
 }
 
 TEST(Archiving, KnowsClassesByOtherNames) {
@@ -152,13 +143,6 @@ TEST(Archiving, GoesInOneDirection) {
                NSException);
 }
 
-// An archive with these entries at its top.
-NSRef<NSData> archiveWith(const NSRef<NSDictionary>& entries) {
-  const auto archiver = NSMake<NSKeyedArchiver>();
-  for (const auto& [key, value] : entries) archiver->encodeObject_forKey(value, key.as<NSString>());
-  return archiver->encodedData();
-}
-
 TEST(Archiving, RefusesValuesOfTheWrongKind) {
   const auto coder = NSMake<NSKeyedArchiver>();
   coder->encodeBool_forKey(true, u"bool"_ns);
@@ -181,6 +165,7 @@ TEST(Archiving, RefusesValuesOfTheWrongKind) {
                  std::string("value for key '").append(reason), action);
   }
   EXPECT_EQ(archive->decodeDoubleForKey(u"integer"_ns), 7);
+  EXPECT_TRUE(archive->containsValueForKey(u"integer"_ns));
 }
 
 TEST(Archiving, ReadsNothingAsNoValue) {
@@ -194,9 +179,10 @@ TEST(Archiving, ReadsNothingAsNoValue) {
 
 TEST(Archiving, RefusesUnknownClassesAndGoesOn) {
   const auto stranger = NSMake<Stranger>([](auto&) {});
-  const auto decoder = NSMake<NSKeyedUnarchiver>(
-      archiveWith(NSMake<NSDictionary>({{u"bad"_ns, NSMake<NSArray>({u"a"_ns, stranger})},
-                                        {u"good"_ns, NSMake<NSArray>({u"b"_ns})}})));
+  const auto coder = NSMake<NSKeyedArchiver>();
+  coder->encodeObject_forKey(NSMake<NSArray>({u"a"_ns, stranger}), u"bad"_ns);
+  coder->encodeObject_forKey(NSMake<NSArray>({u"b"_ns}), u"good"_ns);
+  const auto decoder = NSMake<NSKeyedUnarchiver>(coder->encodedData());
   const auto reason = "the class " + NSClass::of<Stranger>().name()->utf8() + " is not registered";
   for (int k = 0; k < 2; ++k) {
     expectRaises(NSInvalidUnarchiveOperationException, reason,
@@ -382,15 +368,9 @@ TEST(Archiving, HasTheFormThatIsKept) {
   EXPECT_EQ(withoutLayout(converted(archived(sample())->view(), "xml")), withoutLayout(kept));
 
   const auto copy = read(NSMake<NSData>(std::string_view(converted(kept, "bin")))).as<NSArray>();
+  EXPECT_EQ(withoutLayout(converted(archived(copy)->view(), "xml")), withoutLayout(kept));
   const auto sizes = copy->firstObject().as<ZKUnitOfInformationFormatter>();
-  EXPECT_TRUE(sizes->displaysInTermsOfBytes());
-  EXPECT_FALSE(sizes->usesIECBinaryPrefixesForCalculation());
-  EXPECT_TRUE(sizes->usesIECBinaryPrefixesForDisplay());
-  EXPECT_EQ(sizes->numberFormatter()->minimumFractionDigits(), 1);
   EXPECT_EQ(sizes->numberFormatter()->roundingIncrement()->doubleValue(), 0.01F);
-  for (NSUInteger k = 1; k < copy->count(); ++k) {
-    EXPECT_PRED2(NSEqualObjects{}, copy->objectAtIndex(k), sample()->objectAtIndex(k));
-  }
 }
 
 TEST(Archiving, ComesBackThroughXML) {
