@@ -29,6 +29,11 @@ constexpr std::size_t longestSharedText = 64;
   NSException::raise(NSInvalidArchiveOperationException, what + " cannot be archived");
 }
 
+[[noreturn]] void raiseTooDeep() {
+  raiseCannotArchive("a graph of more than " + std::to_string(NSMostNestedObjects) +
+                     " objects in each other");
+}
+
 struct ClassNames {
   std::mutex mutex;
   std::unordered_map<NSClass, NSRef<NSString>> byClass;
@@ -125,10 +130,7 @@ struct NSKeyedArchiver::Archive {
   }
 
   void encodeRecord(const NSRef<NSObject>& object, Reference record, NSKeyedArchiver& coder) {
-    if (++depth > NSMostNestedObjects) {
-      raiseCannotArchive("a graph of more than " + std::to_string(NSMostNestedObjects) +
-                         " objects in each other");
-    }
+    if (++depth > NSMostNestedObjects) raiseTooDeep();
     const Reference outer = std::exchange(current, record);
     NSClass itself = object->objectClass();
     if (const auto* const coding = object.cast<NSCoding>()) {
