@@ -59,7 +59,9 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   [[nodiscard]] NSUInteger hash() const override;
 
   /// Gives the set itself while it is immutable.
-  [[nodiscard]] NSRef<NSCharacterSet> copy() const { return copyWithZone(nullptr).as<NSCharacterSet>(); }
+  [[nodiscard]] NSRef<NSCharacterSet> copy() const {
+    return copyWithZone(nullptr).as<NSCharacterSet>();
+  }
   [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
   [[nodiscard]] NSRef<NSMutableCharacterSet> mutableCopy() const;
   [[nodiscard]] NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;

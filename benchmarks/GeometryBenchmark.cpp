@@ -25,7 +25,7 @@ struct Scene {
   std::vector<Cubic> curves;
   std::vector<NSPoint> points;
 
-  std::size_t pairCount() const { return curves.size() * points.size(); }
+  [[nodiscard]] std::size_t pairCount() const { return curves.size() * points.size(); }
   // Every curve with every point.
   template <class Visit>
   void forEachPair(Visit visit) const {

@@ -44,7 +44,7 @@ class LoopThread {
   ~LoopThread() {
     _thread->runLoop()->performBlock([] { NSRunLoop::currentRunLoop()->stop(); });
   }
-  const NSRef<NSThread>& get() const { return _thread; }
+  [[nodiscard]] const NSRef<NSThread>& get() const { return _thread; }
 
  private:
   NSRef<NSThread> _thread = NSMake<NSThread>([] { NSRunLoop::currentRunLoop()->run(); });

@@ -19,7 +19,7 @@ class ObjectStack {
     isGone = true;
   }
 
-  std::size_t size() const { return _objects.size(); }
+  [[nodiscard]] std::size_t size() const { return _objects.size(); }
   void push(const NSRef<NSObject>& object) { _objects.push_back(object); }
 
   // One by one: an object that dies may add others, which go in their turn.

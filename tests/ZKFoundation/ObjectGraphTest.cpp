@@ -73,7 +73,8 @@ TEST(DeepCopy, RaisesForWhatCannotBeCopied) {
                [] { return copyWithZone_copySpec(u"text"_ns, nullptr, 3); });
   expectRaises(u"Cannot copy object using copyWithCopySpec", reason,
                [] { return copyWithCopySpec(u"text"_ns, 3); });
-  EXPECT_THROW((void)copyWithCopySpec(nullptr, 3), NSException);
+  expectRaises(NSInvalidArgumentException, "object is nil (in 'copyWithCopySpec:')",
+               [] { return copyWithCopySpec(nullptr, 3); });
 }
 
 // A node of a graph, which may have cycles and be reached on many ways.

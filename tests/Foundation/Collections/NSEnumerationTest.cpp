@@ -52,6 +52,8 @@ TEST(NSEnumeration, AChangeThatChangesNothingAndOneThatEndsTheWalkAreFine) {
     stop = true;
   });
   EXPECT_EQ(set->count(), 0U);
+  const auto indexes = NSMake<NSMutableIndexSet>({1, 2});
+  for ([[maybe_unused]] const auto index : *indexes) indexes->addIndex(2);
 }
 
 TEST(NSEnumeration, TheElementAtHandOutlivesItsCollection) {

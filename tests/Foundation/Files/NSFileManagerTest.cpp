@@ -159,7 +159,8 @@ TEST(NSFileManager, KnowsTheStandardDirectories) {
   const TestFolder folder;
   fs::create_directory(folder / "settings");
   writeFile(folder / "settings/user-dirs.dirs",
-            "# comment\nXDG_DOCUMENTS_DIR=\"/first\"\n XDG_DOCUMENTS_DIR = \"$HOME/My \\\"Files\"\n"
+            "XDG_PUBLICSHARE_DIR=\"/all\"\n# comment\nXDG_DOCUMENTS_DIR=\"/first\"\n "
+            "XDG_DOCUMENTS_DIR = \"$HOME/My \\\"Files\"\n"
             "XDG_MUSIC_DIR=\"Music here\"\nXDG_VIDEOS_DIR=\"/videos\nXDG_DESKTOP_DIR=\"$HOMER/a\"\n"
             "XDG_DOWNLOAD_DIR=\"$HOME\"\nXDG_PICTURES_DIR=\"/\xFF\"");
   const auto path = [](NSUInteger directory, NSUInteger domain) {
@@ -185,6 +186,7 @@ TEST(NSFileManager, KnowsTheStandardDirectories) {
              {NSMoviesDirectory, "/h/Videos/"},
              {NSDesktopDirectory, "/h/Desktop/"},
              {NSDownloadsDirectory, "/h/"},
+             {NSSharedPublicDirectory, "/all/"},
              {NSPicturesDirectory, "/\xFF/"},
              {NSCachesDirectory, "/h/.cache/"},
              {NSApplicationSupportDirectory, "/h/.local/share/"},
