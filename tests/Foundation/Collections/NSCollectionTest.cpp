@@ -49,7 +49,9 @@ TEST(NSCollection, RaisesForNil) {
        [] { NSMake<NSIndexSet>()->enumerateRangesUsingBlock(nullptr); }},
   };
   for (const auto& [argument, operation, action] : rows) {
-    expectRaises(NSInvalidArgumentException, argument + " is nil (in '" + operation + "')", action);
+    expectRaises(NSInvalidArgumentException,
+                 std::string(argument).append(" is nil (in '").append(operation).append("')"),
+                 action);
   }
 }
 

@@ -50,9 +50,9 @@ TEST(NSRef, AdoptsAndLeaksWithoutCounting) {
 TEST(NSRef, CopiesOfAnObjectStartWithTheirOwnCount) {
   int alive = 0;
   const auto original = NSMake<Counted>(alive);
-  const auto second = original;
+  const std::array references = {original, original};
   EXPECT_EQ(NSMake<Counted>(*original)->retainCount(), 1U);
-  EXPECT_EQ(original->retainCount(), 2U);
+  EXPECT_EQ(references[0]->retainCount(), 3U);
 }
 
 TEST(NSRef, ComparesAndHashesByIdentityAndCastsByClass) {
