@@ -53,7 +53,7 @@ TEST(NSEnumeration, AChangeThatChangesNothingAndOneThatEndsTheWalkAreFine) {
   });
   EXPECT_EQ(set->count(), 0U);
   const auto indexes = NSMake<NSMutableIndexSet>({1, 2});
-  for ([[maybe_unused]] const auto index : *indexes) indexes->addIndex(2);
+  for ([[maybe_unused]] const auto index : *indexes) indexes->addIndexes(indexes);
 }
 
 TEST(NSEnumeration, TheElementAtHandOutlivesItsCollection) {
