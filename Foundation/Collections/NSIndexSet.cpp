@@ -49,10 +49,11 @@ NSIndexSet::NSIndexSet(std::vector<NSRange> ranges) {
 }
 
 void NSIndexSet::setRanges(std::vector<NSRange>&& ranges) noexcept {
-  const NSUInteger count = countOf(ranges);
-  if (count != _count || ranges != _ranges) ++_mutations;
+  // A walk that goes on uses the present ones.
+  if (ranges == _ranges) return;
+  ++_mutations;
+  _count = countOf(ranges);
   _ranges = std::move(ranges);
-  _count = count;
 }
 
 NSIndexSet::NSIndexSet(Elements indexes) {
