@@ -14,31 +14,43 @@ struct NSCharacterSet::Contents : Bitmaps {
   explicit Contents(const icu::UnicodeSet& set) : members(set) {
     if (members.isBogus()) throw std::bad_alloc();
     for (std::int32_t k = 0; k < members.getRangeCount(); ++k) {
-      const UChar32 last = std::min<UChar32>(members.getRangeEnd(k), 0xFFFF);
-      for (auto unit = members.getRangeStart(k); unit <= last; ++unit) insert(std::uint32_t(unit));
+      const auto first = static_cast<std::uint32_t>(members.getRangeStart(k));
+      if (first > 0xFFFF) break;
+      mark(first,
+           std::min<std::uint32_t>(static_cast<std::uint32_t>(members.getRangeEnd(k)), 0xFFFF));
+    }
+    for (std::size_t unit = 0; unit < 0x80; ++unit) {
+      const auto isMember = unitBitmap[unit / 64] >> (unit % 64) & 1U;
+      asciiRows[unit % 16] |= static_cast<std::uint8_t>(isMember << (unit / 16));
     }
   }
 
-  static NSRef<NSCharacterSet> makeSet(const char16_t* pattern) {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::UnicodeSet members(pattern, status);
-    NSCheckICU(status);
-    return NSRef<NSCharacterSet>::adopt(
-        new NSCharacterSet(std::make_shared<const Contents>(members)));
+  // The one set of a pattern of ICU's.
+  template <NSLiteral pattern>
+  static const NSRef<NSCharacterSet>& constant() {
+    static const NSNeverDestroyed<NSRef<NSCharacterSet>> set([] {
+      UErrorCode status = U_ZERO_ERROR;
+      const icu::UnicodeSet members(pattern.units.data(), status);
+      NSCheckICU(status);
+      return NSRef<NSCharacterSet>::adopt(
+          new NSCharacterSet(std::make_shared<const Contents>(members)));
+    }());
+    return *set;
   }
 
   const icu::UnicodeSet members;
 
  private:
-  void insert(std::uint32_t unit) {
-    unitBitmap[unit / 64] |= std::uint64_t{1} << (unit % 64);
-    if (unit < 0x80) asciiRows[unit % 16] |= static_cast<std::uint8_t>(1U << (unit / 16));
+  // A word at a time: every change of a set makes its bitmap anew.
+  void mark(std::uint32_t first, std::uint32_t last) {
+    for (std::uint32_t unit = first; unit <= last; unit = (unit | 63U) + 1) {
+      const std::uint32_t count = std::min(last, unit | 63U) - unit + 1;
+      unitBitmap[unit / 64] |= (~std::uint64_t{0} >> (64 - count)) << (unit % 64);
+    }
   }
 };
 
 namespace {
-
-using Constant = NSNeverDestroyed<NSRef<NSCharacterSet>>;
 
 icu::UnicodeSet membersOf(NSRange characters, const char* operation) {
   constexpr NSUInteger characterCount = 0x110000;
@@ -89,38 +101,31 @@ NSRef<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInString(
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceCharacterSet() {
-  static const Constant set(Contents::makeSet(u"[[:Zs:]\\u0009]"));
-  return *set;
+  return Contents::constant<u"[[:Zs:]\\u0009]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceAndNewlineCharacterSet() {
-  static const Constant set(Contents::makeSet(u"[[:Z:]\\u0009-\\u000D\\u0085]"));
-  return *set;
+  return Contents::constant<u"[[:Z:]\\u0009-\\u000D\\u0085]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::controlCharacterSet() {
-  static const Constant set(Contents::makeSet(u"[[:Cc:][:Cf:]]"));
-  return *set;
+  return Contents::constant<u"[[:Cc:][:Cf:]]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::alphanumericCharacterSet() {
-  static const Constant set(Contents::makeSet(u"[[:L:][:M:][:N:]]"));
-  return *set;
+  return Contents::constant<u"[[:L:][:M:][:N:]]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::decimalDigitCharacterSet() {
-  static const Constant set(Contents::makeSet(u"[:Nd:]"));
-  return *set;
+  return Contents::constant<u"[:Nd:]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::URLPathAllowedCharacterSet() {
-  static const Constant set(Contents::makeSet(u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/]"));
-  return *set;
+  return Contents::constant<u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::URLQueryAllowedCharacterSet() {
-  static const Constant set(Contents::makeSet(u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/;?]"));
-  return *set;
+  return Contents::constant<u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/;?]">();
 }
 
 bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {
