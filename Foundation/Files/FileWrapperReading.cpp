@@ -6,7 +6,7 @@
 
 #include <fcntl.h>
 
-#include <Foundation/Files/FileDescriptor.h>
+#include <Foundation/Files/Posix.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSFileManager.h>

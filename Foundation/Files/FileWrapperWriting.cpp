@@ -9,9 +9,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <Foundation/Files/FileDescriptor.h>
 #include <Foundation/Files/FileError.h>
 #include <Foundation/Files/FilePaths.h>
+#include <Foundation/Files/Posix.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSLog.h>

@@ -4,9 +4,9 @@
 
 #include <unistd.h>
 
-#include <Foundation/Files/FileDescriptor.h>
 #include <Foundation/Files/FileError.h>
 #include <Foundation/Files/FilePaths.h>
+#include <Foundation/Files/Posix.h>
 #include <Foundation/Files/StandardDirectories.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSException.h>

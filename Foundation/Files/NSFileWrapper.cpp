@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include <Foundation/Files/FileDescriptor.h>
 #include <Foundation/Files/FileError.h>
 #include <Foundation/Files/FileWrapperReading.h>
 #include <Foundation/Files/FileWrapperWriting.h>
+#include <Foundation/Files/Posix.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSException.h>

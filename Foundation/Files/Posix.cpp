@@ -1,4 +1,4 @@
-#include "Foundation/Files/FileDescriptor.h"
+#include "Foundation/Files/Posix.h"
 
 #include <system_error>
 #include <utility>
