@@ -105,12 +105,17 @@ TEST(Archiving, KnowsClassesByOtherNames) {
   // Names stay known.
   static int runs = 0;
   const auto name = NSString::stringWithFormat(u"Lost %d"_ns, ++runs);
-  NSKeyedArchiver::setClassName_forClass(name, NSClass::of<Gone>());
+  onThreads(4, [&] {
+    NSKeyedArchiver::setClassName_forClass(name, NSClass::of<Gone>());
+    (void)archived(NSMake<Gone>());
+  });
   const auto data = archived(NSMake<Gone>());
   EXPECT_NE(data->view().find(name->utf8()), std::string_view::npos);
   EXPECT_THROW(read(data), NSException);
-  NSKeyedUnarchiver::setClass_forClassName<Gone>(name);
-  EXPECT_EQ(read(data), nullptr);
+  onThreads(4, [&] {
+    NSKeyedUnarchiver::setClass_forClassName<Gone>(name);
+    EXPECT_EQ(read(data), nullptr);
+  });
 }
 
 TEST(Archiving, RaisesWhenWhatItWalksIsChanged) {

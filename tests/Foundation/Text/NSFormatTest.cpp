@@ -28,6 +28,7 @@ TEST(NSFormat, ReplacesConversions) {
   std::ostringstream address;
   address << static_cast<void*>(word.get());
   EXPECT_EQ(format("%p", word), address.str());
+  EXPECT_EQ(format("%-5p|%05p", nullptr, nullptr), "0x0  |  0x0");
   EXPECT_THROW(NSString::stringWithFormat(nullptr), NSException);
 }
 
@@ -61,13 +62,14 @@ TEST(NSFormat, WritesNumbersAsPrintfDoes) {
   EXPECT_EQ(format(integers, 0),
             "0|    0|0    |00000|+0| 0|0000|    0000||0|0|0|0|0000000000|0|0|0       |0    |");
   const auto* const numbers =
-      "%1$f|%1$.0f|%1$10.2f|%1$-12.3e|%1$012.3f|%1$+g|%1$.3g|%1$E|%1$G|%1$a|%1$.3A|%1$ F|%1$05e";
+      "%1$f|%1$.0f|%1$10.2f|%1$-12.3e|%1$012.3f|%1$+g|%1$.3g|%1$E|%1$G|%1$a|%1$.3A|%1$ F|%1$05e|"
+      "%1$#.0f";
   EXPECT_EQ(format(numbers, 1234.5),
             "1234.500000|1234|   1234.50|1.234e+03   |00001234.500|+1234.5|1.23e+03|1.234500E+03|"
-            "1234.5|0x1.34ap+10|0X1.34AP+10| 1234.500000|1.234500e+03");
-  EXPECT_EQ(
-      format(numbers, -HUGE_VAL),
-      "-inf|-inf|      -inf|-inf        |        -inf|-inf|-inf|-INF|-INF|-inf|-INF|-INF| -inf");
+            "1234.5|0x1.34ap+10|0X1.34AP+10| 1234.500000|1.234500e+03|1234.");
+  EXPECT_EQ(format(numbers, -HUGE_VAL),
+            "-inf|-inf|      -inf|-inf        |        -inf|-inf|-inf|-INF|-INF|-inf|-INF|-INF| "
+            "-inf|-inf");
 }
 
 }  // namespace
