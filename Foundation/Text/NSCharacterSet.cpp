@@ -27,15 +27,15 @@ struct NSCharacterSet::Contents : Bitmaps {
 
   // The one set of a pattern of ICU's.
   template <NSLiteral pattern>
-  static const NSRef<NSCharacterSet>& constant() {
-    static const NSNeverDestroyed<NSRef<NSCharacterSet>> set([] {
+  static const NSRef<NSCharacterSet>& setOf() {
+    static const NSNeverDestroyed<NSRef<NSCharacterSet>> constant([] {
       UErrorCode status = U_ZERO_ERROR;
-      const icu::UnicodeSet members(pattern.units.data(), status);
+      const icu::UnicodeSet set(pattern.units.data(), status);
       NSCheckICU(status);
       return NSRef<NSCharacterSet>::adopt(
-          new NSCharacterSet(std::make_shared<const Contents>(members)));
+          new NSCharacterSet(std::make_shared<const Contents>(set)));
     }());
-    return *set;
+    return *constant;
   }
 
   const icu::UnicodeSet members;
@@ -101,31 +101,31 @@ NSRef<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInString(
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceCharacterSet() {
-  return Contents::constant<u"[[:Zs:]\\u0009]">();
+  return Contents::setOf<u"[[:Zs:]\\u0009]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceAndNewlineCharacterSet() {
-  return Contents::constant<u"[[:Z:]\\u0009-\\u000D\\u0085]">();
+  return Contents::setOf<u"[[:Z:]\\u0009-\\u000D\\u0085]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::controlCharacterSet() {
-  return Contents::constant<u"[[:Cc:][:Cf:]]">();
+  return Contents::setOf<u"[[:Cc:][:Cf:]]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::alphanumericCharacterSet() {
-  return Contents::constant<u"[[:L:][:M:][:N:]]">();
+  return Contents::setOf<u"[[:L:][:M:][:N:]]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::decimalDigitCharacterSet() {
-  return Contents::constant<u"[:Nd:]">();
+  return Contents::setOf<u"[:Nd:]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::URLPathAllowedCharacterSet() {
-  return Contents::constant<u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/]">();
+  return Contents::setOf<u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/]">();
 }
 
 const NSRef<NSCharacterSet>& NSCharacterSet::URLQueryAllowedCharacterSet() {
-  return Contents::constant<u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/;?]">();
+  return Contents::setOf<u"[A-Za-z0-9\\-._~!\\$\\&'()*+,=\\:@/;?]">();
 }
 
 bool NSCharacterSet::longCharacterIsMember(char32_t character) const noexcept {

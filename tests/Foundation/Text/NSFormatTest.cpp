@@ -29,7 +29,7 @@ TEST(NSFormat, ReplacesConversions) {
   address << static_cast<void*>(word.get());
   EXPECT_EQ(format("%p", word), address.str());
   EXPECT_EQ(format("%-5p|%05p", nullptr, nullptr), "0x0  |  0x0");
-  EXPECT_THROW(NSString::stringWithFormat(nullptr), NSException);
+  EXPECT_THROW((void)NSString::stringWithFormat(nullptr), NSException);
 }
 
 TEST(NSFormat, SurvivesWrongFormats) {
