@@ -32,7 +32,12 @@ TEST(NSTimer, FiresInEveryModeThatItIsAddedTo) {
   const auto tracking = u"tracking"_ns;
   int count = 0;
   const auto timer = NSTimer::timerWithTimeInterval_repeats_block(1s, true, [&](NSTimer& self) {
-    if (++count == 1) loop->addTimer_forMode(self.self().as<NSTimer>(), u"third"_ns);
+    if (++count == 1) {
+      loop->addTimer_forMode(self.self().as<NSTimer>(), u"third"_ns);
+      // It does not fire while it fires.
+      makePass(u"third"_ns);
+      EXPECT_EQ(count, 1);
+    }
     if (count == 4) self.invalidate();
   });
   loop->addTimer_forMode(timer, NSDefaultRunLoopMode());
