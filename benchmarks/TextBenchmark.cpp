@@ -1,5 +1,6 @@
 #include "benchmarks/Support.h"
 
+#include <array>
 #include <bitset>
 #include <memory>
 #include <vector>
@@ -15,6 +16,7 @@
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
+#include <QStringMatcher>
 #endif
 
 using namespace ZKFoundationExtensions;
@@ -23,10 +25,12 @@ namespace {
 
 constexpr std::size_t lineLength = 60;
 constexpr std::size_t longLength = std::size_t{1} << 20U;
+constexpr std::u16string_view latinLetters = u"etaoinshrdlucmfwypvbgkqjxz";
 
-// English-like words of 2 to 9 letters, from a fixed seed; `member` stands in place of every n-th
-// unit, of none when n is 0.
-std::u16string makeText(std::size_t length, std::size_t every, char16_t member) {
+// Words of 2 to 9 letters, from a fixed seed; `member` stands in place of every n-th unit, of none
+// when n is 0.
+std::u16string makeText(std::size_t length, std::size_t every, char16_t member,
+                        std::u16string_view letters = latinLetters) {
   std::u16string text;
   std::uint32_t seed = 1;
   while (text.size() < length) {
@@ -34,7 +38,7 @@ std::u16string makeText(std::size_t length, std::size_t every, char16_t member) 
     const std::size_t word = 2 + (seed >> 16U) % 8;
     for (std::size_t k = 0; k < word; ++k) {
       seed = seed * 1664525U + 1013904223U;
-      text += u"etaoinshrdlucmfwypvbgkqjxz"[(seed >> 16U) % 26];
+      text += letters[(seed >> 16U) % letters.size()];
     }
     text += member == u' ' ? u'_' : u' ';
   }
@@ -240,54 +244,62 @@ void addTrimming(const std::string& name, std::size_t length) {
 #endif
 }
 
-void addSearching(const std::string& name, std::size_t length) {
-  std::u16string text = makeText(length, 0, 0);
-  const std::u16string needle = u"NEEDLE";
+struct Language {
+  const char* name;
+  std::u16string_view letters;
+  // Stands in place of every 90th unit.
+  char16_t rare;
+  std::u16string_view needle;
+  // As it stands in the text.
+  std::u16string_view word;
+};
+
+constexpr std::array<Language, 7> languages = {{
+    {"ASCII", latinLetters, u'e', u"NEEDLE", u"Needle"},
+    {"English", latinLetters, u'’', u"NEEDLE", u"Needle"},
+    {"German", u"enisratdhulcgmobwfkzpvßjyxäöü", u'–', u"NÄHNADEL", u"Nähnadel"},
+    {"Greek", u"αοιετσνηυρπκμλωγδχθφβξζψάέήίόύώ", u'–', u"ΒΕΛΌΝΑ", u"βελόνα"},
+    {"Russian", u"оеаинтсрвлкмдпуяыьгзбчйхжшюцщэф", u'–', u"ИГОЛКА", u"иголка"},
+    {"Hindi", u"कखगचजटतदनपबमयरलवशसहािीुेो्ं", u'–', u"सुई", u"सुई"},
+    {"Japanese", u"のにはをたがでてとしれさいるな日本人大年出中一国", u'。', u"針仕事", u"針仕事"},
+}};
+
+void addSearching(const Language& language, const std::string& size, std::size_t length) {
+  std::u16string text = makeText(length, 90, language.rare, language.letters);
   const std::size_t place = length - 20;
-  text.replace(place, needle.size() + 2, u" Needle ");
+  text.replace(place, language.word.size() + 2,
+               std::u16string(u" ").append(language.word).append(u" "));
   const auto string = NSMake<NSString>(text);
-  const auto wanted = NSMake<NSString>(needle);
+  const auto needle = NSMake<NSString>(std::u16string(language.needle));
   const auto isRight = [=](auto found) { return static_cast<std::size_t>(found) == place + 1; };
-  // From a selection behind the needle, so that the search wraps around.
-  const NSRange selection = {length - 5, 2};
-  addRow(
-      "FindWrapped/" + name + "/ZK",
-      [=] {
-        return findString_selectedRange_options_wrap(string, wanted, selection,
-                                                     NSCaseInsensitiveSearch, true)
-            .location;
-      },
-      isRight);
+  const std::string name = std::string(language.name).append("_").append(size);
+  const auto add = [&](const std::string& row, NSUInteger options) {
+    addRow(
+        row, [=] { return string->rangeOfString_options(needle, options).location; }, isRight);
+  };
+  add("FindIgnoringCase/" + name + "/ZK", NSCaseInsensitiveSearch | NSLiteralSearch);
+  add("FindEquivalent/" + name + "/ZK", NSCaseInsensitiveSearch);
   addRow(
       "FindWholeWord/" + name + "/ZK",
       [=] {
         return findString_searchRange_options_wordCompareOption(
-                   string, wanted, {0, string->length()}, NSCaseInsensitiveSearch,
+                   string, needle, {0, string->length()}, NSCaseInsensitiveSearch,
                    ZKWordCompareWhole)
             .location;
       },
       isRight);
-  const auto lower = [](char16_t unit) {
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-  };
-  const auto byLoop = [=] {
-    const auto same = [=](char16_t a, char16_t b) { return lower(a) == lower(b); };
-    return std::search(text.begin(), text.end(), needle.begin(), needle.end(), same) - text.begin();
-  };
-  addRow("FindWrapped/" + name + "/search", byLoop, isRight);
-  addRow("FindWholeWord/" + name + "/search", byLoop, isRight);
 #ifdef ZK_HAS_QT
   const QString qtText = QString::fromStdU16String(text);
-  const QString qtNeedle = QString::fromStdU16String(needle);
-  addRow(
-      "FindWrapped/" + name + "/Qt",
-      [=] {
-        const auto found = qtText.indexOf(qtNeedle, qtText.size() - 3, Qt::CaseInsensitive);
-        return found >= 0 ? found : qtText.indexOf(qtNeedle, 0, Qt::CaseInsensitive);
-      },
-      isRight);
-  const QRegularExpression word(QStringLiteral("\\b") + qtNeedle + QStringLiteral("\\b"),
-                                QRegularExpression::CaseInsensitiveOption);
+  const QString qtNeedle =
+      QString::fromUtf16(language.needle.data(), qsizetype(language.needle.size()));
+  const auto byMatcher = [=] {
+    return QStringMatcher(qtNeedle, Qt::CaseInsensitive).indexIn(qtText);
+  };
+  addRow("FindIgnoringCase/" + name + "/Qt", byMatcher, isRight);
+  addRow("FindEquivalent/" + name + "/Qt", byMatcher, isRight);
+  const QRegularExpression word(
+      QStringLiteral("\\b") + qtNeedle + QStringLiteral("\\b"),
+      QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
   addRow(
       "FindWholeWord/" + name + "/Qt", [=] { return qtText.indexOf(word); }, isRight);
 #endif
@@ -414,8 +426,10 @@ const bool registered = [] {
   }
   addTrimming("line", lineLength);
   addTrimming("1Mi", longLength);
-  addSearching("line", lineLength);
-  addSearching("1Mi", longLength);
+  for (const Language& language : languages) {
+    addSearching(language, "line", lineLength);
+    addSearching(language, "1Mi", longLength);
+  }
   addWords();
   addTitles("line", lineLength);
   addTitles("100Ki", std::size_t{100} * 1024);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstdint>
 #include <vector>
 
 #include <unicode/uchar.h>
@@ -102,22 +104,35 @@ std::u16string folded(std::u16string_view text) {
   return result;
 }
 
-}  // namespace
-
-bool NSIsBoundaryAmongMarks(std::u16string_view text, std::size_t at) {
-  if (NSSplitsPair(text, at)) return false;
-  std::u16string_view rest = text.substr(at);
-  const UChar32 character = takeCharacter(rest);
+bool isBoundaryCharacter(UChar32 character) {
   return (U_GET_GC_MASK(character) & U_GC_M_MASK) == 0 &&
          unorm2_hasBoundaryBefore(composition(), character) != 0;
 }
 
-bool NSIsComposed(std::u16string_view text, bool hasNoMarks) {
-  if (hasNoMarks) return true;
-  UErrorCode status = U_ZERO_ERROR;
-  const auto result = unorm2_quickCheck(composition(), NSICUText(text), NSICULength(text), &status);
-  NSCheckICU(status);
-  return result == UNORM_YES;
+// The answer for a unit, kept for 32 units at a time with a bit that tells that they are known.
+bool isBoundaryUnit(char16_t unit) {
+  static constinit std::array<std::atomic<std::uint64_t>, 0x10000 / 32> answers{};
+  std::atomic<std::uint64_t>& known = answers[unit / 32U];
+  std::uint64_t bits = known.load(std::memory_order_relaxed);
+  if (bits == 0) {
+    bits = std::uint64_t{1} << 32U;
+    for (std::uint32_t k = 0; k < 32; ++k) {
+      const std::uint64_t answer = isBoundaryCharacter(static_cast<UChar32>((unit & ~31U) + k));
+      bits |= answer << k;
+    }
+    known.store(bits, std::memory_order_relaxed);
+  }
+  return (bits >> (unit % 32U) & 1U) != 0;
+}
+
+}  // namespace
+
+bool NSIsBoundaryAmongMarks(std::u16string_view text, std::size_t at) {
+  const char16_t unit = text[at];
+  if (!NSIsSurrogate(unit)) return isBoundaryUnit(unit);
+  if (NSSplitsPair(text, at)) return false;
+  std::u16string_view rest = text.substr(at);
+  return isBoundaryCharacter(takeCharacter(rest));
 }
 
 bool NSHasLongRunsOfMarks(std::u16string_view text) {

@@ -21,9 +21,6 @@ inline constexpr char16_t NSFirstMark = 0x300;
   return at == 0 || at == text.size() || text[at] < NSFirstMark || NSIsBoundaryAmongMarks(text, at);
 }
 
-/// Whether a text, known to have no combining marks or not, is canonically composed.
-[[nodiscard]] bool NSIsComposed(std::u16string_view text, bool hasNoMarks);
-
 /// Whether a text has runs of marks so long that ICU, which orders them by insertion, should not
 /// be asked to. False for runs of less than 33 units, true from 96 on.
 [[nodiscard]] bool NSHasLongRunsOfMarks(std::u16string_view text);

@@ -5,8 +5,9 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
-#include <Foundation/Text/KnuthMorrisPratt.h>
+#include <Foundation/Text/TwoWaySearch.h>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Foundation/Text/UnitSearch.cpp"
@@ -18,80 +19,98 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-struct AsTheyAre {
-  static std::uint16_t caseBit(std::uint16_t /*unit*/) { return 0; }
-  static bool areSame(std::uint16_t a, std::uint16_t b) { return a == b; }
-  static bool areEqual(const std::uint16_t* a, const std::uint16_t* b, std::size_t length) {
-    if (*a != *b || a[length - 1] != b[length - 1]) return false;
-    return length <= 2 || std::memcmp(a, b, length * sizeof(*a)) == 0;
+// How many places have been found, and where the search goes on.
+using Progress = std::pair<std::size_t, std::size_t>;
+// How far from its start a needle is probed at.
+using Probes = std::pair<std::size_t, std::size_t>;
+
+// What is looked for: `first` and `second` mark the lanes of two vectors of text, that many units
+// after a place, where the place may fit; `confirms` tells whether such a place fits, `fits`
+// whether any does.
+
+// A needle, with two of its units to probe at.
+struct Needle {
+  const std::uint16_t* units;
+  std::size_t length;
+  std::size_t firstAt;
+  std::size_t secondAt;
+
+  [[nodiscard]] std::size_t step() const { return length; }
+  [[nodiscard]] bool fits(const std::uint16_t* text) const {
+    return text[firstAt] == units[firstAt] && text[secondAt] == units[secondAt] && confirms(text);
+  }
+  [[nodiscard]] bool confirms(const std::uint16_t* text) const {
+    return length <= 2 || std::memcmp(text, units, length * sizeof(*units)) == 0;
+  }
+  template <class Tag>
+  HWY_ATTR auto first(Tag tag, hn::Vec<Tag> text) const {
+    return hn::Eq(text, hn::Set(tag, units[firstAt]));
+  }
+  template <class Tag>
+  HWY_ATTR auto second(Tag tag, hn::Vec<Tag> text) const {
+    return hn::Eq(text, hn::Set(tag, units[secondAt]));
   }
 };
 
-struct ASCIIFolded {
-  static std::uint16_t caseBit(std::uint16_t unit) {
-    const std::uint16_t lower = unit | 0x20;
-    return lower >= 'a' && lower <= 'z' ? 0x20 : 0;
+// Two choices, small ones or any; places may overlap.
+template <bool areSmall>
+struct Choices {
+  const NSUnitChoice* choices;
+  std::size_t secondAt;
+  std::size_t firstAt = 0;
+
+  static std::size_t step() { return 1; }
+  [[nodiscard]] bool fits(const std::uint16_t* text) const {
+    return choices[0].contains(*text) && choices[1].contains(text[secondAt]);
   }
-  static bool areSame(std::uint16_t a, std::uint16_t b) {
-    const std::uint16_t bit = caseBit(b);
-    return (a | bit) == (b | bit);
+  static bool confirms(const std::uint16_t* /*text*/) { return true; }
+  template <class Tag>
+  HWY_ATTR static auto isChosen(Tag tag, hn::Vec<Tag> text, const NSUnitChoice& choice) {
+    const auto low = hn::Set(tag, choice.low());
+    const auto high = hn::Set(tag, choice.high());
+    auto isChosen = hn::Eq(text, hn::Set(tag, choice.units()[0]));
+    for (std::size_t k = 1; k < (areSmall ? 2 : choice.units().size()); ++k) {
+      isChosen = hn::Or(isChosen, hn::Eq(text, hn::Set(tag, choice.units()[k])));
+    }
+    if constexpr (areSmall) return isChosen;
+    return hn::Or(isChosen, hn::Eq(hn::Max(text, low), hn::Min(text, high)));
   }
-  static bool areEqual(const std::uint16_t* a, const std::uint16_t* b, std::size_t length) {
-    return std::equal(a, a + length, b, areSame);
+  template <class Tag>
+  HWY_ATTR auto first(Tag tag, hn::Vec<Tag> text) const {
+    return isChosen(tag, text, choices[0]);
+  }
+  template <class Tag>
+  HWY_ATTR auto second(Tag tag, hn::Vec<Tag> text) const {
+    return isChosen(tag, text, choices[1]);
   }
 };
 
-// Goes on from a place, after `found` places, in time that is linear in the text.
-template <class Letters>
-std::size_t findLinearly(Letters letters, const std::uint16_t* text, std::size_t place,
-                         std::size_t count, const std::uint16_t* needle, std::size_t length,
-                         std::span<std::size_t> places, std::size_t found) {
-  const auto areSame = [=](std::uint16_t a, std::uint16_t b) { return letters.areSame(a, b); };
-  const NSKnuthMorrisPratt search(needle, needle + length, areSame);
-  std::size_t earliest = place;
-  (void)search.find(text + place, text + count + length - 1, [&](std::size_t offset) {
-    if (place + offset < earliest) return false;
-    places[found++] = place + offset;
-    earliest = place + offset + length;
-    return found == places.size();
-  });
-  return found;
-}
-
-// Looks for places where the needle's first and last units stand the right way apart, a vector of
-// them at once, and compares the rest only there. After W. Muła, "SIMD-friendly algorithms for
-// substring searching". Gives how many of the `count` places fit.
-template <std::size_t widest, class Letters>
-HWY_ATTR std::size_t findPlacesBy(Letters letters, const std::uint16_t* text, std::size_t count,
-                                  const std::uint16_t* needle, std::size_t length,
-                                  std::span<std::size_t> places) {
+// Finds the places that fit among the first `count` of a text, a vector of them at once, without
+// overlap. After W. Muła, "SIMD-friendly algorithms for substring searching". Ends early when there
+// is no room for more, and when too much has been compared in vain.
+template <std::size_t widest, class Wanted>
+HWY_ATTR Progress findPlacesBy(const Wanted wanted, const std::uint16_t* text, std::size_t count,
+                               std::span<std::size_t> places) {
   const hn::CappedTag<std::uint16_t, widest> tag;
   const std::size_t lanes = hn::Lanes(tag);
-  // What two cases of a unit differ in is set in both before they are compared.
-  const auto firstCase = hn::Set(tag, letters.caseBit(needle[0]));
-  const auto lastCase = hn::Set(tag, letters.caseBit(needle[length - 1]));
-  const auto first = hn::Or(hn::Set(tag, needle[0]), firstCase);
-  const auto last = hn::Or(hn::Set(tag, needle[length - 1]), lastCase);
   std::size_t found = 0;
   std::size_t place = 0;
   // The first place that does not overlap what has been found.
   std::size_t earliest = 0;
-  // Units that may be compared in vain before a search takes over that never does so twice.
   std::size_t budget = 4 * count + 1024;
-  const auto take = [&](std::size_t candidate) {
-    if (candidate < earliest) return;
-    if (letters.areEqual(text + candidate, needle, length)) {
+  const auto take = [&](std::size_t candidate, bool fits) {
+    if (fits) {
       places[found++] = candidate;
-      earliest = candidate + length;
+      earliest = candidate + wanted.step();
     } else {
-      budget -= std::min(budget, length);
+      budget -= std::min(budget, wanted.step());
     }
   };
 
   const auto candidatesAt = [&](std::size_t at) HWY_ATTR {
-    const auto atFirst = hn::Eq(hn::Or(hn::LoadU(tag, text + at), firstCase), first);
-    const auto atLast = hn::Eq(hn::Or(hn::LoadU(tag, text + at + length - 1), lastCase), last);
-    const auto candidates = hn::And(atFirst, atLast);
+    const auto atFirst = wanted.first(tag, hn::LoadU(tag, text + at + wanted.firstAt));
+    const auto atSecond = wanted.second(tag, hn::LoadU(tag, text + at + wanted.secondAt));
+    const auto candidates = hn::And(atFirst, atSecond);
     std::uint32_t bits = 0;
     if (hn::AllFalse(tag, candidates)) return bits;
     static_assert(std::endian::native == std::endian::little, "the first byte holds the low bits");
@@ -103,7 +122,8 @@ HWY_ATTR std::size_t findPlacesBy(Letters letters, const std::uint16_t* text, st
   // Whether there is no room for more places.
   const auto takeAll = [&](std::size_t at, std::uint32_t bits) {
     for (; bits != 0; bits &= bits - 1) {
-      take(at + static_cast<std::size_t>(std::countr_zero(bits)));
+      const std::size_t candidate = at + static_cast<std::size_t>(std::countr_zero(bits));
+      if (candidate >= earliest) take(candidate, wanted.confirms(text + candidate));
       if (found == places.size()) return true;
     }
     return false;
@@ -112,43 +132,40 @@ HWY_ATTR std::size_t findPlacesBy(Letters letters, const std::uint16_t* text, st
   for (; place + lanes <= count; place += lanes) {
     const std::uint32_t bits = candidatesAt(place);
     if (bits == 0) continue;
-    if (takeAll(place, bits)) return found;
-    if (budget == 0) {
-      const std::size_t next = std::max(place + lanes, earliest);
-      if (next >= count) return found;
-      return findLinearly(letters, text, next, count, needle, length, places, found);
-    }
+    if (takeAll(place, bits)) return {found, earliest};
+    if (budget == 0) return {found, std::min(count, std::max(place + lanes, earliest))};
   }
   if (place < count && count >= lanes) {
     // The last vector overlaps the one before it.
     const std::size_t at = count - lanes;
     const auto done = static_cast<std::uint32_t>(place - at);
-    takeAll(at, candidatesAt(at) >> done << done);
-    return found;
+    const bool isFull = takeAll(at, candidatesAt(at) >> done << done);
+    return {found, isFull ? earliest : count};
   }
   for (; place < count && found < places.size(); ++place) {
-    take(place);
+    if (place >= earliest) take(place, wanted.fits(text + place));
   }
-  return found;
+  return {found, std::max(place, earliest)};
 }
 
-template <class Letters>
-std::size_t findPlaces(Letters letters, const std::uint16_t* text, std::size_t count,
-                       const std::uint16_t* needle, std::size_t length,
-                       std::span<std::size_t> places) {
+template <class Wanted>
+Progress findPlaces(Wanted wanted, const std::uint16_t* text, std::size_t count,
+                    std::span<std::size_t> places) {
   // The widest vector that the text fills.
-  return count < 32 ? findPlacesBy<8>(letters, text, count, needle, length, places)
-                    : findPlacesBy<32>(letters, text, count, needle, length, places);
+  return count < 32 ? findPlacesBy<8>(wanted, text, count, places)
+                    : findPlacesBy<32>(wanted, text, count, places);
 }
 
-std::size_t findUnits(const std::uint16_t* text, std::size_t count, const std::uint16_t* needle,
-                      std::size_t length, std::span<std::size_t> places) {
-  return findPlaces(AsTheyAre(), text, count, needle, length, places);
+Progress findUnits(const std::uint16_t* text, std::size_t count, const std::uint16_t* needle,
+                   std::size_t length, Probes probes, std::span<std::size_t> places) {
+  return findPlaces(Needle{needle, length, probes.first, probes.second}, text, count, places);
 }
 
-std::size_t findFolded(const std::uint16_t* text, std::size_t count, const std::uint16_t* needle,
-                       std::size_t length, std::span<std::size_t> places) {
-  return findPlaces(ASCIIFolded(), text, count, needle, length, places);
+Progress findChoices(const std::uint16_t* text, std::size_t count, const NSUnitChoice* choices,
+                     std::size_t distance, std::span<std::size_t> places) {
+  return choices[0].isSmall() && choices[1].isSmall()
+             ? findPlaces(Choices<true>{choices, distance}, text, count, places)
+             : findPlaces(Choices<false>{choices, distance}, text, count, places);
 }
 
 }  // namespace HWY_NAMESPACE
@@ -157,20 +174,46 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 
 HWY_EXPORT(findUnits);
-HWY_EXPORT(findFolded);
+HWY_EXPORT(findChoices);
 
 namespace {
 
-std::size_t findWith(auto find, std::u16string_view text, std::u16string_view needle,
-                     std::size_t from, std::span<std::size_t> places) {
-  if (places.empty() || needle.empty() || from > text.size() || needle.size() > text.size() - from)
-    return 0;
-  const std::size_t count = text.size() - from - needle.size() + 1;
-  // Highway has no lanes of char16_t; its units are the same 16 bits.
-  const auto* const units = reinterpret_cast<const std::uint16_t*>(text.data()) + from;
-  const auto* const wanted = reinterpret_cast<const std::uint16_t*>(needle.data());
-  const std::size_t found = find(units, count, wanted, needle.size(), places);
-  for (std::size_t& place : places.first(found)) place += from;
+// Highway has no lanes of char16_t; its units are the same 16 bits.
+const std::uint16_t* lanesOf(std::u16string_view text) {
+  return reinterpret_cast<const std::uint16_t*>(text.data());
+}
+
+// The units of the needle that occur in it least often, two different ones if there are any.
+std::pair<std::size_t, std::size_t> rarestUnits(std::u16string_view needle) {
+  std::array<std::uint32_t, 256> counts{};
+  const auto countOf = [&](char16_t unit) -> std::uint32_t& { return counts[unit & 0xFFU]; };
+  for (const char16_t unit : needle) ++countOf(unit);
+  std::size_t rarest = 0;
+  for (std::size_t k = 1; k < needle.size(); ++k) {
+    if (countOf(needle[k]) < countOf(needle[rarest])) rarest = k;
+  }
+  std::size_t other = rarest;
+  for (std::size_t k = 0; k < needle.size(); ++k) {
+    const bool isOther = needle[k] != needle[rarest];
+    if (isOther && (other == rarest || countOf(needle[k]) < countOf(needle[other]))) other = k;
+  }
+  if (other == rarest) return {0, needle.size() - 1};
+  return {std::min(rarest, other), std::max(rarest, other)};
+}
+
+// Goes on from a place in time that is linear in the text.
+std::size_t findLinearly(std::u16string_view text, std::u16string_view needle, std::size_t from,
+                         std::span<std::size_t> places) {
+  const NSTwoWaySearch search(needle.begin(), needle.end());
+  std::size_t found = 0;
+  std::size_t earliest = from;
+  (void)search.find(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(),
+                    [&](std::size_t offset) {
+                      if (from + offset < earliest) return false;
+                      places[found++] = from + offset;
+                      earliest = from + offset + needle.size();
+                      return found == places.size();
+                    });
   return found;
 }
 
@@ -178,14 +221,33 @@ std::size_t findWith(auto find, std::u16string_view text, std::u16string_view ne
 
 std::size_t NSFindUnits(std::u16string_view text, std::u16string_view needle, std::size_t from,
                         std::span<std::size_t> places) {
-  return findWith(HWY_DYNAMIC_DISPATCH(findUnits), text, needle, from, places);
+  if (places.empty() || needle.empty()) return 0;
+  std::size_t found = 0;
+  const auto findWith = [&](std::pair<std::size_t, std::size_t> probes) {
+    if (from > text.size() || needle.size() > text.size() - from) return true;
+    const std::size_t count = text.size() - from - needle.size() + 1;
+    const std::span<std::size_t> room = places.subspan(found);
+    const auto [some, next] = HWY_DYNAMIC_DISPATCH(findUnits)(
+        lanesOf(text) + from, count, lanesOf(needle), needle.size(), probes, room);
+    for (std::size_t& place : room.first(some)) place += from;
+    found += some;
+    from += next;
+    return found == places.size() || next >= count;
+  };
+  // The ends of a needle tell most apart; where they do not, what is rare in it may.
+  if (findWith({0, needle.size() - 1}) || findWith(rarestUnits(needle))) return found;
+  return found + findLinearly(text, needle, from, places.subspan(found));
 }
 
-std::size_t NSFindASCIIFolded(std::u16string_view text, std::u16string_view needle,
-                              std::size_t from) {
-  std::size_t place = 0;
-  const auto find = HWY_DYNAMIC_DISPATCH(findFolded);
-  return findWith(find, text, needle, from, {&place, 1}) == 0 ? std::u16string_view::npos : place;
+std::size_t NSFindChoices(std::u16string_view text, const std::array<NSUnitChoice, 2>& choices,
+                          std::size_t distance, std::size_t from, std::span<std::size_t> places) {
+  if (places.empty() || from > text.size() || distance >= text.size() - from) return 0;
+  const std::size_t found =
+      HWY_DYNAMIC_DISPATCH(findChoices)(lanesOf(text) + from, text.size() - from - distance,
+                                        choices.data(), distance, places)
+          .first;
+  for (std::size_t& place : places.first(found)) place += from;
+  return found;
 }
 
 #endif
