@@ -2,6 +2,7 @@
 
 #include <array>
 #include <bitset>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -305,6 +306,69 @@ void addSearching(const Language& language, const std::string& size, std::size_t
 #endif
 }
 
+// Needles that hardly differ from a text at most of its places.
+void addLiteralSearching(const std::string& name, std::u16string_view period,
+                         const std::u16string& needle) {
+  std::u16string text;
+  while (text.size() < longLength) text += period;
+  const std::size_t place = text.size() / 16 * 15;
+  text.replace(place, needle.size(), needle);
+  const auto string = NSMake<NSString>(text);
+  const auto wanted = NSMake<NSString>(needle);
+  const std::size_t expected = text.find(needle);
+  const auto isRight = [=](auto found) { return static_cast<std::size_t>(found) == expected; };
+  const std::string row = "FindLiteral/" + name + "/";
+  addRow(
+      row + "ZK", [=] { return string->rangeOfString_options(wanted, NSLiteralSearch).location; },
+      isRight);
+  addRow(
+      row + "boyer_moore",
+      [=] {
+        const std::boyer_moore_searcher searcher(needle.begin(), needle.end());
+        return std::search(text.begin(), text.end(), searcher) - text.begin();
+      },
+      isRight);
+#ifdef ZK_HAS_QT
+  addRow(
+      row + "Qt",
+      [qtText = QString::fromStdU16String(text), qtNeedle = QString::fromStdU16String(needle)] {
+        return qtText.indexOf(qtNeedle);
+      },
+      isRight);
+#endif
+}
+
+// Every other word begins with the needle, and none but the last is it.
+void addRejectedWords(const std::string& name, std::u16string_view word, std::u16string_view rare) {
+  std::u16string text;
+  while (text.size() < 20'000) text.append(word).append(u"x ").append(rare).append(u" ");
+  const std::size_t place = text.size();
+  text += word;
+  const auto string = NSMake<NSString>(text);
+  const auto wanted = NSMake<NSString>(std::u16string(word));
+  const auto isRight = [=](auto found) { return static_cast<std::size_t>(found) == place; };
+  const std::string row = "FindWholeWord/" + name + "/";
+  addRow(
+      row + "ZK",
+      [=] {
+        return findString_searchRange_options_wordCompareOption(
+                   string, wanted, {0, string->length()}, NSCaseInsensitiveSearch,
+                   ZKWordCompareWhole)
+            .location;
+      },
+      isRight);
+#ifdef ZK_HAS_QT
+  const QString pattern =
+      QStringLiteral("\\b%1\\b").arg(QString::fromStdU16String(std::u16string(word)));
+  const QRegularExpression expression(pattern, QRegularExpression::CaseInsensitiveOption |
+                                                   QRegularExpression::UseUnicodePropertiesOption);
+  addRow(
+      row + "Qt",
+      [qtText = QString::fromStdU16String(text), expression] { return qtText.indexOf(expression); },
+      isRight);
+#endif
+}
+
 void addWords() {
   const std::u16string text = makeText(lineLength, 0, 0);
   const auto string = NSMake<NSString>(text);
@@ -426,6 +490,15 @@ const bool registered = [] {
   }
   addTrimming("line", lineLength);
   addTrimming("1Mi", longLength);
+  addRejectedWords("rejected_ASCII", u"th", u"don't");
+  addRejectedWords("rejected_English", u"th", u"don’t");
+  addRejectedWords("rejected_Russian", u"и", u"дом");
+  const std::u16string run(32, u'a');
+  addLiteralSearching("run_with_one_other", u"a", run + u"b" + run.substr(1));
+  std::u16string alternating;
+  while (alternating.size() < 1'000) alternating += u"ab";
+  addLiteralSearching("alternating", u"ab", alternating + u"c");
+  addLiteralSearching("alternating_in_the_middle", u"ab", alternating + u"b" + alternating);
   for (const Language& language : languages) {
     addSearching(language, "line", lineLength);
     addSearching(language, "1Mi", longLength);
