@@ -70,6 +70,10 @@ inline NSRef<NSURL> fileURL(const fs::path& path) {
   return NSURL::fileURLWithPath_isDirectory(path, false);
 }
 
+inline NSRef<NSDictionary> permissions(const NSRef<NSObject>& bits) {
+  return NSMake<NSDictionary>({{NSFilePosixPermissions(), bits}});
+}
+
 constexpr int cannotTest = 77;
 
 /// Runs the action in a process of its own, whose failures are the test's. Gives false when it says

@@ -31,14 +31,11 @@ class LoopThread {
   LoopThread() { _thread->start(); }
   LoopThread(const LoopThread&) = delete;
   ~LoopThread() {
-    end();
+    _thread->runLoop()->performBlock([] { NSRunLoop::currentRunLoop()->stop(); });
     _ended.wait();
   }
 
   const NSRef<NSThread>& get() const { return _thread; }
-  void end() {
-    _thread->runLoop()->performBlock([] { NSRunLoop::currentRunLoop()->stop(); });
-  }
 
  private:
   std::latch _ended{1};

@@ -9,7 +9,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <ostream>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -37,6 +37,24 @@ void expectRaises(std::u16string_view name, std::string_view reason, Action acti
     EXPECT_EQ(exception.reason()->utf8(), reason);
     EXPECT_EQ(exception.what(), exception.name()->utf8() + ": " + std::string(reason));
   }
+}
+
+/// The object's description, "nil" for none.
+inline std::string shown(const NSRef<NSObject>& object) {
+  return object ? object->description()->utf8() : "nil";
+}
+
+inline NSRef<NSNumber> number(int value) { return NSMake<NSNumber>(value); }
+inline NSRef<NSString> string(const char* utf8) { return NSMake<NSString>(utf8); }
+inline NSRef<NSLocale> locale(const char* identifier) {
+  return NSLocale::localeWithLocaleIdentifier(string(identifier));
+}
+
+/// The object as it comes back from an archive; nil when it is no `T`.
+template <class T>
+NSRef<T> unarchived(const NSRef<NSObject>& object) {
+  return NSKeyedUnarchiver::unarchivedObjectOfClass<T>(
+      NSKeyedArchiver::archivedDataWithRootObject(object));
 }
 
 /// Runs a RapidCheck property as a part of the current test.

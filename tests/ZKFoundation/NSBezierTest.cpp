@@ -3,7 +3,6 @@
 
 #include <random>
 #include <span>
-#include <sstream>
 
 #include <ZKFoundation/ZKFoundation.h>
 

@@ -6,8 +6,6 @@ using namespace ZKFoundationExtensions;
 
 namespace {
 
-NSRef<NSNumber> number(int value) { return NSMake<NSNumber>(value); }
-
 NSRef<NSMutableArray> numbersTo(int end) {
   auto array = NSMake<NSMutableArray>();
   for (int k = 0; k < end; ++k) array->addObject(number(k));

@@ -6,10 +6,6 @@ using namespace ZKFoundationExtensions;
 
 namespace {
 
-std::string shown(const NSRef<NSObject>& object) {
-  return object ? object->description()->utf8() : "nil";
-}
-
 TEST(NSFileManagerExtensions, KnowTheDirectories) {
   const TestFolder folder;
   const bool isTested = inChild([&] {

@@ -1,7 +1,5 @@
 #include "tests/Support.h"
 
-#include <sstream>
-
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
@@ -59,9 +57,8 @@ struct LanguageItem : ZKLocaleEntity {
 
 TEST(ZKLocaleEntity, ListsLanguages) {
   NSLocale::setCurrentLocale(NSLocale::localeWithLocaleIdentifier(u"en"_ns));
-  const auto list = ZKLocaleEntity::entitiesForLocaleIdentifiers(
-      NSMake<NSArray>({u"fr_CA"_ns, u""_ns, u"de_CH"_ns, u"no locale"_ns, u"zh_TW"_ns,
-                       NSMake<NSNumber>(1), u"en"_ns}));
+  const auto list = ZKLocaleEntity::entitiesForLocaleIdentifiers(NSMake<NSArray>(
+      {u"fr_CA"_ns, u""_ns, u"de_CH"_ns, u"no locale"_ns, u"zh_TW"_ns, number(1), u"en"_ns}));
   std::string text;
   for (const auto& item : list) {
     const auto entity = item.as<ZKLocaleEntity>();

@@ -1,7 +1,5 @@
 #include "tests/Support.h"
 
-#include <sstream>
-
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;

@@ -1,7 +1,5 @@
 #include "tests/TextModels.h"
 
-#include <sstream>
-
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>

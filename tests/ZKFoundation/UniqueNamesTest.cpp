@@ -60,7 +60,7 @@ TEST(UniqueNames, OfStrings) {
   original->setString(u"b"_ns);
   EXPECT_EQ(copy, u"a");
   EXPECT_EQ(uniqueStringWithString_forStringArray(
-                u"a"_ns, NSMake<NSArray>({NSMake<NSMutableString>(u"a"), NSMake<NSNumber>(1)})),
+                u"a"_ns, NSMake<NSArray>({NSMake<NSMutableString>(u"a"), number(1)})),
             u"a1");
   expectProperty("as trying does", [] {
     // Names over two letters and few digits, so that many are taken.
@@ -93,11 +93,11 @@ TEST(UniqueNames, OfURLs) {
        }) {
     auto array = NSMake<NSMutableArray>();
     for (const char* const other : taken) {
-      if (const auto url = NSURL::URLWithString(NSMake<NSString>(other))) array->addObject(url);
+      if (const auto url = NSURL::URLWithString(string(other))) array->addObject(url);
     }
-    const auto url = NSURL::URLWithString(NSMake<NSString>(text));
+    const auto url = NSURL::URLWithString(string(text));
     const auto found = uniqueURLWithURL_forURLArray(url, array);
-    EXPECT_EQ(found ? found->description()->utf8() : "nil", result);
+    EXPECT_EQ(shown(found), result);
     EXPECT_EQ(found == url, !url->isFileURL());
   }
 }
@@ -106,7 +106,7 @@ TEST(UniqueNames, OfFileWrappers) {
   const auto folder = NSMake<NSFileWrapper>(NSMake<NSDictionary>());
   const auto add = [&](const char* name) {
     const auto child = NSMake<NSFileWrapper>(NSMake<NSData>());
-    if (name != nullptr) child->setPreferredFilename(NSMake<NSString>(name));
+    if (name != nullptr) child->setPreferredFilename(string(name));
     const auto key = addFileWrapperWithUniqueFileName(folder, child);
     EXPECT_EQ(folder->fileWrappers()->objectForKey(key), child);
     EXPECT_TRUE(child->preferredFilename()->isEqualToString(key));

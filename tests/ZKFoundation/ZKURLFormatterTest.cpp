@@ -101,7 +101,7 @@ TEST(ZKURLFormatter, WritesURLs) {
   EXPECT_EQ(written(u"a b"_ns), u"a b");
   EXPECT_EQ(written(url("http://a.b/c%20d")), u"http://a.b/c%20d");
   EXPECT_EQ(written(url("file:///c%20d/")), u"/c d");
-  EXPECT_EQ(written(NSMake<NSNumber>(1)), u"");
+  EXPECT_EQ(written(number(1)), u"");
   EXPECT_EQ(written(nullptr), u"");
   // A file URL without hierarchy has no path.
   EXPECT_EQ(written(url("file:c")), u"");
@@ -128,8 +128,7 @@ TEST(ZKURLFormatter, IsArchivedWithItsSchemes) {
   }
   EXPECT_EQ(schemes, "http https file ssh ");
   formatter->setAllowedSchemes(NSMake<NSArray>({u"ftp"_ns}));
-  const auto copy = NSKeyedUnarchiver::unarchivedObjectOfClass<ZKURLFormatter>(
-      NSKeyedArchiver::archivedDataWithRootObject(formatter));
+  const auto copy = unarchived<ZKURLFormatter>(formatter);
   EXPECT_TRUE(copy->allowedSchemes()->isEqual(formatter->allowedSchemes()));
 }
 

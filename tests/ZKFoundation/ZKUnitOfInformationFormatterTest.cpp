@@ -7,9 +7,9 @@ namespace {
 // What the user's locale and languages are in one test.
 class Habits {
  public:
-  explicit Habits(const char* locale, const char* language = "xx") {
-    NSLocale::setCurrentLocale(NSLocale::localeWithLocaleIdentifier(NSMake<NSString>(locale)));
-    NSLocale::setPreferredLanguages(NSMake<NSArray>({NSMake<NSString>(language)}));
+  explicit Habits(const char* identifier, const char* language = "xx") {
+    NSLocale::setCurrentLocale(locale(identifier));
+    NSLocale::setPreferredLanguages(NSMake<NSArray>({string(language)}));
   }
   Habits(const Habits&) = delete;
   ~Habits() {
@@ -139,7 +139,7 @@ TEST(ZKUnitOfInformationFormatter, ChoosesThePrefixByTheUnsignedNumber) {
 TEST(ZKUnitOfInformationFormatter, FormatsNumbersOnly) {
   const Habits habits("en");
   const auto sizes = NSMake<ZKUnitOfInformationFormatter>();
-  EXPECT_EQ(sizes->stringForObjectValue(NSMake<NSNumber>(80)), u"10 bytes");
+  EXPECT_EQ(sizes->stringForObjectValue(number(80)), u"10 bytes");
   EXPECT_FALSE(sizes->stringForObjectValue(u"80"_ns));
   EXPECT_FALSE(sizes->stringForObjectValue(nullptr));
   EXPECT_THROW((void)sizes->stringFromNumberOfBits(nullptr), NSException);
@@ -203,8 +203,7 @@ TEST(ZKUnitOfInformationFormatter, IsArchivedWithItsSwitches) {
   for (int bits = 0; bits < 8; ++bits) {
     const auto original = formatter((bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0);
     original->numberFormatter()->setMinimumFractionDigits(1);
-    const auto copy = NSKeyedUnarchiver::unarchivedObjectOfClass<ZKUnitOfInformationFormatter>(
-        NSKeyedArchiver::archivedDataWithRootObject(original));
+    const auto copy = unarchived<ZKUnitOfInformationFormatter>(original);
     for (const long size : {8L, 8000L, 12288L, 123456789L}) {
       EXPECT_EQ(text(copy, size), text(original, size));
     }
@@ -217,8 +216,7 @@ TEST(ZKUnitOfInformationFormatter, ReadsAnArchiveWithoutItsKeys) {
   };
   const auto name = NSClass::of<Plain>().name();
   NSKeyedUnarchiver::setClass_forClassName<ZKUnitOfInformationFormatter>(name);
-  const auto sizes = NSKeyedUnarchiver::unarchivedObjectOfClass<ZKUnitOfInformationFormatter>(
-      NSKeyedArchiver::archivedDataWithRootObject(NSMake<Plain>()));
+  const auto sizes = unarchived<ZKUnitOfInformationFormatter>(NSMake<Plain>());
   EXPECT_FALSE(sizes->displaysInTermsOfBytes());
   EXPECT_FALSE(sizes->usesIECBinaryPrefixesForCalculation());
   EXPECT_FALSE(sizes->usesIECBinaryPrefixesForDisplay());

@@ -49,17 +49,16 @@ NSRef<NSMutableArray> everything() {
   const auto shared = NSMake<NSMutableString>("geändert 😀");
   auto all = NSMake<NSMutableArray>(
       {u""_ns, u"Größe 😀"_ns, shared, shared, NSMake<NSNumber>(true), NSMake<NSNumber>(false),
-       NSMake<NSNumber>(-5), NSMake<NSNumber>(NSIntegerMax), NSMake<NSNumber>(NSIntegerMin),
+       number(-5), NSMake<NSNumber>(NSIntegerMax), NSMake<NSNumber>(NSIntegerMin),
        NSMake<NSNumber>(NSUIntegerMax), NSMake<NSNumber>(0.1), NSMake<NSNumber>(1e300),
        NSMake<NSNumber>(-HUGE_VAL), NSMake<NSData>(std::string_view("\0\1\xFF", 3)),
        NSMake<NSData>(), NSNull::null(), NSMake<NSMutableDictionary>(),
        NSURL::URLWithString(u"http://a.b/c?d"_ns),
        NSLocale::localeWithLocaleIdentifier(u"de_CH"_ns)});
   all->addObject(NSMake<NSMutableArray>({u"a"_ns, NSMake<NSArray>()}));
-  all->addObject(NSMake<NSSet>({u"a"_ns, NSMake<NSNumber>(1)}));
+  all->addObject(NSMake<NSSet>({u"a"_ns, number(1)}));
   all->addObject(NSMake<NSMutableSet>({u"b"_ns}));
-  all->addObject(
-      NSMake<NSDictionary>({{u"$key"_ns, shared}, {NSMake<NSNumber>(2), NSNull::null()}}));
+  all->addObject(NSMake<NSDictionary>({{u"$key"_ns, shared}, {number(2), NSNull::null()}}));
   return all;
 }
 
@@ -171,10 +170,7 @@ TEST(Archiving, RefusesValuesOfTheWrongKind) {
   }
   EXPECT_EQ(archive->decodeDoubleForKey(u"integer"_ns), 7);
   EXPECT_TRUE(archive->containsValueForKey(u"integer"_ns));
-}
-
-TEST(Archiving, ReadsNothingAsNoValue) {
-  const auto archive = NSMake<NSKeyedUnarchiver>(NSMake<NSKeyedArchiver>()->encodedData());
+  // Nothing reads as no value.
   EXPECT_EQ(archive->decodeDoubleForKey(u"none"_ns), 0);
   EXPECT_EQ(archive->decodeIntegerForKey(u"none"_ns), 0);
   EXPECT_FALSE(archive->decodeBoolForKey(u"none"_ns));
@@ -310,25 +306,31 @@ std::string outcome(const std::string& objects) {
       "</array></dict></plist>";
   try {
     const auto object = read(NSMake<NSData>(std::string_view(converted(xml, "bin"))));
-    return object ? object->description()->utf8() : "nil";
+    return shown(object);
   } catch (const NSException& exception) {
     return exception.reason()->utf8();
   }
 }
 
-TEST(Archiving, RefusesObjectsThatCannotBe) {
+TEST(Archiving, ReadsRecordsOfOtherWriters) {
   const std::string array = classNamed("NSArray");
-  EXPECT_EQ(outcome(record(2, listOf({1})) + array),
-            "the object for key 'NS.objects' contains itself");
-  EXPECT_EQ(outcome(record(2, listOf({3})) + array),
-            "value for key 'NS.objects' refers to an object that is not there");
-  EXPECT_EQ(outcome(record(2, listOf({-1})) + array),
-            "value for key 'NS.objects' refers to an object that is not there");
-  EXPECT_EQ(outcome(record(2, listOf({0})) + array), "an element is nil (in 'initWithObjects:')");
-  EXPECT_EQ(outcome(record(3, "") + array), "an object has no class");
-  EXPECT_EQ(outcome(record(1, "") + array), "a class has no name");
-  EXPECT_EQ(outcome(array + array), "an object has no class");
-  EXPECT_EQ(outcome("<array/>"), "an object of the archive is of no kind that objects have");
+  const auto listed = [&](int index) { return record(2, listOf({index})) + array; };
+  for (const auto& [objects, expected] : Rows<std::string, const char*>{
+           {record(2, "<key>NS.string</key><string>a</string>") + classNamed("NSMutableString"),
+            "a"},
+           {record(2, "<key>NS.data</key><data>AAEC</data>") + classNamed("NSMutableData"),
+            "NSData of 3 bytes"},
+           {listed(1), "the object for key 'NS.objects' contains itself"},
+           {listed(3), "value for key 'NS.objects' refers to an object that is not there"},
+           {listed(-1), "value for key 'NS.objects' refers to an object that is not there"},
+           {listed(0), "an element is nil (in 'initWithObjects:')"},
+           {record(3, "") + array, "an object has no class"},
+           {record(1, "") + array, "a class has no name"},
+           {array + array, "an object has no class"},
+           {"<array/>", "an object of the archive is of no kind that objects have"},
+       }) {
+    EXPECT_EQ(outcome(objects), expected);
+  }
 
   // Chains of 400 in each other; the second begins with the end of the first.
   const auto chained = [&](int first, int count, int end) {
@@ -343,14 +345,6 @@ TEST(Archiving, RefusesObjectsThatCannotBe) {
   EXPECT_EQ(outcome(head + chained(3, 400, 502) + chained(403, 99, 3) + "<string>a</string>")
                 .substr(0, 2),
             "((");
-}
-
-TEST(Archiving, ReadsRecordsOfOtherWriters) {
-  EXPECT_EQ(outcome(record(2, "<key>NS.string</key><string>inline</string>") +
-                    classNamed("NSMutableString")),
-            "inline");
-  EXPECT_EQ(outcome(record(2, "<key>NS.data</key><data>AAEC</data>") + classNamed("NSMutableData")),
-            "NSData of 3 bytes");
 }
 
 NSRef<NSArray> sample() {

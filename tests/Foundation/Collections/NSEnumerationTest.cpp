@@ -2,8 +2,6 @@
 
 namespace {
 
-NSRef<NSNumber> number(int value) { return NSMake<NSNumber>(value); }
-
 // Changes the collection at the first step of a walk.
 template <class Collection, class Change>
 void raisesWhenWalked(const NSRef<Collection>& collection, Change change) {

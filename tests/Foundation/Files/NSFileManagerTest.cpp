@@ -40,10 +40,6 @@ std::string make(const fs::path& path, bool createIntermediates = true,
   return make(NSURL::fileURLWithPath_isDirectory(path, true), createIntermediates, attributes);
 }
 
-NSRef<NSDictionary> withPermissions(const NSRef<NSObject>& permissions) {
-  return NSMake<NSDictionary>({{NSFilePosixPermissions(), permissions}});
-}
-
 TEST(NSFileManager, MakesDirectories) {
   const TestFolder folder;
   EXPECT_EQ(make(folder / "a/b/../c"), "none");
@@ -61,7 +57,7 @@ TEST(NSFileManager, MakesDirectories) {
 TEST(NSFileManager, TellsAttributes) {
   const TestFolder folder;
   const mode_t former = umask(027);
-  const auto wanted = withPermissions(NSMake<NSNumber>(0702));
+  const auto wanted = permissions(number(0702));
   EXPECT_EQ(make(folder / "m/n/./", true, wanted), "none");
   EXPECT_EQ(make(folder / "m", true, wanted), "none");  // One that exists keeps its permissions.
   umask(former);
@@ -109,7 +105,7 @@ TEST(NSFileManager, LeavesNothingOfADirectoryThatCannotBeMade) {
        }) {
     EXPECT_EQ(make(path), expected(code, number, name));
   }
-  EXPECT_EQ(make(folder / "a", true, withPermissions(u"rwx"_ns)),
+  EXPECT_EQ(make(folder / "a", true, permissions(u"rwx"_ns)),
             expected(NSFileWriteUnknownError, EINVAL, "a"));
   for (const auto& [url, code] : {std::pair(u"http://a/b"_ns, NSFileWriteUnsupportedSchemeError),
                                   std::pair(u"file:///tmp/%00"_ns, NSFileWriteInvalidFileNameError),

@@ -7,7 +7,7 @@ namespace {
 
 NSRef<NSFileWrapper> file(std::string_view bytes, const char* name = nullptr) {
   auto wrapper = NSMake<NSFileWrapper>(NSMake<NSData>(bytes));
-  if (name != nullptr) wrapper->setPreferredFilename(NSMake<NSString>(name));
+  if (name != nullptr) wrapper->setPreferredFilename(string(name));
   return wrapper;
 }
 
@@ -15,12 +15,8 @@ NSRef<NSFileWrapper> directory(std::initializer_list<NSRef<NSFileWrapper>> child
                                const char* name = nullptr) {
   auto wrapper = NSMake<NSFileWrapper>(NSMake<NSDictionary>());
   for (const auto& child : children) wrapper->addFileWrapper(child);
-  if (name != nullptr) wrapper->setPreferredFilename(NSMake<NSString>(name));
+  if (name != nullptr) wrapper->setPreferredFilename(string(name));
   return wrapper;
-}
-
-NSRef<NSDictionary> permissions(int mode) {
-  return NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(mode)}});
 }
 
 // The code of the error, 0 for success.
@@ -110,7 +106,7 @@ TEST(NSFileWrapper, SavesAndLoadsADocument) {
     document->addFileWrapper(part);
   }
   const auto empty = directory({file("", "nothing")}, "empty");
-  empty->setFileAttributes(permissions(0500));
+  empty->setFileAttributes(permissions(number(0500)));
   document->addFileWrapper(empty);
   const fs::path place = folder / "document";
   EXPECT_EQ(write(document, place, NSFileWrapperWritingWithNameUpdating), 0);
@@ -136,7 +132,7 @@ TEST(NSFileWrapper, SavesAndLoadsADocument) {
   EXPECT_TRUE(fs::is_symlink(folder / "link") && fs::is_empty(place));
   EXPECT_EQ(fs::status(place).permissions(), fs::perms{0705});
   const auto secret = file("all");
-  secret->setFileAttributes(permissions(0600));
+  secret->setFileAttributes(permissions(number(0600)));
   // Its own permissions, and then those of the file before.
   for (const auto& wrapper : {secret, file("all")}) {
     EXPECT_EQ(write(wrapper, place), 0);
@@ -247,7 +243,7 @@ TEST(NSFileWrapper, WritesWhatItsOwnerMayNotChange) {
   const bool isTested = asNobody([&] {
     const auto locked = directory({directory({file("x", "a")}, "in")}, "locked");
     for (const auto& wrapper : {locked, childOf(locked, u"in"_ns)}) {
-      wrapper->setFileAttributes(permissions(0500));
+      wrapper->setFileAttributes(permissions(number(0500)));
     }
     const auto document = directory({locked});
     for (int k = 0; k < 2; ++k) EXPECT_EQ(write(document, folder / "document"), 0);

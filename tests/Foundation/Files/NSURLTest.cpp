@@ -2,12 +2,7 @@
 
 namespace {
 
-std::string shown(const NSRef<NSObject>& object) {
-  return object ? object->description()->utf8() : "nil";
-}
-
-NSRef<NSURL> url(const char* text) { return NSURL::URLWithString(NSMake<NSString>(text)); }
-NSRef<NSString> path(const char* text) { return NSMake<NSString>(text); }
+NSRef<NSURL> url(const char* text) { return NSURL::URLWithString(string(text)); }
 
 // The texts, each with "|" before it.
 template <class... Objects>
@@ -60,7 +55,7 @@ TEST(NSURL, RefusesTextOutsideTheSyntax) {
 }
 
 TEST(NSURL, NamesFiles) {
-  const auto file = [](const char* text) { return shown(NSURL::fileURLWithPath(path(text))); };
+  const auto file = [](const char* text) { return shown(NSURL::fileURLWithPath(string(text))); };
   EXPECT_EQ(file("/no/such ü?#%;"), "file:///no/such%20%C3%BC%3F%23%25%3B");
   EXPECT_EQ(file("/no/such/"), "file:///no/such/");
   EXPECT_EQ(file("/usr"), "file:///usr/");
@@ -69,8 +64,8 @@ TEST(NSURL, NamesFiles) {
   EXPECT_FALSE(NSURL::fileURLWithPath(NSMake<NSString>(std::u16string_view(u"/\xD800"))));
   expectRaises(NSInvalidArgumentException, "path is nil (in 'fileURLWithPath:')",
                [] { (void)NSURL::fileURLWithPath(NSRef<NSString>()); });
-  EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory(path("/no"), true)), "file:///no/");
-  EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory(path("/usr"), false)), "file:///usr");
+  EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory(string("/no"), true)), "file:///no/");
+  EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory(string("/usr"), false)), "file:///usr");
 
   const fs::path bytes("/no/\xFF");
   EXPECT_EQ(NSURL::fileURLWithPath(bytes)->fileSystemPath(), bytes);
@@ -93,7 +88,7 @@ TEST(NSURL, NamesNoFileRelativeToADirectoryThatIsGone) {
     fs::create_directory(folder);
     fs::current_path(folder);
     fs::remove(folder);
-    EXPECT_FALSE(NSURL::fileURLWithPath(path("a")));
+    EXPECT_FALSE(NSURL::fileURLWithPath(string("a")));
   }));
 }
 
@@ -114,7 +109,7 @@ TEST(NSPath, IsTakenApart) {
            {"a..b", "|(a..b)|a..b||b|a.|a..b.x"},
            {"a.b/c", "|(a.b, c)|c|a.b||a.b/c|a.b/c.x"},
        }) {
-    const auto whole = path(text);
+    const auto whole = string(text);
     EXPECT_EQ(joined(whole->pathComponents(), whole->lastPathComponent(),
                      whole->stringByDeletingLastPathComponent(), whole->pathExtension(),
                      whole->stringByDeletingPathExtension(),
@@ -128,10 +123,10 @@ TEST(NSPath, IsTakenApart) {
                                                    {"", "a", "a"},
                                                    {"a", "/", "a"},
                                                    {"a", "", "a"}}) {
-    EXPECT_EQ(shown(path(folder)->stringByAppendingPathComponent(path(name))), result);
+    EXPECT_EQ(shown(string(folder)->stringByAppendingPathComponent(string(name))), result);
   }
-  EXPECT_TRUE(path("/a")->isAbsolutePath() && path("~")->isAbsolutePath());
-  EXPECT_FALSE(path("a/")->isAbsolutePath() || path("")->isAbsolutePath());
+  EXPECT_TRUE(string("/a")->isAbsolutePath() && string("~")->isAbsolutePath());
+  EXPECT_FALSE(string("a/")->isAbsolutePath() || string("")->isAbsolutePath());
 }
 
 TEST(NSURL, AppendsComponents) {
@@ -148,14 +143,14 @@ TEST(NSURL, AppendsComponents) {
            {"?q", "a", "a?q", "a/?q"},
            {"mailto:a", "b", "nil", "nil"},
        }) {
-    const auto result = [whole = url(text), component = path(component)](bool isDirectory) {
+    const auto result = [whole = url(text), component = string(component)](bool isDirectory) {
       return shown(whole->URLByAppendingPathComponent_isDirectory(component, isDirectory));
     };
     EXPECT_EQ(result(false), file) << text;
     EXPECT_EQ(result(true), directory) << text;
   }
-  const NSRef<NSArray> odd = NSMake<NSArray>({u"/"_ns, NSMake<NSNumber>(1), u"no"_ns});
-  EXPECT_EQ(joined(NSURL::fileURLWithPathComponents(path("/no/a b/")->pathComponents()),
+  const NSRef<NSArray> odd = NSMake<NSArray>({u"/"_ns, number(1), u"no"_ns});
+  EXPECT_EQ(joined(NSURL::fileURLWithPathComponents(string("/no/a b/")->pathComponents()),
                    NSURL::fileURLWithPathComponents(odd),
                    NSURL::fileURLWithPathComponents(NSMake<NSArray>()),
                    NSURL::fileURLWithPathComponents(nullptr)),
@@ -170,7 +165,7 @@ TEST(NSPath, IsStandardized) {
   fs::create_directories(folder / "real" / "deep");
   fs::create_directory_symlink(folder / "real" / "deep", folder / "link");
   const std::string& inside = folder.path().native();
-  const std::string expandedHome = path("~")->stringByExpandingTildeInPath()->utf8();
+  const std::string expandedHome = string("~")->stringByExpandingTildeInPath()->utf8();
   EXPECT_EQ(expandedHome, NSHomeDirectory()->utf8());
   for (const auto& [text, result] : Rows<std::string, std::string>{
            {"../x/./y", "../x/y"},
@@ -197,16 +192,16 @@ TEST(NSPath, IsStandardized) {
 TEST(NSPercentEncoding, RoundTrips) {
   const auto& allowed = NSCharacterSet::URLPathAllowedCharacterSet();
   const auto encode = [&](const char* text) {
-    return shown(path(text)->stringByAddingPercentEncodingWithAllowedCharacters(allowed));
+    return shown(string(text)->stringByAddingPercentEncodingWithAllowedCharacters(allowed));
   };
   EXPECT_EQ(encode("a/b c;?ü%"), "a/b%20c%3B%3F%C3%BC%25");
   EXPECT_EQ(shown(u"a"_ns->stringByAddingPercentEncodingWithAllowedCharacters(nullptr)), "%61");
   EXPECT_FALSE(NSMake<NSString>(std::u16string_view(u"\xD800"))
                    ->stringByAddingPercentEncodingWithAllowedCharacters(allowed));
   for (const char* const broken : {"%", "%2", "%zz", "%+1", "%0x", "a%2", "%FF", "%C3"}) {
-    EXPECT_FALSE(path(broken)->stringByRemovingPercentEncoding()) << broken;
+    EXPECT_FALSE(string(broken)->stringByRemovingPercentEncoding()) << broken;
   }
-  EXPECT_EQ(shown(path("%41%c3%BC+")->stringByRemovingPercentEncoding()), "Aü+");
+  EXPECT_EQ(shown(string("%41%c3%BC+")->stringByRemovingPercentEncoding()), "Aü+");
   expectProperty(
       "an encoded text is a part of a URL and comes back", [&](const std::string& bytes) {
         const auto text = NSMake<NSString>(bytes);

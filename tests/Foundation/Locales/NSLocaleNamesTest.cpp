@@ -1,14 +1,6 @@
 #include "tests/Support.h"
 
-#include <sstream>
-
 namespace {
-
-std::string shown(const NSRef<NSString>& text) { return text ? text->utf8() : "nil"; }
-NSRef<NSString> string(const char* text) { return NSMake<NSString>(text); }
-NSRef<NSLocale> locale(const char* text) {
-  return NSLocale::localeWithLocaleIdentifier(string(text));
-}
 
 TEST(NSLocaleNames, SplitsIdentifiers) {
   // Language, script, country, variant.
@@ -35,7 +27,7 @@ TEST(NSLocaleNames, SplitsIdentifiers) {
     const std::array<NSRef<NSString>, 4> keys = {NSLocaleLanguageCode(), NSLocaleScriptCode(),
                                                  NSLocaleCountryCode(), NSLocaleVariantCode()};
     for (std::size_t k = 0; k < keys.size(); ++k) {
-      EXPECT_EQ(shown(components->objectForKey(keys[k]).as<NSString>()), parts[k]) << identifier;
+      EXPECT_EQ(shown(components->objectForKey(keys[k])), parts[k]) << identifier;
     }
   }
   EXPECT_FALSE(NSLocale::componentsFromLocaleIdentifier(nullptr));

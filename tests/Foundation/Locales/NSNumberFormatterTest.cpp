@@ -7,10 +7,6 @@
 
 namespace {
 
-NSRef<NSLocale> locale(const char* identifier) {
-  return NSLocale::localeWithLocaleIdentifier(NSMake<NSString>(identifier));
-}
-
 NSRef<NSNumberFormatter> decimalFormatter(const char* identifier) {
   auto formatter = NSMake<NSNumberFormatter>();
   formatter->setLocale(locale(identifier));
@@ -182,15 +178,11 @@ TEST(NSNumberFormatter, ComesBackFromAnArchive) {
   original->setRoundingIncrement(NSMake<NSNumber>(0.5));
   original->setMinimumFractionDigits(2);
   original->setRoundingMode(NSNumberFormatterRoundUp);
-  const auto copyOf = [](const NSRef<NSNumberFormatter>& formatter) {
-    return NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumberFormatter>(
-        NSKeyedArchiver::archivedDataWithRootObject(formatter));
-  };
-  const auto copy = copyOf(original);
+  const auto copy = unarchived<NSNumberFormatter>(original);
   EXPECT_EQ(text(copy, 1234.1), "1.234,50");
   EXPECT_EQ(copy->numberStyle(), NSNumberFormatterDecimalStyle);
 
-  const auto plain = copyOf(NSMake<NSNumberFormatter>());
+  const auto plain = unarchived<NSNumberFormatter>(NSMake<NSNumberFormatter>());
   EXPECT_EQ(plain->locale(), NSLocale::currentLocale());
   EXPECT_EQ(plain->maximumFractionDigits(), 0);
   EXPECT_EQ(plain->roundingIncrement(), nullptr);
@@ -206,19 +198,17 @@ TEST(NSNumberFormatter, RefusesSettingsThatMakeNoSense) {
   };
   NSKeyedUnarchiver::setClass_forClassName<NSNumberFormatter>(NSClass::of<Settings>().name());
   const auto read = [](const NSRef<NSString>& key, const NSRef<NSObject>& value) {
-    const auto settings = NSMake<Settings>(NSMake<NSDictionary>({{key, value}}));
-    return NSKeyedUnarchiver::unarchivedObjectOfClass<NSNumberFormatter>(
-        NSKeyedArchiver::archivedDataWithRootObject(settings));
+    return unarchived<NSNumberFormatter>(NSMake<Settings>(NSMake<NSDictionary>({{key, value}})));
   };
-  EXPECT_EQ(read(u"numberStyle"_ns, NSMake<NSNumber>(1))->maximumFractionDigits(), 3);
+  EXPECT_EQ(read(u"numberStyle"_ns, number(1))->maximumFractionDigits(), 3);
   for (const auto& [key, value] : Rows<const char*, NSRef<NSObject>>{
-           {"numberStyle", NSMake<NSNumber>(9)},
-           {"numberStyle", NSMake<NSNumber>(-1)},
+           {"numberStyle", number(9)},
+           {"numberStyle", number(-1)},
            {"maximumFractionDigits", NSMake<NSNumber>(1.5)},
-           {"minimumFractionDigits", NSMake<NSNumber>(-1)},
+           {"minimumFractionDigits", number(-1)},
            {"roundingMode", u"up"_ns},
            {"roundingIncrement", u"up"_ns},
-           {"locale", NSMake<NSNumber>(1)},
+           {"locale", number(1)},
        }) {
     expectRaises(NSInvalidUnarchiveOperationException,
                  std::string("the number formatter's ").append(key).append(" cannot be read"),

@@ -5,6 +5,8 @@ namespace {
 enum Style : std::uint8_t { plain, bold };
 
 struct Section : NSObject {
+  explicit Section(NSRef<NSString> aHeading = nullptr) : heading(std::move(aHeading)) {}
+
   NSRef<NSString> heading;
   int pages = 0;
   Style style = bold;
@@ -33,42 +35,32 @@ struct Chapter : Section {
   }
 };
 
-NSRef<Section> makeSection(const NSRef<NSString>& heading) {
-  auto section = NSMake<Section>();
-  section->heading = heading;
-  return section;
-}
-
 TEST(NSKeyValueCoding, ReadsPublishedMembersAndBoxesThem) {
   auto chapter = NSMake<Chapter>();
   chapter->heading = u"One"_ns;
   chapter->pages = 12;
-  const auto value = [&](const char16_t* key) {
-    return chapter->valueForKey(NSMake<NSString>(key));
-  };
-  EXPECT_EQ(value(u"heading"), chapter->heading);
-  EXPECT_PRED2(NSEqualObjects{}, value(u"pages"), NSMake<NSNumber>(12));
-  EXPECT_PRED2(NSEqualObjects{}, value(u"style"), NSMake<NSNumber>(1));
-  EXPECT_PRED2(NSEqualObjects{}, value(u"range"), NSMake<NSValue>(NSRange{2, 5}));
-  EXPECT_PRED2(NSEqualObjects{}, value(u"author"), u"Ada"_ns);
-  EXPECT_EQ(value(u"sections"), nullptr);
-  EXPECT_EQ(value(u"self"), chapter);
-  EXPECT_PRED2(NSEqualObjects{}, value(u"hash"), NSMake<NSNumber>(chapter->hash()));
+  const auto value = [&](const char* key) { return chapter->valueForKey(string(key)); };
+  EXPECT_EQ(value("heading"), chapter->heading);
+  EXPECT_PRED2(NSEqualObjects{}, value("pages"), number(12));
+  EXPECT_PRED2(NSEqualObjects{}, value("style"), number(1));
+  EXPECT_PRED2(NSEqualObjects{}, value("range"), NSMake<NSValue>(NSRange{2, 5}));
+  EXPECT_PRED2(NSEqualObjects{}, value("author"), u"Ada"_ns);
+  EXPECT_EQ(value("sections"), nullptr);
+  EXPECT_EQ(value("self"), chapter);
+  EXPECT_PRED2(NSEqualObjects{}, value("hash"), NSMake<NSNumber>(chapter->hash()));
 }
 
 TEST(NSKeyValueCoding, FollowsPathsThroughCollections) {
   auto chapter = NSMake<Chapter>();
   EXPECT_EQ(chapter->valueForKeyPath(u"sections.heading"_ns), nullptr);
-  chapter->sections = NSMake<NSArray>({makeSection(u"A"_ns), makeSection(nullptr)});
+  chapter->sections = NSMake<NSArray>({NSMake<Section>(u"A"_ns), NSMake<Section>()});
   const auto book = NSMake<NSDictionary>({{u"first"_ns, chapter}});
-  const auto path = [&](const char16_t* keys) {
-    return testing::PrintToString(book->valueForKeyPath(NSMake<NSString>(keys)));
-  };
-  EXPECT_EQ(path(u"first.sections.heading"), "(A, <null>)");
-  EXPECT_EQ(path(u"first.sections.pages"), "(0, 0)");
-  EXPECT_EQ(path(u"first.author.length"), "3");
-  EXPECT_EQ(path(u"second.author"), "(null)");
-  const auto set = NSMake<NSSet>({makeSection(u"B"_ns), makeSection(nullptr)});
+  const auto path = [&](const char* keys) { return shown(book->valueForKeyPath(string(keys))); };
+  EXPECT_EQ(path("first.sections.heading"), "(A, <null>)");
+  EXPECT_EQ(path("first.sections.pages"), "(0, 0)");
+  EXPECT_EQ(path("first.author.length"), "3");
+  EXPECT_EQ(path("second.author"), "nil");
+  const auto set = NSMake<NSSet>({NSMake<Section>(u"B"_ns), NSMake<Section>()});
   EXPECT_EQ(set->valueForKey(u"heading"_ns)->description(), u"{(B)}");
 }
 

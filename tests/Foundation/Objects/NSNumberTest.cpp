@@ -37,9 +37,7 @@ TEST(NSNumber, ComparesExactlyAcrossTypes) {
         for (const auto& y : ascendingNumbers[b]) {
           EXPECT_EQ(x->compare(y), expected) << x << " and " << y;
           EXPECT_EQ(x->isEqual(y), a == b);
-          if (a == b) {
-            EXPECT_EQ(x->hash(), y->hash()) << x << " and " << y;
-          }
+          EXPECT_TRUE(a != b || x->hash() == y->hash()) << x << " and " << y;
         }
       }
     }
@@ -97,16 +95,13 @@ TEST(NSNumber, WritesItsValue) {
   EXPECT_EQ(text(true), u"1");
 }
 
-TEST(NSValue, KeepsItsKind) {
+TEST(NSValue, KeepsItsKindAndMembers) {
   const auto rect = NSMake<NSValue>(NSMakeRect(1, 2.5, 3, 4));
   EXPECT_EQ(rect->rectValue(), NSMakeRect(1, 2.5, 3, 4));
   EXPECT_EQ(rect->description(), u"{{1, 2.5}, {3, 4}}");
   expectRaises(NSInvalidArgumentException,
                "the value {{1, 2.5}, {3, 4}} is of another kind (in 'rangeValue')",
                [&] { (void)rect->rangeValue(); });
-}
-
-TEST(NSValue, EqualsTheSameKindWithEqualMembers) {
   const auto point = [](double x, double y) { return NSMake<NSValue>(NSMakePoint(x, y)); };
   EXPECT_PRED2(NSEqualObjects{}, point(0.0, 2), point(-0.0, 2));
   EXPECT_EQ(point(0.0, 2)->hash(), point(-0.0, 2)->hash());

@@ -1,7 +1,5 @@
 #include "tests/Support.h"
 
-#include <sstream>
-
 namespace {
 
 template <class... Arguments>

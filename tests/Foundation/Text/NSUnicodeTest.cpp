@@ -2,7 +2,6 @@
 #include "tests/VectorTargets.h"
 
 #include <iterator>
-#include <sstream>
 
 #include <unicode/unistr.h>
 
