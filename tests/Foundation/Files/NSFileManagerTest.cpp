@@ -7,22 +7,19 @@
 namespace {
 
 // Code, number behind it and the name that failed: "516 17 file"; "none" for success.
-std::string shown(const NSRef<NSError>& error) {
-  if (!error) return "none";
-  const auto underlying = error->userInfo()->objectForKey(NSUnderlyingErrorKey()).as<NSError>();
-  EXPECT_EQ(error->domain(), NSCocoaErrorDomain());
-  EXPECT_TRUE(!underlying || underlying->domain() == NSPOSIXErrorDomain());
-  return std::to_string(error->code()) + ' ' +
-         std::to_string(underlying ? underlying->code() : NSInteger{0}) + ' ' +
-         error->userInfo()
-             ->objectForKey(NSFilePathErrorKey())
-             .as<NSString>()
-             ->lastPathComponent()
-             ->utf8();
+std::string expected(NSInteger code, NSInteger number, const std::string& name) {
+  return std::to_string(code) + ' ' + std::to_string(number) + ' ' + name;
 }
 
-std::string expected(NSCocoaErrorCode code, int number, const std::string& name) {
-  return std::to_string(code) + ' ' + std::to_string(number) + ' ' + name;
+std::string shown(const NSRef<NSError>& error) {
+  if (!error) return "none";
+  const auto info = error->userInfo();
+  const auto underlying = info->objectForKey(NSUnderlyingErrorKey()).as<NSError>();
+  const auto path = info->objectForKey(NSFilePathErrorKey()).as<NSString>();
+  EXPECT_EQ(error->domain(), NSCocoaErrorDomain());
+  EXPECT_TRUE(!underlying || underlying->domain() == NSPOSIXErrorDomain());
+  return expected(error->code(), underlying ? underlying->code() : 0,
+                  path->lastPathComponent()->utf8());
 }
 
 // Makes a directory and gives the error.

@@ -2,8 +2,8 @@
 
 #include <charconv>
 
+#include <unicode/numberformatter.h>
 #include <unicode/uloc.h>
-#include <unicode/unumberformatter.h>
 
 namespace {
 
@@ -22,37 +22,30 @@ std::string text(const NSRef<NSNumberFormatter>& formatter, Number number) {
 // ICU's answer, for comparison.
 class Reference {
  public:
-  Reference(std::u16string_view skeleton, const char* identifier) {
-    _formatter.reset(
-        unumf_openForSkeletonAndLocale(skeleton.data(), static_cast<std::int32_t>(skeleton.size()),
-                                       identifier, &_status),
-        unumf_close);
-    _result.reset(unumf_openResult(&_status), unumf_closeResult);
-  }
+  Reference(const char16_t* skeleton, const char* identifier)
+      : _formatter(
+            icu::number::NumberFormatter::forSkeleton(skeleton, _status).locale(identifier)) {}
 
   std::string decimal(double value) {
     // Its digits: given the double itself, ICU 72 takes 6,902,322,733,148.125 to the next but one
     // multiple of the single-precision 0.01.
     std::array<char, 400> digits{};
     std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
-    unumf_formatDecimal(_formatter.get(), digits.data(), -1, _result.get(), &_status);
-    unumf_resultToDecimalNumber(_result.get(), digits.data(), digits.size(), &_status);
+    const auto rounded = _formatter.formatDecimal(digits.data(), _status);
+    const auto decimal = rounded.toDecimalNumber<std::string>(_status);
     // ICU forgets the sign of zero here, though not in texts.
-    const std::string sign = std::signbit(value) && digits[0] != '-' ? "-" : "";
-    return sign + digits.data();
+    return std::signbit(value) && decimal[0] != '-' ? '-' + decimal : decimal;
   }
   std::string text(const std::string& decimal) {
-    unumf_formatDecimal(_formatter.get(), decimal.c_str(), -1, _result.get(), &_status);
-    std::array<char16_t, 400> units{};
-    const auto length = unumf_resultToString(_result.get(), units.data(), units.size(), &_status);
+    std::string utf8;
+    _formatter.formatDecimal(decimal, _status).toString(_status).toUTF8String(utf8);
     EXPECT_TRUE(U_SUCCESS(_status));
-    return NSUTF8FromUnits({units.data(), static_cast<std::size_t>(length)});
+    return utf8;
   }
 
  private:
   UErrorCode _status = U_ZERO_ERROR;
-  std::shared_ptr<UNumberFormatter> _formatter;
-  std::shared_ptr<UFormattedNumber> _result;
+  icu::number::LocalizedNumberFormatter _formatter;
 };
 
 TEST(NSNumberFormatter, WritesEveryNumber) {

@@ -2,18 +2,14 @@
 
 namespace {
 
-constexpr auto int64Min = std::numeric_limits<std::int64_t>::min();
-constexpr auto int64Max = std::numeric_limits<std::int64_t>::max();
-constexpr auto uint64Max = std::numeric_limits<std::uint64_t>::max();
 const double notANumber = std::nan("");
-const double infinity = std::numeric_limits<double>::infinity();
 
 // In ascending order; equal values share a row.
 const std::vector<std::vector<NSRef<NSNumber>>> ascendingNumbers = {
     {NSMake<NSNumber>(notANumber), NSMake<NSNumber>(-notANumber)},
-    {NSMake<NSNumber>(-infinity)},
-    {NSMake<NSNumber>(int64Min), NSMake<NSNumber>(-0x1p63)},
-    {NSMake<NSNumber>(int64Min + 1)},
+    {NSMake<NSNumber>(-HUGE_VAL)},
+    {NSMake<NSNumber>(NSIntegerMin), NSMake<NSNumber>(-0x1p63)},
+    {NSMake<NSNumber>(NSIntegerMin + 1)},
     {NSMake<NSNumber>(-1.5F)},
     {NSMake<NSNumber>(-1), NSMake<NSNumber>(-1.0)},
     {NSMake<NSNumber>(0U), NSMake<NSNumber>(false), NSMake<NSNumber>(-0.0)},
@@ -21,12 +17,12 @@ const std::vector<std::vector<NSRef<NSNumber>>> ascendingNumbers = {
     {NSMake<NSNumber>(true), NSMake<NSNumber>(1), NSMake<NSNumber>(1.0F)},
     {NSMake<NSNumber>(0x1p53), NSMake<NSNumber>(std::int64_t{1} << 53)},
     {NSMake<NSNumber>((std::int64_t{1} << 53) + 1)},
-    {NSMake<NSNumber>(int64Max), NSMake<NSNumber>(std::uint64_t{int64Max})},
+    {NSMake<NSNumber>(NSIntegerMax), NSMake<NSNumber>(NSUInteger{NSIntegerMax})},
     {NSMake<NSNumber>(std::uint64_t{1} << 63), NSMake<NSNumber>(0x1p63)},
     {NSMake<NSNumber>((std::uint64_t{1} << 63) + 1)},
-    {NSMake<NSNumber>(uint64Max)},
+    {NSMake<NSNumber>(NSUIntegerMax)},
     {NSMake<NSNumber>(0x1p64)},
-    {NSMake<NSNumber>(infinity)},
+    {NSMake<NSNumber>(HUGE_VAL)},
 };
 
 TEST(NSNumber, ComparesExactlyAcrossTypes) {
@@ -45,15 +41,15 @@ TEST(NSNumber, ComparesExactlyAcrossTypes) {
 }
 
 TEST(NSNumber, ConvertsWithSaturationAndWrapping) {
-  EXPECT_EQ(NSMake<NSNumber>(-1)->unsignedIntegerValue(), uint64Max);
-  EXPECT_EQ(NSMake<NSNumber>(uint64Max)->integerValue(), -1);
+  EXPECT_EQ(NSMake<NSNumber>(-1)->unsignedIntegerValue(), NSUIntegerMax);
+  EXPECT_EQ(NSMake<NSNumber>(NSUIntegerMax)->integerValue(), -1);
   EXPECT_EQ(NSMake<NSNumber>(0x1'0000'0005)->intValue(), 5);
   EXPECT_EQ(NSMake<NSNumber>(-2.9)->intValue(), -2);
   EXPECT_EQ(NSMake<NSNumber>(-2.9)->unsignedLongValue(), 0U);
   EXPECT_EQ(NSMake<NSNumber>(1e300)->intValue(), std::numeric_limits<int>::max());
-  EXPECT_EQ(NSMake<NSNumber>(0x1p63)->longLongValue(), int64Max);
-  EXPECT_EQ(NSMake<NSNumber>(-infinity)->integerValue(), int64Min);
-  EXPECT_EQ(NSMake<NSNumber>(infinity)->unsignedLongLongValue(), uint64Max);
+  EXPECT_EQ(NSMake<NSNumber>(0x1p63)->longLongValue(), NSIntegerMax);
+  EXPECT_EQ(NSMake<NSNumber>(-HUGE_VAL)->integerValue(), NSIntegerMin);
+  EXPECT_EQ(NSMake<NSNumber>(HUGE_VAL)->unsignedLongLongValue(), NSUIntegerMax);
   EXPECT_EQ(NSMake<NSNumber>(notANumber)->integerValue(), 0);
   EXPECT_EQ(NSMake<NSNumber>(true)->doubleValue(), 1.0);
   EXPECT_EQ(NSMake<NSNumber>(0.1)->floatValue(), 0.1F);
@@ -85,7 +81,7 @@ TEST(NSNumber, IsFoundAmongOthersThatWereChosen) {
 
 TEST(NSNumber, WritesItsValue) {
   const auto text = [](auto value) { return NSMake<NSNumber>(value)->stringValue(); };
-  EXPECT_EQ(text(uint64Max), u"18446744073709551615");
+  EXPECT_EQ(text(NSUIntegerMax), u"18446744073709551615");
   EXPECT_EQ(text(-2.2250738585072014e-308), u"-2.2250738585072014e-308");
   EXPECT_EQ(text(0.1), u"0.1");
   EXPECT_EQ(text(-0.0001), u"-0.0001");
