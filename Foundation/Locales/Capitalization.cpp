@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <unicode/ubrk.h>
 #include <unicode/ucasemap.h>
@@ -65,4 +66,11 @@ void NSAppendCapitalized(std::u16string_view text, NSUnitBuffer& result) {
     capitalizer = std::make_unique<Capitalizer>(locale);
   }
   capitalizer->append(text, result);
+}
+
+NSRef<NSString> NSString::localizedCapitalizedString() const {
+  NSUnitBuffer result;
+  NSAppendCapitalized(view(), result);
+  result.shrink();
+  return NSMake<NSString>(std::move(result));
 }

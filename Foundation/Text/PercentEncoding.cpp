@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include <Foundation/NSCharacterSet.h>
+#include <Foundation/NSString.h>
 
 std::optional<std::string> NSPercentDecoded(std::string_view text) {
   std::string bytes;
@@ -36,4 +37,18 @@ std::string NSPercentEncoded(std::string_view bytes, const NSCharacterSet& allow
     }
   }
   return text;
+}
+
+NSRef<NSString> NSString::stringByRemovingPercentEncoding() const {
+  const auto bytes = NSPercentDecoded(utf8());
+  if (!bytes || !NSIsWellFormedUTF8(*bytes)) return nullptr;
+  return NSMake<NSString>(std::string_view(*bytes));
+}
+
+NSRef<NSString> NSString::stringByAddingPercentEncodingWithAllowedCharacters(
+    const NSRef<NSCharacterSet>& allowedCharacters) const {
+  if (!NSIsWellFormed(view())) return nullptr;
+  const NSCharacterSet none;
+  const auto& allowed = allowedCharacters ? *allowedCharacters : none;
+  return NSMake<NSString>(std::string_view(NSPercentEncoded(utf8(), allowed)));
 }
