@@ -1,5 +1,7 @@
 #include "Foundation/Files/FileError.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 
 #include <Foundation/NSDictionary.h>
@@ -7,43 +9,29 @@
 
 namespace {
 
-NSCocoaErrorCode readCode(int number) {
-  switch (number) {
-    case ENOENT:
-      return NSFileReadNoSuchFileError;
-    case EACCES:
-    case EPERM:
-      return NSFileReadNoPermissionError;
-    case ENAMETOOLONG:
-    case EILSEQ:
-      return NSFileReadInvalidFileNameError;
-    case EFBIG:
-    case ENOMEM:
-      return NSFileReadTooLargeError;
-    default:
-      return NSFileReadUnknownError;
-  }
-}
+struct Codes {
+  int number;
+  NSCocoaErrorCode reading = NSFileReadUnknownError;
+  NSCocoaErrorCode writing = NSFileWriteUnknownError;
+};
+constexpr std::array<Codes, 11> codes = {{
+    {ENOENT, NSFileReadNoSuchFileError, NSFileNoSuchFileError},
+    {EACCES, NSFileReadNoPermissionError, NSFileWriteNoPermissionError},
+    {EPERM, NSFileReadNoPermissionError, NSFileWriteNoPermissionError},
+    {ENAMETOOLONG, NSFileReadInvalidFileNameError, NSFileWriteInvalidFileNameError},
+    {EILSEQ, NSFileReadInvalidFileNameError},
+    {EFBIG, NSFileReadTooLargeError},
+    {ENOMEM, NSFileReadTooLargeError},
+    {EEXIST, NSFileReadUnknownError, NSFileWriteFileExistsError},
+    {ENOSPC, NSFileReadUnknownError, NSFileWriteOutOfSpaceError},
+    {EDQUOT, NSFileReadUnknownError, NSFileWriteOutOfSpaceError},
+    {EROFS, NSFileReadUnknownError, NSFileWriteVolumeReadOnlyError},
+}};
 
-NSCocoaErrorCode writeCode(int number) {
-  switch (number) {
-    case ENOENT:
-      return NSFileNoSuchFileError;
-    case EACCES:
-    case EPERM:
-      return NSFileWriteNoPermissionError;
-    case ENAMETOOLONG:
-      return NSFileWriteInvalidFileNameError;
-    case EEXIST:
-      return NSFileWriteFileExistsError;
-    case ENOSPC:
-    case EDQUOT:
-      return NSFileWriteOutOfSpaceError;
-    case EROFS:
-      return NSFileWriteVolumeReadOnlyError;
-    default:
-      return NSFileWriteUnknownError;
-  }
+NSCocoaErrorCode codeOf(int number, NSFileUse use) {
+  const auto* const found = std::ranges::find(codes, number, &Codes::number);
+  const Codes known = found != codes.end() ? *found : Codes{number};
+  return use == NSFileUse::reading ? known.reading : known.writing;
 }
 
 }  // namespace
@@ -58,7 +46,7 @@ NSRef<NSError> NSErrorOf(const NSFileRefusal& refusal) {
 NSRef<NSError> NSErrorOf(const std::filesystem::filesystem_error& failure, NSFileUse use) {
   const int number = failure.code().value();
   return NSMake<NSError>(
-      NSCocoaErrorDomain(), use == NSFileUse::reading ? readCode(number) : writeCode(number),
+      NSCocoaErrorDomain(), codeOf(number, use),
       NSMake<NSDictionary>(
           {{NSFilePathErrorKey(), NSMake<NSString>(failure.path1().native())},
            {NSUnderlyingErrorKey(), NSMake<NSError>(NSPOSIXErrorDomain(), number, nullptr)}}));

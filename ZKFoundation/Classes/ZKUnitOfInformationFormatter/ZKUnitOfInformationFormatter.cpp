@@ -22,8 +22,7 @@ constexpr std::array<double, prefixCount> binaryFactors = {0x1p10, 0x1p20, 0x1p3
                                                            0x1p40, 0x1p50, 0x1p60};
 constexpr std::array<double, prefixCount> decimalFactors = {1e3, 1e6, 1e9, 1e12, 1e15, 1e18};
 
-// Where the texts are: four names for each prefix (of bytes in the long and the short form, then of
-// bits), followed by these.
+// Where the texts are: for each prefix the names of bytes, IEC and short, and of bits; then these.
 constexpr std::size_t namesPerPrefix = 4;
 enum Text : std::size_t { bytesText = prefixCount * namesPerPrefix, bitsText, patternText };
 
@@ -52,19 +51,10 @@ std::size_t prefixAt(NSInteger index) {
   return position < prefixCount ? position : 0;
 }
 
-NSInteger bitsPerUnit(NSInteger unit) {
-  switch (unit) {
-    case ZKUnitOfInformationNibble:
-      return 4;
-    case ZKUnitOfInformationByte:
-      return 8;
-    case ZKUnitOfInformationWord:
-      return 16;
-    case ZKUnitOfInformationDoubleWord:
-      return 32;
-    default:
-      return 1;
-  }
+NSUInteger bitsPerUnit(NSInteger unit) {
+  constexpr std::array<NSUInteger, 5> bits = {1, 4, 8, 16, 32};
+  const auto position = static_cast<NSUInteger>(unit);
+  return position < bits.size() ? bits[position] : 1;
 }
 
 }  // namespace
@@ -176,8 +166,7 @@ NSRef<NSString> ZKUnitOfInformationFormatter::stringFromNumberOfBits(
 
 NSRef<NSString> ZKUnitOfInformationFormatter::stringFromNumber_ofUnit(const NSRef<NSNumber>& number,
                                                                       NSInteger unit) const {
-  const auto bits =
-      static_cast<NSUInteger>(bitsPerUnit(unit)) * static_cast<NSUInteger>(number->integerValue());
+  const NSUInteger bits = bitsPerUnit(unit) * static_cast<NSUInteger>(number->integerValue());
   return stringFromNumberOfBits(NSMake<NSNumber>(static_cast<long long>(bits)));
 }
 
