@@ -9,8 +9,7 @@
 #include <Foundation/NSObject.h>
 
 /// A block as a parameter of a call that does not outlive it: any callable, or none. It refers to
-/// the caller's callable and costs no allocation. A callable that takes the first argument alone
-/// will do.
+/// the caller's callable without an allocation; that may take the first argument alone.
 ///
 /// A null pointer and an empty `std::function` are nil blocks; calling one is undefined, so an
 /// operation tests its block first.
@@ -44,9 +43,14 @@ class NSBlockRef<Result(First, Rest...)> {
     using Callable = std::remove_reference_t<F>;
     if (NSIsNilCallable(callable)) return;
     _callable = reinterpret_cast<const void*>(std::addressof(callable));
-    _call = [](const void* pointer, First first, Rest... rest) -> Result {
-      return call(*reinterpret_cast<Callable*>(const_cast<void*>(pointer)),
-                  std::forward<First>(first), std::forward<Rest>(rest)...);
+    _call = [](const void* pointer, First first, [[maybe_unused]] Rest... rest) -> Result {
+      auto& target = *reinterpret_cast<Callable*>(const_cast<void*>(pointer));
+      if constexpr (std::is_invocable_v<F&, First, Rest...>) {
+        return static_cast<Result>(
+            std::invoke(target, std::forward<First>(first), std::forward<Rest>(rest)...));
+      } else {
+        return static_cast<Result>(std::invoke(target, std::forward<First>(first)));
+      }
     };
   }
 
@@ -56,22 +60,6 @@ class NSBlockRef<Result(First, Rest...)> {
   }
 
  private:
-  template <class F>
-  static Result call(F& callable, First first, Rest... rest) {
-    const auto invoke = [&]() -> decltype(auto) {
-      if constexpr (std::is_invocable_v<F&, First, Rest...>) {
-        return std::invoke(callable, std::forward<First>(first), std::forward<Rest>(rest)...);
-      } else {
-        return std::invoke(callable, std::forward<First>(first));
-      }
-    };
-    if constexpr (std::is_void_v<Result>) {
-      static_cast<void>(invoke());
-    } else {
-      return invoke();
-    }
-  }
-
   const void* _callable = nullptr;
   Result (*_call)(const void*, First, Rest...) = nullptr;
 };
@@ -97,8 +85,7 @@ void NSInvokeWithTarget(F& callable, const NSRef<Target>& target) {
   }
 }
 
-/// Makes a block object of a callable for targets of that class; gives a block object as it is, and
-/// nil for a nil callable.
+/// Makes a block object of a callable for targets of that class; gives block objects and nil back.
 template <class Target, class F>
 [[nodiscard]] NSRef<NSBlock> NSMakeBlock(F&& callable) {
   using Callable = std::decay_t<F>;

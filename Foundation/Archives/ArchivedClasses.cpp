@@ -1,6 +1,5 @@
 #include "Foundation/Archives/ArchivedClasses.h"
 
-#include <utility>
 #include <vector>
 
 #include <Foundation/NSArray.h>
@@ -27,16 +26,6 @@ void encodeElements(const NSObject& object, NSKeyedArchiver& coder) {
   coder.encodeObjects_forKey(static_cast<const Collection&>(object), u"NS.objects"_ns);
 }
 
-// The collection as the class that the archive names.
-template <class Wanted, class Mutable>
-NSRef<NSObject> as(const NSRef<Mutable>& collection) {
-  if constexpr (std::is_same_v<Wanted, Mutable>) {
-    return collection;
-  } else {
-    return collection->copy();
-  }
-}
-
 template <class Array>
 NSArchivedClass arrayClass(const char16_t* name) {
   return {NSClass::of<Array>(), name, encodeElements<Array>,
@@ -49,11 +38,7 @@ template <class Set>
 NSArchivedClass setClass(const char16_t* name) {
   return {NSClass::of<Set>(), name, encodeElements<Set>,
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
-            const auto set = NSMake<NSMutableSet>();
-            for (const auto& element : coder.decodeObjectsForKey(u"NS.objects"_ns)) {
-              set->addObject(element);
-            }
-            return as<Set>(set);
+            return NSMake<Set>(NSMake<NSArray>(coder.decodeObjectsForKey(u"NS.objects"_ns)));
           }};
 }
 
@@ -75,7 +60,7 @@ NSArchivedClass dictionaryClass(const char16_t* name) {
             for (std::size_t k = 0; k < keys.size(); ++k) {
               dictionary->setObject_forKey(values[k], keys[k]);
             }
-            return as<Dictionary>(dictionary);
+            return NSMake<Dictionary>(NSRef<NSDictionary>(dictionary));
           }};
 }
 

@@ -2,6 +2,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <tuple>
 #include <utility>
 
 #include <fcntl.h>
@@ -68,33 +69,22 @@ NSRef<NSFileWrapper> readTree(const fs::path& path) {
 }
 
 // What stands at a place; another one as soon as it is exchanged, even if its number is the same.
-struct Identity {
-  explicit Identity(const fs::path& place) {
-    struct stat status {};
-    if (lstat(place.c_str(), &status) != 0) return;
-    device = status.st_dev;
-    number = status.st_ino;
-    seconds = status.st_ctim.tv_sec;
-    nanoseconds = status.st_ctim.tv_nsec;
-  }
-  bool operator==(const Identity&) const = default;
-
-  dev_t device = 0;
-  ino_t number = 0;
-  time_t seconds = 0;
-  long nanoseconds = 0;
-};
+auto identityOf(const fs::path& place) {
+  struct stat status {};
+  if (lstat(place.c_str(), &status) != 0) status = {};
+  return std::tuple(status.st_dev, status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec);
+}
 
 // Reads again when it was exchanged meanwhile, as parts may be those of another then.
 NSRef<NSFileWrapper> readDocument(const fs::path& place) {
   constexpr int tries = 100;
   for (int k = 0; k < tries; ++k) {
-    const Identity before(place);
+    const auto before = identityOf(place);
     try {
       auto wrapper = readTree(place);
-      if (Identity(place) == before) return wrapper;
+      if (identityOf(place) == before) return wrapper;
     } catch (const fs::filesystem_error&) {
-      if (Identity(place) == before) throw;
+      if (identityOf(place) == before) throw;
     }
   }
   NSFailWithPath(place, EBUSY);

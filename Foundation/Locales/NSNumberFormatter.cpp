@@ -28,10 +28,6 @@ constexpr double twoTo53 = 0x1p53;
 constexpr NSUInteger mostFractionDigits = 340;
 constexpr std::array<double, 10> powersOfTen = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
 
-bool isToNearest(NSNumberFormatterRoundingMode mode) {
-  return mode >= NSNumberFormatterRoundHalfEven;
-}
-
 // The integer next to a quotient or product that is known up to a few roundings, or nothing when
 // those might hide that it lies in the middle between two.
 std::optional<double> surelyNearest(double approximation) {
@@ -110,9 +106,9 @@ class NSNumberFormatter::Rounder {
       std::string multiple = decimalOfResult();
       // A negative number that is rounded to zero keeps its sign.
       if (decimal.starts_with('-') && !multiple.starts_with('-')) multiple.insert(0, 1, '-');
-      format(_formatter, multiple);
+      NSCheckICU(tryFormat(_formatter, multiple));
     } else {
-      format(_formatter, decimal);
+      NSCheckICU(tryFormat(_formatter, decimal));
     }
     appendResult(text);
   }
@@ -153,9 +149,6 @@ class NSNumberFormatter::Rounder {
     unumf_formatDecimal(formatter.get(), decimal.data(), static_cast<std::int32_t>(decimal.size()),
                         _result.get(), &status);
     return status;
-  }
-  void format(const Formatter& formatter, std::string_view decimal) const {
-    NSCheckICU(tryFormat(formatter, decimal));
   }
   [[nodiscard]] std::string decimalOfResult() const {
     UErrorCode status = U_ZERO_ERROR;
@@ -287,7 +280,8 @@ void NSNumberFormatter::appendDecimal(std::string_view decimal, bool isLarge,
 // Writes what can be rounded in doubles without doubt; gives false for the rest.
 bool NSNumberFormatter::appendQuickly(double value, NSUnitBuffer& text) const {
   const auto& [style, mode, isGrouped, least, most, increment] = _settings;
-  if (!isToNearest(mode) || most >= powersOfTen.size()) return false;
+  const bool isToNearest = mode >= NSNumberFormatterRoundHalfEven;
+  if (!isToNearest || most >= powersOfTen.size()) return false;
   const double magnitude = std::abs(value);
   double scaled = magnitude * powersOfTen[most];
   if (increment > 0) {

@@ -15,10 +15,6 @@ namespace {
 // Keeps every size in bytes below PTRDIFF_MAX, so that no arithmetic on it overflows.
 constexpr std::size_t maxUnits = (PTRDIFF_MAX / sizeof(char16_t)) - 1;
 
-void copyUnits(char16_t* to, const char16_t* from, std::size_t count) {
-  if (count != 0) std::memcpy(to, from, count * sizeof(char16_t));
-}
-
 void moveUnits(char16_t* to, const char16_t* from, std::size_t count) {
   if (count != 0) std::memmove(to, from, count * sizeof(char16_t));
 }
@@ -54,7 +50,7 @@ void NSUnitBuffer::reserve(std::size_t capacity) {
   void* const old = _isLent ? nullptr : _units;
   auto* const units = static_cast<char16_t*>(std::realloc(old, capacity * sizeof(char16_t)));
   if (units == nullptr) throw std::bad_alloc();
-  if (old == nullptr) copyUnits(units, _units, _size);
+  if (old == nullptr) moveUnits(units, _units, _size);
   _units = units;
   _capacity = capacity & largest;
   _isLent = false;
@@ -102,5 +98,5 @@ void NSUnitBuffer::replace(std::size_t position, std::size_t count, std::u16stri
   }
   char16_t* const place = _units + position;
   moveUnits(place + text.size(), place + count, tail);
-  copyUnits(place, text.data(), text.size());
+  moveUnits(place, text.data(), text.size());
 }
