@@ -44,8 +44,7 @@ class NS_EXPORT NSArray : public NSObject {
   [[nodiscard]] bool containsObject(const NSRef<NSObject>& object) const {
     return indexOfObject(object) != NSNotFound;
   }
-  /// Joins the descriptions of the elements with the separator between them; nil separates by
-  /// nothing.
+  /// Joins the descriptions of the elements with the separator, or nothing for nil, between them.
   [[nodiscard]] NSRef<NSString> componentsJoinedByString(const NSRef<NSString>& separator) const;
 
   /// Calls the block with each element, its index and a flag that ends the walk once it is set; a

@@ -20,8 +20,7 @@ class NS_EXPORT NSAutoreleasePool {
   NSAutoreleasePool& operator=(const NSAutoreleasePool&) = delete;
 
   /// Keeps the object until the calling thread's innermost pool ends, or the thread when it has no
-  /// pool. Called while the last objects of a thread die, it keeps the object until the process
-  /// ends. Nil is ignored.
+  /// pool. Called while a thread's last objects die, it keeps the object for ever. Nil is ignored.
   static void addObject(const NSRef<NSObject>& object);
 
  private:

@@ -17,8 +17,7 @@ class NS_EXPORT NSBundle : public NSObject {
  public:
   /// Gives the bundle of the running program.
   [[nodiscard]] static NSRef<NSBundle> mainBundle();
-  /// Gives the bundle of the program or library that defines the class. May be called from any
-  /// thread.
+  /// Gives the bundle of the program or library that defines the class. From any thread.
   [[nodiscard]] static NSRef<NSBundle> bundleForClass(NSClass aClass);
 
   /// Gives the program or library itself, as an absolute path without symbolic links.
@@ -37,8 +36,7 @@ class NS_EXPORT NSBundle : public NSObject {
   ///
   /// Without an entry the answer is `value`, unless that is nil or empty, then the key; for a nil
   /// key `value`, or the empty string. A nil or empty table is "Localizable". Of a table with
-  /// faults the entries that can be read are there, and one log line names the first fault. May be
-  /// called from any thread.
+  /// faults the readable entries are there, and one log line names the first. From any thread.
   [[nodiscard]] NSRef<NSString> localizedStringForKey_value_table(
       const NSRef<NSString>& key, const NSRef<NSString>& value, const NSRef<NSString>& table) const;
 

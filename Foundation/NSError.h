@@ -21,8 +21,7 @@
 /// Has a string, the path of the file, or the text of a URL that is no file's.
 [[nodiscard]] NS_EXPORT const NSRef<NSString>& NSFilePathErrorKey();
 
-/// The codes of `NSCocoaErrorDomain`: for files, each with the `errno` from which it comes, and for
-/// archives.
+/// The codes of `NSCocoaErrorDomain`: for archives, and for files with the `errno` of each.
 enum NSCocoaErrorCode : NSInteger {
   /// ENOENT while writing
   NSFileNoSuchFileError = 4,
@@ -81,11 +80,9 @@ class NS_EXPORT NSError : public NSObject {
   /// Whether domains (as texts), codes and dictionaries are equal.
   [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
   [[nodiscard]] NSUInteger hash() const override;
-  /// Gives "NSPOSIXErrorDomain 2: No such file or directory", and in parentheses the path if there
-  /// is one.
+  /// Gives "NSPOSIXErrorDomain 2: No such file or directory", and the path, if any, in parentheses.
   [[nodiscard]] NSRef<NSString> description() const override;
-  /// Publishes "domain", "code", "userInfo" and "localizedDescription" besides what every object
-  /// does.
+  /// Publishes "domain", "code", "userInfo" and "localizedDescription" besides the inherited ones.
   [[nodiscard]] const NSPropertyTable& propertyTable() const override;
   [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 

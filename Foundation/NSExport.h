@@ -1,7 +1,6 @@
 #pragma once
 
-// The include after each sentence exists nowhere: it ends the compilation, which would go on to
-// hundreds of errors.
+// The include after each sentence exists nowhere: it ends the compilation before further errors.
 #if __cplusplus < 202002L
 #error "ZKFoundation needs C++20: compile with -std=c++20 or later"
 #include <Foundation/needs-c++20>

@@ -56,8 +56,7 @@ class NS_EXPORT NSFileManager : public NSObject {
   /// Gives the file manager that all may share.
   [[nodiscard]] static const NSRef<NSFileManager>& defaultManager();
 
-  /// Gives the URL of a standard directory, which need not exist; with `create` it is made if it
-  /// does not.
+  /// Gives the URL of a standard directory, which need not exist; with `create` it is made.
   ///
   /// | directory | of the user | of the machine |
   /// |---|---|---|

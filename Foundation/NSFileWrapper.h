@@ -18,8 +18,7 @@ enum NSFileWrapperWritingOptions : NSUInteger {
   NSFileWrapperWritingWithNameUpdating = 2,
 };
 
-/// A file, or a directory with its contents, in memory: a document that is read, changed and
-/// written as a whole.
+/// A file or a directory tree in memory: a document that is read, changed and written as a whole.
 ///
 /// A directory knows its children by name. One wrapper may be the child of several directories, but
 /// none is within itself. What asks a file for its children, or a directory for its bytes, raises
@@ -71,8 +70,7 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   void setFilename(const NSRef<NSString>& name);
   /// Gives `NSFilePosixPermissions`, if it has any: those that were read or set.
   [[nodiscard]] NSRef<NSDictionary> fileAttributes() const;
-  /// Sets the permissions. Without any, or if they are no number, it will have those that the
-  /// process gives to new files.
+  /// Sets the permissions. Without a number of them it will have those of new files.
   void setFileAttributes(const NSRef<NSDictionary>& attributes);
 
   /// Gives the bytes of a regular file.
@@ -85,8 +83,7 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   /// the directory has it. A directory that this one is within, or is, raises
   /// `NSInvalidArgumentException`.
   NSRef<NSString> addFileWrapper(const NSRef<NSFileWrapper>& child);
-  /// Makes a regular file with that preferred name and adds it. Gives the name by which the
-  /// directory has it.
+  /// Makes a regular file with that preferred name and adds it, as `addFileWrapper` does.
   NSRef<NSString> addRegularFileWithContents_preferredFilename(const NSRef<NSData>& contents,
                                                                const NSRef<NSString>& name);
   /// Removes the child under all its names; does nothing for a wrapper that is no child.

@@ -6,8 +6,7 @@
 
 class NSString;
 
-/// Turns objects into text for people, and text back into objects where it can. A formatter belongs
-/// to one thread at a time.
+/// Turns objects into text for people, and text back where it can. Belongs to one thread at a time.
 class NS_EXPORT NSFormatter : public NSObject, public NSCoding {
  public:
   NSFormatter() noexcept = default;
@@ -19,8 +18,7 @@ class NS_EXPORT NSFormatter : public NSObject, public NSCoding {
       const NSRef<NSObject>& object) const = 0;
 
   /// Reads the text: sets `object` and gives true, or gives false with the reason in `*error`
-  /// unless that is null. A formatter that does not read, as this one, gives false, nil and no
-  /// reason.
+  /// unless that is null. One that does not read, as this, gives false, nil and no reason.
   virtual bool getObjectValue_forString_errorDescription(NSRef<NSObject>& object,
                                                          const NSRef<NSString>& string,
                                                          NSRef<NSString>* error) const;

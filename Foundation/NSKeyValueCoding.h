@@ -69,8 +69,7 @@ class NS_EXPORT NSPropertyTable {
  public:
   explicit NSPropertyTable(std::initializer_list<NSProperty> properties)
       : _properties(properties) {}
-  /// Looks in `inherited`, the base class's table, for what is not in the list. That table must
-  /// live as long as this one.
+  /// Looks in `inherited`, the base class's table, which must live as long, for what is not listed.
   NSPropertyTable(std::initializer_list<NSProperty> properties, const NSPropertyTable& inherited)
       : _properties(properties), _inherited(&inherited) {}
 

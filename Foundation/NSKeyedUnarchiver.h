@@ -18,10 +18,9 @@
 /// itself, such as for nil in an array, comes through. Where damage is an ordinary outcome, as with
 /// a file, `unarchivedObjectOfClass_fromData_error` gives it back as an error.
 ///
-/// Memory and time are proportional to the bytes: memory for the platform's classes at most some
-/// hundred times as much; time but for keys and members of sets with equal hashes, which are
-/// compared with each other, and for URLs of one long text, each of which parses it. 512 KiB of
-/// stack are enough.
+/// Memory and time are proportional to the bytes, memory for the platform's classes some hundred
+/// times at most; time but for keys and members of sets with equal hashes, which are compared with
+/// each other, and for URLs of one long text, each of which parses it. 512 KiB of stack are enough.
 class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
  public:
   /// Reads the object under the key "root"; gives nil when there is none.
@@ -50,8 +49,7 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
   explicit NSKeyedUnarchiver(const NSRef<NSData>& data);
   ~NSKeyedUnarchiver() override;
 
-  /// Allows archives to make instances of the class, for the whole process. May be called from any
-  /// thread.
+  /// Allows archives to make instances of the class, for the whole process. From any thread.
   template <class T>
   static void registerClass() {
     setClass_forClassName<T>(NSClass::of<T>().name());
@@ -77,8 +75,7 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
   /// Reads a text that the caller is going to copy. In one archive these may add up to 1 MiB and 32
   /// times its bytes; more raise `NSInvalidUnarchiveOperationException`.
   [[nodiscard]] NSRef<NSString> decodeTextForKey(const NSRef<NSString>& key);
-  /// Reads objects that were written as a list without a class; gives none when there is no such
-  /// key.
+  /// Reads objects that were written as a list without a class; none when there is no such key.
   [[nodiscard]] std::vector<NSRef<NSObject>> decodeObjectsForKey(const NSRef<NSString>& key);
 
  private:

@@ -27,8 +27,7 @@ class NSString;
 /// Key of a variant, such as "POSIX".
 [[nodiscard]] NS_EXPORT const NSRef<NSString>& NSLocaleVariantCode();
 
-/// A language with the habits of a region, named by an identifier such as "de_CH" or "zh-Hant-TW".
-/// Immutable.
+/// A language with the habits of a region, named such as "de_CH" or "zh-Hant-TW". Immutable.
 ///
 /// The current locale and the user's languages come from the environment, read on first use:
 /// LC_ALL, LC_MESSAGES and LANG, of which the first that is not empty counts, and for the languages
@@ -75,12 +74,10 @@ class NS_EXPORT NSLocale : public NSObject {
 
   /// Gives the user's languages, the best one first, as strings like "de-CH" and "de". Never empty.
   [[nodiscard]] static NSRef<NSArray> preferredLanguages();
-  /// Sets the user's languages. Nil or an empty array return to the environment, which is read
-  /// anew.
+  /// Sets the user's languages. Nil and an empty array return to the environment, read anew.
   static void setPreferredLanguages(const NSRef<NSArray>& languages);
 
-  /// Gives a number that changes whenever `preferredLanguages` may have; for those who keep what
-  /// depends on it.
+  /// Gives a number that changes when `preferredLanguages` may have, for what depends on them.
   [[nodiscard]] static std::uint64_t languagesGeneration() noexcept;
 
   /// Gives the identifier as it was given.

@@ -3,9 +3,8 @@
 #include <memory>
 #include <utility>
 
-/// Holds a constant of the process's lifetime: made once, never destroyed, so that code which runs
-/// while the process ends may still use it. As a function-local static its first use is safe from
-/// any number of threads.
+/// Holds a constant that is made once and never destroyed, so that code which runs while the
+/// process ends may still use it. As a function-local static it is made safely from any thread.
 template <class T>
 class NSNeverDestroyed {
  public:

@@ -6,8 +6,7 @@
 class NSDictionary;
 class NSString;
 
-/// Something that has happened: its name, the object that it happened to, and what else there is to
-/// say. Immutable.
+/// Something that has happened: its name, the object that it happened to, and more. Immutable.
 class NS_EXPORT NSNotification : public NSObject {
  public:
   /// Object and user information may be nil; a nil name raises `NSInvalidArgumentException`.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <mutex>
 #include <unordered_map>
 #include <utility>
@@ -30,8 +29,7 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
   /// (`const NSRef<NSNotification>&` or `NSNotification&`) or nothing; a nil block raises
   /// `NSInvalidArgumentException`.
   ///
-  /// The result is what `removeObserver` takes. Until then the centre holds the block and the
-  /// object.
+  /// The result is what `removeObserver` takes. The centre holds block and object until then.
   template <class F>
   NSRef<NSObject> addObserverForName_object_queue_usingBlock(const NSRef<NSString>& name,
                                                              const NSRef<NSObject>& object,

@@ -4,8 +4,7 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/detail/Passkey.h>
 
-/// The object that stands for nil in collections. There is one, and it lives as long as the
-/// process.
+/// The object that stands for nil in collections. There is one, as long as the process lives.
 class NS_EXPORT NSNull : public NSObject {
  public:
   [[nodiscard]] static const NSRef<NSNull>& null();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <concepts>
 #include <type_traits>
 #include <variant>
@@ -14,9 +13,8 @@ class NSString;
 /// A boxed number: a boolean, a signed or unsigned 64-bit integer, or a double. Immutable.
 ///
 /// Numbers are equal when their values are, exactly and whatever their types (2^63 as an integer is
-/// not 2^63 + 1, though both are the same double). A conversion to an integer type keeps the low
-/// bits of an integer; a double is cut towards zero, saturates at the type's limits, and NaN gives
-/// 0.
+/// not 2^63 + 1, though both are the same double). Converting to an integer type keeps the low bits
+/// of an integer; a double is cut towards zero and saturates, and NaN gives 0.
 class NS_EXPORT NSNumber : public NSObject {
  public:
   template <class T>

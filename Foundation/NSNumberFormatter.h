@@ -27,16 +27,14 @@ enum NSNumberFormatterRoundingMode : NSUInteger {
   NSNumberFormatterRoundHalfUp = 6,    ///< to the nearest, away from zero from the middle
 };
 
-/// Writes numbers as people of a locale do. What it needs of the locale is looked up once and kept
-/// until a setting changes.
+/// Writes numbers as people of a locale do. What that needs is kept until a setting changes.
 ///
 /// A number is rounded twice, by the same mode: to a multiple of the rounding increment, if there
 /// is one, and then to the greatest number of fraction digits. Numbers of 2^53 and beyond have no
 /// fraction; an increment below 1 leaves them, and every digit of what they hold is shown.
 class NS_EXPORT NSNumberFormatter : public NSFormatter {
  public:
-  /// Makes a formatter without style and increment, that rounds half-even, with the locale that is
-  /// current now.
+  /// Makes a formatter without style and increment, that rounds half-even, with the current locale.
   NSNumberFormatter();
   /// Reads what `encodeWithCoder` has written; what is missing is as the style sets it, and without
   /// a locale it is the current one. Settings that make no sense raise
@@ -52,8 +50,7 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   [[nodiscard]] bool usesGroupingSeparator() const noexcept { return _settings.isGrouped; }
   void setUsesGroupingSeparator(bool usesIt);
 
-  // At most 340 digits; more count as 340. Either raises or lowers the other where they would
-  // contradict each other.
+  // At most 340 digits; more count as 340. Either changes the other where they would contradict.
 
   [[nodiscard]] NSUInteger minimumFractionDigits() const noexcept {
     return _settings.minimumFractionDigits;
@@ -67,8 +64,7 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   /// Gives what numbers are rounded to multiples of; nil when they are not.
   [[nodiscard]] NSRef<NSNumber> roundingIncrement() const noexcept;
   /// Sets the increment; nil and anything but a number from 1e-12 to 2^53 stand for none. A number
-  /// with more digits than ICU's arithmetic has, some 34 with those of the increment, is not
-  /// rounded to a multiple.
+  /// with more than some 34 digits, those of the increment counted, is not rounded.
   void setRoundingIncrement(const NSRef<NSNumber>& increment);
 
   [[nodiscard]] NSNumberFormatterRoundingMode roundingMode() const noexcept {

@@ -84,13 +84,11 @@ class NS_EXPORT NSObject {
   /// loop, a call that waits never returns. Waiting for a thread that itself waits for the calling
   /// one raises `NSInternalInconsistencyException`, a nil thread `NSInvalidArgumentException`.
   ///
-  /// Without `wait` the request alone holds an argument that is moved in, so that it dies on that
-  /// thread.
+  /// Without `wait` the request alone holds an argument that is moved in; it dies on that thread.
   void performSelector_onThread_withObject_waitUntilDone(NSSelector aSelector,
                                                          const NSRef<NSThread>& thread,
                                                          NSRef<NSObject> object, bool wait);
-  /// Performs the selector on that thread's run loop, in these modes; with nil or no modes performs
-  /// nothing.
+  /// Performs the selector on that thread's run loop, in these modes; nil or none perform nothing.
   void performSelector_onThread_withObject_waitUntilDone_modes(NSSelector aSelector,
                                                                const NSRef<NSThread>& thread,
                                                                NSRef<NSObject> object, bool wait,

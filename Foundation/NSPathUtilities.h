@@ -7,6 +7,5 @@
 /// users says. Where neither is there, "/".
 [[nodiscard]] NS_EXPORT NSRef<NSString> NSHomeDirectory();
 
-/// Gives the directory for temporary files: TMPDIR, if it is an absolute path in UTF-8, else
-/// "/tmp". It need not exist.
+/// Gives the directory for temporary files: TMPDIR, if an absolute path in UTF-8, else "/tmp".
 [[nodiscard]] NS_EXPORT NSRef<NSString> NSTemporaryDirectory();

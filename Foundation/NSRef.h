@@ -3,7 +3,6 @@
 #include <concepts>
 #include <cstddef>
 #include <functional>
-#include <initializer_list>
 #include <iosfwd>
 #include <typeinfo>
 #include <utility>
@@ -18,8 +17,7 @@ class NSObject;
 /// The strong reference to an object; null is nil.
 ///
 /// Dereferencing nil raises `NSInvalidArgumentException`. `==` asks for the same object; ask
-/// `isEqual` for equal contents. One reference belongs to one thread at a time, the object's count
-/// may be shared by any number.
+/// `isEqual` for equal contents. It belongs to one thread at a time, its object to any number.
 template <class T>
 class NSRef {
  public:

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <compare>
 #include <new>
 #include <span>
 #include <string>
@@ -63,8 +62,7 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] static NSRef<NSString> stringWithFormat_arguments(
       const NSRef<NSString>& format, std::span<const NSFormatArgument> arguments);
 
-  /// Allocates a block: strings are made with room behind them, so that their size is not that of
-  /// their class.
+  /// Allocates a block: a string with room behind it is larger than its class.
   static void* operator new(std::size_t size) { return ::operator new(size); }
   static void operator delete(void* string) noexcept { ::operator delete(string); }
 
@@ -91,8 +89,7 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] NSComparisonResult compare_options(const NSRef<NSString>& other,
                                                    NSUInteger options) const;
 
-  /// Whether the string begins, or ends, with exactly these units. True for an empty string, false
-  /// for nil.
+  /// Whether the string begins, or ends, with exactly these units. True for "", false for nil.
   [[nodiscard]] bool hasPrefix(const NSRef<NSString>& prefix) const noexcept;
   [[nodiscard]] bool hasSuffix(const NSRef<NSString>& suffix) const noexcept;
 
@@ -125,8 +122,7 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] NSRef<NSString> stringByTrimmingCharactersInSet(
       const NSRef<NSCharacterSet>& set) const;
   /// Writes the first letter of each word in title case and the others in lower case, by the rules
-  /// of the current locale (`NSLocale::currentLocale`). Words are Unicode's: "they're" is one,
-  /// "jean-luc" two.
+  /// of the current locale (`NSLocale::currentLocale`). "they're" is one word, "jean-luc" two.
   [[nodiscard]] NSRef<NSString> localizedCapitalizedString() const;
   /// Gives the pieces between the occurrences of the separator, from left to right, empty ones
   /// included. A string without the separator, or with a nil or empty one, is its only piece.
@@ -142,8 +138,7 @@ class NS_EXPORT NSString : public NSObject {
 
   /// Whether it begins with "/" or "~".
   [[nodiscard]] bool isAbsolutePath() const noexcept;
-  /// Gives "/", if it begins so, and the names; also "/" for one at the end. "/a//b/" gives /, a,
-  /// b, /.
+  /// Gives "/", if it begins so, the names, and "/" for one at the end: "/a//b/" gives /, a, b, /.
   [[nodiscard]] NSRef<NSArray> pathComponents() const;
   /// Gives the last name; "/" for the root, "" for "".
   [[nodiscard]] NSRef<NSString> lastPathComponent() const;
@@ -166,8 +161,7 @@ class NS_EXPORT NSString : public NSObject {
   /// of a relative one it stays. "./" stays in front of a name that begins with "~".
   [[nodiscard]] NSRef<NSString> stringByStandardizingPath() const;
 
-  /// Replaces percent sequences by the text that they stand for in UTF-8; nil when one is broken or
-  /// the text is not UTF-8.
+  /// Replaces percent sequences by their text; nil when one is broken or the text is not UTF-8.
   [[nodiscard]] NSRef<NSString> stringByRemovingPercentEncoding() const;
   /// Replaces every character that is not both ASCII and a member of the set by percent sequences
   /// of its UTF-8. Nil for a text with half of a surrogate pair; a nil set has no members.

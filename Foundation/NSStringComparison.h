@@ -17,9 +17,8 @@ enum NSStringCompareOptions : NSUInteger {
   NSAnchoredSearch = 8,
 };
 
-/// Orders two texts by their units. Without `NSLiteralSearch` by the units of their canonical
-/// decompositions (of their foldings with `NSCaseInsensitiveSearch`); other options have no
-/// meaning here.
+/// Orders two texts by their units. Without `NSLiteralSearch` by those of their canonical
+/// decompositions (of their foldings with `NSCaseInsensitiveSearch`). Other options mean nothing.
 [[nodiscard]] NS_EXPORT NSComparisonResult NSCompareUnits(std::u16string_view a,
                                                           std::u16string_view b,
                                                           NSUInteger options);

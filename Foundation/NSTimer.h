@@ -14,8 +14,7 @@
 /// then holds it while it is valid. Used on that run loop's thread alone.
 ///
 /// A repeating timer keeps to the multiples of its interval, counted from when it was added, and
-/// leaves out those that it missed. An exception that leaves the block in a run loop ends the
-/// program.
+/// leaves out those that it missed. What the block throws in a run loop ends the program.
 class NS_EXPORT NSTimer : public NSObject {
  public:
   /// Makes a timer in no run loop yet. A shorter interval counts as one of 0.1 milliseconds.
@@ -40,11 +39,9 @@ class NS_EXPORT NSTimer : public NSObject {
     return timer;
   }
 
-  /// Calls the block now; a timer that does not repeat becomes invalid with it. An invalid one does
-  /// nothing.
+  /// Calls the block now, which ends a timer that does not repeat. An invalid one does nothing.
   void fire();
-  /// Takes it out of its run loop and drops the block; it never fires again. The end of the run
-  /// loop does the same.
+  /// Takes it out of its run loop for ever and drops the block, as the end of the run loop does.
   void invalidate();
   /// Whether it may still fire.
   [[nodiscard]] bool isValid() const noexcept { return static_cast<bool>(_block); }

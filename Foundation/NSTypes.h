@@ -21,8 +21,7 @@ inline constexpr NSUInteger NSUIntegerMax = std::numeric_limits<NSUInteger>::max
 /// The index or location that stands for "not found": the largest signed 64-bit value.
 inline constexpr NSUInteger NSNotFound = static_cast<NSUInteger>(NSIntegerMax);
 
-/// The answer of a comparison: the left side comes before the right one, equals it or comes after
-/// it.
+/// The answer of a comparison: the left side comes before the right one, equals or follows it.
 enum NSComparisonResult : NSInteger {
   NSOrderedAscending = -1,
   NSOrderedSame = 0,

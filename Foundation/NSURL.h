@@ -26,8 +26,7 @@ class NS_EXPORT NSURL : public NSObject {
   /// one with U+0000 or half of a surrogate pair, which no file has, and for a relative one when
   /// the current directory is gone. A nil path raises `NSInvalidArgumentException`.
   [[nodiscard]] static NSRef<NSURL> fileURLWithPath(const NSRef<NSString>& path);
-  /// Makes the file URL of a path without a look at the disk: it ends with "/" if it is a
-  /// directory.
+  /// Makes the file URL of a path, with "/" at the end of a directory; asks no disk.
   [[nodiscard]] static NSRef<NSURL> fileURLWithPath_isDirectory(const NSRef<NSString>& path,
                                                                 bool isDirectory);
   /// Makes the file URL of a path whose bytes need not be UTF-8.

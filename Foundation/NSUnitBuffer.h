@@ -21,8 +21,7 @@ class NS_EXPORT NSUnitBuffer {
       : _units(lent.data()), _capacity(lent.size() & largest) {}
   explicit NSUnitBuffer(std::u16string_view text) { append(text); }
   NSUnitBuffer(const NSUnitBuffer& other) : NSUnitBuffer(other.view()) {}
-  /// Copies a text that stands in lent memory, and takes any other over. The other buffer is empty
-  /// afterwards.
+  /// Copies a text in lent memory, and takes any other over. The other buffer is empty afterwards.
   NSUnitBuffer(NSUnitBuffer&& other) { *this = std::move(other); }  // NOLINT(*-noexcept-move*)
   NSUnitBuffer& operator=(const NSUnitBuffer& other);
   NSUnitBuffer& operator=(NSUnitBuffer&& other);  // NOLINT(*-noexcept-move*): may copy.

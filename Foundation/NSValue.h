@@ -28,8 +28,7 @@ class NS_EXPORT NSValue : public NSObject {
     return std::get_if<T>(&_value);
   }
 
-  /// Whether the other value is of the same kind and has equal members; a value with a NaN member
-  /// equals itself alone.
+  /// Whether the kind and the members are equal; a value with a NaN member equals itself alone.
   [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;
   [[nodiscard]] NSUInteger hash() const override;
   /// Gives the value as `operator<<` prints it.

@@ -91,8 +91,7 @@ std::optional<bool> NSPropertyListObject::boolean() const noexcept {
   return detail == 9;
 }
 
-// Those of 8 bytes have a sign, shorter ones have none, and longer ones are needed for what lies
-// beyond both.
+// Those of 8 bytes have a sign, shorter ones have none; longer ones hold what lies beyond both.
 std::optional<std::int64_t> NSPropertyListObject::integer() const noexcept {
   if (!is(Kind::integer)) return std::nullopt;
   const auto value = static_cast<std::int64_t>(bigEndian(bytes.last(std::min(bytes.size(), 8UL))));

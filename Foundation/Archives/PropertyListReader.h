@@ -9,8 +9,7 @@
 
 #include <Foundation/NSString.h>
 
-/// The kinds of objects in a binary property list, by the upper half of the byte that each begins
-/// with.
+/// The kinds of objects in a binary property list, by the upper half of their first bytes.
 enum class NSPropertyListKind : std::uint8_t {
   constant = 0x0,
   integer = 0x1,
@@ -69,8 +68,7 @@ struct NSPropertyListObject {
 /// A list is checked as a whole when it is opened, in time proportional to its bytes: every size
 /// and offset lies within them, the objects together are no longer than they are, containers form a
 /// tree of at most 64 in each other (values and empty containers may be shared), the keys of
-/// dictionaries are texts, ASCII is ASCII, and integers have at most 64 bits. What writers of
-/// archives produce is so.
+/// dictionaries are texts, ASCII is ASCII, and integers have at most 64 bits. So archives are.
 class NSPropertyListReader {
  public:
   using Index = std::uint32_t;
@@ -81,8 +79,7 @@ class NSPropertyListReader {
   [[nodiscard]] std::size_t size() const noexcept { return _bytes.size(); }
   [[nodiscard]] Index count() const noexcept { return _count; }
   [[nodiscard]] Index top() const noexcept { return _top; }
-  /// Gives the object of an index below the count that the top one refers to, directly or through
-  /// others.
+  /// Gives the object of an index that the top one refers to, directly or through others.
   [[nodiscard]] NSPropertyListObject object(Index index) const noexcept { return *read(index); }
 
   /// Counts the references of a container; dictionaries hold two for each entry.
@@ -91,9 +88,8 @@ class NSPropertyListReader {
   }
   [[nodiscard]] Index reference(const NSPropertyListObject& container,
                                 std::size_t at) const noexcept;
-  /// Finds the value under the key; gives nothing for what is no dictionary. Entries are looked at
-  /// from the place on, which then is the one after the found one: keys are mostly asked for in
-  /// their order.
+  /// Finds the value under the key; gives nothing for what is no dictionary. Looks from the place
+  /// on, which then is the one after the found one, as keys are mostly asked for in their order.
   [[nodiscard]] std::optional<Index> find(Index dictionary, std::u16string_view key,
                                           std::size_t& place) const;
   [[nodiscard]] std::optional<Index> find(Index dictionary, std::u16string_view key) const {

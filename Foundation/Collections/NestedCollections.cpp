@@ -14,8 +14,7 @@
 
 namespace {
 
-// The number of objects that each of `count` elements may ask, when their collection may ask `most`
-// with itself.
+// How many objects each of `count` elements may ask when their collection may ask `most`.
 std::size_t shareOf(std::size_t most, std::size_t count) {
   return count == 0 ? 0 : (most - 1) / count;
 }
@@ -45,8 +44,7 @@ NSUInteger mixed(NSUInteger hash) {
   return (hash ^ (hash >> 32U)) * NSGoldenRatio;
 }
 
-// The answers of one outermost comparison. It holds the pairs, so that no other object can take the
-// address of one.
+// The answers of one outermost comparison. It holds the pairs, so that no address is used again.
 struct Comparison {
   using Pair = std::pair<NSRef<NSObject>, NSRef<NSObject>>;
   struct Hash {
@@ -111,8 +109,7 @@ bool NSCompareCollections(const NSObject& a, const NSRef<NSObject>& b,
                           NSBlockRef<bool(const NSRef<NSObject>&)> isEqualTo) {
   if (current == nullptr) return compareOutermost(b, isEqualTo);
   Comparison& comparison = *current;
-  // A collection with one owner is met again only if that is. A few pairs are compared sooner than
-  // looked for.
+  // A collection with one owner is met again only if that is. A few pairs are sooner compared.
   constexpr std::size_t few = 16;
   if (++comparison.count <= few || a.isUniquelyReferenced() || b->isUniquelyReferenced()) {
     return isEqualTo(b);

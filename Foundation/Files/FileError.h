@@ -28,8 +28,7 @@ struct NSFileRefusal {
 [[nodiscard]] NSRef<NSError> NSErrorOf(const std::filesystem::filesystem_error& failure,
                                        NSFileUse use);
 
-/// Gives what the operation gives. When it fails, stores the error, unless nobody asks for it, and
-/// gives nil or false.
+/// Gives what the operation gives. When it fails, nil or false, with the error in a given place.
 template <class F>
 auto NSReportFailure(NSRef<NSError>* place, NSFileUse use, F operation) -> decltype(operation()) {
   NSRef<NSError> error;

@@ -12,8 +12,7 @@
 
 #include <Foundation/NSDictionary.h>
 
-// What the standard library leaves out of file systems. Failures are thrown as its own are, with
-// the path and the `errno`.
+// What the standard library leaves out of file systems. Failures are thrown as its own are.
 
 [[noreturn]] void NSFailWithPath(const std::filesystem::path& path, int number = errno);
 
@@ -39,8 +38,7 @@ class NSFileDescriptor {
 /// Tells what stands at the path itself; a symbolic link is not followed.
 [[nodiscard]] struct stat NSStatusOf(const std::filesystem::path& path);
 
-/// Lists what is in a folder: at once, so that a walk of a deep tree needs no descriptor for each
-/// level.
+/// Lists what is in a folder, at once: a walk of a deep tree needs no descriptor for each level.
 [[nodiscard]] std::vector<std::filesystem::path> NSPathsIn(const std::filesystem::path& folder);
 
 /// Gives the path without "/" at the end, and where a symbolic link, "." and ".." lead.

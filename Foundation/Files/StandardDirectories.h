@@ -4,6 +4,5 @@
 
 #include <Foundation/NSTypes.h>
 
-/// Gives the path of a standard directory, as `NSFileManager` lists them; empty where there is
-/// none.
+/// Gives the path of a standard directory of `NSFileManager`'s list; empty where there is none.
 [[nodiscard]] std::filesystem::path NSStandardDirectory(NSUInteger directory, NSUInteger domain);

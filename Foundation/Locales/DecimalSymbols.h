@@ -7,14 +7,12 @@
 
 #include <Foundation/NSUnitBuffer.h>
 
-/// How a locale writes decimal numbers: the values that ICU has for it, kept in a form that takes
-/// no call to write a number.
+/// How a locale writes decimal numbers, by ICU's values: no number needs a call of ICU.
 class NSDecimalSymbols {
  public:
   explicit NSDecimalSymbols(const std::string& locale);
 
-  /// Gives the locale under which ICU writes its numbers: without keywords if they ask for what it
-  /// does not know.
+  /// Gives the locale under which ICU writes its numbers: without keywords that it does not know.
   [[nodiscard]] const std::string& locale() const noexcept { return _locale; }
 
   /// Appends a number of the form "-12345.67", in ASCII digits, as the locale writes it. What is

@@ -11,8 +11,7 @@
 /// The tables of localized strings that a bundle has read, in the user's present languages.
 class NSLocalizedStrings {
  public:
-  /// Gives the text for the key; nil when there is no such table or entry. May be called from any
-  /// thread.
+  /// Gives the text for the key; nil when there is no such table or entry. From any thread.
   [[nodiscard]] NSRef<NSString> find(const NSRef<NSString>& key, const NSRef<NSString>& table,
                                      const NSBundle& bundle);
 

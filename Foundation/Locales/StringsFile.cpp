@@ -5,7 +5,6 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <utility>
 
 #include <Foundation/NSLog.h>
 #include <Foundation/NSString.h>

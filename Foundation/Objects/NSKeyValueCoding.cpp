@@ -1,7 +1,6 @@
 #include "Foundation/NSKeyValueCoding.h"
 
 #include <atomic>
-#include <string>
 
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSException.h>

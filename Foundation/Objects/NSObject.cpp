@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdio>
 #include <ostream>
-#include <string>
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>

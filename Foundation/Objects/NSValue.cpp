@@ -1,7 +1,6 @@
 #include "Foundation/NSValue.h"
 
 #include <sstream>
-#include <string>
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>

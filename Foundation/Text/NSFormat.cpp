@@ -17,8 +17,7 @@ namespace {
 // What widths and precisions are cut to, so that a slip in a translation does not fill the memory.
 constexpr std::size_t widest = 1000;
 
-// A conversion: "%2$-8.3lf" with the position 2, the flag "-", the width 8, the precision 3 and the
-// letter "f".
+// A conversion: "%2$-8.3lf" has the position 2, flag "-", width 8, precision 3 and letter "f".
 struct Conversion {
   std::size_t position = 0;  // 0 where none is given.
   std::string flags;

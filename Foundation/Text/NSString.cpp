@@ -23,8 +23,7 @@ namespace {
 // The most units that a mutable string keeps behind itself: it cannot give them back when it grows.
 constexpr std::size_t largestRoom = 512;
 
-// Up to so many bytes of UTF-8 are decoded into the room behind a string, which is as long as all
-// of them were ASCII.
+// Up to so many bytes of UTF-8 are decoded into the room behind a string, one unit for each.
 constexpr std::size_t shortUTF8 = 256;
 
 // What the standard library's == does unit by unit.

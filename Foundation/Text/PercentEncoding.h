@@ -6,8 +6,7 @@
 
 class NSCharacterSet;
 
-/// Gives the bytes that percent sequences and plain characters stand for; nothing when a sequence
-/// is broken.
+/// Gives the bytes that the text stands for; nothing when a percent sequence is broken.
 [[nodiscard]] std::optional<std::string> NSPercentDecoded(std::string_view text);
 /// Writes bytes that are not ASCII members of the set as percent sequences.
 [[nodiscard]] std::string NSPercentEncoded(std::string_view bytes, const NSCharacterSet& allowed);

@@ -121,8 +121,7 @@ HWY_ATTR void findASCIIMembers(const std::uint16_t* units, std::size_t count,
   put({last.members >> (block - rest), last.others >> (block - rest)});
 }
 
-// Squeezes the units of 0 bits together. `out` may be the text itself: what a vector overwrites has
-// been read.
+// Squeezes the units of 0 bits together. `out` may be the text: what is overwritten has been read.
 HWY_ATTR std::size_t copyUnmarked(const std::uint16_t* units, std::size_t count,
                                   const std::uint64_t* marks, std::uint16_t* out) {
   const hn::CappedTag<std::uint16_t, 16> tag;
@@ -218,8 +217,7 @@ std::span<const std::uint64_t> NSFindMembers(const NSCharacterSet& set, std::u16
               bits);
 }
 
-// Words and fields are short: most searches end within the first few units, for which the vectors
-// are not worth setting up.
+// Most searches end within a few units, for which the vectors are not worth setting up.
 constexpr std::size_t unitsByHand = 8;
 
 std::size_t NSFirstMember(const NSCharacterSet& set, std::u16string_view text, std::size_t from,

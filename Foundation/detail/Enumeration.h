@@ -8,8 +8,7 @@
 
 /// The iterator of range-for over a collection. It holds the collection and a list of its entries;
 /// where that is a copy, the entry at hand stays valid whatever happens to the collection. When the
-/// collection has changed, the next step raises `NSGenericException`, also the one that would end
-/// the walk.
+/// collection has changed, the next step raises `NSGenericException`, even the last one.
 template <class Entries>
 class NSEnumeration {
  public:

@@ -20,8 +20,7 @@ ZK_EXPORT void makeObjectsPerformBlock(
     NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock);
 
 /// Gives what the transformator makes of each element, in their order, `NSNull` where it answers
-/// nil. Nil without a transformator. Changes that the transformator makes to the array do not
-/// count.
+/// nil. Nil without a transformator. What that changes in the array does not count.
 [[nodiscard]] ZK_EXPORT NSRef<NSArray> transformedArrayUsingTransformator(
     const NSRef<NSArray>& array, ZKTransformator transformator);
 

@@ -9,8 +9,7 @@
 
 // Arrays that their owner keeps sorted, by an ordering that is given as a function with a context,
 // as any callable or as a method of the objects. With a callable, which may be a pointer to a
-// member of the elements, the same works on every other random-access range, of elements of any
-// type.
+// member of the elements, the same works on every random-access range.
 //
 // An ordering is asked compare(object, element), always with the object that is searched for or
 // inserted first: positive when that belongs after the element, 0 when they order the same,

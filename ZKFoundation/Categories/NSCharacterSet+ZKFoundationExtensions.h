@@ -3,8 +3,7 @@
 #include <Foundation/NSCharacterSet.h>
 #include <ZKFoundation/ZKExport.h>
 
-// Sets that are made on the first call and kept: each function gives the same object always, from
-// any thread.
+// Sets that are made once: each function always gives the same object, from any thread.
 
 namespace ZKFoundationExtensions {
 

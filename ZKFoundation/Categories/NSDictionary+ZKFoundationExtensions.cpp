@@ -1,6 +1,5 @@
 #include "ZKFoundation/Categories/NSDictionary+ZKFoundationExtensions.h"
 
-#include <Foundation/NSArray.h>
 #include <Foundation/NSException.h>
 
 namespace ZKFoundationExtensions {

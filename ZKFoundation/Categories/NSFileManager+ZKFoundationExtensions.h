@@ -3,8 +3,7 @@
 #include <Foundation/NSFileManager.h>
 #include <ZKFoundation/ZKExport.h>
 
-// Well-known directories. They need not exist; `NSFileManager` tells where they are. Callable from
-// any thread.
+// Well-known directories, which need not exist; `NSFileManager` tells where. From any thread.
 
 namespace ZKFoundationExtensions {
 

@@ -5,8 +5,7 @@
 
 namespace ZKFoundationExtensions {
 
-/// Makes a set of the indexes that lie in the range. A range that would pass the largest index ends
-/// there.
+/// Makes a set of the indexes in the range. A range that would pass the largest index ends there.
 [[nodiscard]] ZK_EXPORT NSRef<NSMutableIndexSet> indexesInRange(const NSRef<NSIndexSet>& indexes,
                                                                 NSRange range);
 

@@ -26,8 +26,7 @@ ZK_EXPORT void enqueueNotificationInMainThread_postingStyle(NSRef<NSNotification
 /// shorter array raises `NSRangeException`.
 ZK_EXPORT void _mainThreadEnqueue(const NSRef<NSArray>& pair);
 
-/// Makes the notification, without user info, and enqueues it, coalesced by name and sender, in the
-/// default mode.
+/// Makes and enqueues the notification, coalesced by name and sender, in the default mode.
 ZK_EXPORT void enqueueNotificationName_object_postingStyle(const NSRef<NSNotificationQueue>& queue,
                                                            const NSRef<NSString>& name,
                                                            const NSRef<NSObject>& object,
@@ -42,15 +41,13 @@ ZK_EXPORT void enqueueNotificationName_object_userInfo_postingStyle_coalesceMask
     const NSRef<NSObject>& object, const NSRef<NSDictionary>& userInfo, NSUInteger postingStyle,
     std::uint32_t coalesceMask, const NSRef<NSArray>& modes);
 
-/// Removes the queued notifications that are the same by the mask's bits: of that name, about that
-/// object, or both.
+/// Removes the queued notifications of that name, about that object, or both, by the mask's bits.
 ZK_EXPORT void dequeueNotificationsMatching_object_coalesceMask(
     const NSRef<NSNotificationQueue>& queue, const NSRef<NSString>& name,
     const NSRef<NSObject>& object, std::uint32_t coalesceMask);
 
 /// Makes the calling thread's run loop do one pass without waiting, in the mode that it runs in or
-/// else in the default mode. This posts what waits for the end of a pass. The queue itself plays no
-/// part.
+/// else in the default mode. This posts what waits for its end. The queue plays no part.
 ZK_EXPORT void firePendingNotifications(const NSRef<NSNotificationQueue>& queue);
 
 }  // namespace ZKFoundationExtensions

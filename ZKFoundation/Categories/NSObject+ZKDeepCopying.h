@@ -5,8 +5,7 @@
 #include <ZKFoundation/ZKExport.h>
 
 /// Says how deeply and in what manner to copy. Classes give the numbers their meaning; the library
-/// knows only that 3, 4 and 5 are passed to the object's `copySpec` before use, and that 6, 7 and 8
-/// stand for pairs.
+/// only passes 3, 4 and 5 to the object's `copySpec` before use, and takes 6, 7 and 8 for pairs.
 using ZKCopySpec = NSInteger;
 
 /// Lets the objects of a class be copied together with the objects that they refer to.
@@ -47,8 +46,7 @@ namespace ZKFoundationExtensions {
 [[nodiscard]] ZK_EXPORT NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object,
                                                               NSZone* zone, ZKCopySpec copySpec);
 
-/// Makes a copy as `copyWithZone_copySpec` does, with no zone. The exception is "Cannot copy object
-/// using copyWithCopySpec".
+/// Makes a copy without a zone. The exception then is "Cannot copy object using copyWithCopySpec".
 [[nodiscard]] ZK_EXPORT NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object,
                                                          ZKCopySpec copySpec);
 

@@ -79,8 +79,7 @@ void performBlock_onThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, 
                                                const NSRef<NSThread>& thread, bool wait,
                                                const NSRef<NSArray>& modes);
 
-/// Runs the block on a new thread, within an autorelease pool. Raises `NSGenericException` when the
-/// system gives none.
+/// Runs the block on a new thread, in an autorelease pool. Raises `NSGenericException` without one.
 template <class Receiver, class F>
 void performBlockInBackground(const NSRef<Receiver>& receiver, F&& block);
 

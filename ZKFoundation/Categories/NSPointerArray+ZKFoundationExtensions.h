@@ -5,8 +5,7 @@
 
 namespace ZKFoundationExtensions {
 
-/// Makes a pointer array that neither retains nor releases what it points to, and does not notice
-/// when that is deleted.
+/// Makes a pointer array that owns nothing, and does not notice when what it points to is deleted.
 [[nodiscard]] ZK_EXPORT NSRef<NSPointerArray> zk_pointerArrayWithWeakObjects();
 
 /// Gives the last pointer; null when the array is empty.
@@ -19,8 +18,7 @@ ZK_EXPORT bool removePointerIdenticalTo(const NSRef<NSPointerArray>& array, cons
 [[nodiscard]] ZK_EXPORT bool containsPointer(const NSRef<NSPointerArray>& array,
                                              const void* pointer);
 
-/// Appends the other array's pointers in their order, nulls too. A nil array has none; the other
-/// array may be the same.
+/// Appends the other array's pointers in their order, nulls too. It may be nil, or the same array.
 ZK_EXPORT void addPointersFromPointerArray(const NSRef<NSPointerArray>& array,
                                            const NSRef<NSPointerArray>& other);
 
