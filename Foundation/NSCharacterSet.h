@@ -25,9 +25,13 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   explicit NSCharacterSet(NSRange characters);
   /// Makes the set of the string's characters; nil has none.
   explicit NSCharacterSet(const NSRef<NSString>& string);
-  [[nodiscard]] static NSRef<NSCharacterSet> characterSetWithRange(NSRange characters);
+  [[nodiscard]] static NSRef<NSCharacterSet> characterSetWithRange(NSRange characters) {
+    return NSMake<NSCharacterSet>(characters);
+  }
   [[nodiscard]] static NSRef<NSCharacterSet> characterSetWithCharactersInString(
-      const NSRef<NSString>& string);
+      const NSRef<NSString>& string) {
+    return NSMake<NSCharacterSet>(string);
+  }
 
   /// Gives category Zs and the tab; no line breaks.
   [[nodiscard]] static const NSRef<NSCharacterSet>& whitespaceCharacterSet();

@@ -84,8 +84,12 @@ class NS_EXPORT NSString : public NSObject {
 
   /// Compares the strings as `NSCompareUnits` does; without options by the units of their
   /// canonical decompositions, with letter case. Nil raises `NSInvalidArgumentException`.
-  [[nodiscard]] NSComparisonResult compare(const NSRef<NSString>& other) const;
-  [[nodiscard]] NSComparisonResult caseInsensitiveCompare(const NSRef<NSString>& other) const;
+  [[nodiscard]] NSComparisonResult compare(const NSRef<NSString>& other) const {
+    return compare_options(other, 0);
+  }
+  [[nodiscard]] NSComparisonResult caseInsensitiveCompare(const NSRef<NSString>& other) const {
+    return compare_options(other, NSCaseInsensitiveSearch);
+  }
   [[nodiscard]] NSComparisonResult compare_options(const NSRef<NSString>& other,
                                                    NSUInteger options) const;
 
@@ -101,7 +105,9 @@ class NS_EXPORT NSString : public NSObject {
                                                     NSUInteger options, NSRange range) const;
   [[nodiscard]] NSRange rangeOfString_options(const NSRef<NSString>& string,
                                               NSUInteger options) const;
-  [[nodiscard]] NSRange rangeOfString(const NSRef<NSString>& string) const;
+  [[nodiscard]] NSRange rangeOfString(const NSRef<NSString>& string) const {
+    return rangeOfString_options(string, 0);
+  }
 
   /// Finds the first member of the set in the range (with `NSBackwardsSearch` the last, with
   /// `NSAnchoredSearch` only one at that end), or gives `NSNotFoundRange`. A surrogate pair is one
@@ -110,8 +116,12 @@ class NS_EXPORT NSString : public NSObject {
                                                               NSUInteger options,
                                                               NSRange range) const;
   [[nodiscard]] NSRange rangeOfCharacterFromSet_options(const NSRef<NSCharacterSet>& set,
-                                                        NSUInteger options) const;
-  [[nodiscard]] NSRange rangeOfCharacterFromSet(const NSRef<NSCharacterSet>& set) const;
+                                                        NSUInteger options) const {
+    return rangeOfCharacterFromSet_options_range(set, options, {0, length()});
+  }
+  [[nodiscard]] NSRange rangeOfCharacterFromSet(const NSRef<NSCharacterSet>& set) const {
+    return rangeOfCharacterFromSet_options(set, 0);
+  }
 
   [[nodiscard]] NSRef<NSString> substringFromIndex(NSUInteger index) const;
   [[nodiscard]] NSRef<NSString> substringToIndex(NSUInteger index) const;

@@ -211,7 +211,7 @@ void NSKeyedArchiver::encodeText_forKey(const NSString& text, const NSRef<NSStri
   const Reference name = _archive->key(key, "encodeText:forKey:");
   auto& list = _archive->list;
   const bool isShared = text.length() <= longestSharedText;
-  list.set(_archive->current, name, isShared ? list.text(text.view()) : list.ownText(text.view()));
+  list.set(_archive->current, name, list.text(text.view(), isShared));
 }
 
 std::uint32_t NSKeyedArchiver::beginList(const NSRef<NSString>& key) {

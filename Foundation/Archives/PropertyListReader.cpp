@@ -21,9 +21,10 @@ std::uint64_t bigEndian(Bytes bytes) noexcept {
   return value;
 }
 
-char16_t unitAt(Bytes text, std::size_t at) noexcept {
-  return static_cast<char16_t>(std::to_integer<unsigned>(text[2 * at]) << 8U |
-                               std::to_integer<unsigned>(text[2 * at + 1]));
+char16_t unitAt(const Object& text, std::size_t at) noexcept {
+  if (text.is(Kind::ascii)) return std::to_integer<char16_t>(text.bytes[at]);
+  return static_cast<char16_t>(std::to_integer<unsigned>(text.bytes[2 * at]) << 8U |
+                               std::to_integer<unsigned>(text.bytes[2 * at + 1]));
 }
 
 std::optional<Bytes> take(Bytes& bytes, std::uint64_t size) noexcept {
@@ -126,9 +127,7 @@ std::size_t NSPropertyListObject::unitCount() const noexcept {
 NSRef<NSString> NSPropertyListObject::text() const {
   const std::size_t count = unitCount();
   const auto copyTo = [&](char16_t* units) {
-    for (std::size_t k = 0; k < count; ++k) {
-      units[k] = is(Kind::utf16) ? unitAt(bytes, k) : std::to_integer<char16_t>(bytes[k]);
-    }
+    for (std::size_t k = 0; k < count; ++k) units[k] = unitAt(*this, k);
   };
   // Short ones, which most are, go into one block with their string.
   std::array<char16_t, 64> room;
@@ -145,8 +144,7 @@ NSRef<NSString> NSPropertyListObject::text() const {
 bool NSPropertyListObject::isText(std::u16string_view text) const noexcept {
   if (!isText() || unitCount() != text.size()) return false;
   for (std::size_t k = 0; k < text.size(); ++k) {
-    const auto unit = is(Kind::utf16) ? unitAt(bytes, k) : std::to_integer<char16_t>(bytes[k]);
-    if (unit != text[k]) return false;
+    if (unitAt(*this, k) != text[k]) return false;
   }
   return true;
 }

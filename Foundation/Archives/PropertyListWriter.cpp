@@ -128,13 +128,6 @@ Reference NSPropertyListWriter::container(bool isDictionary, std::size_t capacit
   return static_cast<Reference>(_containers.size() - 1) | containerBit;
 }
 
-Reference NSPropertyListWriter::array(std::size_t capacity) { return container(false, capacity); }
-
-Reference NSPropertyListWriter::dictionary() {
-  // Most have one or two values and a class.
-  return container(true, 6);
-}
-
 void NSPropertyListWriter::append(Reference array, Reference element) {
   _containers[array ^ containerBit].references.push_back(element);
 }

@@ -22,13 +22,13 @@ class NSPropertyListWriter {
   Reference real(double value);
   Reference uid(std::uint64_t value);
   Reference data(std::span<const std::byte> bytes);
-  Reference text(std::u16string_view units) { return text(units, true); }
-  /// Adds a text of its own, also where there is an equal one.
-  Reference ownText(std::u16string_view units) { return text(units, false); }
+  /// Adds a text; one that is not shared also where there is an equal one.
+  Reference text(std::u16string_view units, bool isShared = true);
 
   /// Begins an empty array with room for that many elements.
-  Reference array(std::size_t capacity);
-  Reference dictionary();
+  Reference array(std::size_t capacity) { return container(false, capacity); }
+  /// Begins an empty dictionary. Most get one or two values and a class.
+  Reference dictionary() { return container(true, 6); }
   void append(Reference array, Reference element);
   /// Enters the value for the key, in place of the one that the key had.
   void set(Reference dictionary, Reference key, Reference value);
@@ -42,7 +42,6 @@ class NSPropertyListWriter {
     std::vector<Reference> references;
   };
 
-  Reference text(std::u16string_view units, bool isShared);
   Reference value(std::size_t start, bool isShared = true);
   Reference number(std::uint8_t marker, std::uint64_t value, std::size_t size);
   Reference container(bool isDictionary, std::size_t capacity);

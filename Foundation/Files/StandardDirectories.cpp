@@ -29,26 +29,20 @@ constexpr std::array<ListedFolder, 7> listedFolders = {{
     {NSSharedPublicDirectory, "XDG_PUBLICSHARE_DIR", "Public"},
 }};
 
-void skipBlanks(std::string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-}
-
-bool takePrefix(std::string_view& text, std::string_view prefix) {
-  if (!text.starts_with(prefix)) return false;
-  text.remove_prefix(prefix.size());
+// Removes blanks and the word after them; gives false for another word.
+bool takeWord(std::string_view& line, std::string_view word) {
+  line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+  if (!line.starts_with(word)) return false;
+  line.remove_prefix(word.size());
   return true;
 }
 
 // The path in `XDG_MUSIC_DIR="$HOME/Music"`; empty for any other line.
 fs::path pathInLine(std::string_view line, std::string_view variable, const fs::path& home) {
-  skipBlanks(line);
-  if (!takePrefix(line, variable)) return {};
-  skipBlanks(line);
-  if (!takePrefix(line, "=")) return {};
-  skipBlanks(line);
-  if (!takePrefix(line, "\"")) return {};
+  if (!takeWord(line, variable) || !takeWord(line, "=") || !takeWord(line, "\"")) return {};
   std::string path;
-  if (takePrefix(line, "$HOME") && (line.starts_with('/') || line.starts_with('"'))) {
+  if (line.starts_with("$HOME/") || line.starts_with("$HOME\"")) {
+    line.remove_prefix(5);
     path = home.native();
     if (path.ends_with('/') && line.starts_with('/')) path.pop_back();
   } else if (!line.starts_with('/')) {

@@ -1,6 +1,9 @@
 #include "Foundation/Locales/LocaleComponents.h"
 
 #include <algorithm>
+#include <array>
+
+#include <unicode/uloc.h>
 
 namespace {
 
@@ -51,4 +54,14 @@ bool NSIsLocaleIdentifier(std::u16string_view text) noexcept {
            return isLetter(unit) || isDigit(unit) ||
                   std::u16string_view(u"_-@=;+.").find(unit) != std::u16string_view::npos;
          });
+}
+
+std::string NSLanguageTag(const std::string& identifier) {
+  if (identifier.empty()) return {};
+  std::array<char, ULOC_FULLNAME_CAPACITY> tag{};
+  UErrorCode status = U_ZERO_ERROR;
+  const auto length =
+      uloc_toLanguageTag(identifier.c_str(), tag.data(), tag.size(), /*strict=*/1, &status);
+  if (U_FAILURE(status) || status == U_STRING_NOT_TERMINATED_WARNING) return {};
+  return {tag.data(), static_cast<std::size_t>(length)};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include <Foundation/NSExport.h>
@@ -27,3 +28,6 @@ struct NSLocaleComponents {
 
 /// Whether `NSLocale::localeWithLocaleIdentifier` takes the text.
 [[nodiscard]] bool NSIsLocaleIdentifier(std::u16string_view text) noexcept;
+
+/// Gives "de-CH" for "de_CH"; nothing for what names no language.
+[[nodiscard]] std::string NSLanguageTag(const std::string& identifier);

@@ -46,14 +46,6 @@ bool hasSeveralScripts(const std::string& language) {
   return (*languages).contains(language);
 }
 
-// The present code of a language that had another one once: "he" for "iw".
-std::string presentCode(const std::string& language) {
-  std::array<char, ULOC_FULLNAME_CAPACITY> room{};
-  UErrorCode status = U_ZERO_ERROR;
-  uloc_toLanguageTag(language.c_str(), room.data(), room.size() - 1, /*strict=*/1, &status);
-  return U_SUCCESS(status) ? room.data() : language;
-}
-
 struct NamedKind {
   const NSRef<NSString>& (*key)();
   NSDisplayNames::Function name;
@@ -109,7 +101,9 @@ NSRef<NSString> NSLocale::canonicalLanguageIdentifierFromString(const NSRef<NSSt
   const std::string written = ask(uloc_getScript, canonical);
   const std::string region = ask(uloc_getCountry, canonical);
   const std::string usual = usualScript(language);
-  std::string result = presentCode(language);
+  // The present code of a language that had another one once: "he" for "iw".
+  std::string result = NSLanguageTag(language);
+  if (result.empty()) result = language;
   if (!written.empty()) {
     if (written != usual || hasSeveralScripts(language)) result.append("-").append(written);
   } else if (!region.empty()) {

@@ -1,15 +1,12 @@
 #include "Foundation/NSLocale.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#include <unicode/uloc.h>
 
 #include <Foundation/Locales/DecimalSymbols.h>
 #include <Foundation/Locales/DisplayNames.h>
@@ -57,17 +54,6 @@ NSRef<NSLocale> localeOfEnvironment() {
   return locale ? locale : NSLocale::localeWithLocaleIdentifier(NSMake<NSString>(posixIdentifier));
 }
 
-// "de-CH" for "de_CH"; of what names no language nothing.
-std::string languageTag(const std::string& identifier) {
-  if (identifier.empty()) return {};
-  std::array<char, ULOC_FULLNAME_CAPACITY> tag{};
-  UErrorCode status = U_ZERO_ERROR;
-  const auto length =
-      uloc_toLanguageTag(identifier.c_str(), tag.data(), tag.size(), /*strict=*/1, &status);
-  if (U_FAILURE(status) || status == U_STRING_NOT_TERMINATED_WARNING) return {};
-  return {tag.data(), static_cast<std::size_t>(length)};
-}
-
 NSRef<NSArray> languagesOfEnvironment() {
   const std::string main = environmentIdentifier();
   // Without the POSIX variant, which is no language of people.
@@ -77,7 +63,7 @@ NSRef<NSArray> languagesOfEnvironment() {
   for (std::size_t start = 0; start <= list.size();) {
     const std::size_t end = std::min(list.find(':', start), list.size());
     const std::string_view name = std::string_view(list).substr(start, end - start);
-    const std::string tag = languageTag(identifierOfPosixName(name));
+    const std::string tag = NSLanguageTag(identifierOfPosixName(name));
     if (!tag.empty()) languages.emplace_back(NSMake<NSString>(tag));
     start = end + 1;
   }

@@ -91,15 +91,6 @@ NSCharacterSet::NSCharacterSet(NSRange characters)
 NSCharacterSet::NSCharacterSet(const NSRef<NSString>& string)
     : NSCharacterSet(std::make_shared<const Contents>(membersOf(string))) {}
 
-NSRef<NSCharacterSet> NSCharacterSet::characterSetWithRange(NSRange characters) {
-  return NSMake<NSCharacterSet>(characters);
-}
-
-NSRef<NSCharacterSet> NSCharacterSet::characterSetWithCharactersInString(
-    const NSRef<NSString>& string) {
-  return NSMake<NSCharacterSet>(string);
-}
-
 const NSRef<NSCharacterSet>& NSCharacterSet::whitespaceCharacterSet() {
   return Contents::setOf<u"[[:Zs:]\\u0009]">();
 }

@@ -70,14 +70,6 @@ NSUInteger NSString::hash() const { return NSHashUnits(view()); }
 
 NSRef<NSString> NSString::description() const { return copy(); }
 
-NSComparisonResult NSString::compare(const NSRef<NSString>& other) const {
-  return compare_options(other, 0);
-}
-
-NSComparisonResult NSString::caseInsensitiveCompare(const NSRef<NSString>& other) const {
-  return compare_options(other, NSCaseInsensitiveSearch);
-}
-
 NSComparisonResult NSString::compare_options(const NSRef<NSString>& other,
                                              NSUInteger options) const {
   return NSCompareUnits(view(), other->view(), options);
@@ -101,25 +93,12 @@ NSRange NSString::rangeOfString_options(const NSRef<NSString>& string, NSUIntege
   return NSSearchUnits(view(), NSViewOf(string), options, {0, length()});
 }
 
-NSRange NSString::rangeOfString(const NSRef<NSString>& string) const {
-  return rangeOfString_options(string, 0);
-}
-
 NSRange NSString::rangeOfCharacterFromSet_options_range(const NSRef<NSCharacterSet>& set,
                                                         NSUInteger options, NSRange range) const {
   NSCheckRange("rangeOfCharacterFromSet:options:range:", range, length());
   if (!set) return NSNotFoundRange;
   const NSRange found = NSSearchMember(*set, view().substr(range.location, range.length), options);
   return found.length == 0 ? found : NSRange{range.location + found.location, found.length};
-}
-
-NSRange NSString::rangeOfCharacterFromSet_options(const NSRef<NSCharacterSet>& set,
-                                                  NSUInteger options) const {
-  return rangeOfCharacterFromSet_options_range(set, options, {0, length()});
-}
-
-NSRange NSString::rangeOfCharacterFromSet(const NSRef<NSCharacterSet>& set) const {
-  return rangeOfCharacterFromSet_options(set, 0);
 }
 
 NSRef<NSString> NSString::substringFromIndex(NSUInteger index) const {
