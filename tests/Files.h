@@ -3,19 +3,14 @@
 #include "tests/Support.h"
 
 #include <cerrno>
-#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <stdexcept>
 
-#include <linux/filter.h>
-#include <linux/seccomp.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -102,25 +97,6 @@ template <class Action>
   constexpr uid_t nobody = 65534;
   return inChild([&] {
     if (geteuid() == 0 && (setgid(nobody) != 0 || setuid(nobody) != 0)) std::_Exit(cannotTest);
-    action();
-  });
-}
-
-/// Runs the action where the file system cannot exchange two files.
-template <class Action>
-[[nodiscard]] bool withoutExchange(Action action) {
-  return inChild([&] {
-    std::array<sock_filter, 4> filter{{
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_renameat2, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EINVAL),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    }};
-    sock_fprog program{filter.size(), filter.data()};
-    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
-        prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
-      std::_Exit(cannotTest);
-    }
     action();
   });
 }

@@ -1,7 +1,14 @@
-# The page shows a program that is compiled and run, as it is.
-file(READ ${PAGE} page)
-file(READ ${EXAMPLE} example)
-string(FIND "${page}" "```cpp\n${example}```" place)
-if(place EQUAL -1)
-  message(FATAL_ERROR "${PAGE} does not show ${EXAMPLE} as it is")
-endif()
+# The pages show programs that are compiled and run, as they are.
+foreach(pair README.md:title docs/object-graphs.md:graph docs/formatters.md:formatters
+        docs/documents.md:documents docs/threads.md:threads docs/threads.md:hosts/epoll
+        docs/threads.md:hosts/glib)
+  string(REPLACE ":" ";" pair ${pair})
+  list(GET pair 0 page)
+  list(GET pair 1 example)
+  file(READ ${ROOT}/${page} text)
+  file(READ ${ROOT}/examples/${example}.cpp program)
+  string(FIND "${text}" "```cpp\n${program}```" place)
+  if(place EQUAL -1)
+    message(SEND_ERROR "${page} does not show ${example}.cpp as it is")
+  endif()
+endforeach()

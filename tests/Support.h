@@ -39,6 +39,12 @@ void expectRaises(std::u16string_view name, std::string_view reason, Action acti
   }
 }
 
+/// Runs the action and expects it to refuse nil for this argument of this operation.
+template <class Action>
+void refusesNil(const std::string& argument, const std::string& operation, Action action) {
+  expectRaises(NSInvalidArgumentException, argument + " is nil (in '" + operation + "')", action);
+}
+
 /// The object's description, "nil" for none.
 inline std::string shown(const NSRef<NSObject>& object) {
   return object ? object->description()->utf8() : "nil";

@@ -221,9 +221,9 @@ TEST(NSArraySorting, RefusesNilAndWhatTheMethodDoesNotTake) {
   expectRaises(NSInvalidArgumentException, reason, [&] {
     insertObject_inArraySortedUsingFunction_context(array, nullptr, compareAndNote, nullptr);
   });
-  expectRaises(
-      NSInvalidArgumentException, "compare is nil (in 'inArraySortedUsingFunction:context:')",
-      [&] { insertObject_inArraySortedUsingFunction_context(array, object, nullptr, nullptr); });
+  refusesNil("compare", "inArraySortedUsingFunction:context:", [&] {
+    insertObject_inArraySortedUsingFunction_context(array, object, nullptr, nullptr);
+  });
   NSComparisonResult (Card::*const noMethod)(const NSRef<Card>&) const = nullptr;
   EXPECT_THROW(insertObject_inArraySortedUsingSelector(array, object, noMethod), NSException);
   const auto refused = [&](const NSRef<NSObject>& searched) {

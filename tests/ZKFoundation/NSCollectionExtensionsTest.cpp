@@ -200,8 +200,8 @@ TEST(NSMapTableExtensions, SetsWhatIsAbsent) {
   setObjectIfAbsent_forKey(table, number(1), u"k"_ns);
   setObjectIfAbsent_forKey(table, number(2), u"k"_ns);
   setObjectIfAbsent_forKey(table, nullptr, u"k"_ns);
-  expectRaises(NSInvalidArgumentException, "anObject is nil (in 'setObject:forKey:')",
-               [&] { setObjectIfAbsent_forKey(table, nullptr, u"absent"_ns); });
+  refusesNil("anObject",
+             "setObject:forKey:", [&] { setObjectIfAbsent_forKey(table, nullptr, u"absent"_ns); });
   EXPECT_EQ(table->description(), u"{k = 1}");
 }
 

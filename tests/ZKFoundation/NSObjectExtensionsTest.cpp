@@ -72,8 +72,8 @@ TEST(NSArrayExtensions, TakesEveryCallableAndRaisesForNoBlock) {
   void (*const noFunction)(const NSRef<NSObject>&) = nullptr;
   function = nullptr;
   const auto expectRefusal = [](const auto& objects, const auto& block) {
-    expectRaises(NSInvalidArgumentException, "aBlock is nil (in 'makeObjectsPerformBlock:')",
-                 [&] { makeObjectsPerformBlock(objects, block); });
+    refusesNil("aBlock",
+               "makeObjectsPerformBlock:", [&] { makeObjectsPerformBlock(objects, block); });
   };
   expectRefusal(array, nullptr);
   expectRefusal(array, noFunction);

@@ -227,8 +227,7 @@ TEST(NSError, IsAValue) {
                 ->localizedDescription()
                 ->utf8(),
             "NSPOSIXErrorDomain 4294967296");
-  expectRaises(NSInvalidArgumentException, "domain is nil (in 'initWithDomain:code:userInfo:')",
-               [] { NSError(nullptr, 0, nullptr); });
+  refusesNil("domain", "initWithDomain:code:userInfo:", [] { NSError(nullptr, 0, nullptr); });
 }
 
 }  // namespace

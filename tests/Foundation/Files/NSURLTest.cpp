@@ -62,8 +62,7 @@ TEST(NSURL, NamesFiles) {
   EXPECT_EQ(file("no such"), "file://" + fs::current_path().native() + "/no%20such");
   EXPECT_EQ(file(""), "nil");
   EXPECT_FALSE(NSURL::fileURLWithPath(NSMake<NSString>(std::u16string_view(u"/\xD800"))));
-  expectRaises(NSInvalidArgumentException, "path is nil (in 'fileURLWithPath:')",
-               [] { (void)NSURL::fileURLWithPath(NSRef<NSString>()); });
+  refusesNil("path", "fileURLWithPath:", [] { (void)NSURL::fileURLWithPath(NSRef<NSString>()); });
   EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory(string("/no"), true)), "file:///no/");
   EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory(string("/usr"), false)), "file:///usr");
 

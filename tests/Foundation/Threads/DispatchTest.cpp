@@ -180,10 +180,8 @@ TEST(DispatchQueue, LetsGoOfWhatHasRun) {
 TEST(DispatchQueue, RefusesNil) {
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
   void (*const nothing)() = nullptr;
-  expectRaises(NSInvalidArgumentException, "block is nil (in 'dispatch_async')",
-               [&] { dispatch_async(queue, nothing); });
-  expectRaises(NSInvalidArgumentException, "block is nil (in 'dispatch_sync')",
-               [&] { dispatch_sync(queue, std::function<void()>()); });
+  refusesNil("block", "dispatch_async", [&] { dispatch_async(queue, nothing); });
+  refusesNil("block", "dispatch_sync", [&] { dispatch_sync(queue, std::function<void()>()); });
   EXPECT_THROW(dispatch_async(nullptr, [] {}), NSException);
 }
 

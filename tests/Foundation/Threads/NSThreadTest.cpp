@@ -22,8 +22,7 @@ TEST(NSThread, RunsItsWork) {
   NSMake<NSThread>([&] { done.count_down(); })->start();
   done.wait();
   EXPECT_TRUE(worker->isItself);
-  expectRaises(NSInvalidArgumentException, "block is nil (in 'initWithBlock:')",
-               [] { (void)NSMake<NSThread>(std::function<void()>()); });
+  refusesNil("block", "initWithBlock:", [] { (void)NSMake<NSThread>(std::function<void()>()); });
 }
 
 TEST(NSThread, KnowsItself) {

@@ -103,10 +103,9 @@ TEST(NSTimer, RefusesWhatItCannotDo) {
         [&] { NSRunLoop::currentRunLoop()->addTimer_forMode(timer, NSDefaultRunLoopMode()); });
   }).join();
   timer->invalidate();
-  expectRaises(
-      NSInvalidArgumentException, "block is nil (in 'timerWithTimeInterval:repeats:block:')", [] {
-        (void)NSTimer::timerWithTimeInterval_repeats_block(1, false, std::function<void()>());
-      });
+  refusesNil("block", "timerWithTimeInterval:repeats:block:", [] {
+    (void)NSTimer::timerWithTimeInterval_repeats_block(1, false, std::function<void()>());
+  });
 }
 
 TEST(NSDelay, TakesSecondsAndDurations) {
