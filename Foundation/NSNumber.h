@@ -25,12 +25,10 @@ class NS_EXPORT NSNumber : public NSObject {
   [[nodiscard]] int intValue() const noexcept { return convert<int>(); }
   [[nodiscard]] NSInteger integerValue() const noexcept { return convert<NSInteger>(); }
   [[nodiscard]] NSUInteger unsignedIntegerValue() const noexcept { return convert<NSUInteger>(); }
-  [[nodiscard]] long long longLongValue() const noexcept { return convert<long long>(); }
-  [[nodiscard]] unsigned long unsignedLongValue() const noexcept {
-    return convert<unsigned long>();
-  }
+  [[nodiscard]] long long longLongValue() const noexcept { return integerValue(); }
+  [[nodiscard]] unsigned long unsignedLongValue() const noexcept { return unsignedIntegerValue(); }
   [[nodiscard]] unsigned long long unsignedLongLongValue() const noexcept {
-    return convert<unsigned long long>();
+    return unsignedIntegerValue();
   }
   [[nodiscard]] float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
   [[nodiscard]] double doubleValue() const noexcept;

@@ -29,11 +29,6 @@ constexpr std::size_t longestSharedText = 64;
   NSException::raise(NSInvalidArchiveOperationException, what + " cannot be archived");
 }
 
-[[noreturn]] void raiseTooDeep() {
-  raiseCannotArchive("a graph of more than " + std::to_string(NSMostNestedObjects) +
-                     " objects in each other");
-}
-
 struct ClassNames {
   std::mutex mutex;
   std::unordered_map<NSClass, NSRef<NSString>> byClass;
@@ -130,7 +125,10 @@ struct NSKeyedArchiver::Archive {
   }
 
   void encodeRecord(const NSRef<NSObject>& object, Reference record, NSKeyedArchiver& coder) {
-    if (++depth > NSMostNestedObjects) raiseTooDeep();
+    if (++depth > NSMostNestedObjects) {
+      raiseCannotArchive("a graph of more than " + std::to_string(NSMostNestedObjects) +
+                         " objects in each other");
+    }
     const Reference outer = std::exchange(current, record);
     NSClass itself = object->objectClass();
     if (const auto* const coding = object.cast<NSCoding>()) {

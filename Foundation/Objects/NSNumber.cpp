@@ -67,10 +67,8 @@ T NSNumber::convert() const noexcept {
 }
 
 template int NSNumber::convert<int>() const noexcept;
-template long NSNumber::convert<long>() const noexcept;
-template unsigned long NSNumber::convert<unsigned long>() const noexcept;
-template long long NSNumber::convert<long long>() const noexcept;
-template unsigned long long NSNumber::convert<unsigned long long>() const noexcept;
+template NSInteger NSNumber::convert<NSInteger>() const noexcept;
+template NSUInteger NSNumber::convert<NSUInteger>() const noexcept;
 
 bool NSNumber::boolValue() const noexcept {
   return std::visit([](auto value) { return value != 0; }, _value);

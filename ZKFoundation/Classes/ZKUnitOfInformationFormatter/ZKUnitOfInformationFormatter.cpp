@@ -26,25 +26,12 @@ constexpr std::array<double, prefixCount> decimalFactors = {1e3, 1e6, 1e9, 1e12,
 constexpr std::size_t namesPerPrefix = 4;
 enum Text : std::size_t { bytesText = prefixCount * namesPerPrefix, bitsText, patternText };
 
-// The key of each text; nil where there is no such unit.
-const NSRef<NSString>& keyOf(std::size_t text) {
-  using Keys = std::array<NSRef<NSString>, patternText + 1>;
-  static const NSNeverDestroyed<Keys> keys(
-      Keys{u"KiB"_ns,   u"KB"_ns,   u"Kibit"_ns,
-           u"kbit"_ns,  //
-           u"MiB"_ns,   u"MB"_ns,   u"Mibit"_ns,
-           u"Mbit"_ns,  //
-           u"GiB"_ns,   u"GB"_ns,   u"Gibit"_ns,
-           u"Gbit"_ns,  //
-           u"TiB"_ns,   u"TB"_ns,   u"Tibit"_ns,
-           u"Tbit"_ns,  //
-           u"PiB"_ns,   u"PB"_ns,   u"Pibit"_ns,
-           u"Pbit"_ns,  //
-           u"EiB"_ns,   u"EB"_ns,   nullptr,
-           nullptr,  //
-           u"bytes"_ns, u"bits"_ns, u"Unit of Information Format String"_ns});
-  return (*keys)[text];
-}
+// The keys of the names; empty where there is no such unit.
+constexpr std::array<std::u16string_view, patternText> nameKeys = {
+    u"KiB",   u"KB",    u"Kibit", u"kbit", u"MiB", u"MB",    u"Mibit", u"Mbit", u"GiB",
+    u"GB",    u"Gibit", u"Gbit",  u"TiB",  u"TB",  u"Tibit", u"Tbit",  u"PiB",  u"PB",
+    u"Pibit", u"Pbit",  u"EiB",   u"EB",   u"",    u"",      u"bytes", u"bits"};
+constexpr std::u16string_view patternKey = u"Unit of Information Format String";
 
 std::size_t prefixAt(NSInteger index) {
   const auto position = static_cast<NSUInteger>(index);
@@ -127,10 +114,11 @@ NSRef<NSString> ZKUnitOfInformationFormatter::localized(std::size_t text) const 
     _languagesGeneration = generation;
   }
   NSRef<NSString>& result = _texts[text];
-  if (!result && keyOf(text)) {
+  const auto key = text == patternText ? patternKey : nameKeys[text];
+  if (!result && !key.empty()) {
     static const NSNeverDestroyed<NSRef<NSString>> table(u"ZKUnitOfInformationFormatter"_ns);
     result = NSBundle::mainBundle()->localizedStringForKey_value_table(
-        keyOf(text), text == patternText ? u"%@ %@"_ns : nullptr, *table);
+        NSMake<NSString>(key), text == patternText ? u"%@ %@"_ns : nullptr, *table);
   }
   return result;
 }
