@@ -15,7 +15,7 @@ class NSPredicate;
 class NSString;
 
 /// An ordered sequence of objects. An index that does not fit raises `NSRangeException`, nil as an
-/// element `NSInvalidArgumentException`.
+/// element, block or predicate `NSInvalidArgumentException`.
 class NS_EXPORT NSArray : public NSObject {
  public:
   using Elements = std::initializer_list<NSRef<NSObject>>;
@@ -48,12 +48,10 @@ class NS_EXPORT NSArray : public NSObject {
   [[nodiscard]] NSRef<NSString> componentsJoinedByString(const NSRef<NSString>& separator) const;
 
   /// Calls the block with each element, its index and a flag that ends the walk once it is set; a
-  /// block may take the element alone. Raises as range-for does, and for a nil block
-  /// `NSInvalidArgumentException`.
+  /// block may take the element alone. Raises as range-for does.
   void enumerateObjectsUsingBlock(
       NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) const;
-  /// Gives the elements for which the predicate holds, in their order. A nil predicate raises
-  /// `NSInvalidArgumentException`.
+  /// Gives the elements for which the predicate holds, in their order.
   [[nodiscard]] NSRef<NSArray> filteredArrayUsingPredicate(
       const NSRef<NSPredicate>& predicate) const;
 
@@ -99,8 +97,7 @@ class NS_EXPORT NSArray : public NSObject {
   NSMutationCount _mutations;
 };
 
-/// An array that may be changed. Belongs to one thread at a time. A change that raises leaves it as
-/// it was.
+/// An array that may be changed, by one thread at a time. A change that raises leaves it as it was.
 class NS_EXPORT NSMutableArray : public NSArray {
  public:
   using NSArray::NSArray;
@@ -115,11 +112,9 @@ class NS_EXPORT NSMutableArray : public NSArray {
   void removeObjectAtIndex(NSUInteger index);
   /// Removes every element that is equal.
   void removeObject(const NSRef<NSObject>& anObject);
-  /// Removes the elements for which the callable holds, in one pass. When the callable throws or
-  /// changes the array, no element is removed.
+  /// Removes the elements for which the callable holds; none when it throws or changes the array.
   void removeObjectsWhere(NSBlockRef<bool(const NSRef<NSObject>&)> isRemoved);
-  /// Removes the elements for which the predicate does not hold. A nil predicate raises
-  /// `NSInvalidArgumentException`.
+  /// Removes the elements for which the predicate does not hold.
   void filterUsingPredicate(const NSRef<NSPredicate>& predicate);
   /// Removes the last element; does nothing when the array is empty.
   void removeLastObject();

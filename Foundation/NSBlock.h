@@ -11,8 +11,7 @@
 /// A block as a parameter of a call that does not outlive it: any callable, or none. It refers to
 /// the caller's callable without an allocation; that may take the first argument alone.
 ///
-/// A null pointer and an empty `std::function` are nil blocks; calling one is undefined, so an
-/// operation tests its block first.
+/// A null pointer and an empty `std::function` are nil blocks; calling one is undefined.
 template <class Signature>
 class NSBlockRef;
 

@@ -70,8 +70,7 @@ class NS_EXPORT NSDictionary : public NSObject {
   NSObjectMap _entries;
 };
 
-/// A dictionary that may be changed. Belongs to one thread at a time. A change that raises leaves
-/// it as it was.
+/// A dictionary that one thread at a time may change. A change that raises leaves it as it was.
 class NS_EXPORT NSMutableDictionary : public NSDictionary {
  public:
   using NSDictionary::NSDictionary;

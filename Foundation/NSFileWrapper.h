@@ -25,8 +25,7 @@ enum NSFileWrapperWritingOptions : NSUInteger {
 /// `NSInternalInconsistencyException`; nil as contents, new child or URL raises
 /// `NSInvalidArgumentException`. A wrapper belongs to one thread at a time.
 ///
-/// Of permissions the nine for reading, writing and executing are kept; owners, extended attributes
-/// and further hard links are not.
+/// Keeps the nine permission bits, but no owners, extended attributes or further hard links.
 class NS_EXPORT NSFileWrapper : public NSObject {
  public:
   /// Makes a regular file.
@@ -79,9 +78,8 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   /// Gives the children by name.
   [[nodiscard]] NSRef<NSDictionary> fileWrappers() const;
   /// Adds a child by its preferred name, or where another has that by its `unusedFilename`. A child
-  /// without a preferred name gets "Untitled", or the unused name for that. Gives the name by which
-  /// the directory has it. A directory that this one is within, or is, raises
-  /// `NSInvalidArgumentException`.
+  /// without one gets "Untitled", or the unused name for that. Gives the name by which the
+  /// directory has it. One that holds this, or is it, raises `NSInvalidArgumentException`.
   NSRef<NSString> addFileWrapper(const NSRef<NSFileWrapper>& child);
   /// Makes a regular file with that preferred name and adds it, as `addFileWrapper` does.
   NSRef<NSString> addRegularFileWithContents_preferredFilename(const NSRef<NSData>& contents,

@@ -62,8 +62,7 @@ class NS_EXPORT NSIndexSet : public NSObject {
   [[nodiscard]] std::span<const NSRange> ranges() const noexcept { return _ranges; }
 
   class Iterator;
-  /// Begins a range-for over the indexes. When the set has changed, its next step raises
-  /// `NSGenericException`.
+  /// Begins a range-for over the indexes. A step after a change raises `NSGenericException`.
   [[nodiscard]] Iterator begin() const noexcept;
   [[nodiscard]] static std::default_sentinel_t end() noexcept { return {}; }
 
@@ -142,8 +141,7 @@ inline NSIndexSet::Iterator NSIndexSet::begin() const noexcept {
   return {_ranges, {self(), _mutations}};
 }
 
-/// A set of indexes that may be changed. Belongs to one thread at a time. A change that raises
-/// leaves it as it was.
+/// A set of indexes that one thread at a time may change. A change that raises leaves it as it was.
 class NS_EXPORT NSMutableIndexSet : public NSIndexSet {
  public:
   using NSIndexSet::NSIndexSet;

@@ -31,12 +31,10 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
     return unarchiveObjectWithData(data).template as<T>();
   }
 
-  /// Reads the object under the key "root". Gives nil, with an `NSError` of the domain
-  /// `NSCocoaErrorDomain` whose text is the reason, when there is none
-  /// (`NSCoderValueNotFoundError`), and when it is of another class or reading raises an
-  /// `NSException`
-  /// (`NSCoderReadCorruptError`). The place for the error may be null. Nil as data raises
-  /// `NSInvalidArgumentException`.
+  /// Reads the object under the key "root". Gives nil, with an `NSError` of `NSCocoaErrorDomain`
+  /// whose text is the reason, when there is none (`NSCoderValueNotFoundError`), it is of another
+  /// class or reading raises an `NSException` (`NSCoderReadCorruptError`). The place for the error
+  /// may be null. Nil as data raises `NSInvalidArgumentException`.
   [[nodiscard]] static NSRef<NSObject> unarchivedObjectOfClass_fromData_error(
       NSClass aClass, const NSRef<NSData>& data, NSRef<NSError>* error);
   /// Reads the object under the key "root" as a `T`, with an error where it gives nil.

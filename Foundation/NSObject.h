@@ -56,8 +56,7 @@ class NS_EXPORT NSObject {
   /// Gives an immutable copy, by `copyWithZone` without a zone; copyable classes give it with their
   /// own type. Objects are copied so, never assigned.
   [[nodiscard]] NSRef<NSObject> copy() const { return copyWithZone(nullptr); }
-  /// Gives an immutable copy: copyable classes override it, in others it raises
-  /// `NSInvalidArgumentException`.
+  /// Gives an immutable copy: classes override it, or raise `NSInvalidArgumentException`.
   [[nodiscard]] virtual NSRef<NSObject> copyWithZone(NSZone* zone) const;
   /// Gives a copy that may be changed; classes without one raise `NSInvalidArgumentException`.
   [[nodiscard]] virtual NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const;
@@ -134,8 +133,7 @@ class NS_EXPORT NSObject {
 using NSUndefinedKeyHandler = NSRef<NSObject> (*)(const NSObject& object,
                                                   const NSRef<NSString>& key);
 
-/// Sets the handler for the whole process and gives the former one; null stands for the exception.
-/// May be called from any thread.
+/// Sets the process's handler and gives the former; null stands for the exception. From any thread.
 NS_EXPORT NSUndefinedKeyHandler NSSetUndefinedKeyHandler(NSUndefinedKeyHandler handler) noexcept;
 
 /// Equality and hashing by contents, for the standard library's containers of references.

@@ -15,7 +15,7 @@ class NSSet;
 class NSString;
 
 /// Objects of which no two are equal, in an order. An index that does not fit raises
-/// `NSRangeException`, nil as a member `NSInvalidArgumentException`.
+/// `NSRangeException`, nil as a member or block `NSInvalidArgumentException`.
 class NS_EXPORT NSOrderedSet : public NSObject {
  public:
   using Elements = std::initializer_list<NSRef<NSObject>>;
@@ -49,8 +49,7 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   [[nodiscard]] NSRef<NSSet> set() const;
 
   /// Calls the block with each member, its index and a flag that ends the walk once it is set; a
-  /// block may take the member alone. Raises as range-for does, and for a nil block
-  /// `NSInvalidArgumentException`.
+  /// block may take the member alone. Raises as range-for does.
   void enumerateObjectsUsingBlock(
       NSBlockRef<void(const NSRef<NSObject>&, NSUInteger, bool&)> aBlock) const;
 
@@ -60,8 +59,7 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   }
   /// Gives the members for who copies them: a copy stays as it is when the set changes.
   [[nodiscard]] const NSObjectVector& elements() const noexcept { return _members.elements(); }
-  /// Begins a range-for. When the set has changed, its next step raises `NSGenericException`; the
-  /// member at hand stays valid.
+  /// Begins a range-for. A step after a change raises `NSGenericException`; the member stays valid.
   [[nodiscard]] auto begin() const noexcept {
     return NSEnumeration(_members.elements(), {self(), _members.mutations()});
   }
@@ -93,8 +91,7 @@ class NS_EXPORT NSOrderedSet : public NSObject {
   NSObjectSet _members;
 };
 
-/// An ordered set that may be changed. Belongs to one thread at a time. A change that raises leaves
-/// it as it was.
+/// An ordered set that one thread at a time may change. A change that raises leaves it as it was.
 class NS_EXPORT NSMutableOrderedSet : public NSOrderedSet {
  public:
   using NSOrderedSet::NSOrderedSet;

@@ -106,9 +106,8 @@ class NSRef {
   T* _object = nullptr;
 };
 
-/// Walks by range-for over the collection that a reference refers to, also over one that a call has
-/// just returned: `for (const auto& object : set->allObjects())`. Nil raises
-/// `NSInvalidArgumentException`.
+/// Walks over the collection of a reference, also one that a call has just returned: `for (const
+/// auto& object : set->allObjects())`. Nil raises `NSInvalidArgumentException`.
 template <class T>
 [[nodiscard]] auto begin(const NSRef<T>& collection) -> decltype(collection->begin()) {
   return collection->begin();

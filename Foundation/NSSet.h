@@ -13,7 +13,7 @@ class NSMutableSet;
 class NSPredicate;
 class NSString;
 
-/// Objects of which no two are equal, in no order. Nil as a member raises
+/// Objects of which no two are equal, in no order. Nil as a member, block or predicate raises
 /// `NSInvalidArgumentException`.
 class NS_EXPORT NSSet : public NSObject {
  public:
@@ -39,15 +39,12 @@ class NS_EXPORT NSSet : public NSObject {
   [[nodiscard]] bool isSubsetOfSet(const NSRef<NSSet>& other) const;
 
   /// Calls the block with each member and a flag that ends the walk once it is set; a block may
-  /// take the member alone. Raises as range-for does, and for a nil block
-  /// `NSInvalidArgumentException`.
+  /// take the member alone. Raises as range-for does.
   void enumerateObjectsUsingBlock(NSBlockRef<void(const NSRef<NSObject>&, bool&)> aBlock) const;
-  /// Gives the members for which the predicate holds. A nil predicate raises
-  /// `NSInvalidArgumentException`.
+  /// Gives the members for which the predicate holds.
   [[nodiscard]] NSRef<NSSet> filteredSetUsingPredicate(const NSRef<NSPredicate>& predicate) const;
 
-  /// Begins a range-for. When the set has changed, its next step raises `NSGenericException`; the
-  /// member at hand stays valid.
+  /// Begins a range-for. A step after a change raises `NSGenericException`; the member stays valid.
   [[nodiscard]] auto begin() const noexcept {
     return NSEnumeration(_members.elements(), {self(), _members.mutations()});
   }
@@ -77,8 +74,7 @@ class NS_EXPORT NSSet : public NSObject {
   NSObjectSet _members;
 };
 
-/// A set that may be changed. Belongs to one thread at a time. A change that raises because of nil
-/// leaves the set as it was.
+/// A set that may be changed, by one thread at a time. What raises because of nil changes nothing.
 class NS_EXPORT NSMutableSet : public NSSet {
  public:
   using NSSet::NSSet;

@@ -160,8 +160,7 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] NSRef<NSString> pathExtension() const;
   /// Removes the extension, and "/" at the end: "a.b/" gives "a".
   [[nodiscard]] NSRef<NSString> stringByDeletingPathExtension() const;
-  /// Appends an extension: "/a/" and "b" give "/a.b". The root, the empty path and an empty
-  /// extension change nothing.
+  /// Appends an extension: "/a/" and "b" give "/a.b". "/", "" and no extension change nothing.
   [[nodiscard]] NSRef<NSString> stringByAppendingPathExtension(
       const NSRef<NSString>& extension) const;
   /// Replaces "~" or "~user" at the beginning by the home directory; unknown users stay.

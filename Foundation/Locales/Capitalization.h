@@ -5,6 +5,5 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSUnitBuffer.h>
 
-/// Appends the text with the first letter of each word in title case and the others in lower case,
-/// by the current locale's rules.
+/// Appends the text with each word's first letter in title case, as `localizedCapitalizedString`.
 NS_EXPORT void NSAppendCapitalized(std::u16string_view text, NSUnitBuffer& result);

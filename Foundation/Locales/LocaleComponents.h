@@ -5,8 +5,7 @@
 
 #include <Foundation/NSExport.h>
 
-/// The parts of a locale identifier, in place and in the letter case in which they stand there.
-/// What does not occur is empty.
+/// The parts of a locale identifier, in place. What does not occur is empty.
 struct NSLocaleComponents {
   std::u16string_view language;
   /// Four letters.

@@ -6,8 +6,7 @@
 
 #include <Foundation/NSDictionary.h>
 
-/// The entries of a table of localized strings, and why the first unreadable one cannot be read,
-/// "line 3: …"; empty for a table without faults.
+/// The entries of a table of localized strings, and its first fault, "line 3: …"; empty for none.
 struct NSStringsFile {
   NSRef<NSDictionary> entries;
   std::string fault;

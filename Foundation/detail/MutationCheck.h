@@ -5,8 +5,7 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
-/// Counts the changes of a collection, by which a walk tells that it has changed. A copied
-/// collection has not been changed.
+/// Counts the changes of a collection, by which a walk tells that it has changed; a copy has none.
 class NSMutationCount {
  public:
   NSMutationCount() noexcept = default;

@@ -108,8 +108,7 @@ template <class Method>
 void insertObject_inArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
                                              const NSRef<NSObject>& object, Method method);
 
-/// Removes the very object from a sorted array, and does nothing when it is not there; others that
-/// order the same or are equal stay.
+/// Removes the very object from a sorted array, if it is there; others that order the same stay.
 template <class Method>
 void removeObjectIdenticalTo_fromArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
                                                           const NSRef<NSObject>& object,

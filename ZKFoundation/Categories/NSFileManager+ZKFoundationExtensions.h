@@ -19,9 +19,8 @@ namespace ZKFoundationExtensions {
 [[nodiscard]] ZK_EXPORT NSRef<NSURL> temporaryFolder();
 
 /// Gives the standard directory, or the one with that name in it, unless the component is nil;
-/// makes it if it is not there, with all above it. Nil if there is no such directory or it cannot
-/// be made; `*error` then has the reason and is nil otherwise, and may be null. A nil manager
-/// raises `NSInvalidArgumentException`.
+/// makes what is missing of it. Nil if there is none or it cannot be made; `*error` then has the
+/// reason and is nil otherwise, and may be null. A nil manager raises `NSInvalidArgumentException`.
 ZK_EXPORT NSRef<NSURL> findOrCreateDirectory_inDomain_appendPathComponent_error(
     const NSRef<NSFileManager>& manager, NSUInteger directory, NSUInteger domain,
     const NSRef<NSString>& component, NSRef<NSError>* error);

@@ -50,9 +50,8 @@ namespace ZKFoundationExtensions {
 [[nodiscard]] ZK_EXPORT NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object,
                                                          ZKCopySpec copySpec);
 
-/// Splits a copy spec: gives the object's own and sets the one for the objects that it refers
-/// to. 6 is 3 and 1, 7 is 0 and 3, 8 is 0 and 4; any other is given back and sets nothing. A null
-/// pointer is not set.
+/// Splits a copy spec: gives the object's own and sets that for what it refers to. 6 is 3 and 1, 7
+/// is 0 and 3, 8 is 0 and 4; any other is given back and sets nothing. The pointer may be null.
 ZK_EXPORT ZKCopySpec copySpecForCopySpec_subCopySpec(const NSRef<NSObject>& object,
                                                      ZKCopySpec copySpec, ZKCopySpec* subCopySpec);
 

@@ -10,8 +10,7 @@ namespace ZKFoundationExtensions {
 
 /// Gives the file URL of a path that no URL of the array has, apart from extensions: the path
 /// itself if that is free, else with a number before its extension, as
-/// `uniqueStringWithString_forStringArray` finds it. "/d/report.txt" beside "/d/report.pdf" gives
-/// "/d/report1.txt".
+/// `uniqueStringWithString_forStringArray` finds it: "/d/report1.txt" beside "/d/report.pdf".
 ///
 /// Paths are compared as text, folders and all; the disk is not asked whether there is such a file.
 /// A name that ends with "." has no extension: "/d/a." beside itself gives "/d/a.1", whose path
@@ -24,9 +23,8 @@ namespace ZKFoundationExtensions {
 /// Whether the query has "applesecurityscope=", or there is no query.
 [[nodiscard]] ZK_EXPORT bool isSecurityScoped(const NSRef<NSURL>& url);
 
-/// Gives the file URL of the path alone, also of "http://a.b/c"; nil for an empty path, for one
-/// that is not UTF-8 or that no file can have, and for a URL without hierarchy. The URL itself when
-/// it is not security-scoped.
+/// Gives the file URL of the path alone, also of "http://a.b/c"; nil for a path that is empty, not
+/// UTF-8 or no file's, and for a URL without hierarchy; the URL itself if not security-scoped.
 [[nodiscard]] ZK_EXPORT NSRef<NSURL> strippedSecurityScopedURL(const NSRef<NSURL>& url);
 
 }  // namespace ZKFoundationExtensions
