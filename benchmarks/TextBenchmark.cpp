@@ -258,7 +258,7 @@ struct Language {
 constexpr std::array<Language, 7> languages = {{
     {"ASCII", latinLetters, u'e', u"NEEDLE", u"Needle"},
     {"English", latinLetters, u'’', u"NEEDLE", u"Needle"},
-    {"German", u"enisratdhulcgmobwfkzpvßjyxäöü", u'–', u"NÄHNADEL", u"Nähnadel"},
+    {"German", u"enisratdhulcgmobwfkzpvjyxäöü", u'ß', u"NÄHNADEL", u"Nähnadel"},
     {"Greek", u"αοιετσνηυρπκμλωγδχθφβξζψάέήίόύώ", u'–', u"ΒΕΛΌΝΑ", u"βελόνα"},
     {"Russian", u"оеаинтсрвлкмдпуяыьгзбчйхжшюцщэф", u'–', u"ИГОЛКА", u"иголка"},
     {"Hindi", u"कखगचजटतदनपबमयरलवशसहािीुेो्ं", u'–', u"सुई", u"सुई"},
@@ -394,8 +394,9 @@ void addWords() {
       [=](NSRange range) { return range == expected; });
 }
 
-void addTitles(const std::string& name, std::size_t length) {
-  const std::u16string text = makeText(length, 0, 0);
+void addTitles(const Language& language, const std::string& size, std::size_t length) {
+  const std::u16string text = makeText(length, 90, language.rare, language.letters);
+  const std::string name = std::string(language.name).append("_").append(size);
   const auto string = NSMake<NSString>(text);
   const NSUInteger expected = titlecaseString(string)->length();
   addRow(
@@ -504,8 +505,10 @@ const bool registered = [] {
     addSearching(language, "1Mi", longLength);
   }
   addWords();
-  addTitles("line", lineLength);
-  addTitles("100Ki", std::size_t{100} * 1024);
+  for (const Language& language : languages) {
+    addTitles(language, "line", lineLength);
+    addTitles(language, "100Ki", std::size_t{100} * 1024);
+  }
   addNormalizing("line", lineLength);
   addNormalizing("1Mi", longLength);
   addNumbers();

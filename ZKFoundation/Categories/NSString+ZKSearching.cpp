@@ -89,7 +89,8 @@ constexpr std::array<SmallWord, 5> smallWords{{
 // How a word is written after others: a small word in lower case, unless the first word, which
 // shields its own later occurrences, is the same.
 std::u16string_view laterForm(std::u16string_view word, std::u16string_view firstWord) {
-  if (word == firstWord) return word;
+  constexpr std::size_t longest = 3;
+  if (word.size() > longest || word == firstWord) return word;
   const auto small = std::ranges::find(smallWords, word, &SmallWord::capitalized);
   return small == smallWords.end() ? word : small->lower;
 }

@@ -1,6 +1,8 @@
 #include "tests/TextModels.h"
 
+#include <unicode/locid.h>
 #include <unicode/uchar.h>
+#include <unicode/unistr.h>
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
 
@@ -381,6 +383,27 @@ TEST(NSStringSearching, WritesTitles) {
   for (const auto& [text, expected] : rows) {
     EXPECT_EQ(titlecaseString(NSMake<NSString>(text)), expected);
   }
+}
+
+TEST(NSStringSearching, CapitalizesAsICUDoes) {
+  // Letters of many kinds, and what joins or divides words, with marks and halves of pairs.
+  const std::u16string units =
+      u"aAbzZ1 2 "
+      u"'’‘._:;,-–\"(!+\t\n\u00A0\u00AD\u0301\u200DßſŉıİijIJǆΣσςάΐᾳЖжй\u02C2·ªʰ©漢ひカ한א😀🇩ﬁ";
+  const std::array<const char*, 12> languages = {"en", "de", "fr", "el", "ru", "fi",
+                                                 "sv", "nl", "tr", "lt", "ja", "en_US_POSIX"};
+  expectProperty("the same capitals", [&] {
+    const char* const language = *rc::gen::elementOf(languages);
+    const auto some = *rc::gen::scale(0.2, textOver(units));
+    const auto text = some + *textOver(*rc::gen::element<std::u16string>(u"aB'. ", units));
+    icu::UnicodeString expected(text.data(), static_cast<int32_t>(text.size()));
+    expected.toTitle(nullptr, icu::Locale(language));
+    NSLocale::setCurrentLocale(locale(language));
+    const auto capitalized = NSMake<NSString>(text)->localizedCapitalizedString();
+    NSLocale::setCurrentLocale(nullptr);
+    RC_ASSERT(capitalized->view() ==
+              std::u16string_view(expected.getBuffer(), std::size_t(expected.length())));
+  });
 }
 
 }  // namespace
