@@ -16,9 +16,12 @@
 #include <QThreadPool>
 #endif
 
+using namespace ZKFoundationExtensions;
+
 namespace {
 
 constexpr std::size_t blockCount = 1'000'000;
+constexpr int threadCount = 2;
 
 // Posts tiny blocks and waits for the last to have run; the answer is how many have. On a serial
 // queue only one counts at a time, yet all count in the same way.
@@ -43,33 +46,45 @@ void addPosting(const std::string& name, Post post) {
          {.calls = blockCount, .isElsewhere = true});
 }
 
-void addQueues(const std::string& row, dispatch_queue_attr_t kind, unsigned threads) {
+void addQueues(const std::string& row, dispatch_queue_attr_t kind) {
+  const auto receiver = NSMake<NSString>();
   const auto queue = dispatch_queue_create("benchmark", kind);
-  addPosting(row + "ZK", [=](auto block) { dispatch_async(queue, block); });
-  const auto loop = std::make_shared<HandWritten>(threads);
-  addPosting(row + "Std", [=](auto block) { loop->post(block); });
+  addPosting(row + "ZK", [=](auto block) { dispatch_async(queue, holding(receiver, block)); });
+  addPosting(row + "ZKPerform", [=](auto block) {
+    performBlock_onQueue_waitUntilDone(receiver, block, queue, false);
+  });
+  const Held held = std::make_shared<int>();
 #ifdef ZK_HAS_ASIO
-  const auto pool = std::make_shared<boost::asio::thread_pool>(2);
+  const auto pool = std::make_shared<boost::asio::thread_pool>(threadCount);
   if (kind == DISPATCH_QUEUE_SERIAL) {
     const auto strand = boost::asio::make_strand(*pool);
     addPosting(row + "Asio", [=](auto block) {
       (void)pool;
-      boost::asio::post(strand, block);
+      boost::asio::post(strand, holding(held, block));
     });
   } else {
-    addPosting(row + "Asio", [=](auto block) { boost::asio::post(*pool, block); });
+    addPosting(row + "Asio", [=](auto block) { boost::asio::post(*pool, holding(held, block)); });
   }
 #endif
 #ifdef ZK_HAS_QT
   const auto qtPool = std::make_shared<QThreadPool>();
-  qtPool->setMaxThreadCount(static_cast<int>(threads));
-  addPosting(row + "Qt", [=](auto block) { qtPool->start(block); });
+  qtPool->setMaxThreadCount(kind == DISPATCH_QUEUE_SERIAL ? 1 : threadCount);
+  addPosting(row + "Qt", [=](auto block) { qtPool->start(holding(held, block)); });
 #endif
 }
 
+// By hand: one thread, or as many as everybody's pool.
+template <class Loop>
+void addByHand(const std::string& row, std::shared_ptr<Loop> loop) {
+  const Held held = std::make_shared<int>();
+  addPosting(row + "Std", [=](auto block) { loop->post(holding(held, block)); });
+}
+
 const bool isRegistered = [] {
-  addQueues("Queue/SerialBlocks/", DISPATCH_QUEUE_SERIAL, 1);
-  addQueues("Queue/ConcurrentBlocks/", DISPATCH_QUEUE_CONCURRENT, 2);
+  addQueues("Queue/SerialBlocks/", DISPATCH_QUEUE_SERIAL);
+  addByHand("Queue/SerialBlocks/", std::make_shared<HandWrittenLoop>());
+  addQueues("Queue/ConcurrentBlocks/", DISPATCH_QUEUE_CONCURRENT);
+  addByHand("Queue/ConcurrentBlocks/", std::make_shared<HandWritten>(threadCount));
   return true;
 }();
 

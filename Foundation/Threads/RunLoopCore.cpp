@@ -10,9 +10,6 @@
 
 namespace {
 
-// What a burst has needed beyond is given back.
-constexpr std::size_t largestSpare = 10'000;
-
 constexpr auto firstMoment = [](auto& group) -> std::optional<NSSchedule::Moment> {
   if (group.schedule.isEmpty()) return std::nullopt;
   return group.schedule.first();
@@ -64,7 +61,7 @@ class NSRunLoopCore::Run {
 
 void NSRunLoopCore::post(NSOnceClosure&& work, const NSRef<NSArray>& modes) {
   if (modes && modes->count() == 0) return;
-  _inbox.post({std::move(work), modes ? NSCopiedModes(modes) : nullptr});
+  _inbox.post(std::move(work), modes ? NSCopiedModes(modes) : nullptr);
 }
 
 bool NSRunLoopCore::postAndWait(NSOnceClosure&& work, const NSRef<NSArray>& modes) {
@@ -113,15 +110,14 @@ bool NSRunLoopCore::canRunIn(const NSRef<NSString>& mode) const {
   return !mode->isEqualToString(NSRunLoopCommonModes()) && !_isEnded;
 }
 
-// Gives everything that has come its turn.
+// Puts everything that has come into its group.
 void NSRunLoopCore::collect() {
-  auto items = std::exchange(_spare, {});
-  _inbox.takeInto(items);
-  for (auto& item : items) {
-    _waiting.of(item.modes).requests.push_back({std::move(item.work), _nextTurn++});
+  NSChunkedQueue<NSRunLoopInbox::RequestInModes> others;
+  _nextRequestTurn = _inbox.takeInto(_waiting.of(nullptr).requests, others);
+  for (; !others.empty(); others.pop_front()) {
+    auto& other = others.front();
+    _waiting.of(other.modes).requests.emplace_back(std::move(other.request));
   }
-  items.clear();
-  if (items.capacity() <= largestSpare) _spare = std::move(items);
 }
 
 void NSRunLoopCore::fireEvents(const Groups& groups, std::uint64_t limit, Time time) {
@@ -156,8 +152,8 @@ bool NSRunLoopCore::pass(const NSRef<NSString>& mode) {
   const NSAutoreleasePool pool;
   collect();
   const Groups groups = groupsIn(mode);
-  const std::uint64_t limit = _nextTurn;
-  fireEvents(groups, limit, now());
+  const std::uint64_t limit = _nextRequestTurn;
+  fireEvents(groups, _nextTurn, now());
   const bool hasPerformed = performRequests(groups, limit);
   postNotifications(NSPostASAP, mode);
   return hasPerformed;

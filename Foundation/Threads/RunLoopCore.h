@@ -3,7 +3,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -75,16 +74,12 @@ class NSRunLoopCore {
   void end();
 
  private:
-  struct Request {
-    NSOnceClosure work;
-    std::uint64_t turn;
-  };
   // What waits for one list of modes.
   struct Waiting {
     bool empty() noexcept { return requests.empty() && schedule.isEmpty(); }
 
     NSSchedule schedule;
-    std::deque<Request> requests;
+    NSRunLoopInbox::Requests requests;
   };
   using Groups = std::vector<Waiting*>;
   class Mode;
@@ -104,14 +99,14 @@ class NSRunLoopCore {
 
   NSRunLoopInbox _inbox;
   NSServingThread _server;
-  // Room for what the inbox gives.
-  std::vector<NSRunLoopInbox::Item> _spare;
   // Outlives the requests, which stand in it.
   NSDelayedPerforms _delayedPerforms;
   NSModePartition<Waiting> _waiting;
   NSModeSet _commonModes{NSDefaultRunLoopMode()};
   NSRef<NSString> _currentMode;
+  // Those of timers and delayed requests, and of what came out of the inbox: each count by itself.
   std::uint64_t _nextTurn = 0;
+  std::uint64_t _nextRequestTurn = 0;
   std::function<Time()> _clock;
   NSRef<NSNotificationQueue> _notifications;
   Run* _run = nullptr;

@@ -14,38 +14,45 @@ NSRunLoopInbox::~NSRunLoopInbox() {
   if (_descriptor >= 0) ::close(_descriptor);
 }
 
-void NSRunLoopInbox::post(Item&& item) {
+void NSRunLoopInbox::post(NSOnceClosure&& work, NSRef<NSArray> modes) {
   std::unique_lock lock(_mutex);
   if (_isClosed) return;
-  _items.push_back(std::move(item));
+  if (modes) {
+    _others.emplace_back(Request{std::move(work), _nextTurn}, std::move(modes));
+  } else {
+    _common.emplace_back(std::move(work), _nextTurn);
+  }
+  ++_nextTurn;
   signalLocked();
   if (std::exchange(_isWaiting, false)) {
     lock.unlock();
-    _hasItems.notify_one();
+    _hasRequests.notify_one();
   }
 }
 
-void NSRunLoopInbox::takeInto(std::vector<Item>& items) {
+std::uint64_t NSRunLoopInbox::takeInto(Requests& common, NSChunkedQueue<RequestInModes>& others) {
   const std::lock_guard lock(_mutex);
-  _items.swap(items);
+  common.append(_common);
+  others.append(_others);
   if (std::exchange(_isSignalled, false)) {
     eventfd_t count = 0;
     eventfd_read(_descriptor, &count);
   }
+  return _nextTurn;
 }
 
 void NSRunLoopInbox::wait(std::chrono::nanoseconds longest) {
   if (longest <= std::chrono::nanoseconds::zero()) return;
   std::unique_lock lock(_mutex);
-  const auto hasItems = [this] {
-    _isWaiting = _items.empty();
+  const auto hasRequests = [this] {
+    _isWaiting = _common.empty() && _others.empty();
     return !_isWaiting;
   };
   if (longest >= NSDelay::longest / 2) {
     // A wait that needs no clock costs less.
-    _hasItems.wait(lock, hasItems);
+    _hasRequests.wait(lock, hasRequests);
   } else {
-    _hasItems.wait_for(lock, longest, hasItems);
+    _hasRequests.wait_for(lock, longest, hasRequests);
   }
   _isWaiting = false;
 }
@@ -73,8 +80,10 @@ int NSRunLoopInbox::descriptor() {
 }
 
 void NSRunLoopInbox::close() {
-  std::vector<Item> dropped;
+  Requests common;
+  NSChunkedQueue<RequestInModes> others;
   const std::lock_guard lock(_mutex);
   _isClosed = true;
-  dropped.swap(_items);
+  common.append(_common);
+  others.append(_others);
 }

@@ -2,18 +2,24 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
-#include <vector>
 
 #include <Foundation/NSArray.h>
+#include <Foundation/Threads/ChunkedQueue.h>
 #include <Foundation/detail/OnceClosure.h>
 
 /// Takes work for a run loop from any thread, and wakes the run loop's thread.
 class NSRunLoopInbox {
  public:
-  struct Item {
+  struct Request {
     NSOnceClosure work;
-    /// Nil is the common modes.
+    /// Counts the requests in the order in which they came.
+    std::uint64_t turn;
+  };
+  using Requests = NSChunkedQueue<Request>;
+  struct RequestInModes {
+    Request request;
     NSRef<NSArray> modes;
   };
 
@@ -21,25 +27,28 @@ class NSRunLoopInbox {
   NSRunLoopInbox(const NSRunLoopInbox&) = delete;
   ~NSRunLoopInbox();
 
-  /// Adds an item, or drops it when the inbox is closed.
-  void post(Item&& item);
-  /// Moves all items into the vector, which must be empty, and makes the descriptor unreadable.
-  void takeInto(std::vector<Item>& items);
-  /// Returns when there are items, or after that time; at once for a time that is not positive.
+  /// Adds a request for those modes, nil being the common ones; drops it when the inbox is closed.
+  void post(NSOnceClosure&& work, NSRef<NSArray> modes);
+  /// Moves all requests to the end of these queues, and makes the descriptor unreadable. Gives the
+  /// turn of the next request.
+  std::uint64_t takeInto(Requests& common, NSChunkedQueue<RequestInModes>& others);
+  /// Returns when there are requests, or after that time; at once for a time that is not positive.
   void wait(std::chrono::nanoseconds longest);
   /// Makes the descriptor readable, if somebody has asked for it.
   void signal();
   /// Gives an eventfd. Raises `NSGenericException` when the system gives none.
   [[nodiscard]] int descriptor();
-  /// Drops all items and takes no more.
+  /// Drops all requests and takes no more.
   void close();
 
  private:
   void signalLocked();
 
   std::mutex _mutex;
-  std::condition_variable _hasItems;
-  std::vector<Item> _items;
+  std::condition_variable _hasRequests;
+  Requests _common;
+  NSChunkedQueue<RequestInModes> _others;
+  std::uint64_t _nextTurn = 0;
   int _descriptor = -1;
   bool _isSignalled = false;
   bool _isWaiting = false;

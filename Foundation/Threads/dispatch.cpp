@@ -1,6 +1,5 @@
 #include "Foundation/dispatch.h"
 
-#include <deque>
 #include <mutex>
 
 #include <Foundation/NSAutoreleasePool.h>
@@ -8,6 +7,7 @@
 #include <Foundation/NSString.h>
 #include <Foundation/Objects/Access.h>
 #include <Foundation/Threads/BlockedThread.h>
+#include <Foundation/Threads/ChunkedQueue.h>
 #include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/Threads/SystemThreads.h>
 #include <Foundation/Threads/WorkerPool.h>
@@ -62,8 +62,8 @@ class SerialQueue final : public dispatch_queue {
   bool _isOwned = false;
   // The thread of the owner, as soon as it is known.
   NSServingThread _server;
-  std::deque<NSOnceClosure> _works;
-  std::deque<NSOnceClosure> _batch;
+  NSChunkedQueue<NSOnceClosure> _works;
+  NSChunkedQueue<NSOnceClosure> _batch;
   NSBlockedThread* _nextOwner = nullptr;
 };
 
@@ -76,7 +76,7 @@ void SerialQueue::submit(NSOnceClosure work) {
   _pool.requireWorker(operation);
   {
     const std::lock_guard lock(_mutex);
-    _works.push_back(std::move(work));
+    _works.emplace_back(std::move(work));
     if (std::exchange(_isOwned, true)) return;
   }
   try {
@@ -122,7 +122,7 @@ void SerialQueue::own() {
 bool SerialQueue::takeBatch() {
   if (!_batch.empty()) return true;
   const std::lock_guard lock(_mutex);
-  _batch.swap(_works);
+  _batch.append(_works);
   _isOwned = !_batch.empty();
   if (!_isOwned) _server.clear();
   return _isOwned;

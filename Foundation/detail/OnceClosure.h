@@ -38,13 +38,12 @@ class NSOnceClosure {
 
   /// Makes the call and destroys the callable. What it throws ends the program.
   void perform() noexcept {
-    NSCallOrTerminate([this] { _operations->call(&_room); });
-    clear();
+    NSCallOrTerminate([this] { std::exchange(_operations, nullptr)->perform(&_room); });
   }
 
  private:
   struct Operations {
-    void (*call)(void* room);
+    void (*perform)(void* room);
     void (*move)(void* from, void* to) noexcept;
     void (*destroy)(void* room) noexcept;
   };
@@ -61,7 +60,10 @@ class NSOnceClosure {
   }
   template <class Callable>
   static constexpr Operations operationsOf = {
-      [](void* room) { at<Callable>(room)(); },
+      [](void* room) {
+        at<Callable>(room)();
+        at<Callable>(room).~Callable();
+      },
       [](void* from, void* to) noexcept {
         ::new (to) Callable(std::move(at<Callable>(from)));
         at<Callable>(from).~Callable();

@@ -3,7 +3,9 @@
 #include <type_traits>
 #include <utility>
 
+#include <Foundation/NSAutoreleasePool.h>
 #include <Foundation/NSException.h>
+#include <Foundation/NSRunLoop.h>
 #include <ZKFoundation/Categories/NSObject+ZKPerforming.h>
 
 namespace ZKFoundationExtensions {
@@ -20,15 +22,21 @@ template <class Receiver, class F>
   }
 }
 
-/// Gives the block for a request: the caller's own for a call that waits, else a copy; one that
-/// cannot be copied raises `NSInvalidArgumentException`.
+/// Makes what a request that is not waited for calls: it alone owns the receiver and the block, or
+/// its copy; one that cannot be copied raises `NSInvalidArgumentException`.
 template <class Receiver, class F>
-[[nodiscard]] NSRef<NSBlock> ZKBlockForRequest(F&& block, bool wait) {
-  if (wait) return ZKBorrowBlock<Receiver>(block);
-  if constexpr (std::is_constructible_v<std::decay_t<F>, F>) {
-    return NSMakeBlock<Receiver>(std::forward<F>(block));
+[[nodiscard]] auto ZKMakeRequest(const NSRef<Receiver>& receiver, F&& block) {
+  if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
+    return [target = receiver, copy = NSRef<NSBlock>(std::forward<F>(block))] {
+      ZK_invokeTargetBlock(target, copy);
+    };
+  } else if constexpr (std::is_constructible_v<std::decay_t<F>, F>) {
+    return [target = receiver, copy = std::decay_t<F>(std::forward<F>(block))]() mutable {
+      if (!NSIsNilCallable(copy)) NSInvokeWithTarget<Receiver>(copy, target);
+    };
   } else {
     NSException::raise(NSInvalidArgumentException, "the block cannot be copied");
+    return [] {};
   }
 }
 
@@ -68,27 +76,28 @@ void performBlockOnMainThread(const NSRef<Receiver>& receiver, F&& block) {
 template <class Receiver, class F>
 void performBlockOnMainThread_waitUntilDone(const NSRef<Receiver>& receiver, F&& block, bool wait) {
   NSCheckArgument("performBlockOnMainThread:waitUntilDone:", "receiver", receiver);
-  receiver->performSelectorOnMainThread_withObject_waitUntilDone(
-      ZKInvokeTargetBlockSelector(), ZKBlockForRequest<Receiver>(std::forward<F>(block), wait),
-      wait);
+  performBlock_onThread_waitUntilDone(receiver, std::forward<F>(block), NSThread::mainThread(),
+                                      wait);
 }
 
 template <class Receiver, class F>
 void performBlockOnMainThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, F&& block,
                                                   bool wait, const NSRef<NSArray>& modes) {
   NSCheckArgument("performBlockOnMainThread:waitUntilDone:modes:", "receiver", receiver);
-  receiver->performSelectorOnMainThread_withObject_waitUntilDone_modes(
-      ZKInvokeTargetBlockSelector(), ZKBlockForRequest<Receiver>(std::forward<F>(block), wait),
-      wait, modes);
+  performBlock_onThread_waitUntilDone_modes(receiver, std::forward<F>(block),
+                                            NSThread::mainThread(), wait, modes);
 }
 
 template <class Receiver, class F>
 void performBlock_onThread_waitUntilDone(const NSRef<Receiver>& receiver, F&& block,
                                          const NSRef<NSThread>& thread, bool wait) {
   NSCheckArgument("performBlock:onThread:waitUntilDone:", "receiver", receiver);
-  receiver->performSelector_onThread_withObject_waitUntilDone(
-      ZKInvokeTargetBlockSelector(), thread,
-      ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait);
+  if (wait || !thread) {
+    receiver->performSelector_onThread_withObject_waitUntilDone(
+        ZKInvokeTargetBlockSelector(), thread, ZKBorrowBlock<Receiver>(block), wait);
+  } else {
+    thread->runLoop()->performBlock(ZKMakeRequest(receiver, std::forward<F>(block)));
+  }
 }
 
 template <class Receiver, class F>
@@ -96,9 +105,12 @@ void performBlock_onThread_waitUntilDone_modes(const NSRef<Receiver>& receiver, 
                                                const NSRef<NSThread>& thread, bool wait,
                                                const NSRef<NSArray>& modes) {
   NSCheckArgument("performBlock:onThread:waitUntilDone:modes:", "receiver", receiver);
-  receiver->performSelector_onThread_withObject_waitUntilDone_modes(
-      ZKInvokeTargetBlockSelector(), thread,
-      ZKBlockForRequest<Receiver>(std::forward<F>(block), wait), wait, modes);
+  if (wait || !thread) {
+    receiver->performSelector_onThread_withObject_waitUntilDone_modes(
+        ZKInvokeTargetBlockSelector(), thread, ZKBorrowBlock<Receiver>(block), wait, modes);
+  } else {
+    thread->runLoop()->performInModes_block(modes, ZKMakeRequest(receiver, std::forward<F>(block)));
+  }
 }
 
 template <class Receiver, class F>
@@ -118,13 +130,15 @@ void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& blo
     NSException::raise(NSInvalidArgumentException,
                        "aQueue is NULL (in 'performBlock:onQueue:waitUntilDone:')");
   }
-  auto request = ZKBlockForRequest<Receiver>(std::forward<F>(block), wait);
   if (wait) {
     // The block may change the caller's own reference to the receiver.
-    dispatch_sync(queue, [target = receiver, &request] { ZK_invokeTargetBlock(target, request); });
+    dispatch_sync(queue, [target = receiver, request = ZKBorrowBlock<Receiver>(block)] {
+      ZK_invokeTargetBlock(target, request);
+    });
   } else {
-    dispatch_async(queue, [target = NSRef<NSObject>(receiver), copy = std::move(request)] {
-      ZK_invokeTargetBlockWithAutoreleasePool(target, copy);
+    dispatch_async(queue, [request = ZKMakeRequest(receiver, std::forward<F>(block))]() mutable {
+      const NSAutoreleasePool pool;
+      request();
     });
   }
 }
