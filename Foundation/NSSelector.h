@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <functional>
 #include <string_view>
 
 #include <Foundation/NSExport.h>
@@ -19,13 +18,14 @@ class NS_EXPORT NSSelector {
   struct Definition {
     std::string_view name;
     Operation perform;
+    NSUInteger hash = hashOf(name);
   };
 
   constexpr NSSelector(const Definition& definition) noexcept : _definition(&definition) {}
 
   [[nodiscard]] constexpr std::string_view name() const noexcept { return _definition->name; }
   /// Hashes the name.
-  [[nodiscard]] NSUInteger hash() const noexcept { return std::hash<std::string_view>{}(name()); }
+  [[nodiscard]] constexpr NSUInteger hash() const noexcept { return _definition->hash; }
   /// Performs the operation, and throws what it throws.
   void perform(const NSRef<NSObject>& receiver, const NSRef<NSObject>& argument) const {
     _definition->perform(receiver, argument);
@@ -36,6 +36,13 @@ class NS_EXPORT NSSelector {
   }
 
  private:
+  // FNV-1a, which needs no time when the program runs.
+  static constexpr NSUInteger hashOf(std::string_view name) noexcept {
+    NSUInteger hash = 0xcbf29ce484222325;
+    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
+    return hash;
+  }
+
   const Definition* _definition;
 };
 
