@@ -26,12 +26,11 @@ class NSTimer::Event final : public NSScheduledEvent {
   }
 
   void addMode(const NSRef<NSString>& mode) {
+    if (!_modes) return setModes(listOf(mode), _time);
     if (_modes->containsObject(mode)) return;
     auto modes = _modes->mutableCopy();
     modes->addObject(mode->copy());
-    // While it fires, it is scheduled afterwards.
-    if (!_isFiring) _runLoop->schedule(share(this), modes, std::max(_time, _runLoop->now()));
-    _modes = std::move(modes);
+    setModes(std::move(modes), std::max(_time, _runLoop->now()));
   }
 
   /// The caller holds the event.
@@ -54,13 +53,23 @@ class NSTimer::Event final : public NSScheduledEvent {
   }
 
  private:
+  static NSRef<NSArray> listOf(const NSRef<NSString>& mode) {
+    // Mostly it is this one.
+    if (mode == NSDefaultRunLoopMode()) return NSDefaultRunLoopModes();
+    return NSMake<NSArray>({mode->copy()});
+  }
+  void setModes(NSRef<NSArray> modes, NSRunLoop::Time time) {
+    // While it fires, it is scheduled afterwards.
+    if (!_isFiring) _runLoop->schedule(share(this), modes, time);
+    _modes = std::move(modes);
+  }
   void leave() noexcept {
     if (_timer) std::exchange(_timer, nullptr).get()->_event = nullptr;
   }
 
   NSRunLoopCore* _runLoop;
   NSRef<NSTimer> _timer;
-  NSRef<NSMutableArray> _modes = NSMake<NSMutableArray>();
+  NSRef<NSArray> _modes;
   NSRunLoop::Time _time;
   bool _isFiring = false;
 };
