@@ -27,6 +27,8 @@ class NS_EXPORT NSNotification : public NSObject {
   [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
 
  private:
+  friend struct NSAccess;
+
   NSRef<NSString> _name;
   NSRef<NSObject> _object;
   NSRef<NSDictionary> _userInfo;

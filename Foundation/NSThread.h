@@ -16,6 +16,7 @@
 #include <Foundation/detail/OnceClosure.h>
 
 class NSRunLoop;
+class NSRunLoopCore;
 
 /// A thread: one that is given its work, one that derives and overrides `main`, or by
 /// `currentThread` any other thread of the program. An exception that leaves its work ends the
@@ -76,6 +77,8 @@ class NS_EXPORT NSThread : public NSObject {
   [[nodiscard]] NSRef<NSRunLoop> runLoop();
 
  private:
+  friend class NSRunLoopCore;
+
   enum class State : char { ready, executing, finished };
   struct Adopted;
   struct Current;

@@ -6,6 +6,14 @@ struct NSAccess {
   /// Gives what does the work of a run loop or a notification queue.
   [[nodiscard]] static auto& core(const auto& object) noexcept { return *object._core; }
 
+  /// Gives what a notification holds, without counting a reference.
+  [[nodiscard]] static const auto& name(const auto& notification) noexcept {
+    return notification._name;
+  }
+  [[nodiscard]] static const auto& object(const auto& notification) noexcept {
+    return notification._object;
+  }
+
   /// Tells how a locale writes decimal numbers.
   [[nodiscard]] static const auto& decimalSymbols(const auto& locale) {
     return locale.decimalSymbols();

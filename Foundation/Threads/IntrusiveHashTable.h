@@ -33,6 +33,14 @@ class NSIntrusiveHashTable {
     ++_count;
   }
 
+  /// Adds a node, or gives one that stands here its hash.
+  void put(Node& node, NSUInteger hash) {
+    const Link& link = linkOf(node);
+    if (link.place != nullptr && link.hash == hash) return;
+    remove(node);
+    add(node, hash);
+  }
+
   /// Removes the node; does nothing for one that stands in no table.
   void remove(Node& node) noexcept {
     Link& link = linkOf(node);

@@ -1,6 +1,7 @@
 #include "Foundation/NSNotificationQueue.h"
 
 #include <string>
+#include <utility>
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSNotificationCenter.h>
@@ -15,6 +16,7 @@ NSNotificationQueue::NSNotificationQueue(NSPasskey<NSRunLoopCore> /*key*/, NSRun
 NSNotificationQueue::~NSNotificationQueue() = default;
 
 NSRef<NSNotificationQueue> NSNotificationQueue::defaultQueue() {
+  if (auto* const runLoop = NSRunLoopCore::current()) return runLoop->notificationQueue();
   return NSAccess::core(*NSRunLoop::currentRunLoop()).notificationQueue();
 }
 
@@ -37,13 +39,13 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
                            operation + "')");
   }
   // What is removed may change the caller's own reference.
-  const auto held = NSRef<NSNotification>::share(notification.get());
+  auto held = NSRef<NSNotification>::share(notification.get());
   if (postingStyle == NSPostNow) {
     _core->remove(*held, coalesceMask);
     NSNotificationCenter::defaultCenter()->postNotification(held);
   } else {
     const bool hasModes = modes && modes->count() > 0;
-    _core->add(held, static_cast<NSPostingStyle>(postingStyle), coalesceMask,
+    _core->add(std::move(held), static_cast<NSPostingStyle>(postingStyle), coalesceMask,
                hasModes ? modes : NSDefaultRunLoopModes());
   }
 }

@@ -29,8 +29,6 @@ void perform(NSRef<NSObject> receiver, NSSelector selector, const NSRef<NSThread
   NSRaiseEndlessWait(thread->description()->utf8(), operation);
 }
 
-NSRunLoopCore& currentLoop() { return NSAccess::core(*NSRunLoop::currentRunLoop()); }
-
 }  // namespace
 
 void NSObject::performSelector_withObject_afterDelay(NSSelector aSelector, NSRef<NSObject> object,
@@ -42,15 +40,16 @@ void NSObject::performSelector_withObject_afterDelay(NSSelector aSelector, NSRef
 void NSObject::performSelector_withObject_afterDelay_inModes(NSSelector aSelector,
                                                              NSRef<NSObject> object, NSDelay delay,
                                                              const NSRef<NSArray>& modes) {
-  if (!modes || modes->count() == 0) return;
-  auto& loop = currentLoop();
-  loop.schedule(loop.delayedPerforms().make(self(), aSelector, std::move(object)), modes,
-                loop.now() + delay.duration());
+  auto* const loop = NSRunLoopCore::current();
+  if (loop == nullptr || !modes || modes->count() == 0) return;
+  loop->schedule(loop->delayedPerforms().make(self(), aSelector, std::move(object)), modes,
+                 loop->now() + delay.duration());
 }
 
 void NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
     const NSRef<NSObject>& aTarget, NSSelector aSelector, const NSRef<NSObject>& object) {
-  currentLoop().delayedPerforms().cancel(aTarget, aSelector, object);
+  auto* const loop = NSRunLoopCore::current();
+  if (loop != nullptr) loop->delayedPerforms().cancel(aTarget, aSelector, object);
 }
 
 void NSObject::performSelector_onThread_withObject_waitUntilDone(NSSelector aSelector,

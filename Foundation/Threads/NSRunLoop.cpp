@@ -36,7 +36,7 @@ NSRef<NSRunLoop> NSRunLoop::mainRunLoop() { return NSThread::mainThread()->runLo
 // For an operation that only the run loop's own thread may ask for.
 NSRunLoopCore& NSRunLoop::ownCore(const char* operation) const {
   // What dies with a thread may still use its run loop, to no effect.
-  if (!_core->isEnded() && NSThread::currentThread()->runLoop().get() != this) {
+  if (!_core->isEnded() && NSRunLoopCore::current() != _core.get()) {
     NSException::raise(NSInternalInconsistencyException,
                        std::string("the run loop is another thread's (in '") + operation + "')");
   }

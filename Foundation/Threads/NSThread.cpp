@@ -18,6 +18,7 @@
 // the thread may still ask.
 struct NSThread::Current {
   NSThread* thread = nullptr;
+  NSRunLoopCore* runLoop = nullptr;
   bool isGone = false;
 
   static Current& get() noexcept {
@@ -33,6 +34,7 @@ struct NSThread::Current {
     if (thread == nullptr) return;
     thread->finish();
     isGone = true;
+    runLoop = nullptr;
     (void)NSRef<NSThread>::adopt(std::exchange(thread, nullptr));
   }
 };
@@ -90,6 +92,14 @@ NSRef<NSThread> NSThread::currentThread() {
     current.enter(adopted);
   }
   return share(current.thread);
+}
+
+NSRunLoopCore* NSRunLoopCore::current() {
+  auto& current = NSThread::Current::get();
+  if (current.runLoop == nullptr && !current.isGone) {
+    current.runLoop = &NSAccess::core(*NSRunLoop::currentRunLoop());
+  }
+  return current.runLoop;
 }
 
 void NSThread::detachNewThreadSelector_toTarget_withObject(NSSelector selector,

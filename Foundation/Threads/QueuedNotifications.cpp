@@ -5,6 +5,7 @@
 
 #include <Foundation/NSNotificationCenter.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Objects/Access.h>
 #include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/detail/OnceClosure.h>
 
@@ -12,19 +13,18 @@
 struct NSQueuedNotifications::Queued : NSIntrusiveHashLink<Queued, ByName>,
                                        NSIntrusiveHashLink<Queued, BySender>,
                                        NSIntrusiveHashLink<Queued, ByBoth> {
-  Queued(NSRef<NSNotification> what, std::uint64_t itsTurn, Line& itsLine)
-      : notification(std::move(what)), turn(itsTurn), line(&itsLine) {}
+  explicit Queued(Line& itsLine) : line(&itsLine) {}
 
   NSRef<NSNotification> notification;
-  std::uint64_t turn;
+  std::uint64_t turn = 0;
   Line* line;
   Line::iterator self;
 };
 
 struct NSQueuedNotifications::Hashes {
   explicit Hashes(const NSNotification& notification)
-      : name(notification.name()->hash()),
-        sender(std::hash<NSRef<NSObject>>()(notification.object())),
+      : name(NSAccess::name(notification)->hash()),
+        sender(std::hash<NSRef<NSObject>>()(NSAccess::object(notification))),
         both(name * 31 + sender) {}
   NSUInteger name;
   NSUInteger sender;
@@ -36,8 +36,10 @@ namespace {
 bool isSame(const NSNotification& a, const NSNotification& b, std::uint32_t mask) {
   const bool mindsName = (mask & NSNotificationCoalescingOnName) != 0;
   const bool mindsSender = (mask & NSNotificationCoalescingOnSender) != 0;
-  return (!mindsName || a.name() == b.name() || a.name()->isEqualToString(b.name())) &&
-         (!mindsSender || a.object() == b.object());
+  const auto& name = NSAccess::name(a);
+  const auto& other = NSAccess::name(b);
+  return (!mindsSender || NSAccess::object(a) == NSAccess::object(b)) &&
+         (!mindsName || name == other || name->isEqualToString(other));
 }
 
 constexpr auto firstTurn = [](const auto& line) -> std::optional<std::uint64_t> {
@@ -51,21 +53,26 @@ NSQueuedNotifications::NSQueuedNotifications(NSRunLoopCore& runLoop) : _runLoop(
 
 NSQueuedNotifications::~NSQueuedNotifications() = default;
 
-// All that may run out of memory, for `put`; until then nothing finds it.
-NSQueuedNotifications::Queued& NSQueuedNotifications::make(
-    const NSRef<NSNotification>& notification, Line& line) {
+// All that may run out of memory; nothing finds the place yet.
+NSQueuedNotifications::Queued& NSQueuedNotifications::make(Line& line) {
   _names.makeRoom();
   _senders.makeRoom();
   _both.makeRoom();
-  Queued& queued = line.emplace_back(notification, _nextTurn++, line);
+  Queued& queued = line.emplace_back(line);
   queued.self = std::prev(line.end());
   return queued;
 }
 
-void NSQueuedNotifications::put(Queued& queued, const Hashes& hashes) {
-  _names.add(queued, hashes.name);
-  _senders.add(queued, hashes.sender);
-  _both.add(queued, hashes.both);
+// To the end of the line. Gives the notification that stood in this place.
+NSRef<NSNotification> NSQueuedNotifications::put(NSRef<NSNotification> notification,
+                                                 const Hashes& hashes, Queued& place, Line& line) {
+  _names.put(place, hashes.name);
+  _senders.put(place, hashes.sender);
+  _both.put(place, hashes.both);
+  line.splice(line.end(), *place.line, place.self);
+  place.line = &line;
+  place.turn = _nextTurn++;
+  return std::exchange(place.notification, std::move(notification));
 }
 
 // What goes dies with the result, when all is in order again.
@@ -76,40 +83,50 @@ void NSQueuedNotifications::take(Queued& queued, Line& taken) {
   taken.splice(taken.end(), *queued.line, queued.self);
 }
 
-// Those that are the same; they die with the result.
-NSQueuedNotifications::Line NSQueuedNotifications::takeSame(const NSNotification& notification,
-                                                            const Hashes& hashes,
-                                                            std::uint32_t mask) {
-  Line taken;
-  const auto takeIt = [&](Queued& queued) {
-    if (isSame(*queued.notification, notification, mask)) take(queued, taken);
+// The function may take what it gets.
+template <class F>
+void NSQueuedNotifications::forEachSame(const NSNotification& notification, const Hashes& hashes,
+                                        std::uint32_t mask, F function) {
+  const auto visit = [&](Queued& queued) {
+    if (isSame(*queued.notification, notification, mask)) function(queued);
   };
   switch (mask & (NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender)) {
     case NSNotificationNoCoalescing:
       break;
     case NSNotificationCoalescingOnName:
-      _names.forEach(hashes.name, takeIt);
+      _names.forEach(hashes.name, visit);
       break;
     case NSNotificationCoalescingOnSender:
-      _senders.forEach(hashes.sender, takeIt);
+      _senders.forEach(hashes.sender, visit);
       break;
     default:
-      _both.forEach(hashes.both, takeIt);
+      _both.forEach(hashes.both, visit);
   }
-  return taken;
 }
 
 void NSQueuedNotifications::remove(const NSNotification& notification, std::uint32_t mask) {
-  takeSame(notification, Hashes(notification), mask);
+  Line removed;
+  forEachSame(notification, Hashes(notification), mask,
+              [&](Queued& queued) { take(queued, removed); });
 }
 
-void NSQueuedNotifications::add(const NSRef<NSNotification>& notification, NSPostingStyle style,
+void NSQueuedNotifications::add(NSRef<NSNotification> notification, NSPostingStyle style,
                                 std::uint32_t mask, const NSRef<NSArray>& modes) {
   if (_runLoop == nullptr) return;
   const Hashes hashes(*notification);
-  Queued& queued = make(notification, lines(style).of(modes));
-  const Line former = takeSame(*notification, hashes, mask);
-  put(queued, hashes);
+  Line& line = lines(style).of(modes);
+  // One of those that are the same leaves its place to this one.
+  Queued* place = nullptr;
+  Line removed;
+  forEachSame(*notification, hashes, mask, [&](Queued& queued) {
+    if (place == nullptr) {
+      place = &queued;
+    } else {
+      take(queued, removed);
+    }
+  });
+  if (place == nullptr) place = &make(line);
+  const auto former = put(std::move(notification), hashes, *place, line);
   _runLoop->signal();
 }
 

@@ -18,7 +18,7 @@ class NSQueuedNotifications {
   /// Removes those that are the same by the mask's bits.
   void remove(const NSNotification& notification, std::uint32_t mask);
   /// Removes those that are the same, then adds this one; nothing when the queue is closed.
-  void add(const NSRef<NSNotification>& notification, NSPostingStyle style, std::uint32_t mask,
+  void add(NSRef<NSNotification> notification, NSPostingStyle style, std::uint32_t mask,
            const NSRef<NSArray>& modes);
 
   // What the run loop calls.
@@ -43,10 +43,13 @@ class NSQueuedNotifications {
   struct ByBoth {};
 
   NSModePartition<Line>& lines(NSPostingStyle style) { return style == NSPostASAP ? _soon : _idle; }
-  Queued& make(const NSRef<NSNotification>& notification, Line& line);
-  void put(Queued& queued, const Hashes& hashes);
+  Queued& make(Line& line);
+  NSRef<NSNotification> put(NSRef<NSNotification> notification, const Hashes& hashes, Queued& place,
+                            Line& line);
   void take(Queued& queued, Line& taken);
-  Line takeSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask);
+  template <class F>
+  void forEachSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask,
+                   F function);
 
   // Null when the thread has ended.
   NSRunLoopCore* _runLoop;

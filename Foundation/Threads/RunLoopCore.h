@@ -27,6 +27,9 @@ class NSRunLoopCore {
   NSRunLoopCore() = default;
   NSRunLoopCore(const NSRunLoopCore&) = delete;
 
+  /// Gives the calling thread's; null when that has ended.
+  [[nodiscard]] static NSRunLoopCore* current();
+
   // From any thread.
 
   /// Performs the work in a pass in one of those modes; nil is the common ones. Work for no modes,

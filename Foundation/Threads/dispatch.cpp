@@ -38,7 +38,11 @@ class MainQueue final : public dispatch_queue {
   }
 
  private:
-  static NSRunLoopCore& mainLoop() { return NSAccess::core(*NSRunLoop::mainRunLoop()); }
+  static NSRunLoopCore& mainLoop() {
+    // It lives as long as the program.
+    static NSRunLoopCore& core = NSAccess::core(*NSRunLoop::mainRunLoop());
+    return core;
+  }
 };
 
 // Whoever runs the blocks, a worker or a thread in `dispatch_sync`, owns the queue and `_batch`.
