@@ -40,8 +40,9 @@ void NSObject::performSelector_withObject_afterDelay(NSSelector aSelector, NSRef
 void NSObject::performSelector_withObject_afterDelay_inModes(NSSelector aSelector,
                                                              NSRef<NSObject> object, NSDelay delay,
                                                              const NSRef<NSArray>& modes) {
+  if (!modes || modes->count() == 0) return;
   auto* const loop = NSRunLoopCore::current();
-  if (loop == nullptr || !modes || modes->count() == 0) return;
+  if (loop == nullptr) return;
   loop->schedule(loop->delayedPerforms().make(self(), aSelector, std::move(object)), modes,
                  loop->now() + delay.duration());
 }

@@ -116,7 +116,7 @@ void NSRunLoopCore::collect() {
   _nextRequestTurn = _inbox.takeInto(_waiting.of(nullptr).requests, others);
   for (; !others.empty(); others.pop_front()) {
     auto& other = others.front();
-    _waiting.of(other.modes).requests.emplace_back(std::move(other.request));
+    _waiting.of(other.modes).requests.emplace_back(std::move(other.work), other.turn);
   }
 }
 

@@ -18,7 +18,7 @@ void NSRunLoopInbox::post(NSOnceClosure&& work, NSRef<NSArray> modes) {
   std::unique_lock lock(_mutex);
   if (_isClosed) return;
   if (modes) {
-    _others.emplace_back(Request{std::move(work), _nextTurn}, std::move(modes));
+    _others.emplace_back(std::move(work), _nextTurn, std::move(modes));
   } else {
     _common.emplace_back(std::move(work), _nextTurn);
   }

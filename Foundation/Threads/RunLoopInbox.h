@@ -19,7 +19,8 @@ class NSRunLoopInbox {
   };
   using Requests = NSChunkedQueue<Request>;
   struct RequestInModes {
-    Request request;
+    NSOnceClosure work;
+    std::uint64_t turn;
     NSRef<NSArray> modes;
   };
 

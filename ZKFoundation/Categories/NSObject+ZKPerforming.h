@@ -17,8 +17,8 @@
 // exception that leaves a block ends the program, except where it runs within the call on the
 // thread that was asked for: there the caller gets it.
 //
-// In a run loop a block runs by performing the selector `ZK_invokeTargetBlock:` with the block as
-// its argument, as `NSObject` and `NSRunLoop` tell.
+// A delayed block runs by performing the selector `ZK_invokeTargetBlock:` with the block as its
+// argument; `NSObject` and `NSRunLoop` tell what that means.
 
 namespace ZKFoundationExtensions {
 

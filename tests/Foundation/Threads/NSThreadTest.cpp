@@ -38,6 +38,9 @@ TEST(NSThread, KnowsItself) {
     EXPECT_TRUE(adopted->isExecuting());
     EXPECT_FALSE(NSThread::isMainThread());
     NSRunLoop::currentRunLoop()->performBlock([held = NSMake<Farewell>(death)] {});
+    struct Idle : NSObject {
+      void idle() {}
+    };
     // What dies last may still ask.
     struct Asking : NSObject {
       Asking() = default;
@@ -49,6 +52,8 @@ TEST(NSThread, KnowsItself) {
         queue->enqueueNotification_postingStyle(
             NSNotification::notificationWithName_object(u"Late"_ns, nullptr), NSPostASAP);
         NSTimer::scheduledTimerWithTimeInterval_repeats_block(1, true, [] {});
+        NSMake<Idle>()->performSelector_withObject_afterDelay(NSMakeSelector<"idle", &Idle::idle>(),
+                                                              nullptr, 0);
         NSRunLoop::currentRunLoop()->performBlock([] {});
         makePass();
         NSAutorelease(NSMake<NSString>());
