@@ -33,6 +33,9 @@ struct NSQueuedNotifications::Hashes {
 
 namespace {
 
+constexpr std::uint32_t onNameAndSender =
+    NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender;
+
 bool isSame(const NSNotification& a, const NSNotification& b, std::uint32_t mask) {
   const bool mindsName = (mask & NSNotificationCoalescingOnName) != 0;
   const bool mindsSender = (mask & NSNotificationCoalescingOnSender) != 0;
@@ -77,6 +80,7 @@ NSRef<NSNotification> NSQueuedNotifications::put(NSRef<NSNotification> notificat
 
 // What goes dies with the result, when all is in order again.
 void NSQueuedNotifications::take(Queued& queued, Line& taken) {
+  if (_latest == &queued) _latest = nullptr;
   _names.remove(queued);
   _senders.remove(queued);
   _both.remove(queued);
@@ -90,7 +94,7 @@ void NSQueuedNotifications::forEachSame(const NSNotification& notification, cons
   const auto visit = [&](Queued& queued) {
     if (isSame(*queued.notification, notification, mask)) function(queued);
   };
-  switch (mask & (NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender)) {
+  switch (mask & onNameAndSender) {
     case NSNotificationNoCoalescing:
       break;
     case NSNotificationCoalescingOnName:
@@ -110,11 +114,25 @@ void NSQueuedNotifications::remove(const NSNotification& notification, std::uint
               [&](Queued& queued) { take(queued, removed); });
 }
 
+// Whether the latest one stands at the end of this line, and is the only one that is the same:
+// those before it went when it came.
+bool NSQueuedNotifications::isLikeLatest(const NSNotification& notification, const Line& line,
+                                         std::uint32_t mask) const {
+  return _latest != nullptr && _latest->line == &line && _latestMask == mask &&
+         (mask & onNameAndSender) != 0 &&
+         isSame(*_latest->notification, notification, onNameAndSender);
+}
+
 void NSQueuedNotifications::add(NSRef<NSNotification> notification, NSPostingStyle style,
                                 std::uint32_t mask, const NSRef<NSArray>& modes) {
   if (_runLoop == nullptr) return;
-  const Hashes hashes(*notification);
   Line& line = lines(style).of(modes);
+  if (isLikeLatest(*notification, line, mask)) {
+    _latest->turn = _nextTurn++;
+    std::swap(_latest->notification, notification);
+    return _runLoop->signal();
+  }
+  const Hashes hashes(*notification);
   // One of those that are the same leaves its place to this one.
   Queued* place = nullptr;
   Line removed;
@@ -126,6 +144,8 @@ void NSQueuedNotifications::add(NSRef<NSNotification> notification, NSPostingSty
     }
   });
   if (place == nullptr) place = &make(line);
+  _latest = place;
+  _latestMask = mask;
   const auto former = put(std::move(notification), hashes, *place, line);
   _runLoop->signal();
 }

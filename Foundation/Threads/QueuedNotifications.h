@@ -47,6 +47,8 @@ class NSQueuedNotifications {
   NSRef<NSNotification> put(NSRef<NSNotification> notification, const Hashes& hashes, Queued& place,
                             Line& line);
   void take(Queued& queued, Line& taken);
+  [[nodiscard]] bool isLikeLatest(const NSNotification& notification, const Line& line,
+                                  std::uint32_t mask) const;
   template <class F>
   void forEachSame(const NSNotification& notification, const Hashes& hashes, std::uint32_t mask,
                    F function);
@@ -54,6 +56,9 @@ class NSQueuedNotifications {
   // Null when the thread has ended.
   NSRunLoopCore* _runLoop;
   std::uint64_t _nextTurn = 0;
+  // The one that came last, null when it has gone, and how it came.
+  Queued* _latest = nullptr;
+  std::uint32_t _latestMask = 0;
   NSModePartition<Line> _soon;
   NSModePartition<Line> _idle;
   NSIntrusiveHashTable<Queued, ByName> _names;
