@@ -278,6 +278,56 @@ void addRectangles() {
       },
       [=](NSRect rect) { return rect == all; });
   addRow(
+      "UnionRect/two/loop",
+      [=] {
+        NSRect rect = a;
+        benchmark::DoNotOptimize(rect);
+        const double x = std::min(rect.origin.x, b.origin.x);
+        const double y = std::min(rect.origin.y, b.origin.y);
+        const double right = std::max(rect.origin.x + rect.size.width, b.origin.x + b.size.width);
+        const double top = std::max(rect.origin.y + rect.size.height, b.origin.y + b.size.height);
+        return NSMakeRect(x, y, right - x, top - y);
+      },
+      [=](NSRect rect) { return rect == all; });
+  addRow(
+      "SimilarRects/two/ZK",
+      [=] {
+        NSRect rect = a;
+        benchmark::DoNotOptimize(rect);
+        return ZKAreSimilarRects(rect, a, 0.5);
+      },
+      [](bool isSimilar) { return isSimilar; });
+  addRow(
+      "SimilarRects/two/loop",
+      [=] {
+        NSRect rect = a;
+        benchmark::DoNotOptimize(rect);
+        return std::abs(rect.origin.x - a.origin.x) <= 0.5 &&
+               std::abs(rect.origin.y - a.origin.y) <= 0.5 &&
+               std::abs(rect.size.width - a.size.width) <= 0.5 &&
+               std::abs(rect.size.height - a.size.height) <= 0.5;
+      },
+      [](bool isSimilar) { return isSimilar; });
+  addRow(
+      "CenterInRect/two/ZK",
+      [=] {
+        NSRect rect = a;
+        benchmark::DoNotOptimize(rect);
+        return ZKIntersectsRect(true, rect, a);
+      },
+      [](bool isInside) { return isInside; });
+  addRow(
+      "CenterInRect/two/loop",
+      [=] {
+        NSRect rect = a;
+        benchmark::DoNotOptimize(rect);
+        const double x = rect.origin.x + rect.size.width / 2;
+        const double y = rect.origin.y + rect.size.height / 2;
+        return x >= a.origin.x && x < a.origin.x + a.size.width && y >= a.origin.y &&
+               y < a.origin.y + a.size.height;
+      },
+      [](bool isInside) { return isInside; });
+  addRow(
       "ScaleRect/fit/ZK",
       [=] {
         NSRect rect = a;

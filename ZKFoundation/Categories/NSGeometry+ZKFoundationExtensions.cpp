@@ -1,3 +1,5 @@
+// Here the small functions become the library's own.
+#define ZK_INLINE
 #include "ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h"
 
 #include <algorithm>
@@ -7,6 +9,7 @@
 #include <span>
 
 #include <ZKFoundation/Categories/ZKBernstein.h>
+#include <ZKFoundation/detail/Points.h>
 
 // The checks of the root search are made in every build.
 #undef NDEBUG
@@ -45,24 +48,6 @@ CGFloat ZKRelPoint(NSPoint p, NSPoint a, NSPoint b) {
 
 CGFloat ZKLineLength(NSPoint a, NSPoint b) { return lengthOf(b.x - a.x, b.y - a.y); }
 
-NSPoint ZKBisectLine(NSPoint a, NSPoint b) { return {(a.x + b.x) * 0.5, (a.y + b.y) * 0.5}; }
-
-NSPoint ZKInterpolate(NSPoint a, NSPoint b, double t) {
-  return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t};
-}
-
-CGFloat ZKSquaredLength(NSPoint v) { return ZKDotProduct(v, v); }
-
-NSPoint ZKDiffPoint(NSPoint a, NSPoint b) { return {a.x - b.x, a.y - b.y}; }
-
-CGFloat ZKDiffPointSquaredLength(NSPoint a, NSPoint b) {
-  return ZKSquaredLength(ZKDiffPoint(a, b));
-}
-
-NSPoint ZKSumPoint(NSPoint a, NSPoint b) { return {a.x + b.x, a.y + b.y}; }
-
-CGFloat ZKDotProduct(NSPoint a, NSPoint b) { return a.x * b.x + a.y * b.y; }
-
 NSPoint ZKPointIntersection(NSPoint a, NSPoint b, NSPoint c, NSPoint d) {
   const double m1 = ZKSlope(a, b);
   const double m2 = ZKSlope(c, d);
@@ -70,15 +55,6 @@ NSPoint ZKPointIntersection(NSPoint a, NSPoint b, NSPoint c, NSPoint d) {
   const double k2 = c.y - c.x * m2;
   const double x = (k2 - k1) / (m1 - m2);
   return {x, k1 + x * m1};
-}
-
-NSPoint ZKPointIntersection2(NSPoint a, NSPoint b, NSPoint c, NSPoint d) {
-  const NSPoint first = ZKDiffPoint(b, a);
-  const NSPoint second = ZKDiffPoint(d, c);
-  const double den = first.x * second.y - first.y * second.x;
-  if (den == 0.0) return ZKNotFoundPoint;
-  const double t = ((a.y - c.y) * second.x - (a.x - c.x) * second.y) / den;
-  return t >= 0.0 && t <= 1.0 ? ZKInterpolate(a, b, t) : ZKNotFoundPoint;
 }
 
 CGFloat ZKAngleBetween(NSPoint a, NSPoint b, NSPoint c) { return ZKSlope(a, b) - ZKSlope(b, c); }
@@ -92,63 +68,9 @@ NSPoint ZKNearestPointOnLine(NSPoint p, NSPoint a, NSPoint b) {
   return ZKInterpolate(a, b, u);
 }
 
-bool ZKAreSimilarPoints(NSPoint a, NSPoint b, double tolerance) {
-  return !(std::abs(a.x - b.x) > tolerance) && !(std::abs(a.y - b.y) > tolerance);
-}
-
-bool ZKAreSimilarSizes(NSSize a, NSSize b, double tolerance) {
-  return ZKAreSimilarPoints({a.width, a.height}, {b.width, b.height}, tolerance);
-}
-
-NSPoint ZKCenterOfCircleFromThreePoints(NSPoint a, NSPoint b, NSPoint c) {
-  const double s = ZKSquaredLength(a);
-  const double B = ZKSquaredLength(b) - s;
-  const double C = ZKSquaredLength(c) - s;
-  const NSPoint ab = ZKDiffPoint(b, a);
-  const NSPoint ac = ZKDiffPoint(c, a);
-  const double D = 2 * (ab.x * ac.y - ab.y * ac.x);
-  return {(ac.y * B - ab.y * C) / D, (ab.x * C - ac.x * B) / D};
-}
-
-namespace {
-
-// For each degree compiled by itself, so that its loops are unrolled.
-template <std::size_t degree>
-NSPoint bezier(const NSPoint* points, double t, NSPoint* left, NSPoint* right) {
-  std::array<ZKVector, degree + 1> row;
-  std::copy_n(points, row.size(), row.begin());
-  for (std::size_t step = 0; step < degree; ++step) {
-    if (left != nullptr) left[step] = row[0].point();
-    if (right != nullptr) right[degree - step] = row[degree - step].point();
-    for (std::size_t k = 0; k < degree - step; ++k) row[k] = ZKLerp(row[k], row[k + 1], t);
-  }
-  const NSPoint point = row[0].point();
-  if (left != nullptr) left[degree] = point;
-  if (right != nullptr) right[0] = point;
-  return point;
-}
-
-NSPoint cubicAt(const NSPoint* points, double t) { return bezier<3>(points, t, nullptr, nullptr); }
-
-}  // namespace
-
-NSPoint ZKBezier(const NSPoint* points, int degree, double t, NSPoint* left, NSPoint* right) {
-  switch (degree) {
-    case 0:
-      return bezier<0>(points, t, left, right);
-    case 1:
-      return bezier<1>(points, t, left, right);
-    case 2:
-      return bezier<2>(points, t, left, right);
-    case 3:
-      return bezier<3>(points, t, left, right);
-    case 4:
-      return bezier<4>(points, t, left, right);
-    case 5:
-      return bezier<5>(points, t, left, right);
-    default:
-      return {0, 0};
-  }
+NSPoint ZKBezierOfAnyDegree(const NSPoint* points, int degree, double t, NSPoint* left,
+                            NSPoint* right) {
+  return ZKDivideByDegree(points, degree, t, left, right);
 }
 
 double ZKBezierSlope(const NSPoint* points, double t) {
@@ -297,10 +219,10 @@ NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p) {
   if (ZKCrossings(quintic) != 0) search.search(quintic);
 
   double best = 0;
-  NSPoint nearest = cubicAt(points, 0);
+  NSPoint nearest = ZKBezier(points, 3, 0, nullptr, nullptr);
   double distance = dot(c[0], c[0]);
   for (const double root : search.roots()) {
-    const NSPoint point = cubicAt(points, root);
+    const NSPoint point = ZKBezier(points, 3, root, nullptr, nullptr);
     const double other = ZKDiffPointSquaredLength(p, point);
     if (other < distance) {
       best = root;
@@ -310,7 +232,7 @@ NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoint p) {
   }
   if (dot(c[3], c[3]) < distance) {
     best = 1;
-    nearest = cubicAt(points, 1);
+    nearest = ZKBezier(points, 3, 1, nullptr, nullptr);
   }
   if (t != nullptr) *t = best;
   return nearest;

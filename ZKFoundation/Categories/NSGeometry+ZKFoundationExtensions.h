@@ -3,6 +3,7 @@
 #include <Foundation/NSGeometry.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKNearestPoint.h>
 #include <ZKFoundation/ZKExport.h>
+#include <ZKFoundation/detail/Inline.h>
 
 // Points, lines, angles and Bezier curves; it includes the exact search for the nearest point of a
 // curve, so that this header has all of them. Nothing here raises: what the arithmetic makes of
@@ -107,3 +108,7 @@ ZK_EXPORT NSPoint ZKNearestPointOnCurve(const NSPoint* points, double* t, NSPoin
 ZK_EXPORT int ZKFindRoots(const NSPoint* points, double* t, int depth);
 
 }  // extern "C"
+
+#ifdef ZK_CALCULATES_INLINE
+#include <ZKFoundation/detail/Points.h>  // the bodies of the small functions
+#endif

@@ -1,3 +1,5 @@
+// Here the small functions become the library's own.
+#define ZK_INLINE
 #include "ZKFoundation/Categories/NSGeometry+ZKRectangles.h"
 
 #include <algorithm>
@@ -6,6 +8,7 @@
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSValue.h>
+#include <ZKFoundation/detail/Rectangles.h>
 
 namespace {
 
@@ -80,50 +83,6 @@ NSUInteger handleAfterMove(const NSRect& moved, NSUInteger handle, NSPoint p) {
 
 }  // namespace
 
-NSRect ZKMakeRectFromPoint(NSPoint p) { return {p, {0, 0}}; }
-
-NSRect ZKRectWithSizeAndOriginAtCenter(NSSize size) {
-  return {{size.width * -0.5, size.height * -0.5}, size};
-}
-
-NSRect ZKMakeRectFromTwoPoints(NSPoint a, NSPoint b) {
-  return {{std::min(a.x, b.x), std::min(a.y, b.y)}, {std::abs(b.x - a.x), std::abs(b.y - a.y)}};
-}
-
-NSPoint ZKGetPointOfRect(NSUInteger handle, NSRect rect) {
-  switch (handle) {
-    case ZKHandleMinYEdge:
-      return {NSMidX(rect), NSMinY(rect)};
-    case ZKHandleMinXEdge:
-      return {NSMinX(rect), NSMidY(rect)};
-    case ZKHandleMaxYEdge:
-      return {NSMidX(rect), NSMaxY(rect)};
-    case ZKHandleMaxXEdge:
-      return {NSMaxX(rect), NSMidY(rect)};
-    case ZKHandleMaxXMinY:
-      return {NSMaxX(rect), NSMinY(rect)};
-    case ZKHandleMaxXMaxY:
-      return {NSMaxX(rect), NSMaxY(rect)};
-    case ZKHandleMinXMaxY:
-      return {NSMinX(rect), NSMaxY(rect)};
-    case ZKHandleCenter:
-      return {NSMidX(rect), NSMidY(rect)};
-    default:
-      return rect.origin;
-  }
-}
-
-bool ZKIsCorner(NSUInteger handle) { return handle >= ZKHandleMinXMinY && handle < ZKHandleCenter; }
-
-NSUInteger ZKOppositePointIndex(NSUInteger handle) {
-  constexpr std::array<NSUInteger, 9> opposites = {2, 3, 0, 1, 6, 7, 4, 5, 8};
-  return handle < opposites.size() ? opposites[handle] : ~NSUInteger{0};
-}
-
-NSPoint ZKOppositePoint(NSUInteger handle, NSRect rect) {
-  return ZKGetPointOfRect(ZKOppositePointIndex(handle), rect);
-}
-
 NSUInteger ZKMovePointTo(NSRect* rect, NSUInteger handle, NSPoint p) {
   if (handle == ZKHandleCenter) {
     *rect = ZKCenterOnPoint(*rect, p);
@@ -134,75 +93,6 @@ NSUInteger ZKMovePointTo(NSRect* rect, NSUInteger handle, NSPoint p) {
   const bool isMinYOverMaxX = handle == ZKHandleMinYEdge && NSMaxX(*rect) > NSMaxY(*rect);
   if (result != handle || isMinYOverMaxX) *rect = ZKNormalizedRect(*rect);
   return result;
-}
-
-NSRect ZKCenterOnPoint(NSRect rect, NSPoint p) {
-  return NSOffsetRect(rect, p.x - NSMidX(rect), p.y - NSMidY(rect));
-}
-
-NSRect ZKCenterOn(NSRect rect, NSPoint p) { return ZKCenterOnPoint(rect, p); }
-
-namespace {
-
-// Along one axis: grows [start, start + length] to include a coordinate.
-void extend(CGFloat& start, CGFloat& length, CGFloat coordinate) {
-  if (coordinate < start) {
-    length += start - coordinate;
-    start = coordinate;
-  } else if (coordinate > start + length) {
-    length = coordinate - start;
-  }
-}
-
-void normalize(CGFloat& start, CGFloat& length) {
-  if (length < 0) {
-    start += length;
-    length = -length;
-  }
-}
-
-}  // namespace
-
-NSRect ZKExtendRectByPoint(NSRect rect, NSPoint p) {
-  extend(rect.origin.x, rect.size.width, p.x);
-  extend(rect.origin.y, rect.size.height, p.y);
-  return rect;
-}
-
-NSRect ZKUnionRect(NSRect a, NSRect b) {
-  return ZKMakeRectFromTwoPoints({std::min(NSMinX(b), NSMinX(a)), std::min(NSMinY(b), NSMinY(a))},
-                                 {std::max(NSMaxX(a), NSMaxX(b)), std::max(NSMaxY(a), NSMaxY(b))});
-}
-
-NSRect ZKNormalizedRect(NSRect rect) {
-  normalize(rect.origin.x, rect.size.width);
-  normalize(rect.origin.y, rect.size.height);
-  return rect;
-}
-
-bool ZKIntersectsRect(bool usesCenter, NSRect a, NSRect b) {
-  return usesCenter ? NSPointInRect({NSMidX(a), NSMidY(a)}, b) : NSIntersectsRect(a, b);
-}
-
-bool ZKAreSimilarRects(NSRect a, NSRect b, double tolerance) {
-  const auto differ = [=](CGFloat u, CGFloat v) { return std::abs(u - v) > tolerance; };
-  return !differ(a.origin.x, b.origin.x) && !differ(a.origin.y, b.origin.y) &&
-         !differ(a.size.width, b.size.width) && !differ(a.size.height, b.size.height);
-}
-
-CGFloat ZKCoordinateForRectEdge(NSUInteger edge, NSRect rect) {
-  switch (edge) {
-    case NSMinXEdge:
-      return NSMinX(rect);
-    case NSMinYEdge:
-      return NSMinY(rect);
-    case NSMaxXEdge:
-      return NSMaxX(rect);
-    case NSMaxYEdge:
-      return NSMaxY(rect);
-    default:
-      return 0.0;
-  }
 }
 
 NSPoint ZKAlignRectangles(NSUInteger alignment, NSRect a, NSRect b) {

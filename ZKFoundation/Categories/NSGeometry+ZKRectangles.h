@@ -4,6 +4,7 @@
 #include <Foundation/NSGeometry.h>
 #include <Foundation/NSTypes.h>
 #include <ZKFoundation/ZKExport.h>
+#include <ZKFoundation/detail/Inline.h>
 
 // Rectangles, with handles to drag. Nothing here fails; an index or code without a meaning has the
 // answer that its function names. min and max stand for the smaller and the larger coordinate,
@@ -116,3 +117,7 @@ ZK_EXPORT NSUInteger ZKMovePointTo(NSRect* rect, NSUInteger handle, NSPoint p);
 /// Whether p lies in one of the rectangles, boxed in `NSValue`s; looks no further than the first.
 /// No for nil. An element that holds no rectangle raises `NSInvalidArgumentException`.
 [[nodiscard]] ZK_EXPORT bool ZKPointInRects(const NSRef<NSArray>& rects, NSPoint p);
+
+#ifdef ZK_CALCULATES_INLINE
+#include <ZKFoundation/detail/Rectangles.h>  // the bodies of the small functions
+#endif

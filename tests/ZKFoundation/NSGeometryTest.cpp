@@ -1,5 +1,7 @@
 #include "tests/Support.h"
 
+#include <cstring>
+
 #include <dlfcn.h>
 
 #include <ZKFoundation/ZKFoundation.h>
@@ -304,8 +306,56 @@ TEST(NSRect, IsLookedForInArrays) {
                [&] { return ZKPointInRects(rects, NSMakePoint(7, 7)); });
 }
 
+// What the library exports, not the body that a header shows.
+template <class Function>
+Function* exported(Function* function) {
+  Function* volatile hidden = function;
+  return hidden;
+}
+
+template <class Value>
+bool areSameBits(Value a, Value b) {
+  return std::memcmp(&a, &b, sizeof(Value)) == 0;
+}
+
+TEST(NSGeometry, CalculatesInHeadersWhatTheLibraryDoes) {
+  expectProperty("to the bit", [] {
+    const auto number = [] {
+      return std::ldexp(*rc::gen::inRange(-999, 999) / 7.0,
+                        *rc::gen::element(-1070, -9, 0, 9, 1010));
+    };
+    const auto point = [&] { return NSPoint{number(), number()}; };
+    const NSPoint a = point(), b = point(), c = point(), d = point();
+    const NSRect rect = {a, {b.x, b.y}}, other = {c, {d.x, d.y}};
+    const double t = number();
+    RC_ASSERT(areSameBits(ZKBisectLine(a, b), exported(ZKBisectLine)(a, b)));
+    RC_ASSERT(areSameBits(ZKInterpolate(a, b, t), exported(ZKInterpolate)(a, b, t)));
+    RC_ASSERT(
+        areSameBits(ZKDiffPointSquaredLength(a, b), exported(ZKDiffPointSquaredLength)(a, b)));
+    RC_ASSERT(
+        areSameBits(ZKPointIntersection2(a, b, c, d), exported(ZKPointIntersection2)(a, b, c, d)));
+    RC_ASSERT(areSameBits(ZKCenterOfCircleFromThreePoints(a, b, c),
+                          exported(ZKCenterOfCircleFromThreePoints)(a, b, c)));
+    RC_ASSERT(areSameBits(ZKUnionRect(rect, other), exported(ZKUnionRect)(rect, other)));
+    RC_ASSERT(areSameBits(ZKCenterOnPoint(rect, c), exported(ZKCenterOnPoint)(rect, c)));
+    RC_ASSERT(areSameBits(ZKExtendRectByPoint(rect, c), exported(ZKExtendRectByPoint)(rect, c)));
+    RC_ASSERT(ZKIntersectsRect(true, rect, other) == exported(ZKIntersectsRect)(true, rect, other));
+    RC_ASSERT(ZKAreSimilarRects(rect, other, t) == exported(ZKAreSimilarRects)(rect, other, t));
+    std::array<NSPoint, 6> points = {a, b, c, d, a, c}, left = points, right = points,
+                           exportedLeft = points, exportedRight = points;
+    for (int degree = 0; degree < 6; ++degree) {
+      RC_ASSERT(areSameBits(
+          ZKBezier(points.data(), degree, t, left.data(), right.data()),
+          exported(ZKBezier)(points.data(), degree, t, exportedLeft.data(), exportedRight.data())));
+      RC_ASSERT(areSameBits(left, exportedLeft));
+      RC_ASSERT(areSameBits(right, exportedRight));
+    }
+  });
+}
+
 TEST(NSGeometry, HasNamesThatOtherLanguagesFind) {
-  for (const char* name : {"ZKNotFoundPoint", "ZKSlope", "ZKMovePointTo", "ZKFindRoots"}) {
+  for (const char* name :
+       {"ZKNotFoundPoint", "ZKSlope", "ZKMovePointTo", "ZKUnionRect", "ZKBezier", "ZKFindRoots"}) {
     EXPECT_NE(dlsym(RTLD_DEFAULT, name), nullptr) << name;
   }
 }
