@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include <ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/ZKBernstein.h>
@@ -29,9 +31,16 @@ class Distance {
   }
 
   // Adds the point between low and high where the slope, which may be zero at either end too,
-  // changes its sign.
+  // changes its sign, unless others are certainly nearer.
   void addRoot(double low, double high, double guess, bool startsBelow, Nearest& nearest) const {
-    addStationary(findRoot(low, high, guess, startsBelow), nearest);
+    const double t = guess > low && guess < high ? guess : 0.5 * (low + high);
+    const Value value = at(t);
+    // No root is nearer than this: before a minimum the squared distance is convex, so that it lies
+    // above its tangents; before a maximum it is concave, and the root is farther than all others.
+    double bound = value.squared;
+    if (startsBelow) bound -= 2 * std::abs(value.slope) * (value.slope < 0 ? high - t : t - low);
+    if (bound > std::min(nearest.distance, dot(_curve[3], _curve[3])) + hiddenGain) return;
+    addStationary(findRoot(low, high, t, value, startsBelow), nearest);
   }
 
   // Adds a point where the distance may be least, and those that it hides.
@@ -70,11 +79,10 @@ class Distance {
 
   // Newton's method, which halves the bracket where it would leave it or where its steps do not
   // become shorter fast enough.
-  [[nodiscard]] double findRoot(double low, double high, double guess, bool startsBelow) const {
-    double t = guess > low && guess < high ? guess : 0.5 * (low + high);
+  [[nodiscard]] double findRoot(double low, double high, double t, Value value,
+                                bool startsBelow) const {
     double former = high - low;
-    for (;;) {
-      const Value value = at(t);
+    for (;; value = at(t)) {
       if (value.slope == 0) return t;
       ((value.slope < 0) == startsBelow ? low : high) = t;
       double next = t - value.slope / value.bend;
@@ -104,7 +112,8 @@ class Distance {
         if (formerSlope < 0 && slope >= 0) {
           const double low = std::min(t, former);
           const double high = std::max(t, former);
-          const double root = findRoot(low, high, 0.5 * (low + high), true);
+          const double middle = 0.5 * (low + high);
+          const double root = findRoot(low, high, middle, at(middle), true);
           nearest.consider(root, at(root).squared);
         }
         former = t;
@@ -113,6 +122,8 @@ class Distance {
     }
   }
 
+  // More than a point that `addAround` finds can be nearer than the one that hides it.
+  static constexpr double hiddenGain = 0x1p-12;
   const ZKCubic& _curve;
   // The square of a speed that counts as none.
   double _standstill;
@@ -155,9 +166,12 @@ NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p
     if (!std::isfinite(v.x()) || !std::isfinite(v.y())) return ZKNearestPointOnCurve(points, t, p);
     size = std::max({size, std::abs(v.x()), std::abs(v.y())});
   }
-  // To about 1, so that neither squares nor products leave the range of doubles.
-  const int exponent = size > 0 ? std::clamp(std::ilogb(size), -1000, 1000) : 0;
-  for (ZKVector& v : curve) v = v * std::ldexp(1.0, -exponent);
+  // To about 1, so that neither squares nor products leave the range of doubles: by the inverse of
+  // the power of two in the size, up to 2^1000.
+  const auto exponent =
+      std::clamp<std::uint64_t>(std::bit_cast<std::uint64_t>(size) >> 52, 23, 2023);
+  const double scale = std::bit_cast<double>((2046 - exponent) << 52);
+  for (ZKVector& v : curve) v = v * scale;
 
   const std::array<ZKVector, 3> derivative = {(curve[1] - curve[0]) * 3, (curve[2] - curve[1]) * 3,
                                               (curve[3] - curve[2]) * 3};
