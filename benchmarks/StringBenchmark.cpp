@@ -21,33 +21,45 @@ namespace {
 
 constexpr std::size_t mebi = std::size_t{1} << 20U;
 
+// The text again and again, to at most `size` bytes of whole characters.
 std::string repeatedTo(std::size_t size, const std::string& text) {
   std::string result;
-  while (result.size() + text.size() <= size) result += text;
+  while (result.size() <= size) result += text;
+  while ((static_cast<unsigned char>(result[size]) & 0xC0U) == 0x80U) --size;
+  result.resize(size);
   return result;
 }
 
 struct NamedText {
-  const char* name;
+  std::string name;
   std::string utf8;
 };
 
 const std::vector<NamedText>& texts() {
-  static const std::vector<NamedText> all = {
-      {"ASCII", repeatedTo(mebi, "The quick brown fox jumps over the lazy dog. ")},
-      {"Mixed", repeatedTo(mebi,
-                           "The quick brown fox; zwölf Boxkämpfer jagen Víktor quer über "
-                           "den großen Sylter Deich; Съешь ещё этих мягких булок; "
-                           "いろはにほへと; 🦊🐕 ")},
-      {"Cyrillic", repeatedTo(mebi, "Съешь ещё этих мягких французских булок, да выпей чаю. ")},
-  };
+  static const std::vector<NamedText> all = [] {
+    std::vector<NamedText> result;
+    for (const auto& [name, text] : std::vector<NamedText>{
+             {"ASCII", "The quick brown fox jumps over the lazy dog. "},
+             {"Latin", "The café at the old corner is closed. "},
+             {"Mixed",
+              "The quick brown fox; zwölf Boxkämpfer jagen Víktor quer über den großen Sylter "
+              "Deich; Съешь ещё этих мягких булок; いろはにほへと; "
+              "🦊🐕 "},
+             {"Cyrillic", "Съешь ещё этих мягких французских булок, да выпей чаю. "},
+             {"CJK", "色は匂へど散りぬるを、我が世誰ぞ常ならん。"},
+             {"Emoji", "🦊🐕 jumps 🙂🙃😀, so does 👩‍👧. "}}) {
+      result.push_back({name, repeatedTo(mebi, text)});
+      result.push_back({name + "_60", repeatedTo(60, text)});
+    }
+    return result;
+  }();
   return all;
 }
 
 void addDecoding() {
   for (const NamedText& text : texts()) {
     const std::string& utf8 = text.utf8;
-    const std::string row = std::string("UTF8ToUTF16/") + text.name + '/';
+    const std::string row = "UTF8ToUTF16/" + text.name + '/';
     const auto units = NSUnitsFromUTF8(utf8);
     const std::u16string expected(units.view());
     const auto isRight = [=](const auto& result) {
@@ -81,7 +93,7 @@ void addDecoding() {
 void addEncoding() {
   for (const NamedText& text : texts()) {
     const std::string& utf8 = text.utf8;
-    const std::string row = std::string("UTF16ToUTF8/") + text.name + '/';
+    const std::string row = "UTF16ToUTF8/" + text.name + '/';
     const auto isRight = [&](const auto& result) {
       return std::string_view(result.data(), static_cast<std::size_t>(std::ssize(result))) == utf8;
     };

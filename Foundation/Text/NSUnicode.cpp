@@ -56,24 +56,27 @@ char16_t* putCharacter(char32_t character, char16_t* out) {
   return out;
 }
 
-// How many bytes of well-formed characters lead in to the vector code. It needs three; more keep a
-// text with frequent faults from trying it in vain.
+// Shorter texts are not worth the vector code.
+constexpr std::size_t fewest = 16;
+
+// How many bytes of well-formed characters lead from a fault to the vector code. It needs three;
+// more keep a text with frequent faults from trying it in vain.
 constexpr std::size_t leadIn = 16;
 
 // Writes at most one unit a byte and gives the end of what it wrote.
 char16_t* decode(std::string_view utf8, char16_t* out) {
   std::size_t position = 0;
-  std::size_t wellFormed = 0;
   while (position < utf8.size()) {
-    const Decoded decoded = decodeFirst(utf8.substr(position));
-    out = putCharacter(decoded.character, out);
-    position += decoded.length;
-    wellFormed = decoded.isWellFormed ? wellFormed + decoded.length : 0;
-    if (wellFormed >= leadIn) {
+    if (utf8.size() - position >= fewest) {
       const NSTranscoded block = NSDecodeWellFormed(utf8, position, out);
       position = block.position;
       out += block.written;
-      wellFormed = 0;
+    }
+    for (std::size_t wellFormed = 0; wellFormed < leadIn && position < utf8.size();) {
+      const Decoded decoded = decodeFirst(utf8.substr(position));
+      out = putCharacter(decoded.character, out);
+      position += decoded.length;
+      wellFormed = decoded.isWellFormed ? wellFormed + decoded.length : 0;
     }
   }
   return out;
@@ -100,9 +103,23 @@ char* putUTF8(char32_t character, char* out) {
   return out;
 }
 
+// Encodes from `position` on while there are four bytes left in the room.
+NSTranscoded encodeCharacters(std::u16string_view text, std::size_t position, char* out,
+                              std::size_t room) {
+  char* at = out;
+  std::u16string_view rest = text.substr(position);
+  while (!rest.empty() && at + 4 <= out + room) at = putUTF8(NSTakeCharacter(rest), at);
+  return {text.size() - rest.size(), static_cast<std::size_t>(at - out)};
+}
+
 }  // namespace
 
 NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8) {
+  // A short text asks for memory once it is known how much.
+  std::array<char16_t, 256> room;
+  if (utf8.size() <= room.size()) {
+    return NSUnitBuffer(std::u16string_view(room.data(), decode(utf8, room.data())));
+  }
   NSUnitBuffer buffer;
   NSAppendUTF8(utf8, buffer);
   buffer.shrink();
@@ -116,27 +133,20 @@ void NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text) {
 
 std::string NSUTF8FromUnits(std::u16string_view text) {
   std::string result;
-  if (text.empty()) return result;
-  result.reserve(text.size());
   // A chunk is encoded in the cache and then appended, so that the result is not filled in advance.
   constexpr std::size_t chunkSize = 8192;
   std::array<char, chunkSize + NSEncodingSlack> chunk;
-  std::u16string_view rest = text;
-  const auto appendCharacters = [&](std::size_t count) {
-    char* out = chunk.data();
-    const std::size_t end = rest.size() - std::min(rest.size(), count);
-    while (rest.size() > end) out = putUTF8(NSTakeCharacter(rest), out);
-    result.append(chunk.data(), out);
-  };
-  appendCharacters(1);
-  for (;;) {
-    const NSTranscoded block =
-        NSEncodeBlocks(text, text.size() - rest.size(), chunk.data(), chunkSize);
-    if (block.written == 0) break;
+  for (std::size_t position = 0; position < text.size();) {
+    NSTranscoded block = {position, 0};
+    if (text.size() >= fewest) block = NSEncodeBlocks(text, position, chunk.data(), chunkSize);
+    if (block.written == 0) block = encodeCharacters(text, position, chunk.data(), chunkSize);
+    // Most texts go on as they begin.
+    if (position == 0 && block.position < text.size()) {
+      result.reserve(text.size() / block.position * (block.written + block.written / 16));
+    }
     result.append(chunk.data(), block.written);
-    rest = text.substr(block.position);
+    position = block.position;
   }
-  while (!rest.empty()) appendCharacters(chunkSize / 4);
   return result;
 }
 
