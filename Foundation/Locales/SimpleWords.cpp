@@ -121,11 +121,16 @@ std::size_t NSCapitalizeSimpleWords(std::u16string_view text, char16_t* out) {
   std::size_t safe = 0;
   bool isInWord = false;
   Kind last = Kind::separator;
+  const Page* page = nullptr;
+  char16_t pageStart = 0xFFFF;
   for (std::size_t at = 0; at < text.size(); ++at) {
     const char16_t unit = text[at];
-    const Page& page = pageOf(unit);
-    const Kind kind = page.kinds[unit & 0xFFU];
-    out[at] = page.cases[isInWord ? 1 : 0][unit & 0xFFU];
+    if ((unit & 0xFF00U) != pageStart) {
+      pageStart = unit & 0xFF00U;
+      page = &pageOf(unit);
+    }
+    const Kind kind = page->kinds[unit & 0xFFU];
+    out[at] = page->cases[isInWord ? 1 : 0][unit & 0xFFU];
     if (kind > Kind::space) {
       const bool isAmongLetters = isLetter(last) && isLetter(kindAt(text, at + 1));
       if (kind == Kind::other || (kind == Kind::stop && isAmongLetters) ||
