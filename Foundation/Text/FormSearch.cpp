@@ -1,11 +1,10 @@
 #include "Foundation/Text/FormSearch.h"
 
 #include <algorithm>
-#include <optional>
+#include <span>
 #include <vector>
 
 #include <Foundation/NSUnicode.h>
-#include <Foundation/Text/ASCII.h>
 #include <Foundation/Text/JudgedSearch.h>
 #include <Foundation/Text/NormalForm.h>
 
@@ -193,7 +192,6 @@ NSRange NSFormSearch::scanBackwards(Scan& scan) const {
     places.insert(places.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(count));
   }
   for (; !places.empty() && scan.budget > 0; places.pop_back()) {
-    scan.from = 0;
     const NSRange match = judge(scan, places.back());
     if (match.length != 0) return match;
   }

@@ -80,14 +80,18 @@ TEST(NSString, FindsInTextsThatAlmostMatchEverywhere) {
   needle[1'998] = u'b';
   const NSUInteger literal = NSLiteralSearch;
   const NSUInteger folded = NSLiteralSearch | NSCaseInsensitiveSearch;
-  for (const NSUInteger options : {literal, folded, literal | NSBackwardsSearch}) {
+  const NSUInteger backwards = NSBackwardsSearch;
+  for (const NSUInteger options :
+       {literal, folded, literal | backwards, folded | backwards, backwards}) {
     const auto wanted = NSMake<NSString>(needle);
     EXPECT_EQ(NSMake<NSString>(text)->rangeOfString_options(wanted, options), NSNotFoundRange);
     std::u16string around = text;
     around.append(needle).append(text);
-    if (options == folded) around[20'001] = u'a';
+    if ((options & folded) == folded) around[20'001] = u'a';
     const auto string = NSMake<NSString>(around);
     EXPECT_EQ(string->rangeOfString_options(wanted, options), (NSRange{20'000, 2'000}));
+    const NSRange rest = {20'001, around.size() - 20'001};
+    EXPECT_EQ(string->rangeOfString_options_range(wanted, options, rest), NSNotFoundRange);
   }
   std::vector<std::size_t> places(5);
   const std::u16string end = needle + needle + u"a" + needle;
