@@ -1,7 +1,6 @@
 #include "Foundation/NSNotificationQueue.h"
 
 #include <string>
-#include <utility>
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSNotificationCenter.h>
@@ -38,14 +37,14 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
                            std::to_string(static_cast<NSInteger>(postingStyle)) + " (in '" +
                            operation + "')");
   }
-  // What is removed may change the caller's own reference.
-  auto held = NSRef<NSNotification>::share(notification.get());
   if (postingStyle == NSPostNow) {
+    // What is removed may change the caller's own reference.
+    const auto held = NSRef<NSNotification>::share(notification.get());
     _core->remove(*held, coalesceMask);
     NSNotificationCenter::defaultCenter()->postNotification(held);
   } else {
     const bool hasModes = modes && modes->count() > 0;
-    _core->add(std::move(held), static_cast<NSPostingStyle>(postingStyle), coalesceMask,
+    _core->add(notification, static_cast<NSPostingStyle>(postingStyle), coalesceMask,
                hasModes ? modes : NSDefaultRunLoopModes());
   }
 }

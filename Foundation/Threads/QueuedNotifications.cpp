@@ -123,20 +123,23 @@ bool NSQueuedNotifications::isLikeLatest(const NSNotification& notification, con
          isSame(*_latest->notification, notification, onNameAndSender);
 }
 
-void NSQueuedNotifications::add(NSRef<NSNotification> notification, NSPostingStyle style,
+void NSQueuedNotifications::add(const NSRef<NSNotification>& notification, NSPostingStyle style,
                                 std::uint32_t mask, const NSRef<NSArray>& modes) {
   if (_runLoop == nullptr) return;
   Line& line = lines(style).of(modes);
   if (isLikeLatest(*notification, line, mask)) {
     _latest->turn = _nextTurn++;
-    std::swap(_latest->notification, notification);
-    return _runLoop->signal();
+    _runLoop->signal();
+    if (_latest->notification != notification) _latest->notification = notification;
+    return;
   }
-  const Hashes hashes(*notification);
+  // What is removed may change the caller's own reference.
+  auto held = NSRef<NSNotification>::share(notification.get());
+  const Hashes hashes(*held);
   // One of those that are the same leaves its place to this one.
   Queued* place = nullptr;
   Line removed;
-  forEachSame(*notification, hashes, mask, [&](Queued& queued) {
+  forEachSame(*held, hashes, mask, [&](Queued& queued) {
     if (place == nullptr) {
       place = &queued;
     } else {
@@ -146,7 +149,7 @@ void NSQueuedNotifications::add(NSRef<NSNotification> notification, NSPostingSty
   if (place == nullptr) place = &make(line);
   _latest = place;
   _latestMask = mask;
-  const auto former = put(std::move(notification), hashes, *place, line);
+  const auto former = put(std::move(held), hashes, *place, line);
   _runLoop->signal();
 }
 

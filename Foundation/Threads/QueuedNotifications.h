@@ -18,7 +18,7 @@ class NSQueuedNotifications {
   /// Removes those that are the same by the mask's bits.
   void remove(const NSNotification& notification, std::uint32_t mask);
   /// Removes those that are the same, then adds this one; nothing when the queue is closed.
-  void add(NSRef<NSNotification> notification, NSPostingStyle style, std::uint32_t mask,
+  void add(const NSRef<NSNotification>& notification, NSPostingStyle style, std::uint32_t mask,
            const NSRef<NSArray>& modes);
 
   // What the run loop calls.
