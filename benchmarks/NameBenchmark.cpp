@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include <unicode/uldnames.h>
@@ -64,6 +65,25 @@ void addQuotationMarks() {
                           closingDoubleQuotationForLocaleIdentifier(identifier) +
                           openingSingleQuotationForLocaleIdentifier(identifier) +
                           closingSingleQuotationForLocaleIdentifier(identifier);
+                 }),
+         areMarks, details);
+  // Four look-ups, in a table that has all of them.
+  std::unordered_map<std::u16string, std::u16string> table;
+  std::vector<std::u16string> keys;
+  for (const auto& identifier : stringsOf(localeIdentifiers())) {
+    keys.emplace_back(identifier->view());
+    table[keys.back()] = {openingDoubleQuotationForLocaleIdentifier(identifier),
+                          closingDoubleQuotationForLocaleIdentifier(identifier),
+                          openingSingleQuotationForLocaleIdentifier(identifier),
+                          closingSingleQuotationForLocaleIdentifier(identifier)};
+  }
+  addRow("Quotation/100Locales/unordered_map",
+         sumOver(keys,
+                 [=](const std::u16string& key) {
+                   std::size_t sum = 0;
+                   for (std::size_t column = 0; column < 4; ++column)
+                     sum += table.find(key)->second[column];
+                   return sum;
                  }),
          areMarks, details);
 #ifdef ZK_HAS_QT

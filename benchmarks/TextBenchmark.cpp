@@ -474,12 +474,38 @@ void addNumbers() {
 #endif
   const auto byLoop = [] {
     std::u16string text;
-    for (std::uint64_t value = 1888; value != 0; value = (value - 1) / 26) {
+    std::uint64_t number = 1888;
+    benchmark::DoNotOptimize(number);
+    for (std::uint64_t value = number; value != 0; value = (value - 1) / 26) {
       text.insert(text.begin(), static_cast<char16_t>(u'A' + (value - 1) % 26));
     }
     return text;
   };
   addRow("NumberToText/letters/loop", byLoop, [](const auto& result) { return result == u"BTP"; });
+  const auto romanByLoop = [] {
+    constexpr std::array<std::pair<int, const char16_t*>, 13> signs = {{{1000, u"M"},
+                                                                        {900, u"CM"},
+                                                                        {500, u"D"},
+                                                                        {400, u"CD"},
+                                                                        {100, u"C"},
+                                                                        {90, u"XC"},
+                                                                        {50, u"D"},
+                                                                        {40, u"XD"},
+                                                                        {10, u"X"},
+                                                                        {9, u"IX"},
+                                                                        {5, u"V"},
+                                                                        {4, u"IV"},
+                                                                        {1, u"I"}}};
+    int rest = 1888;
+    benchmark::DoNotOptimize(rest);
+    std::u16string text;
+    for (const auto& [value, sign] : signs) {
+      for (; rest >= value; rest -= value) text += sign;
+    }
+    return text;
+  };
+  addRow("NumberToText/roman/loop", romanByLoop,
+         [](const auto& result) { return result.starts_with(u"MDCCC"); });
 }
 
 const bool registered = [] {

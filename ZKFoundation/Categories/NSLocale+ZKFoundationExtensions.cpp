@@ -39,21 +39,34 @@ constexpr auto marksByCode = [] {
   return table;
 }();
 
-unichar markOfLanguage(std::u16string_view language, std::size_t column) {
-  if (language.size() != 2) return defaultMarks[column];
-  const auto first = static_cast<std::size_t>(language[0]) - u'a';
-  const auto second = static_cast<std::size_t>(language[1]) - u'a';
+// The language is what stands before the first separator.
+unichar markOfLanguage(std::u16string_view identifier, std::size_t column) {
+  const auto ends = [](char16_t unit) { return unit == u'_' || unit == u'-' || unit == u'@'; };
+  if (identifier.size() < 2) return defaultMarks[column];
+  if (identifier.size() > 2 && !ends(identifier[2])) return defaultMarks[column];
+  const auto first = static_cast<std::size_t>(identifier[0]) - u'a';
+  const auto second = static_cast<std::size_t>(identifier[1]) - u'a';
   return first < letters && second < letters ? marksByCode[first * letters + second][column]
                                              : defaultMarks[column];
 }
 
+// Few identifiers have these letters at all; the others need not be split.
+bool isSwiss(std::u16string_view identifier) {
+  for (std::size_t k = 1; k < identifier.size(); ++k) {
+    if (identifier[k] == u'H' && identifier[k - 1] == u'C') {
+      return NSLocaleComponents(identifier).country == u"CH";
+    }
+  }
+  return false;
+}
+
 unichar quotationMark(const NSRef<NSString>& identifier, std::size_t column) {
-  const NSLocaleComponents parts(NSViewOf(identifier));
-  return parts.country == u"CH" ? swissMarks[column] : markOfLanguage(parts.language, column);
+  const std::u16string_view text = NSViewOf(identifier);
+  return isSwiss(text) ? swissMarks[column] : markOfLanguage(text, column);
 }
 
 unichar guillemet(const NSRef<NSString>& identifier, std::size_t column) {
-  return markOfLanguage(NSLocaleComponents(NSViewOf(identifier)).language, column);
+  return markOfLanguage(NSViewOf(identifier), column);
 }
 
 }  // namespace

@@ -49,31 +49,48 @@ struct Place {
   std::u16string_view five;
   std::u16string_view ten;
 };
-constexpr std::array<Place, 4> upperCasePlaces{{
+constexpr std::array<Place, 4> places{{
     {1000, u"M", u"", u""},
     {100, u"C", u"D", u"M"},
     {10, u"X", u"D", u"C"},
     {1, u"I", u"V", u"X"},
 }};
-constexpr std::array<Place, 4> lowerCasePlaces{{
-    {1000, u"m", u"", u""},
-    {100, u"c", u"d", u"m"},
-    {10, u"x", u"d", u"c"},
-    {1, u"i", u"v", u"x"},
-}};
 
-void appendDigit(const Place& place, std::size_t digit, NSUnitBuffer& output) {
-  for (const char unit : digitPatterns[digit]) {
-    output.append(unit == 'o' ? place.one : unit == 'f' ? place.five : place.ten);
-  }
+constexpr std::u16string_view partOf(const Place& place, char unit) {
+  return unit == 'o' ? place.one : unit == 'f' ? place.five : place.ten;
 }
 
-NSRef<NSString> romanNumeral(std::uint64_t value, const std::array<Place, 4>& places) {
+// All digits of all places, so that writing one is a copy of four letters.
+struct Digit {
+  std::array<char16_t, 4> letters;
+  std::size_t size;
+};
+constexpr auto digitsOfPlaces = [] {
+  std::array<std::array<Digit, 10>, places.size()> table{};
+  for (std::size_t k = 0; k < places.size(); ++k) {
+    for (std::size_t digit = 0; digit < 10; ++digit) {
+      auto& [letters, size] = table[k][digit];
+      for (const char unit : digitPatterns[digit]) {
+        for (const char16_t letter : partOf(places[k], unit)) letters[size++] = letter;
+      }
+    }
+  }
+  return table;
+}();
+
+// `caseBit` is what lower-case letters have more.
+NSRef<NSString> romanNumeral(std::uint64_t value, char16_t caseBit) {
   if (value >= 5000) return u"NUL"_ns;
-  std::array<char16_t, 16> room;  // The longest is "MMMDCCCDXXXVIII".
-  NSUnitBuffer output{std::span(room)};
-  for (const Place& place : places) appendDigit(place, value / place.divisor % 10, output);
-  return NSMake<NSString>(std::move(output));
+  std::array<char16_t, 16 + 4> text;  // The longest is "MMMDCCCDXXXVIII".
+  auto* end = text.begin();
+  for (std::size_t k = 0; k < places.size(); ++k) {
+    const Digit& digit = digitsOfPlaces[k][value / places[k].divisor % 10];
+    std::ranges::transform(digit.letters, end, [=](char16_t letter) {
+      return static_cast<char16_t>(letter | caseBit);
+    });
+    end += digit.size;
+  }
+  return NSMake<NSString>(std::u16string_view(text.begin(), end));
 }
 
 }  // namespace
@@ -88,9 +105,9 @@ NSRef<NSString> ZKBinToStr(std::uint64_t value, NSUInteger type) {
     case ZKNumberLowerCaseLetters:
       return letters(value, u'a');
     case ZKNumberUpperCaseRoman:
-      return romanNumeral(value, upperCasePlaces);
+      return romanNumeral(value, 0);
     case ZKNumberLowerCaseRoman:
-      return romanNumeral(value, lowerCasePlaces);
+      return romanNumeral(value, u'a' - u'A');
     default:
       return nullptr;
   }
@@ -103,7 +120,9 @@ void roman_digit(const NSRef<NSString>& one, const NSRef<NSString>& five,
   // Collected first: the texts may be the output itself.
   std::array<char16_t, 16> room;
   NSUnitBuffer text{std::span(room)};
-  appendDigit(place, static_cast<std::size_t>(digit), text);
+  for (const char unit : digitPatterns[static_cast<std::size_t>(digit)]) {
+    text.append(partOf(place, unit));
+  }
   output->appendUnits(text.view());
 }
 
