@@ -23,6 +23,10 @@
 #ifdef ZK_HAS_GLIB
 #include <glib.h>
 #endif
+#ifdef ZK_HAS_FLAT_MAP
+#include <boost/unordered/unordered_flat_map.hpp>
+#include <boost/unordered/unordered_flat_set.hpp>
+#endif
 
 using namespace ZKFoundationExtensions;
 
@@ -221,6 +225,48 @@ void addSearches() {
 #endif
 }
 
+// What an expert writes by hand: no branch depends on a value, and both halves' middles are
+// fetched.
+std::size_t lowerBoundWithoutBranches(const std::vector<NSInteger>& values, NSInteger value) {
+  const NSInteger* low = values.data();
+  for (std::size_t count = values.size(); count > 1;) {
+    const std::size_t half = count / 2;
+    count -= half;
+    __builtin_prefetch(low + count / 2 - 1);
+    __builtin_prefetch(low + half + count / 2 - 1);
+    low += half & (0 - std::size_t{low[half - 1] < value});
+  }
+  return static_cast<std::size_t>(low - values.data()) + (*low < value ? 1 : 0);
+}
+
+void addValueSearches() {
+  constexpr std::size_t count = 1000000;
+  static const auto asked = shuffledNumbers(count);
+  static const auto values = [] {
+    auto sorted = asked;
+    std::ranges::sort(sorted);
+    return sorted;
+  }();
+  const auto addSearch = [](const std::string& who, auto find) {
+    addRow(
+        "Sorted/FindValue1000000/" + who,
+        [=] {
+          std::size_t sum = 0;
+          for (const NSInteger value : asked) sum += find(value);
+          return sum;
+        },
+        [](std::size_t sum) { return sum == count * (count - 1) / 2; }, {.calls = count});
+  };
+  addSearch("ZK", [](NSInteger value) {
+    return indexWhereObjectWouldBelong_inArraySortedUsingFunction(
+        values, value, [](NSInteger a, NSInteger b) { return a <=> b; });
+  });
+  addSearch("lower_bound", [](NSInteger value) {
+    return static_cast<std::size_t>(std::ranges::lower_bound(values, value) - values.begin());
+  });
+  addSearch("branchless", [](NSInteger value) { return lowerBoundWithoutBranches(values, value); });
+}
+
 // The same as shared pointers.
 struct SharedKey {
   virtual ~SharedKey() = default;
@@ -363,81 +409,100 @@ void addIndexSets() {
 }
 
 struct Words {
-  explicit Words(std::size_t count) {
+  explicit Words(std::size_t count, const char* prefix = "chapter ") {
     for (std::size_t k = 0; k < count; ++k) {
-      const auto word = NSMake<NSString>("chapter " + std::to_string(k));
+      const auto word = NSMake<NSString>(prefix + std::to_string(k));
       ns.emplace_back(word);
       plain.emplace_back(word->view());
 #ifdef ZK_HAS_QT
-      qt.append(QString::fromStdU16String(plain.back()));
-#endif
-#ifdef ZK_HAS_GLIB
-      narrow.push_back(g_strdup(word->utf8().c_str()));
+      qt.push_back(QString::fromStdU16String(plain.back()));
 #endif
     }
   }
   std::vector<NSRef<NSObject>> ns;
   std::vector<std::u16string> plain;
 #ifdef ZK_HAS_QT
-  QList<QString> qt;
-#endif
-#ifdef ZK_HAS_GLIB
-  std::vector<char*> narrow;
+  std::vector<QString> qt;
 #endif
 };
 
-// Asks for words that are equal to the entered ones, not the same, in a mixed order.
-template <class Find>
-void addLookUps(const std::string& kind, std::size_t count, const char* who, Find find) {
-  addRow(
-      kind + "/LookUp" + std::to_string(count) + "/" + who,
-      [=] {
-        std::size_t found = 0;
-        for (std::size_t k = 0; k < count; ++k) found += find(k * 7919 % count) ? 1U : 0U;
-        return found;
-      },
-      [=](std::size_t found) { return found == count; },
-      {.calls = benchmark::IterationCount(count)});
+// Asks for words that are equal to the entered ones, not the same, in a mixed order; and for
+// others.
+template <class List, class Find>
+void addLookUps(const std::string& kind, const char* who, const List& asked, const List& missing,
+                Find find) {
+  const std::size_t count = asked.size();
+  for (const bool isMiss : {false, true}) {
+    addRow(
+        kind + (isMiss ? "/Miss" : "/LookUp") + std::to_string(count) + "/" + who,
+        [=, words = isMiss ? missing : asked] {
+          std::size_t found = 0;
+          for (std::size_t k = 0; k < count; ++k) found += find(words[k * 7919 % count]) ? 1U : 0U;
+          return found;
+        },
+        [=](std::size_t found) { return found == (isMiss ? 0 : count); },
+        {.calls = benchmark::IterationCount(count)});
+  }
+}
+
+template <class Set, class List, class Contains>
+void addSets(const char* who, const List& entered, const List& asked, const List& missing,
+             Contains contains) {
+  const auto set = std::make_shared<Set>(entered.begin(), entered.end());
+  addLookUps("Set", who, asked, missing, [=](const auto& word) { return contains(*set, word); });
+}
+
+// Maps of words to themselves, as dictionaries mostly hold references.
+template <class Map, class List, class Enter, class Find>
+void addMaps(const char* who, const List& entered, const List& asked, const List& missing,
+             Enter enter, Find find) {
+  const auto make = [=] {
+    auto map = std::make_shared<Map>();
+    for (const auto& word : entered) enter(*map, word);
+    return map;
+  };
+  addRow("Dictionary/Insert" + std::to_string(entered.size()) + "/" + who, make,
+         [=](const auto& map) { return find(*map, entered[0]); },
+         {.calls = benchmark::IterationCount(entered.size())});
+  addLookUps("Dictionary", who, asked, missing,
+             [=, map = make()](const auto& word) { return find(*map, word); });
 }
 
 void addLookUps(std::size_t count) {
-  const auto words = std::make_shared<Words>(count);
-  const auto asked = std::make_shared<Words>(count);
-  const auto set = NSMake<NSSet>(NSMake<NSArray>(std::span(words->ns)));
-  addLookUps("Set", count, "ZK", [=](std::size_t k) { return set->containsObject(asked->ns[k]); });
-  const auto plain = std::make_shared<std::unordered_set<std::u16string>>(words->plain.begin(),
-                                                                          words->plain.end());
-  addLookUps("Set", count, "unordered_set",
-             [=](std::size_t k) { return plain->contains(asked->plain[k]); });
-  const auto dictionary = NSMake<NSMutableDictionary>();
-  for (const auto& word : words->ns) dictionary->setObject_forKey(word, word);
-  addLookUps("Dictionary", count, "ZK",
-             [=](std::size_t k) { return dictionary->objectForKey(asked->ns[k]) != nullptr; });
-  const auto map = std::make_shared<std::unordered_map<std::u16string, std::size_t>>();
-  for (const auto& word : words->plain) map->emplace(word, 1);
-  addLookUps("Dictionary", count, "unordered_map",
-             [=](std::size_t k) { return map->find(asked->plain[k])->second == 1; });
+  const Words words(count);
+  const Words asked(count);
+  const Words others(count, "section ");
+  const auto set = NSMake<NSSet>(NSMake<NSArray>(std::span(words.ns)));
+  addLookUps("Set", "ZK", asked.ns, others.ns,
+             [=](const auto& word) { return set->containsObject(word); });
+  addMaps<NSMutableDictionary>(
+      "ZK", words.ns, asked.ns, others.ns,
+      [](auto& map, const auto& word) { map.setObject_forKey(word, word); },
+      [](const auto& map, const auto& word) { return map.objectForKey(word) != nullptr; });
+  const auto contains = [](const auto& container, const auto& word) {
+    return container.contains(word);
+  };
+  const auto emplace = [](auto& map, const auto& word) { map.emplace(word, &word); };
+  addSets<std::unordered_set<std::u16string>>("unordered_set", words.plain, asked.plain,
+                                              others.plain, contains);
+  addMaps<std::unordered_map<std::u16string, const void*>>(
+      "unordered_map", words.plain, asked.plain, others.plain, emplace, contains);
 #ifdef ZK_HAS_QT
-  const QSet<QString> qtSet(words->qt.begin(), words->qt.end());
-  addLookUps("Set", count, "QSet",
-             [=](std::size_t k) { return qtSet.contains(asked->qt[static_cast<qsizetype>(k)]); });
-  QHash<QString, int> qtHash;
-  for (const auto& word : words->qt) qtHash.insert(word, 1);
-  addLookUps("Dictionary", count, "QHash", [=](std::size_t k) {
-    return *qtHash.constFind(asked->qt[static_cast<qsizetype>(k)]) == 1;
-  });
+  addSets<QSet<QString>>("QSet", words.qt, asked.qt, others.qt, contains);
+  addMaps<QHash<QString, const void*>>("QHash", words.qt, asked.qt, others.qt, emplace, contains);
 #endif
-#ifdef ZK_HAS_GLIB
-  GHashTable* const table = g_hash_table_new(g_str_hash, g_str_equal);
-  for (char* const word : words->narrow) g_hash_table_add(table, word);
-  addLookUps("Set", count, "GHashTable",
-             [=](std::size_t k) { return g_hash_table_contains(table, asked->narrow[k]) != 0; });
+#ifdef ZK_HAS_FLAT_MAP
+  addSets<boost::unordered_flat_set<std::u16string, std::hash<std::u16string>>>(
+      "Boost", words.plain, asked.plain, others.plain, contains);
+  addMaps<boost::unordered_flat_map<std::u16string, const void*, std::hash<std::u16string>>>(
+      "Boost", words.plain, asked.plain, others.plain, emplace, contains);
 #endif
 }
 
 const bool registered = [] {
   addInsertions();
   addSearches();
+  addValueSearches();
   addSelections();
   addIndexSets();
   addLookUps(1000);

@@ -4,6 +4,7 @@
 #include <bitset>
 #include <functional>
 #include <memory>
+#include <random>
 #include <vector>
 
 #include <unicode/brkiter.h>
@@ -177,6 +178,27 @@ void addEditing(const Case& example) {
   }
 }
 
+std::u16string_view trimmedByBitmap(const Bitmap& blanks, std::u16string_view text) {
+  while (!text.empty() && blanks[text.front()]) text.remove_prefix(1);
+  while (!text.empty() && blanks[text.back()]) text.remove_suffix(1);
+  return text;
+}
+
+std::vector<std::u16string> splitByBitmap(const Bitmap& commas, const Bitmap* blanks,
+                                          std::u16string_view text) {
+  std::vector<std::u16string> result;
+  std::size_t start = 0;
+  for (std::size_t k = 0; k <= text.size(); ++k) {
+    if (k < text.size() && !commas[text[k]]) continue;
+    std::u16string_view piece = text.substr(start, k - start);
+    start = k + 1;
+    if (piece.empty()) continue;
+    if (blanks != nullptr) piece = trimmedByBitmap(*blanks, piece);
+    result.emplace_back(piece);
+  }
+  return result;
+}
+
 void addSplitting(const std::string& name, const std::u16string& text, bool trims) {
   const std::string row = "Split/" + name + (trims ? "_trimmed/" : "/");
   const auto comma = NSMake<NSCharacterSet>(u","_ns);
@@ -193,18 +215,7 @@ void addSplitting(const std::string& name, const std::u16string& text, bool trim
   const Bitmap blankBits(NSCharacterSet::whitespaceCharacterSet());
   const auto byBitmap = [=, commas = std::make_shared<Bitmap>(commaBits),
                          blanks = std::make_shared<Bitmap>(blankBits)] {
-    std::vector<std::u16string> result;
-    std::size_t start = 0;
-    for (std::size_t k = 0; k <= text.size(); ++k) {
-      if (k < text.size() && !(*commas)[text[k]]) continue;
-      std::u16string_view piece = std::u16string_view(text).substr(start, k - start);
-      start = k + 1;
-      if (piece.empty()) continue;
-      while (trims && !piece.empty() && (*blanks)[piece.front()]) piece.remove_prefix(1);
-      while (trims && !piece.empty() && (*blanks)[piece.back()]) piece.remove_suffix(1);
-      result.emplace_back(piece);
-    }
-    return result;
+    return splitByBitmap(*commas, trims ? blanks.get() : nullptr, text);
   };
   addRow(row + "bitmap", byBitmap, [=](const auto& result) { return result.size() == count; });
 #ifdef ZK_HAS_QT
@@ -221,6 +232,122 @@ void addSplitting(const std::string& name, const std::u16string& text, bool trim
 #endif
 }
 
+// Lines as people write them; every operation goes over many, so that none is known by heart.
+struct Alphabet {
+  const char* name;
+  const char16_t* letters;
+};
+constexpr std::array alphabets = {
+    Alphabet{"ascii", u"etaoinshrdlucmfwypvbgkqjxz"},
+    Alphabet{"latin",
+             u"etaoinshrdlucmfwypvbgkqjxzétaoinshrdlucmfwypvbgkqjxzetaoinshrdlucmfwypvbgk"},
+    Alphabet{"cyrillic", u"оеаинтсрвлкмдпуяыьгзбчйхжш"},
+};
+
+std::vector<std::u16string> makeLines(std::u16string_view letters) {
+  std::vector<std::u16string> lines(64);
+  std::mt19937 random(7);
+  for (std::u16string& line : lines) {
+    line = u"  ";
+    while (line.size() < lineLength - 2) {
+      for (std::size_t k = 2 + random() % 8; k > 0; --k) line += letters[random() % letters.size()];
+      line += random() % 3 == 0 ? u", " : u" ";
+    }
+    line.resize(lineLength - 1);
+    line += u' ';
+  }
+  return lines;
+}
+
+template <class Line, class Work>
+void addLineRow(const std::string& name, const std::vector<Line>& lines, std::size_t expected,
+                Work work) {
+  addRow(
+      name,
+      [=] {
+        std::size_t units = 0;
+        for (const Line& line : lines) units += work(line);
+        return units;
+      },
+      [=](std::size_t units) { return units == expected; },
+      {.calls = benchmark::IterationCount(lines.size())});
+}
+
+std::u16string removedByFinding(std::u16string_view text, std::u16string_view needle) {
+  std::u16string result;
+  result.reserve(text.size());
+  std::size_t start = 0;
+  for (auto place = text.find(needle); place != std::u16string_view::npos;
+       place = text.find(needle, start)) {
+    result.append(text, start, place - start);
+    start = place + needle.size();
+  }
+  return result.append(text, start);
+}
+
+void addLines(const Alphabet& alphabet) {
+  const auto plain = makeLines(alphabet.letters);
+  std::vector<NSRef<NSString>> ours;
+  for (const auto& line : plain) ours.push_back(NSMake<NSString>(line));
+  const std::u16string needle = {alphabet.letters[0], alphabet.letters[1]};
+  const auto wanted = NSMake<NSString>(needle);
+  const auto comma = NSMake<NSCharacterSet>(u","_ns);
+  const auto& white = NSCharacterSet::whitespaceCharacterSet();
+  const auto commas = std::make_shared<Bitmap>(comma);
+  const auto blanks = std::make_shared<Bitmap>(white);
+#ifdef ZK_HAS_QT
+  std::vector<QString> qt;
+  for (const auto& line : plain) qt.push_back(QString::fromStdU16String(line));
+  const QString qtNeedle = QString::fromStdU16String(needle);
+#endif
+  const auto addAll = [&](const std::string& subject, auto byUs, auto byHand,
+                          [[maybe_unused]] auto byQt) {
+    const std::string row = subject + "/lines_" + alphabet.name + '/';
+    std::size_t expected = 0;
+    for (const auto& line : plain) expected += byHand(line);
+    addLineRow(row + "ZK", ours, expected, byUs);
+    addLineRow(row + "u16string", plain, expected, byHand);
+#ifdef ZK_HAS_QT
+    addLineRow(row + "Qt", qt, expected, byQt);
+#endif
+  };
+  addAll(
+      "RemoveString",
+      [=](const auto& line) { return stringByRemovingString(line, wanted)->length(); },
+      [=](const auto& line) { return removedByFinding(line, needle).size(); },
+      [=](auto line) { return static_cast<std::size_t>(line.remove(qtNeedle).size()); });
+  addAll(
+      "RemoveSet",
+      [=](const auto& line) { return stringByRemovingCharactersInSet(line, white)->length(); },
+      [=](const auto& line) { return replacedByBitmap(*blanks, line, u"").size(); },
+      [=](auto line) {
+        line.removeIf([&](QChar unit) { return (*blanks)[unit.unicode()]; });
+        return static_cast<std::size_t>(line.size());
+      });
+  addAll(
+      "Trim",
+      [=](const auto& line) { return stringByRemovingSurroundingWhitespace(line)->length(); },
+      [=](const auto& line) { return std::u16string(trimmedByBitmap(*blanks, line)).size(); },
+      [=](const auto& line) { return static_cast<std::size_t>(line.trimmed().size()); });
+  for (const bool trims : {false, true}) {
+    addAll(
+        trims ? "SplitTrimmed" : "Split",
+        [=](const auto& line) {
+          return componentsSeparatedByCharactersInSet_trimWhitespace(line, comma, trims)->count();
+        },
+        [=](const auto& line) {
+          return splitByBitmap(*commas, trims ? blanks.get() : nullptr, line).size();
+        },
+        [=](const auto& line) {
+          auto pieces = line.split(u',', Qt::SkipEmptyParts);
+          for (auto& piece : pieces) {
+            if (trims) piece = piece.trimmed();
+          }
+          return static_cast<std::size_t>(pieces.size());
+        });
+  }
+}
+
 void addTrimming(const std::string& name, std::size_t length) {
   const std::u16string text = u" \t  " + makeText(length - 8, 0, 0) + u" \t  ";
   const std::string row = "Trim/" + name + '/';
@@ -230,13 +357,7 @@ void addTrimming(const std::string& name, std::size_t length) {
       [=](const auto& result) { return result->length() == length - 8; });
   const auto blanks = std::make_shared<Bitmap>(NSCharacterSet::whitespaceCharacterSet());
   addRow(
-      row + "bitmap",
-      [=] {
-        std::u16string_view view = text;
-        while (!view.empty() && (*blanks)[view.front()]) view.remove_prefix(1);
-        while (!view.empty() && (*blanks)[view.back()]) view.remove_suffix(1);
-        return std::u16string(view);
-      },
+      row + "bitmap", [=] { return std::u16string(trimmedByBitmap(*blanks, text)); },
       [=](const auto& result) { return result.size() == length - 8; });
 #ifdef ZK_HAS_QT
   addRow(
@@ -515,6 +636,7 @@ const bool registered = [] {
     addSplitting("1Mi_sparse", makeText(longLength, 200, u','), trims);
     addSplitting("100000_fields", makeText(600'000, 6, u','), trims);
   }
+  for (const Alphabet& alphabet : alphabets) addLines(alphabet);
   addTrimming("line", lineLength);
   addTrimming("1Mi", longLength);
   addRejectedWords("rejected_ASCII", u"th", u"don't");
