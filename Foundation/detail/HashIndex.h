@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -10,8 +11,11 @@
 #include <Foundation/detail/GoldenRatio.h>
 #include <Foundation/detail/HashSeed.h>
 
-/// The index of a sequence by the hashes of its elements: an open-addressing table of positions
-/// with linear probing. Its owner tells it of every element that comes or goes.
+/// The index of a sequence by the hashes of its elements: an open-addressing table of positions.
+/// Its owner tells it of every element that comes or goes.
+///
+/// The table consists of groups of eight slots. A word for each group holds seven bits of the
+/// hashes in its slots, so that most look-ups for what is not there read nothing but one word.
 ///
 /// It keeps 32 bits of each hash, so that it never asks an element again, even one whose hash has
 /// changed since, and hardly ever compares with another element than the one that is looked for.
@@ -26,13 +30,12 @@ class NS_EXPORT NSHashIndex {
   /// Finds the position for which `isSame(position)` holds, among those with this hash.
   template <class IsSame>
   [[nodiscard]] std::size_t find(NSUInteger hash, IsSame isSame) const {
-    if (_slots.empty()) return notFound;
+    if (_tags.empty()) return notFound;
     const std::uint32_t mixed = mix(hash);
-    for (std::size_t at = home(mixed);; at = (at + 1) & mask()) {
-      const Slot slot = _slots[at];
-      if (slot.position == vacant) return notFound;
-      if (slot.hash == mixed && isSame(std::size_t{slot.position})) return slot.position;
-    }
+    const std::size_t slot = findSlot(mixed, [&](std::uint32_t position) {
+      return _hashes[position] == mixed && isSame(std::size_t{position});
+    });
+    return slot == notFound ? notFound : _positions[slot];
   }
 
   /// Makes room for that many elements altogether: until then, inserting cannot fail. More than
@@ -46,11 +49,11 @@ class NS_EXPORT NSHashIndex {
   void replaceByLast(std::size_t position) noexcept;
 
  private:
-  static constexpr std::uint32_t vacant = std::numeric_limits<std::uint32_t>::max();
-  struct Slot {
-    std::uint32_t hash = 0;
-    std::uint32_t position = vacant;
-  };
+  // The tags of a group: byte k is that of slot k, 0 when the slot is vacant.
+  using Tags = std::uint64_t;
+  static constexpr std::size_t width = sizeof(Tags);
+  static constexpr Tags ones = 0x0101'0101'0101'0101;
+  static constexpr Tags uppermost = 0x8080'8080'8080'8080;
 
   // Classes' own hashes may be small numbers or addresses. The first product and the shift scatter
   // such sequences without bringing any two together. The upper half of the second product, by a
@@ -61,15 +64,44 @@ class NS_EXPORT NSHashIndex {
     hash ^= hash >> 32U;
     return static_cast<std::uint32_t>((hash * NSHashSeed[0]) >> 32U);
   }
-  [[nodiscard]] std::size_t mask() const noexcept { return _slots.size() - 1; }
+  [[nodiscard]] std::size_t next(std::size_t group) const noexcept {
+    return (group + 1) & (_tags.size() - 1);
+  }
   // By the uppermost bits, to which every bit of a hash contributes.
   [[nodiscard]] std::size_t home(std::uint32_t mixed) const noexcept {
-    return static_cast<std::size_t>((std::uint64_t{mixed} * _slots.size()) >> 32U);
+    return static_cast<std::size_t>((std::uint64_t{mixed} * _tags.size()) >> 32U);
+  }
+  // By the lowest bits, and one that is set in each.
+  [[nodiscard]] static Tags tagOf(std::uint32_t mixed) noexcept { return (mixed & 0x7FU) | 0x80U; }
+  [[nodiscard]] static Tags vacantIn(Tags tags) noexcept { return ~tags & uppermost; }
+  // Which slot of a group the lowest bit that is set stands for.
+  [[nodiscard]] static std::size_t firstOf(Tags marks) noexcept {
+    return static_cast<std::size_t>(std::countr_zero(marks)) / width;
+  }
+
+  // Finds the slot whose position `isIt` holds for, among those with the tag of the hash.
+  template <class IsIt>
+  [[nodiscard]] std::size_t findSlot(std::uint32_t mixed, IsIt isIt) const {
+    const Tags wanted = tagOf(mixed) * ones;
+    for (std::size_t group = home(mixed);; group = next(group)) {
+      const Tags tags = _tags[group];
+      // A byte that is zero becomes 0x80; so may one above it, which `isIt` then refuses.
+      const Tags differences = tags ^ wanted;
+      for (Tags marks = (differences - ones) & ~differences & uppermost; marks != 0;
+           marks &= marks - 1) {
+        const std::size_t slot = group * width + firstOf(marks);
+        if (isIt(_positions[slot])) return slot;
+      }
+      if (vacantIn(tags) != 0) return notFound;
+    }
   }
   [[nodiscard]] std::size_t slotOf(std::size_t position) const noexcept;
-  void fill(Slot slot) noexcept;
+  void setTag(std::size_t slot, Tags tag) noexcept;
+  void fill(std::uint32_t position) noexcept;
   void vacate(std::size_t hole) noexcept;
 
-  std::vector<Slot> _slots;
+  std::vector<Tags> _tags;
+  // Those of vacant slots mean nothing.
+  std::vector<std::uint32_t> _positions;
   std::vector<std::uint32_t> _hashes;
 };
