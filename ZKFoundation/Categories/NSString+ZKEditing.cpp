@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -103,8 +104,10 @@ NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitesp
     std::pmr::memory_resource* allocator, const NSRef<NSString>& string,
     const NSRef<NSCharacterSet>& separators, bool trimsWhitespace) {
   const std::u16string_view text = string->view();
-  std::pmr::vector<std::u16string_view> components(
-      allocator != nullptr ? allocator : std::pmr::get_default_resource());
+  // The components of a line need no memory but this.
+  std::array<std::byte, 1024> room;
+  std::pmr::monotonic_buffer_resource local(room.data(), room.size());
+  std::pmr::vector<std::u16string_view> components(allocator != nullptr ? allocator : &local);
   std::size_t start = 0;
   const auto end = [&](std::size_t place) {
     if (place > start) components.push_back(text.substr(start, place - start));
@@ -119,11 +122,11 @@ NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitesp
     while (!component.empty() && isBlank(component.front())) component.remove_prefix(1);
     while (!component.empty() && isBlank(component.back())) component.remove_suffix(1);
   };
-  std::vector<NSRef<NSObject>> strings;
+  NSObjectVector strings;
   strings.reserve(components.size());
   for (std::u16string_view component : components) {
     if (trimsWhitespace) trim(component);
-    strings.emplace_back(NSMake<NSString>(component));
+    strings.append(NSMake<NSString>(component));
   }
   return NSMake<NSMutableArray>(std::move(strings));
 }

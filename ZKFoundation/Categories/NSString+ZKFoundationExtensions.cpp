@@ -206,7 +206,9 @@ NSRef<NSString> stringByRemovingString(const NSRef<NSString>& string,
                                        const NSRef<NSString>& other) {
   NSCheckArgument("stringByRemovingString:", "string", string);
   const std::u16string_view text = string->view();
-  NSUnitBuffer result;
+  // A line is put together beside the string that it becomes.
+  std::array<char16_t, 512> line;
+  NSUnitBuffer result(line);
   NSUInteger start = 0;
   NSForEachOccurrence(text, NSViewOf(other), [&](NSRange found) {
     // No memory is asked for before there is something to remove.
@@ -216,6 +218,7 @@ NSRef<NSString> stringByRemovingString(const NSRef<NSString>& string,
   });
   if (start == 0) return string;
   result.append(text.substr(start));
+  if (result.data() == line.data()) return NSMake<NSString>(result.view());
   result.shrink();
   return NSMake<NSString>(std::move(result));
 }
