@@ -46,12 +46,15 @@ class NSURL::Parts {
   // What is between scheme and authority before it and query and fragment after it. uriparser gives
   // it in segments, without the "/" between them.
   [[nodiscard]] Part path() const {
-    std::size_t start = _uri.scheme.first == nullptr ? 0 : scheme().end + std::size_t{1};
-    if (_text.substr(start).starts_with("//")) {
-      start = std::min(_text.find_first_of("/?#", start + 2), _text.size());
+    const auto endsPath = [](char byte) { return byte == '?' || byte == '#'; };
+    const auto endsHost = [=](char byte) { return byte == '/' || endsPath(byte); };
+    const auto* start = _text.begin() + (_uri.scheme.first == nullptr ? 0 : scheme().end + 1);
+    if (std::string_view(start, _text.end()).starts_with("//")) {
+      start = std::find_if(start + 2, _text.end(), endsHost);
     }
-    const std::size_t end = std::min(_text.find_first_of("?#", start), _text.size());
-    return {static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(end)};
+    const auto* const end = std::find_if(start, _text.end(), endsPath);
+    return {static_cast<std::uint32_t>(start - _text.begin()),
+            static_cast<std::uint32_t>(end - _text.begin())};
   }
 
  private:

@@ -213,7 +213,7 @@ constexpr std::size_t maxUnits = 32;
 
 // Squeezes the bytes that are kept together.
 template <class Tag, class Vector>
-HWY_ATTR void put(Tag tag, Vector encoded, Vector kept, std::uint8_t*& out) {
+HWY_ATTR void put(Tag /*tag*/, Vector encoded, Vector kept, std::uint8_t*& out) {
   const hn::Repartition<std::uint8_t, Tag> bytes;
   const auto isKept = hn::MaskFromVec(hn::BitCast(bytes, kept));
   hn::StoreU(hn::Compress(hn::BitCast(bytes, encoded), isKept), bytes, out);
