@@ -40,7 +40,8 @@ namespace ZKFoundationExtensions {
 ///
 /// The search halves powers of two: with p the smallest above the count, it looks at low + p/2,
 /// low + p/4, … low + 1, low + 0, where low is how many it knows to order before the object. That
-/// makes log2(p) + 1 comparisons at most, and none in an empty range.
+/// makes log2(p) + 1 comparisons at most, and none in an empty range. Only arrays of plain values,
+/// such as numbers, are looked at in other places first, with the same result when they are sorted.
 template <ZKSearchableRange Range, class Object, class Compare>
 [[nodiscard]] std::size_t indexWhereObjectWouldBelong_inArraySortedUsingFunction(
     const Range& range, const Object& object, Compare compare);

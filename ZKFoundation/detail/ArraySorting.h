@@ -58,6 +58,52 @@ template <class T, class U>
 /// search, the processor fetches the next elements while it still waits for this one.
 inline void ZKKeepBranch(std::size_t& value) { __asm__ volatile("" : "+r"(value)); }
 
+/// Whether a range's elements refer to objects elsewhere in memory.
+template <class Range>
+concept ZKReferringRange = std::ranges::contiguous_range<Range> &&
+    requires(const std::ranges::range_value_t<Range>& element) {
+  {*ZKPointee(element)};
+  { ZKPointee(element) } -> std::convertible_to<const volatile void*>;
+};
+
+/// Whether a range is an array of plain values, which cannot be told apart when they are equal.
+template <class Range>
+concept ZKPlainRange = std::ranges::contiguous_range<Range> &&
+    std::is_trivially_copyable_v<std::ranges::range_value_t<Range>> && !ZKReferringRange<Range>;
+
+/// Fetches the objects of which a search may compare one two steps after this one. Inlined: a
+/// compiler takes a call of what only fetches for one without effect.
+template <class Elements>
+[[gnu::always_inline]] inline void ZKFetchAhead(const Elements& elements, std::size_t count,
+                                                std::size_t low, std::size_t step) {
+  const std::size_t next = step / 2;
+  const std::size_t first = low + next / 2;
+  for (const std::size_t place :
+       {first, first + next + 1, first + step + 1, first + step + next + 2}) {
+    if (place < count) __builtin_prefetch(ZKPointee(elements[static_cast<std::ptrdiff_t>(place)]));
+  }
+}
+
+/// Counts the values that order before the object, without a branch that depends on one of them,
+/// which nobody could guess.
+template <class Value, class Object, class Compare>
+std::size_t ZKCountBefore(const Value* values, std::size_t count, const Object& object,
+                          Compare& compare) {
+  if (count == 0) return 0;
+  const auto isAfter = [&](const Value& value) {
+    return std::size_t{ZKSign(std::invoke(compare, object, value)) > 0};
+  };
+  const Value* low = values;
+  while (count > 1) {
+    const std::size_t half = count / 2;
+    count -= half;
+    __builtin_prefetch(low + count / 2);
+    __builtin_prefetch(low + half + count / 2);
+    low += half & (0 - isAfter(low[half - 1]));
+  }
+  return static_cast<std::size_t>(low - values) + isAfter(*low);
+}
+
 /// The ordering by a method of the object that is searched for, found once for all comparisons.
 template <class Receiver, class Argument, class Method>
 class ZKMethodOrdering {
@@ -111,11 +157,24 @@ std::size_t indexWhereObjectWouldBelong_inArraySortedUsingFunction(const Range& 
                                                                    Compare compare) {
   const auto elements = std::ranges::begin(range);
   const auto count = static_cast<std::size_t>(std::ranges::size(range));
+  if constexpr (ZKPlainRange<Range>) {
+    const std::size_t place = ZKCountBefore(std::ranges::data(range), count, object, compare);
+    const auto ordersTheSame = [&](std::size_t at) {
+      return at < count && ZKSign(std::invoke(compare, object, std::ranges::data(range)[at])) == 0;
+    };
+    // The only place; in a run of equal ones the one that the steps below meet first.
+    if (!ordersTheSame(place) || !ordersTheSame(place + 1)) return place;
+  }
+  // From so many on, objects are hardly in the nearest cache.
+  constexpr std::size_t many = std::size_t{1} << 12U;
   std::size_t low = 0;
   for (std::size_t step = std::bit_ceil(count + 1);;) {
     const bool isLast = step <= 1;
     step /= 2;
     const std::size_t probe = low + step;
+    if constexpr (ZKReferringRange<Range>) {
+      if (count >= many) ZKFetchAhead(elements, count, low, step);
+    }
     if (probe < count) {
       const auto& element = elements[static_cast<std::ptrdiff_t>(probe)];
       if (ZKIsIdentical(element, object)) return probe;

@@ -106,6 +106,31 @@ TEST(NSArraySorting, LooksWhereAModelLooksInEveryShortArray) {
   EXPECT_EQ(alive, 0);
 }
 
+// Values, and objects elsewhere in memory, so few that a cache holds them, and too many for that.
+TEST(NSArraySorting, FindsValuesAndObjectsWhereTheModelDoes) {
+  for (const std::size_t count : {0U, 1U, 7U, 100U, 5000U, 600000U}) {
+    std::vector<int> keys(count);
+    // With runs of equal ones, and keys that are missing.
+    for (std::size_t k = 0; k < count; ++k) keys[k] = static_cast<int>(k % 5 == 0 ? k + 1 : k) * 2;
+    std::vector<const int*> places;
+    for (const int& key : keys) places.push_back(&key);
+    const auto byPointer = [](const int* a, const int* b) { return *a <=> *b; };
+    const int end = 2 * static_cast<int>(count) + 2;
+    for (int key = -1; key <= end; key += std::max(1, end / 500)) {
+      std::vector<int> looked;
+      const NSUInteger place = modelPlace(keys, key, looked);
+      ASSERT_EQ(indexWhereObjectWouldBelong_inArraySortedUsingFunction(keys, key,
+                                                                       std::compare_three_way()),
+                place)
+          << count << ' ' << key;
+      const int* const object = &key;
+      ASSERT_EQ(indexWhereObjectWouldBelong_inArraySortedUsingFunction(places, object, byPointer),
+                place)
+          << count << ' ' << key;
+    }
+  }
+}
+
 TEST(NSArraySorting, FindsEveryVeryObjectInEverySortedArray) {
   forEachKeys([&](const std::vector<int>& keys) {
     if (!std::ranges::is_sorted(keys)) return;
