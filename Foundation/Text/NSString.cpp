@@ -126,7 +126,13 @@ NSRef<NSString> NSString::stringByAppendingString(const NSRef<NSString>& string)
 
 NSRef<NSString> NSString::stringByTrimmingCharactersInSet(const NSRef<NSCharacterSet>& set) const {
   std::u16string_view text = view();
-  if (set) {
+  if (!set) return NSMake<NSString>(text);
+  const auto isMember = [&members = *set](char16_t unit) {
+    return members.characterIsMember(unit) && !NSIsSurrogate(unit);
+  };
+  while (!text.empty() && isMember(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isMember(text.back())) text.remove_suffix(1);
+  if (!text.empty() && (NSIsSurrogate(text.front()) || NSIsSurrogate(text.back()))) {
     text.remove_prefix(NSCountMembersAtEnd(*set, text, 0));
     text.remove_suffix(NSCountMembersAtEnd(*set, text, NSBackwardsSearch));
   }
