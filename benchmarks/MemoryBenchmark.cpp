@@ -57,8 +57,9 @@ void addStrings(std::size_t length) {
   addMemoryRow(row + "ZK", [=] {
     return fill(std::vector<NSRef<NSString>>(), [=] { return NSMake<NSString>(text); });
   });
-  addMemoryRow(row + "u16string",
-               [=] { return fill(std::vector<std::u16string>(), [=] { return text; }); });
+  addMemoryRow(row + "u16string", [=] {
+    return fill(std::vector<std::u16string>(), [=] { return std::u16string(text); });
+  });
 #ifdef ZK_HAS_QT
   addMemoryRow(row + "Qt", [=] {
     return fill(QList<QString>(), [=] { return QString::fromStdU16String(text); });
@@ -115,6 +116,7 @@ void addCollections() {
       [] { return std::unordered_map<std::u16string, std::u16string>(); });
 #ifdef ZK_HAS_QT
   std::vector<QString> qt;
+  qt.reserve(plain.size());
   for (const auto& text : plain) qt.push_back(QString::fromStdU16String(text));
   addRows(
       "Qt", qt, [] { return QList<QString>(); }, [] { return QSet<QString>(); },

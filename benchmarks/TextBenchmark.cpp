@@ -288,6 +288,7 @@ std::u16string removedByFinding(std::u16string_view text, std::u16string_view ne
 void addLines(const Alphabet& alphabet) {
   const auto plain = makeLines(alphabet.letters);
   std::vector<NSRef<NSString>> ours;
+  ours.reserve(plain.size());
   for (const auto& line : plain) ours.push_back(NSMake<NSString>(line));
   const std::u16string needle = {alphabet.letters[0], alphabet.letters[1]};
   const auto wanted = NSMake<NSString>(needle);
@@ -297,6 +298,7 @@ void addLines(const Alphabet& alphabet) {
   const auto blanks = std::make_shared<Bitmap>(white);
 #ifdef ZK_HAS_QT
   std::vector<QString> qt;
+  qt.reserve(plain.size());
   for (const auto& line : plain) qt.push_back(QString::fromStdU16String(line));
   const QString qtNeedle = QString::fromStdU16String(needle);
 #endif

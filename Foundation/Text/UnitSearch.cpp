@@ -43,11 +43,11 @@ struct Needle {
     return length <= 2 || std::memcmp(text, units, length * sizeof(*units)) == 0;
   }
   template <class Tag>
-  HWY_ATTR auto first(Tag tag, hn::Vec<Tag> text) const {
+  [[nodiscard]] HWY_ATTR auto first(Tag tag, hn::Vec<Tag> text) const {
     return hn::Eq(text, hn::Set(tag, units[firstAt]));
   }
   template <class Tag>
-  HWY_ATTR auto second(Tag tag, hn::Vec<Tag> text) const {
+  [[nodiscard]] HWY_ATTR auto second(Tag tag, hn::Vec<Tag> text) const {
     return hn::Eq(text, hn::Set(tag, units[secondAt]));
   }
 };
@@ -76,11 +76,11 @@ struct Choices {
     return hn::Or(isChosen, hn::Eq(hn::Max(text, low), hn::Min(text, high)));
   }
   template <class Tag>
-  HWY_ATTR auto first(Tag tag, hn::Vec<Tag> text) const {
+  [[nodiscard]] HWY_ATTR auto first(Tag tag, hn::Vec<Tag> text) const {
     return isChosen(tag, text, choices[0]);
   }
   template <class Tag>
-  HWY_ATTR auto second(Tag tag, hn::Vec<Tag> text) const {
+  [[nodiscard]] HWY_ATTR auto second(Tag tag, hn::Vec<Tag> text) const {
     return isChosen(tag, text, choices[1]);
   }
 };

@@ -170,7 +170,7 @@ NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p
   // the power of two in the size, up to 2^1000.
   const auto exponent =
       std::clamp<std::uint64_t>(std::bit_cast<std::uint64_t>(size) >> 52, 23, 2023);
-  const double scale = std::bit_cast<double>((2046 - exponent) << 52);
+  const auto scale = std::bit_cast<double>((2046 - exponent) << 52);
   for (ZKVector& v : curve) v = v * scale;
 
   const std::array<ZKVector, 3> derivative = {(curve[1] - curve[0]) * 3, (curve[2] - curve[1]) * 3,

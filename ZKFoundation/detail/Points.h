@@ -9,6 +9,8 @@
 #include <ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h>
 #include <ZKFoundation/detail/Vector.h>
 
+// NOLINTBEGIN(misc-definitions-in-headers): they are inline but in the source that is to hold them.
+
 ZK_INLINE NSPoint ZKSumPoint(NSPoint a, NSPoint b) { return {a.x + b.x, a.y + b.y}; }
 
 ZK_INLINE NSPoint ZKDiffPoint(NSPoint a, NSPoint b) { return {a.x - b.x, a.y - b.y}; }
@@ -112,3 +114,5 @@ ZK_INLINE NSPoint ZKBezier(const NSPoint* points, int degree, double t, NSPoint*
   return __builtin_constant_p(degree) ? ZKDivideByDegree(points, degree, t, left, right)
                                       : ZKBezierOfAnyDegree(points, degree, t, left, right);
 }
+
+// NOLINTEND(misc-definitions-in-headers)

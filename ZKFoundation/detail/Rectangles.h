@@ -6,6 +6,8 @@
 
 #include <ZKFoundation/Categories/NSGeometry+ZKRectangles.h>
 
+// NOLINTBEGIN(misc-definitions-in-headers): they are inline but in the source that is to hold them.
+
 ZK_INLINE NSRect ZKMakeRectFromPoint(NSPoint p) { return {p, {0, 0}}; }
 
 ZK_INLINE NSRect ZKRectWithSizeAndOriginAtCenter(NSSize size) {
@@ -116,3 +118,5 @@ ZK_INLINE CGFloat ZKCoordinateForRectEdge(NSUInteger edge, NSRect rect) {
       return 0.0;
   }
 }
+
+// NOLINTEND(misc-definitions-in-headers)
