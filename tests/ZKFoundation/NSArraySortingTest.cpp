@@ -113,6 +113,7 @@ TEST(NSArraySorting, FindsValuesAndObjectsWhereTheModelDoes) {
     // With runs of equal ones, and keys that are missing.
     for (std::size_t k = 0; k < count; ++k) keys[k] = static_cast<int>(k % 5 == 0 ? k + 1 : k) * 2;
     std::vector<const int*> places;
+    places.reserve(count);
     for (const int& key : keys) places.push_back(&key);
     const auto byPointer = [](const int* a, const int* b) { return *a <=> *b; };
     const int end = 2 * static_cast<int>(count) + 2;
