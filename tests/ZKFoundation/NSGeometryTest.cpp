@@ -1,6 +1,8 @@
 #include "tests/Support.h"
 
-#include <cstring>
+#include <array>
+#include <bit>
+#include <cstdint>
 
 #include <dlfcn.h>
 
@@ -315,7 +317,8 @@ Function* exported(Function* function) {
 
 template <class Value>
 bool areSameBits(Value a, Value b) {
-  return std::memcmp(&a, &b, sizeof(Value)) == 0;
+  using Bits = std::array<std::uint64_t, sizeof(Value) / sizeof(std::uint64_t)>;
+  return std::bit_cast<Bits>(a) == std::bit_cast<Bits>(b);
 }
 
 TEST(NSGeometry, CalculatesInHeadersWhatTheLibraryDoes) {
