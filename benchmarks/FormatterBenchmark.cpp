@@ -246,11 +246,66 @@ void addLookUp() {
       [=](const std::u16string& text) { return text == value->view(); });
 }
 
+void addNumbers() {
+  struct Style {
+    const char* name;
+    NSUInteger type;
+    const char16_t* expected;
+  };
+  for (const Style& style :
+       {Style{"decimal", 0, u"1888"}, {"letters", 1, u"BTP"}, {"roman", 3, u"MDCCCDXXXVIII"}}) {
+    addRow(
+        std::string("NumberToText/") + style.name + "/ZK",
+        [type = style.type] { return ZKBinToStr(1888, type); },
+        [=](const auto& result) { return result == style.expected; });
+  }
+#ifdef ZK_HAS_QT
+  addRow(
+      "NumberToText/decimal/Qt", [] { return QString::number(1888); },
+      [](const QString& result) { return result == QStringLiteral("1888"); });
+#endif
+  const auto byLoop = [] {
+    std::u16string text;
+    std::uint64_t number = 1888;
+    benchmark::DoNotOptimize(number);
+    for (std::uint64_t value = number; value != 0; value = (value - 1) / 26) {
+      text.insert(text.begin(), static_cast<char16_t>(u'A' + (value - 1) % 26));
+    }
+    return text;
+  };
+  addRow("NumberToText/letters/loop", byLoop, [](const auto& result) { return result == u"BTP"; });
+  const auto romanByLoop = [] {
+    constexpr std::array<std::pair<int, const char16_t*>, 13> signs = {{{1000, u"M"},
+                                                                        {900, u"CM"},
+                                                                        {500, u"D"},
+                                                                        {400, u"CD"},
+                                                                        {100, u"C"},
+                                                                        {90, u"XC"},
+                                                                        {50, u"D"},
+                                                                        {40, u"XD"},
+                                                                        {10, u"X"},
+                                                                        {9, u"IX"},
+                                                                        {5, u"V"},
+                                                                        {4, u"IV"},
+                                                                        {1, u"I"}}};
+    int rest = 1888;
+    benchmark::DoNotOptimize(rest);
+    std::u16string text;
+    for (const auto& [value, sign] : signs) {
+      for (; rest >= value; rest -= value) text += sign;
+    }
+    return text;
+  };
+  addRow("NumberToText/roman/loop", romanByLoop,
+         [](const auto& result) { return result == u"MDCCCDXXXVIII"; });
+}
+
 const bool isRegistered = [] {
   addSizes();
   addAddresses();
   addArchives();
   addLookUp();
+  addNumbers();
   return true;
 }();
 

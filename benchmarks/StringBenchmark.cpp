@@ -1,4 +1,5 @@
 #include "benchmarks/Support.h"
+#include "benchmarks/TextSamples.h"
 
 #include <array>
 #include <charconv>
@@ -149,18 +150,6 @@ void addHexadecimal() {
     addRow(row + "Qt", withQt, isRight);
 #endif
   }
-}
-
-std::u16string removedByFinding(std::u16string_view text, std::u16string_view needle) {
-  std::u16string result;
-  result.reserve(text.size());
-  std::size_t start = 0;
-  for (auto place = text.find(needle); place != std::u16string_view::npos;
-       place = text.find(needle, start)) {
-    result.append(text, start, place - start);
-    start = place + needle.size();
-  }
-  return result.append(text, start);
 }
 
 void addRemoving() {

@@ -1,67 +1,24 @@
 #include "benchmarks/Support.h"
+#include "benchmarks/TextSamples.h"
 
 #include <array>
-#include <bitset>
-#include <functional>
 #include <memory>
 #include <random>
 #include <vector>
 
-#include <unicode/brkiter.h>
-#include <unicode/casemap.h>
 #include <unicode/edits.h>
 #include <unicode/uniset.h>
 
 #include <ZKFoundation/ZKFoundation.h>
 
 #ifdef ZK_HAS_QT
-#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
-#include <QStringMatcher>
 #endif
 
 using namespace ZKFoundationExtensions;
 
 namespace {
-
-constexpr std::size_t lineLength = 60;
-constexpr std::size_t longLength = std::size_t{1} << 20U;
-constexpr std::u16string_view latinLetters = u"etaoinshrdlucmfwypvbgkqjxz";
-
-// Words of 2 to 9 letters, from a fixed seed; `member` stands in place of every n-th unit, of none
-// when n is 0.
-std::u16string makeText(std::size_t length, std::size_t every, char16_t member,
-                        std::u16string_view letters = latinLetters) {
-  std::u16string text;
-  std::uint32_t seed = 1;
-  while (text.size() < length) {
-    seed = seed * 1664525U + 1013904223U;
-    const std::size_t word = 2 + (seed >> 16U) % 8;
-    for (std::size_t k = 0; k < word; ++k) {
-      seed = seed * 1664525U + 1013904223U;
-      text += letters[(seed >> 16U) % letters.size()];
-    }
-    text += member == u' ' ? u'_' : u' ';
-  }
-  text.resize(length);
-  for (std::size_t k = every; every != 0 && k < length; k += every) text[k] = member;
-  return text;
-}
-
-// What an expert would write: one bit a unit.
-class Bitmap {
- public:
-  explicit Bitmap(const NSRef<NSCharacterSet>& set) {
-    for (std::size_t k = 0; k < 0x10000; ++k) {
-      _bits[k] = set->characterIsMember(static_cast<char16_t>(k));
-    }
-  }
-  bool operator[](char16_t unit) const { return _bits[unit]; }
-
- private:
-  std::bitset<0x10000> _bits;
-};
 
 struct Case {
   std::string name;
@@ -273,18 +230,6 @@ void addLineRow(const std::string& name, const std::vector<Line>& lines, std::si
       {.calls = benchmark::IterationCount(lines.size())});
 }
 
-std::u16string removedByFinding(std::u16string_view text, std::u16string_view needle) {
-  std::u16string result;
-  result.reserve(text.size());
-  std::size_t start = 0;
-  for (auto place = text.find(needle); place != std::u16string_view::npos;
-       place = text.find(needle, start)) {
-    result.append(text, start, place - start);
-    start = place + needle.size();
-  }
-  return result.append(text, start);
-}
-
 void addLines(const Alphabet& alphabet) {
   const auto plain = makeLines(alphabet.letters);
   std::vector<NSRef<NSString>> ours;
@@ -368,182 +313,6 @@ void addTrimming(const std::string& name, std::size_t length) {
 #endif
 }
 
-struct Language {
-  const char* name;
-  std::u16string_view letters;
-  // Stands in place of every 90th unit.
-  char16_t rare;
-  std::u16string_view needle;
-  // As it stands in the text.
-  std::u16string_view word;
-};
-
-constexpr std::array<Language, 7> languages = {{
-    {"ASCII", latinLetters, u'e', u"NEEDLE", u"Needle"},
-    {"English", latinLetters, u'’', u"NEEDLE", u"Needle"},
-    {"German", u"enisratdhulcgmobwfkzpvjyxäöü", u'ß', u"NÄHNADEL", u"Nähnadel"},
-    {"Greek", u"αοιετσνηυρπκμλωγδχθφβξζψάέήίόύώ", u'–', u"ΒΕΛΌΝΑ", u"βελόνα"},
-    {"Russian", u"оеаинтсрвлкмдпуяыьгзбчйхжшюцщэф", u'–', u"ИГОЛКА", u"иголка"},
-    {"Hindi", u"कखगचजटतदनपबमयरलवशसहािीुेो्ं", u'–', u"सुई", u"सुई"},
-    {"Japanese", u"のにはをたがでてとしれさいるな日本人大年出中一国", u'。', u"針仕事", u"針仕事"},
-}};
-
-void addSearching(const Language& language, const std::string& size, std::size_t length) {
-  std::u16string text = makeText(length, 90, language.rare, language.letters);
-  const std::size_t place = length - 20;
-  text.replace(place, language.word.size() + 2,
-               std::u16string(u" ").append(language.word).append(u" "));
-  const auto string = NSMake<NSString>(text);
-  const auto needle = NSMake<NSString>(std::u16string(language.needle));
-  const auto isRight = [=](auto found) { return static_cast<std::size_t>(found) == place + 1; };
-  const std::string name = std::string(language.name).append("_").append(size);
-  const auto add = [&](const std::string& row, NSUInteger options) {
-    addRow(
-        row, [=] { return string->rangeOfString_options(needle, options).location; }, isRight);
-  };
-  add("FindIgnoringCase/" + name + "/ZK", NSCaseInsensitiveSearch | NSLiteralSearch);
-  add("FindEquivalent/" + name + "/ZK", NSCaseInsensitiveSearch);
-  addRow(
-      "FindWholeWord/" + name + "/ZK",
-      [=] {
-        return findString_searchRange_options_wordCompareOption(
-                   string, needle, {0, string->length()}, NSCaseInsensitiveSearch,
-                   ZKWordCompareWhole)
-            .location;
-      },
-      isRight);
-#ifdef ZK_HAS_QT
-  const QString qtText = QString::fromStdU16String(text);
-  const QString qtNeedle =
-      QString::fromUtf16(language.needle.data(), qsizetype(language.needle.size()));
-  const auto byMatcher = [=] {
-    return QStringMatcher(qtNeedle, Qt::CaseInsensitive).indexIn(qtText);
-  };
-  addRow("FindIgnoringCase/" + name + "/Qt", byMatcher, isRight);
-  addRow("FindEquivalent/" + name + "/Qt", byMatcher, isRight);
-  const QRegularExpression word(
-      QStringLiteral("\\b") + qtNeedle + QStringLiteral("\\b"),
-      QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
-  addRow(
-      "FindWholeWord/" + name + "/Qt", [=] { return qtText.indexOf(word); }, isRight);
-#endif
-}
-
-// Needles that hardly differ from a text at most of its places.
-void addLiteralSearching(const std::string& name, std::u16string_view period,
-                         const std::u16string& needle) {
-  std::u16string text;
-  while (text.size() < longLength) text += period;
-  const std::size_t place = text.size() / 16 * 15;
-  text.replace(place, needle.size(), needle);
-  const auto string = NSMake<NSString>(text);
-  const auto wanted = NSMake<NSString>(needle);
-  const std::size_t expected = text.find(needle);
-  const auto isRight = [=](auto found) { return static_cast<std::size_t>(found) == expected; };
-  const std::string row = "FindLiteral/" + name + "/";
-  addRow(
-      row + "ZK", [=] { return string->rangeOfString_options(wanted, NSLiteralSearch).location; },
-      isRight);
-  addRow(
-      row + "boyer_moore",
-      [=] {
-        const std::boyer_moore_searcher searcher(needle.begin(), needle.end());
-        return std::search(text.begin(), text.end(), searcher) - text.begin();
-      },
-      isRight);
-#ifdef ZK_HAS_QT
-  addRow(
-      row + "Qt",
-      [qtText = QString::fromStdU16String(text), qtNeedle = QString::fromStdU16String(needle)] {
-        return qtText.indexOf(qtNeedle);
-      },
-      isRight);
-#endif
-}
-
-// Every other word begins with the needle, and none but the last is it.
-void addRejectedWords(const std::string& name, std::u16string_view word, std::u16string_view rare) {
-  std::u16string text;
-  while (text.size() < 20'000) text.append(word).append(u"x ").append(rare).append(u" ");
-  const std::size_t place = text.size();
-  text += word;
-  const auto string = NSMake<NSString>(text);
-  const auto wanted = NSMake<NSString>(std::u16string(word));
-  const auto isRight = [=](auto found) { return static_cast<std::size_t>(found) == place; };
-  const std::string row = "FindWholeWord/" + name + "/";
-  addRow(
-      row + "ZK",
-      [=] {
-        return findString_searchRange_options_wordCompareOption(
-                   string, wanted, {0, string->length()}, NSCaseInsensitiveSearch,
-                   ZKWordCompareWhole)
-            .location;
-      },
-      isRight);
-#ifdef ZK_HAS_QT
-  const QString pattern =
-      QStringLiteral("\\b%1\\b").arg(QString::fromStdU16String(std::u16string(word)));
-  const QRegularExpression expression(pattern, QRegularExpression::CaseInsensitiveOption |
-                                                   QRegularExpression::UseUnicodePropertiesOption);
-  addRow(
-      row + "Qt",
-      [qtText = QString::fromStdU16String(text), expression] { return qtText.indexOf(expression); },
-      isRight);
-#endif
-}
-
-void addWords() {
-  const std::u16string text = makeText(lineLength, 0, 0);
-  const auto string = NSMake<NSString>(text);
-  const NSRange expected = rangeOfWordsIntersectingRange(string, {20, 15});
-  addRow(
-      "WordRange/line/ZK",
-      [=] {
-        return rangeOfWordsIntersectingRange(string, {20, 15});
-      },
-      [=](NSRange range) { return range == expected; });
-  const auto boundaries = std::make_shared<Bitmap>(wordBoundariesCharacterSet());
-  addRow(
-      "WordRange/line/bitmap",
-      [=] {
-        std::size_t start = 20;
-        std::size_t end = 34;
-        const bool first = (*boundaries)[text[start]];
-        const bool last = (*boundaries)[text[end]];
-        while (start > 0 && (*boundaries)[text[start - 1]] == first) --start;
-        while (end < text.size() && (*boundaries)[text[end]] == last) ++end;
-        return NSRange{start, end - start};
-      },
-      [=](NSRange range) { return range == expected; });
-}
-
-void addTitles(const Language& language, const std::string& size, std::size_t length) {
-  const std::u16string text = makeText(length, 90, language.rare, language.letters);
-  const std::string name = std::string(language.name).append("_").append(size);
-  const auto string = NSMake<NSString>(text);
-  const NSUInteger expected = titlecaseString(string)->length();
-  addRow(
-      "TitleCase/" + name + "/ZK", [=] { return titlecaseString(string); },
-      [=](const auto& result) { return result->length() == expected; });
-  UErrorCode status = U_ZERO_ERROR;
-  const std::shared_ptr<icu::BreakIterator> words(
-      icu::BreakIterator::createWordInstance(icu::Locale::getDefault(), status));
-  addRow(
-      "TitleCase/" + name + "/ICU",
-      [=] {
-        UErrorCode error = U_ZERO_ERROR;
-        std::u16string result(text.size() + 16, u'\0');
-        icu::UnicodeString source(false, text.data(), static_cast<std::int32_t>(text.size()));
-        words->setText(source);
-        const auto count = icu::CaseMap::toTitle(
-            "", 0, words.get(), text.data(), static_cast<std::int32_t>(text.size()), result.data(),
-            static_cast<std::int32_t>(result.size()), nullptr, error);
-        result.resize(static_cast<std::size_t>(count));
-        return result;
-      },
-      [=](const auto& result) { return result.size() >= expected; });
-}
-
 void addNormalizing(const std::string& name, std::size_t length) {
   const std::u16string text = makeText(length, 50, u'\uFFFC');
   const auto string = NSMake<NSString>(text);
@@ -577,60 +346,6 @@ void addNormalizing(const std::string& name, std::size_t length) {
       [=](const auto& result) { return result == expected; });
 }
 
-void addNumbers() {
-  struct Style {
-    const char* name;
-    NSUInteger type;
-    const char16_t* expected;
-  };
-  for (const Style& style :
-       {Style{"decimal", 0, u"1888"}, {"letters", 1, u"BTP"}, {"roman", 3, u"MDCCCDXXXVIII"}}) {
-    addRow(
-        std::string("NumberToText/") + style.name + "/ZK",
-        [type = style.type] { return ZKBinToStr(1888, type); },
-        [=](const auto& result) { return result == style.expected; });
-  }
-#ifdef ZK_HAS_QT
-  addRow(
-      "NumberToText/decimal/Qt", [] { return QString::number(1888); },
-      [](const QString& result) { return result == QStringLiteral("1888"); });
-#endif
-  const auto byLoop = [] {
-    std::u16string text;
-    std::uint64_t number = 1888;
-    benchmark::DoNotOptimize(number);
-    for (std::uint64_t value = number; value != 0; value = (value - 1) / 26) {
-      text.insert(text.begin(), static_cast<char16_t>(u'A' + (value - 1) % 26));
-    }
-    return text;
-  };
-  addRow("NumberToText/letters/loop", byLoop, [](const auto& result) { return result == u"BTP"; });
-  const auto romanByLoop = [] {
-    constexpr std::array<std::pair<int, const char16_t*>, 13> signs = {{{1000, u"M"},
-                                                                        {900, u"CM"},
-                                                                        {500, u"D"},
-                                                                        {400, u"CD"},
-                                                                        {100, u"C"},
-                                                                        {90, u"XC"},
-                                                                        {50, u"D"},
-                                                                        {40, u"XD"},
-                                                                        {10, u"X"},
-                                                                        {9, u"IX"},
-                                                                        {5, u"V"},
-                                                                        {4, u"IV"},
-                                                                        {1, u"I"}}};
-    int rest = 1888;
-    benchmark::DoNotOptimize(rest);
-    std::u16string text;
-    for (const auto& [value, sign] : signs) {
-      for (; rest >= value; rest -= value) text += sign;
-    }
-    return text;
-  };
-  addRow("NumberToText/roman/loop", romanByLoop,
-         [](const auto& result) { return result.starts_with(u"MDCCC"); });
-}
-
 const bool registered = [] {
   for (const Case& example : editingCases()) addEditing(example);
   for (const bool trims : {false, true}) {
@@ -641,27 +356,8 @@ const bool registered = [] {
   for (const Alphabet& alphabet : alphabets) addLines(alphabet);
   addTrimming("line", lineLength);
   addTrimming("1Mi", longLength);
-  addRejectedWords("rejected_ASCII", u"th", u"don't");
-  addRejectedWords("rejected_English", u"th", u"don’t");
-  addRejectedWords("rejected_Russian", u"и", u"дом");
-  const std::u16string run(32, u'a');
-  addLiteralSearching("run_with_one_other", u"a", run + u"b" + run.substr(1));
-  std::u16string alternating;
-  while (alternating.size() < 1'000) alternating += u"ab";
-  addLiteralSearching("alternating", u"ab", alternating + u"c");
-  addLiteralSearching("alternating_in_the_middle", u"ab", alternating + u"b" + alternating);
-  for (const Language& language : languages) {
-    addSearching(language, "line", lineLength);
-    addSearching(language, "1Mi", longLength);
-  }
-  addWords();
-  for (const Language& language : languages) {
-    addTitles(language, "line", lineLength);
-    addTitles(language, "100Ki", std::size_t{100} * 1024);
-  }
   addNormalizing("line", lineLength);
   addNormalizing("1Mi", longLength);
-  addNumbers();
   return true;
 }();
 
