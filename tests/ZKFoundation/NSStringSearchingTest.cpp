@@ -115,6 +115,10 @@ TEST(NSStringSearch, FindsBehindLongTextsOfOtherKinds) {
                 (NSRange{place, 6}));
     }
   }
+  const std::u16string others(300, u'\u0434');
+  EXPECT_EQ(NSMake<NSString>(others + u"\u0416")
+                ->rangeOfString_options(u"\u0436"_ns, NSCaseInsensitiveSearch),
+            (NSRange{300, 1}));
 }
 
 TEST(NSStringSearch, OrdersLongRunsOfMarks) {
