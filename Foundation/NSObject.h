@@ -135,15 +135,3 @@ using NSUndefinedKeyHandler = NSRef<NSObject> (*)(const NSObject& object,
 
 /// Sets the process's handler and gives the former; null stands for the exception. From any thread.
 NS_EXPORT NSUndefinedKeyHandler NSSetUndefinedKeyHandler(NSUndefinedKeyHandler handler) noexcept;
-
-/// Equality and hashing by contents, for the standard library's containers of references.
-struct NSEqualObjects {
-  bool operator()(const NSRef<NSObject>& a, const NSRef<NSObject>& b) const {
-    return a.get() == b.get() || (a && a->isEqual(b));
-  }
-};
-struct NSHashObject {
-  std::size_t operator()(const NSRef<NSObject>& object) const {
-    return object ? object->hash() : 0;
-  }
-};

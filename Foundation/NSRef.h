@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <concepts>
 #include <cstddef>
 #include <functional>
@@ -16,8 +17,10 @@ class NSObject;
 
 /// The strong reference to an object; null is nil.
 ///
-/// Dereferencing nil raises `NSInvalidArgumentException`. `==` asks for the same object; ask
-/// `isEqual` for equal contents. It belongs to one thread at a time, its object to any number.
+/// Dereferencing nil raises `NSInvalidArgumentException`. `==` asks `isEqual`, whatever the types
+/// of the references, and nil equals nil alone; `is` asks for the same object. `<=>` orders objects
+/// of a class with `compare`. A reference belongs to one thread at a time, its object to any
+/// number.
 template <class T>
 class NSRef {
  public:
@@ -86,11 +89,32 @@ class NSRef {
     return NSRef<U>::adopt(object);
   }
 
+  /// Whether both refer to the same object, or both are nil.
   template <class U>
-  friend bool operator==(const NSRef& a, const NSRef<U>& b) noexcept {
-    return a.get() == b.get();
+  [[nodiscard]] bool is(const NSRef<U>& other) const noexcept {
+    if constexpr (requires { _object == other.get(); }) {
+      return _object == other.get();
+    } else {
+      return static_cast<const NSObject*>(_object) == static_cast<const NSObject*>(other.get());
+    }
+  }
+
+  /// Whether both are nil, or the first object says by `isEqual` that it equals the second.
+  template <class U>
+  friend bool operator==(const NSRef& a, const NSRef<U>& b) {
+    return a.is(b) || (a && b && a.get()->isEqual(b));
   }
   friend bool operator==(const NSRef& a, std::nullptr_t) noexcept { return a.get() == nullptr; }
+
+  /// Orders the objects as `compare` of their class does, nil before all of them. Objects that
+  /// compare as the same need not be equal: "é" and "e" followed by U+0301 are not.
+  friend std::weak_ordering operator<=>(const NSRef& a, const NSRef& b) requires requires {
+    a->compare(b);
+  }
+  {
+    if (!a || !b) return static_cast<bool>(a) <=> static_cast<bool>(b);
+    return a.get()->compare(b) <=> 0;
+  }
 
  private:
   void retain() const noexcept {
@@ -141,10 +165,8 @@ template <class T>
 /// Prints the object's description as UTF-8, "(null)" for nil.
 NS_EXPORT std::ostream& operator<<(std::ostream& out, const NSRef<NSObject>& object);
 
-/// Hashes the identity, as `==` compares it.
+/// Asks the object for its `hash`, as `==` asks `isEqual`; nil has 0.
 template <class T>
 struct std::hash<NSRef<T>> {
-  std::size_t operator()(const NSRef<T>& ref) const noexcept {
-    return std::hash<const T*>{}(ref.get());
-  }
+  std::size_t operator()(const NSRef<T>& ref) const { return ref ? ref.get()->hash() : 0; }
 };

@@ -259,7 +259,12 @@ template <NSLiteral literal>
   return string ? string.get()->view() : std::u16string_view();
 }
 
-/// Whether the string has exactly these units; nil never has, not even those of an empty text.
-inline bool operator==(const NSRef<NSString>& string, std::u16string_view units) noexcept {
-  return string && string.get()->view() == units;
+/// Whether the string is exactly this text: UTF-16 units, UTF-8 (as `NSMake` decodes it) or UTF-32.
+/// Nil never is, not even an empty text.
+inline bool operator==(const NSRef<NSString>& string, std::u16string_view text) noexcept {
+  return string && string.get()->view() == text;
 }
+NS_EXPORT bool operator==(const NSRef<NSString>& string, std::string_view text);
+NS_EXPORT bool operator==(const NSRef<NSString>& string, std::u8string_view text);
+NS_EXPORT bool operator==(const NSRef<NSString>& string, std::u32string_view text) noexcept;
+NS_EXPORT bool operator==(const NSRef<NSString>& string, std::wstring_view text) noexcept;

@@ -83,8 +83,8 @@ int main() {
   const auto& roof = copy->parts[0];
   std::cout << roof->name << " of " << roof->group->name << ", " << roof->style->colour << '\n'
             << "within the copy: " << (roof->group == copy.get())
-            << ", its style shared there: " << (roof->style == copy->style)
-            << ", and with the original: " << (roof->style == red) << '\n';
+            << ", its style shared there: " << (roof->style.is(copy->style))
+            << ", and with the original: " << (roof->style.is(red)) << '\n';
 
   const auto visitor = NSMake<ZKGenericVisitor>();
   bool stop = false;

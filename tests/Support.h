@@ -45,6 +45,10 @@ void refusesNil(const std::string& argument, const std::string& operation, Actio
   expectRaises(NSInvalidArgumentException, argument + " is nil (in '" + operation + "')", action);
 }
 
+/// Whether two references are to one object, and whether they are not.
+inline constexpr auto areSame = [](const auto& a, const auto& b) { return a.is(b); };
+inline constexpr auto areDistinct = [](const auto& a, const auto& b) { return !a.is(b); };
+
 /// The object's description, "nil" for none.
 inline std::string shown(const NSRef<NSObject>& object) {
   return object ? object->description()->utf8() : "nil";

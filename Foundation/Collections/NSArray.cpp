@@ -43,12 +43,11 @@ NSRef<NSObject> NSArray::objectAtIndex(NSUInteger index) const {
 NSUInteger NSArray::indexOfObject(const NSRef<NSObject>& object) const {
   if (!object) return NSNotFound;
   const NSObjectVector held = _elements;
-  return indexWhere(held.view(),
-                    [&](const auto& element) { return NSEqualObjects{}(element, object); });
+  return indexWhere(held.view(), [&](const auto& element) { return element == object; });
 }
 
 NSUInteger NSArray::indexOfObjectIdenticalTo(const NSRef<NSObject>& object) const noexcept {
-  return indexWhere(objects(), [&](const auto& element) { return element == object; });
+  return indexWhere(objects(), [&](const auto& element) { return element.is(object); });
 }
 
 NSRef<NSString> NSArray::componentsJoinedByString(const NSRef<NSString>& separator) const {
@@ -63,7 +62,7 @@ bool NSArray::isEqualToArray(const NSRef<NSArray>& other) const {
   if (!other || other->count() != count()) return false;
   const NSObjectVector theirs = other->_elements;
   return NSCompareCollections(*this, other, [&](const auto& /*other*/) {
-    return std::ranges::equal(*this, theirs.view(), NSEqualObjects{});
+    return std::ranges::equal(*this, theirs.view());
   });
 }
 
@@ -140,7 +139,7 @@ void NSMutableArray::removeObjectAtIndex(NSUInteger index) {
 }
 
 void NSMutableArray::removeObject(const NSRef<NSObject>& anObject) {
-  removeObjectsWhere([&](const auto& object) { return NSEqualObjects{}(object, anObject); });
+  removeObjectsWhere([&](const auto& object) { return object == anObject; });
 }
 
 void NSMutableArray::removeObjectsWhere(NSBlockRef<bool(const NSRef<NSObject>&)> isRemoved) {

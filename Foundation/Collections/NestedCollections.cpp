@@ -44,18 +44,23 @@ NSUInteger mixed(NSUInteger hash) {
   return (hash ^ (hash >> 32U)) * NSGoldenRatio;
 }
 
-// The answers of one outermost comparison. It holds the pairs, so that no address is used again.
+// The answers of one outermost comparison. They hold the pairs, so that no address is used again.
 struct Comparison {
-  using Pair = std::pair<NSRef<NSObject>, NSRef<NSObject>>;
+  using Pair = std::pair<const NSObject*, const NSObject*>;
   struct Hash {
     std::size_t operator()(const Pair& pair) const noexcept {
-      return mixed(reinterpret_cast<std::uintptr_t>(pair.first.get())) ^
-             reinterpret_cast<std::uintptr_t>(pair.second.get());
+      return mixed(reinterpret_cast<std::uintptr_t>(pair.first)) ^
+             reinterpret_cast<std::uintptr_t>(pair.second);
     }
+  };
+  struct Answer {
+    std::pair<NSRef<NSObject>, NSRef<NSObject>> held;
+    // What contains itself is as equal as the rest of it.
+    bool isEqual = true;
   };
 
   std::size_t count = 0;
-  std::unordered_map<Pair, bool, Hash> answers;
+  std::unordered_map<Pair, Answer, Hash> answers;
 };
 
 thread_local Comparison* current = nullptr;
@@ -114,15 +119,16 @@ bool NSCompareCollections(const NSObject& a, const NSRef<NSObject>& b,
   if (++comparison.count <= few || a.isUniquelyReferenced() || b->isUniquelyReferenced()) {
     return isEqualTo(b);
   }
-  // What contains itself is as equal as the rest of it.
-  const auto [place, isNew] = comparison.answers.try_emplace({a.self(), b}, true);
-  if (!isNew) return place->second;
-  bool& answer = place->second;
+  const Comparison::Pair pair(&a, b.get());
+  const auto [place, isNew] = comparison.answers.try_emplace(pair);
+  Comparison::Answer& answer = place->second;
+  if (!isNew) return answer.isEqual;
+  answer.held = {a.self(), b};
   try {
-    answer = isEqualTo(b);
+    answer.isEqual = isEqualTo(b);
   } catch (...) {
-    comparison.answers.erase({a.self(), b});
+    comparison.answers.erase(pair);
     throw;
   }
-  return answer;
+  return answer.isEqual;
 }

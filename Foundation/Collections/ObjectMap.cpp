@@ -37,7 +37,7 @@ bool NSObjectMap::isEqual(const NSObjectMap& other) const {
   const NSEntryList entries = list();
   for (std::size_t k = 0; k < entries.size(); ++k) {
     const auto theirs = other.find(entries.keys[k]);
-    if (!theirs || !NSEqualObjects{}(entries.objects[k], theirs)) return false;
+    if (!theirs || entries.objects[k] != theirs) return false;
   }
   return true;
 }

@@ -163,7 +163,7 @@ void NSFileWrapper::removeFileWrapper(const NSRef<NSFileWrapper>& child) {
 
 NSRef<NSString> NSFileWrapper::keyForFileWrapper(const NSRef<NSFileWrapper>& child) const {
   for (const auto& entry : children("keyForFileWrapper:")) {
-    if (entry.second == child) return entry.first.as<NSString>();
+    if (entry.second.is(child)) return entry.first.as<NSString>();
   }
   return nullptr;
 }

@@ -93,7 +93,7 @@ class Capitalizer {
 void NSAppendCapitalized(std::u16string_view text, NSUnitBuffer& result) {
   thread_local std::unique_ptr<Capitalizer> capitalizer;
   const auto locale = NSLocale::currentLocale();
-  if (!capitalizer || capitalizer->locale() != locale) {
+  if (!capitalizer || !capitalizer->locale().is(locale)) {
     capitalizer = std::make_unique<Capitalizer>(locale);
   }
   capitalizer->append(text, result);

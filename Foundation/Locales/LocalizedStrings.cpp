@@ -71,7 +71,7 @@ NSRef<NSString> NSLocalizedStrings::find(const NSRef<NSString>& key, const NSRef
       _tables.clear();
       _recentTable = nullptr;
     }
-    if (table != _recentTable) {
+    if (!table.is(_recentTable)) {
       _recentEntries = entries(table, bundle, fault);
       _recentTable = table->copy();
     }

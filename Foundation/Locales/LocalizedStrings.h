@@ -23,7 +23,7 @@ class NSLocalizedStrings {
   std::mutex _mutex;
   NSRef<NSArray> _languages;
   std::uint64_t _generation = 0;
-  std::unordered_map<NSRef<NSObject>, NSRef<NSDictionary>, NSHashObject, NSEqualObjects> _tables;
+  std::unordered_map<NSRef<NSObject>, NSRef<NSDictionary>> _tables;
   // The one asked for last, as callers mostly ask for several texts of one table.
   NSRef<NSString> _recentTable;
   NSRef<NSDictionary> _recentEntries;

@@ -31,7 +31,33 @@ bool haveSameUnits(std::u16string_view a, std::u16string_view b) noexcept {
   return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
 }
 
+template <class Character>
+bool areCharacters(std::u16string_view units, std::basic_string_view<Character> characters) {
+  for (const Character character : characters) {
+    if (units.empty() || NSTakeCharacter(units) != static_cast<char32_t>(character)) return false;
+  }
+  return units.empty();
+}
+
 }  // namespace
+
+bool operator==(const NSRef<NSString>& string, std::string_view text) {
+  // No unit comes of less than a byte.
+  return string && string.get()->length() <= text.size() &&
+         haveSameUnits(string.get()->view(), NSUnitsFromUTF8(text).view());
+}
+
+bool operator==(const NSRef<NSString>& string, std::u8string_view text) {
+  return string == std::string_view(reinterpret_cast<const char*>(text.data()), text.size());
+}
+
+bool operator==(const NSRef<NSString>& string, std::u32string_view text) noexcept {
+  return string && areCharacters(string.get()->view(), text);
+}
+
+bool operator==(const NSRef<NSString>& string, std::wstring_view text) noexcept {
+  return string && areCharacters(string.get()->view(), text);
+}
 
 NSRef<NSString> NSString::makeCompact(std::string_view utf8) {
   if (utf8.size() > shortUTF8) return NSRef<NSString>::adopt(new NSString(utf8));

@@ -33,12 +33,12 @@ class NSDelayedPerform final
   [[nodiscard]] NSRef<NSDelayedPerform> self() const noexcept { return share(this); }
 
   [[nodiscard]] bool isFor(const NSRef<NSObject>& target, NSSelector selector) const noexcept {
-    return _target == target && _selector == selector;
+    return _target.is(target) && _selector == selector;
   }
   [[nodiscard]] bool takes(const NSRef<NSObject>& argument) const {
     // Comparing may cancel the request.
     const auto held = _argument;
-    return NSEqualObjects()(held, argument);
+    return held == argument;
   }
 
  private:
@@ -58,9 +58,9 @@ struct NSDelayedPerforms::Hashes {
  private:
   Hashes(NSUInteger operation, const NSRef<NSObject>& argument)
       : identity(operation * 31 + hash(argument)),
-        contents(operation * 31 + NSHashObject()(argument)) {}
+        contents(operation * 31 + std::hash<NSRef<NSObject>>()(argument)) {}
   static NSUInteger hash(const NSRef<NSObject>& object) noexcept {
-    return std::hash<NSRef<NSObject>>()(object);
+    return std::hash<const NSObject*>()(object.get());
   }
 };
 

@@ -49,13 +49,13 @@ class NSNotificationCenter::Observer final : public NSObject {
 
 bool NSNotificationCenter::Key::operator==(const Key& other) const {
   // A class of strings may override what is asked here with the lock.
-  return object == other.object &&
-         (name == other.name || (name && other.name && name->isEqualToString(other.name)));
+  return object.is(other.object) &&
+         (name.is(other.name) || (name && other.name && name->isEqualToString(other.name)));
 }
 
 std::size_t NSNotificationCenter::HashKey::operator()(const Key& key) const {
   const NSUInteger name = key.name ? key.name->NSString::hash() : 0;
-  return name * 31 + std::hash<NSRef<NSObject>>()(key.object);
+  return name * 31 + std::hash<const NSObject*>()(key.object.get());
 }
 
 NSNotificationCenter::NSNotificationCenter() = default;
@@ -91,7 +91,7 @@ void NSNotificationCenter::removeObserver(const NSRef<NSObject>& observer) {
     Observers& observers = place->second;
     const auto turnOf = [](const auto& other) { return other->turn(); };
     const auto found = std::ranges::lower_bound(observers, token->turn(), {}, turnOf);
-    if (found == observers.end() || *found != token) return;
+    if (found == observers.end() || !found->is(token)) return;
     observers.erase(found);
     if (observers.empty()) _observers.erase(place);
     key = std::exchange(token->key(), {});

@@ -18,7 +18,7 @@ void perform(NSRef<NSObject> receiver, NSSelector selector, const NSRef<NSThread
              NSRef<NSObject> object, bool wait, const NSRef<NSArray>& modes) {
   constexpr auto operation = "performSelector:onThread:withObject:waitUntilDone:";
   if (!thread) NSRaiseNilArgument("thread", operation);
-  if (wait && thread == NSThread::currentThread()) return selector.perform(receiver, object);
+  if (wait && thread.is(NSThread::currentThread())) return selector.perform(receiver, object);
   NSOnceClosure work([target = std::move(receiver), selector, argument = std::move(object)] {
     selector.perform(target, argument);
   });

@@ -55,7 +55,7 @@ class NSTimer::Event final : public NSScheduledEvent {
  private:
   static NSRef<NSArray> listOf(const NSRef<NSString>& mode) {
     // Mostly it is this one.
-    if (mode == NSDefaultRunLoopMode()) return NSDefaultRunLoopModes();
+    if (mode.is(NSDefaultRunLoopMode())) return NSDefaultRunLoopModes();
     return NSMake<NSArray>({mode->copy()});
   }
   void setModes(NSRef<NSArray> modes, NSRunLoop::Time time) {

@@ -24,7 +24,7 @@ struct NSQueuedNotifications::Queued : NSIntrusiveHashLink<Queued, ByName>,
 struct NSQueuedNotifications::Hashes {
   explicit Hashes(const NSNotification& notification)
       : name(NSAccess::name(notification)->hash()),
-        sender(std::hash<NSRef<NSObject>>()(NSAccess::object(notification))),
+        sender(std::hash<const NSObject*>()(NSAccess::object(notification).get())),
         both(name * 31 + sender) {}
   NSUInteger name;
   NSUInteger sender;
@@ -41,8 +41,8 @@ bool isSame(const NSNotification& a, const NSNotification& b, std::uint32_t mask
   const bool mindsSender = (mask & NSNotificationCoalescingOnSender) != 0;
   const auto& name = NSAccess::name(a);
   const auto& other = NSAccess::name(b);
-  return (!mindsSender || NSAccess::object(a) == NSAccess::object(b)) &&
-         (!mindsName || name == other || name->isEqualToString(other));
+  return (!mindsSender || NSAccess::object(a).is(NSAccess::object(b))) &&
+         (!mindsName || name.is(other) || name->isEqualToString(other));
 }
 
 constexpr auto firstTurn = [](const auto& line) -> std::optional<std::uint64_t> {
@@ -130,7 +130,7 @@ void NSQueuedNotifications::add(const NSRef<NSNotification>& notification, NSPos
   if (isLikeLatest(*notification, line, mask)) {
     _latest->turn = _nextTurn++;
     _runLoop->signal();
-    if (_latest->notification != notification) _latest->notification = notification;
+    if (!_latest->notification.is(notification)) _latest->notification = notification;
     return;
   }
   // What is removed may change the caller's own reference.

@@ -9,7 +9,7 @@ const NSRef<NSArray>& NSDefaultRunLoopModes() {
 
 NSRef<NSArray> NSCopiedModes(const NSRef<NSArray>& modes) {
   // Mostly it is this one.
-  if (modes == NSDefaultRunLoopModes()) return modes;
+  if (modes.is(NSDefaultRunLoopModes())) return modes;
   auto copies = NSMake<NSMutableArray>();
   for (const auto& mode : modes) copies->addObject(mode->copy());
   return copies;

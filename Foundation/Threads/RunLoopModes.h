@@ -19,7 +19,7 @@
 /// nobody else's code runs while lists of modes are walked.
 template <class A, class B>
 [[nodiscard]] bool NSIsSameMode(const NSRef<A>& a, const NSRef<B>& b) {
-  if (a == b) return true;
+  if (a.is(b)) return true;
   const auto* const text = a.template cast<const NSString>();
   const auto* const other = b.template cast<const NSString>();
   return text != nullptr && other != nullptr && text->view() == other->view();
@@ -53,8 +53,8 @@ class NSModePartition {
   [[nodiscard]] T& of(const NSRef<NSArray>& modes) {
     if (!modes) return _common;
     for (Group& group : _groups) {
-      if (group.modes == modes || std::ranges::equal(group.modes->objects(), modes->objects(),
-                                                     NSIsSameMode<NSObject, NSObject>)) {
+      if (group.modes.is(modes) || std::ranges::equal(group.modes->objects(), modes->objects(),
+                                                      NSIsSameMode<NSObject, NSObject>)) {
         return group.contents;
       }
     }

@@ -35,15 +35,14 @@ class RemovedObjects {
   void add(const NSRef<NSObject>& object) {
     const NSUInteger hash = object->hash();
     const auto isLike = [&](const NSRef<NSObject>& other) {
-      return other->isMemberOfClass(object->objectClass()) && NSEqualObjects{}(object, other);
+      return other->isMemberOfClass(object->objectClass()) && object == other;
     };
     if (find(hash, isLike)) return;
     _index.insert(_objects.size(), hash);
     _objects.push_back(object);
   }
   [[nodiscard]] bool haveEqualOf(const NSRef<NSObject>& object) const {
-    return find(object->hash(),
-                [&](const NSRef<NSObject>& other) { return NSEqualObjects{}(object, other); });
+    return find(object->hash(), [&](const NSRef<NSObject>& other) { return object == other; });
   }
 
  private:

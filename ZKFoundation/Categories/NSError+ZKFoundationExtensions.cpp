@@ -9,8 +9,8 @@ namespace ZKFoundationExtensions {
 bool isFileNotFoundError(const NSRef<NSError>& error) {
   NSCheckArgument("isFileNotFoundError", "error", error);
   const NSInteger code = error->code();
-  if (error->domain() == NSPOSIXErrorDomain()) return code == ENOENT;
-  return error->domain() == NSCocoaErrorDomain() &&
+  if (error->domain().is(NSPOSIXErrorDomain())) return code == ENOENT;
+  return error->domain().is(NSCocoaErrorDomain()) &&
          (code == NSFileNoSuchFileError || code == NSFileReadNoSuchFileError);
 }
 

@@ -293,7 +293,7 @@ void removeObjectIdenticalTo_fromArraySortedUsingSelector(const NSRef<NSMutableA
       indexOfObjectIdenticalTo_inArraySortedUsingSelector(array, object, method);
   // A comparison may have changed the array.
   const auto objects = array->objects();
-  if (index < objects.size() && objects[index] == object) array->removeObjectAtIndex(index);
+  if (index < objects.size() && objects[index].is(object)) array->removeObjectAtIndex(index);
 }
 
 }  // namespace ZKFoundationExtensions

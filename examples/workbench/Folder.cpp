@@ -67,7 +67,7 @@ void printCopying(std::ostream& out, const NSRef<Folder>& root) {
   const auto originals = objectsReachedFrom(root);
   const auto copies = objectsReachedFrom(copyWithCopySpec(root, 7).as<Folder>());
   const auto isShared = NSPredicate::predicateWithBlock(
-      [&](const NSRef<NSObject>& object) { return originals->member(object) == object; });
+      [&](const NSRef<NSObject>& object) { return originals->member(object).is(object); });
   const auto shared = copies->filteredSetUsingPredicate(isShared);
   out << "  visited " << originals->count() << " objects, in the copy " << copies->count()
       << ", of which " << shared->count() << " are shared with the original\n";

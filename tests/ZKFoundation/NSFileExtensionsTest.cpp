@@ -76,7 +76,7 @@ TEST(NSURLExtensions, StripTheSecurityScope) {
     const auto url = NSURL::URLWithString(text);
     EXPECT_EQ(isSecurityScoped(url), isScoped) << text;
     EXPECT_EQ(shown(strippedSecurityScopedURL(url)), stripped) << text;
-    EXPECT_EQ(strippedSecurityScopedURL(url) == url, !isScoped) << text;
+    EXPECT_EQ(strippedSecurityScopedURL(url).is(url), !isScoped) << text;
   }
 }
 

@@ -98,7 +98,7 @@ TEST(UniqueNames, OfURLs) {
     const auto url = NSURL::URLWithString(string(text));
     const auto found = uniqueURLWithURL_forURLArray(url, array);
     EXPECT_EQ(shown(found), result);
-    EXPECT_EQ(found == url, !url->isFileURL());
+    EXPECT_EQ(found.is(url), !url->isFileURL());
   }
 }
 
@@ -108,7 +108,7 @@ TEST(UniqueNames, OfFileWrappers) {
     const auto child = NSMake<NSFileWrapper>(NSMake<NSData>());
     if (name != nullptr) child->setPreferredFilename(string(name));
     const auto key = addFileWrapperWithUniqueFileName(folder, child);
-    EXPECT_EQ(folder->fileWrappers()->objectForKey(key), child);
+    EXPECT_PRED2(areSame, folder->fileWrappers()->objectForKey(key), child);
     EXPECT_TRUE(child->preferredFilename()->isEqualToString(key));
     return key->utf8();
   };

@@ -99,7 +99,7 @@ TEST(NSValue, KeepsItsKindAndMembers) {
                "the value {{1, 2.5}, {3, 4}} is of another kind (in 'rangeValue')",
                [&] { (void)rect->rangeValue(); });
   const auto point = [](double x, double y) { return NSMake<NSValue>(NSMakePoint(x, y)); };
-  EXPECT_PRED2(NSEqualObjects{}, point(0.0, 2), point(-0.0, 2));
+  EXPECT_EQ(point(0.0, 2), point(-0.0, 2));
   EXPECT_EQ(point(0.0, 2)->hash(), point(-0.0, 2)->hash());
   EXPECT_FALSE(point(1, 2)->isEqual(NSMake<NSValue>(NSMakeSize(1, 2))));
   EXPECT_NE(point(1, 1)->hash(), point(2, 2)->hash());

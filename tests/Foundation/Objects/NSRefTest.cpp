@@ -55,15 +55,24 @@ TEST(NSRef, CopiesOfAnObjectStartWithTheirOwnCount) {
   EXPECT_EQ(references[0]->retainCount(), 3U);
 }
 
-TEST(NSRef, ComparesAndHashesByIdentityAndCastsByClass) {
+TEST(NSRef, ComparesByContentsAndCastsByClass) {
   const auto a = u"same"_ns;
-  const auto b = u"same"_ns;
-  EXPECT_NE(a, b);
-  EXPECT_EQ((std::unordered_set<NSRef<NSString>>{a, b, a}).size(), 2U);
-  EXPECT_EQ((std::unordered_set<NSRef<NSObject>, NSHashObject, NSEqualObjects>{a, b}).size(), 1U);
-  const NSRef<NSObject> object = a;
-  EXPECT_EQ(object.as<NSString>(), a);
-  EXPECT_EQ(object.as<NSMutableString>(), nullptr);
+  const NSRef<NSObject> b = NSMake<NSMutableString>(u"same");
+  const NSRef<NSString> none;
+  EXPECT_PRED2(areDistinct, a, b);
+  EXPECT_PRED2(areDistinct, a, none);
+  EXPECT_PRED2(areSame, NSRef<NSNumber>(), none);
+  EXPECT_TRUE(a == b && b == a && a != none && none != b && none == NSRef<NSNumber>());
+  EXPECT_EQ(number(3), NSMake<NSNumber>(3.0));
+  int alive = 0;
+  EXPECT_NE(NSMake<Counted>(alive), NSMake<Counted>(alive));
+  EXPECT_EQ((std::unordered_set<NSRef<NSObject>>{a, b, number(3), none, none}).size(), 3U);
+  EXPECT_PRED2(areSame, NSRef<NSObject>(a).as<NSString>(), a);
+  EXPECT_EQ(a.as<NSMutableString>(), nullptr);
+
+  EXPECT_TRUE(none < a && u"B"_ns < u"a"_ns && number(-1) < NSMake<NSNumber>(0.5) && a >= none);
+  EXPECT_TRUE(NSDate::distantPast() < NSMake<NSDate>());
+  EXPECT_TRUE((u"\u00E9"_ns <=> u"e\u0301"_ns) == 0 && u"\u00E9"_ns != u"e\u0301"_ns);
 }
 
 TEST(NSRef, CountsFromManyThreads) {

@@ -13,6 +13,10 @@ TEST(NSString, ConvertsFromAndToStandardStrings) {
   EXPECT_EQ(std::u16string(*string), u"Grüße 😀");
   EXPECT_EQ(std::string(*string), "Grüße 😀");
   EXPECT_TRUE("Grüße 😀"_ns->isEqual(string));
+  EXPECT_TRUE(string == "Grüße 😀" && string == u8"Grüße 😀" && string == U"Grüße 😀" &&
+              string == L"Grüße 😀" && string == std::string("Grüße 😀"));
+  EXPECT_FALSE(string == "Grüße 😁" || string == "Grüße" || string == U"Grüße" ||
+               string == U"Grüße 😀!" || NSRef<NSString>() == "" || NSRef<NSString>() == U"");
   EXPECT_EQ("Grüße 😀"_ns->hash(), string->hash());
   EXPECT_FALSE(string->isEqual(nullptr));
   EXPECT_FALSE(string->isEqual(NSMake<NSNumber>(1)));
@@ -206,7 +210,7 @@ TEST(NSMutableString, CopiesAreIndependent) {
   mutableCopy->deleteCharactersInRange({0, 1});
   EXPECT_EQ(copy, u"short");
   EXPECT_EQ(mutableCopy, u"hort");
-  EXPECT_EQ(copy->copy(), copy);
+  EXPECT_PRED2(areSame, copy->copy(), copy);
   EXPECT_TRUE(copy->isMemberOfClass(NSClass::of<NSString>()));
 }
 

@@ -256,7 +256,7 @@ TEST(NSNotificationQueue, EnqueuesOnTheMainThreadLater) {
   makePass();
   const auto posted = witness.taken();
   EXPECT_EQ(posted.size(), 2U);
-  EXPECT_EQ(posted.front(), latest);
+  EXPECT_PRED2(areSame, posted.front(), latest);
 
   const auto pair = [](const auto&... elements) { return NSMake<NSArray>({elements...}); };
   // The number counts as 32 bits with a sign.
