@@ -146,11 +146,13 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
   return last.length != 0 && (!accept || accept(last)) ? last : NSNotFoundRange;
 }
 
-void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
+void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle, NSUInteger options,
                         NSBlockRef<void(std::span<const NSRange>)> visit) {
   if (needle.empty()) return;
-  if (!isWithoutMarks(needle) || !isWithoutMarks(text)) {
-    NSSearchUnits(text, needle, 0, {0, text.size()}, [&](NSRange found) {
+  const bool isLiteral = (options & NSLiteralSearch) != 0;
+  const bool folds = (options & NSCaseInsensitiveSearch) != 0;
+  if (folds || (!isLiteral && (!isWithoutMarks(needle) || !isWithoutMarks(text)))) {
+    NSSearchUnits(text, needle, options, {0, text.size()}, [&](NSRange found) {
       visit({&found, 1});
       return false;
     });

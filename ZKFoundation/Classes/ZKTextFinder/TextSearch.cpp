@@ -1,0 +1,136 @@
+#include "ZKFoundation/Classes/ZKTextFinder/TextSearch.h"
+
+#include <span>
+
+#include <Foundation/NSUnicode.h>
+
+using ZKFoundationExtensions::rangeOfWordContainingCharacter;
+
+namespace {
+
+// Whether a text is a part of one word, or of one run of what is between words.
+bool isWithinWord(const NSRef<NSString>& text) {
+  return rangeOfWordContainingCharacter(text, 0).length == text->length();
+}
+
+}  // namespace
+
+ZKTextSearch::ZKTextSearch(const Subject& subject, const NSRef<NSString>& string)
+    : _subject(subject),
+      _string(string),
+      _isBackwards((_subject.options & NSBackwardsSearch) != 0) {
+  _subject.options &= NSCaseInsensitiveSearch | NSLiteralSearch;
+  if (_subject.pattern != nullptr) {
+    _subject.pattern->setText(text());
+    _limit = std::chrono::steady_clock::now() + subject.timeLimit.duration();
+    _mayOverlap = true;
+  } else {
+    const bool mindsStart =
+        _subject.condition == ZKWordCompareWhole || _subject.condition == ZKWordCompareStart;
+    // What overlaps a part of a word that begins in it does not begin with the word.
+    _mayOverlap =
+        _subject.condition == ZKWordCompareEnd || (mindsStart && !isWithinWord(_subject.needle));
+  }
+}
+
+NSRange ZKTextSearch::wordAt(NSUInteger index) {
+  if (!NSLocationInRange(index, _word)) _word = rangeOfWordContainingCharacter(_string, index);
+  return _word;
+}
+
+NSRange ZKTextSearch::wordsOf(NSRange match) {
+  if (match.length == 0) return match;
+  const NSRange first = wordAt(match.location);
+  return NSUnionRange(first, wordAt(NSMaxRange(match) - 1));
+}
+
+bool ZKTextSearch::accepts(NSRange match) {
+  if (match.length == 0 && match.location == _passedBy) return false;
+  switch (_subject.condition) {
+    case ZKWordCompareWhole:
+      return wordsOf(match) == match;
+    case ZKWordCompareStart:
+      return wordsOf(match).location == match.location;
+    case ZKWordCompareEnd:
+      return NSMaxRange(wordsOf(match)) == NSMaxRange(match);
+    default:
+      return true;
+  }
+}
+
+// The first match there; one that is accepted, unless one that is not may overlap such a one.
+NSRange ZKTextSearch::find(NSRange range) {
+  if (_subject.pattern == nullptr) {
+    return NSSearchUnits(text(), _subject.needle->view(), _subject.options, range,
+                         [this](NSRange match) { return _mayOverlap || accepts(match); });
+  }
+  const bool isLate = std::chrono::steady_clock::now() > _limit;
+  const auto found = isLate ? std::nullopt : _subject.pattern->find(range, _limit);
+  if (!found) throw ZKTextFinderFailure{ZKTextFinderTimedOut, "The search takes too long"};
+  return *found;
+}
+
+// What is left of a range after the character at an index; not found when there is not even an end.
+NSRange ZKTextSearch::rest(NSRange range, NSUInteger index) const {
+  const NSUInteger next = index + (NSSplitsPair(text(), index + 1) ? 2 : 1);
+  return next > NSMaxRange(range) ? NSNotFoundRange : NSRange{next, NSMaxRange(range) - next};
+}
+
+NSRange ZKTextSearch::first(NSRange range) {
+  while (range != NSNotFoundRange) {
+    const NSRange match = find(range);
+    if (match == NSNotFoundRange || accepts(match)) return match;
+    range = rest(range, match.location);
+  }
+  return range;
+}
+
+NSRange ZKTextSearch::last(NSRange range) {
+  NSRange match = NSNotFoundRange;
+  if (_subject.pattern != nullptr) {
+    forEachIn(range, [&](NSRange next) { match = next; });
+    return match;
+  }
+  const NSUInteger options = _subject.options | NSBackwardsSearch;
+  while (true) {
+    match = NSSearchUnits(text(), _subject.needle->view(), options, range);
+    if (match == NSNotFoundRange || accepts(match)) return match;
+    range.length = NSMaxRange(match) - 1 - range.location;
+  }
+}
+
+NSRange ZKTextSearch::next(NSRange selection, bool wraps) {
+  const NSUInteger end = NSMaxRange(selection);
+  const NSRange all = {0, text().size()};
+  if (selection.length == 0) _passedBy = selection.location;
+  const NSRange match =
+      nearest(_isBackwards ? NSRange{0, selection.location} : NSRange{end, all.length - end});
+  _passedBy = NSNotFound;
+  return match == NSNotFoundRange && wraps ? nearest(all) : match;
+}
+
+bool ZKTextSearch::isMatch(NSRange range) {
+  // A pattern may match less where it sees less.
+  const NSUInteger end = _subject.pattern == nullptr ? NSMaxRange(range) : text().size();
+  return first({range.location, end - range.location}) == range;
+}
+
+void ZKTextSearch::forEach(NSBlockRef<void(NSRange)> visit) {
+  if (_mayOverlap) return forEachIn({0, text().size()}, visit);
+  const auto visitAccepted = [&](std::span<const NSRange> matches) {
+    for (const NSRange match : matches) {
+      if (accepts(match)) visit(match);
+    }
+  };
+  NSVisitOccurrences(text(), _subject.needle->view(), _subject.options, visitAccepted);
+}
+
+void ZKTextSearch::forEachIn(NSRange range, NSBlockRef<void(NSRange)> visit) {
+  while (range != NSNotFoundRange) {
+    const NSRange match = first(range);
+    if (match == NSNotFoundRange) return;
+    visit(match);
+    const NSUInteger end = NSMaxRange(match);
+    range = match.length == 0 ? rest(range, end) : NSRange{end, NSMaxRange(range) - end};
+  }
+}
