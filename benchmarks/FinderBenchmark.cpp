@@ -10,6 +10,17 @@
 
 namespace {
 
+std::u16string replacedByFinding(const std::u16string& text, const std::u16string& needle,
+                                 std::u16string_view replacement) {
+  std::u16string edited;
+  std::size_t from = 0;
+  for (std::size_t at = 0; (at = text.find(needle, from)) != std::u16string::npos;) {
+    edited.append(text, from, at - from).append(replacement);
+    from = at + needle.size();
+  }
+  return edited.append(text, from);
+}
+
 // Finds the needle of a text from a selection on, and replaces all of the text's most frequent one.
 void addFinder(const Language& language, const std::string& size, std::size_t length) {
   std::u16string text = makeText(length, 90, language.rare, language.letters);
@@ -30,10 +41,7 @@ void addFinder(const Language& language, const std::string& size, std::size_t le
       "FindNext/" + name + "/std", [=] { return text.find(needle, 5); }, isRight);
 
   const std::u16string often(1, text[0]);
-  std::u16string expected = text;
-  for (std::size_t at = 0; (at = expected.find(often, at)) != std::u16string::npos; at += 3) {
-    expected.replace(at, 1, u"xyz");
-  }
+  const std::u16string expected = replacedByFinding(text, often, u"xyz");
   const auto letter = NSMake<ZKTextFinder>(NSMake<NSString>(often), NSLiteralSearch);
   addRow(
       "ReplaceAll/" + name + "/ZK",
@@ -44,16 +52,7 @@ void addFinder(const Language& language, const std::string& size, std::size_t le
       },
       [=](const auto& edited) { return edited->view() == expected; });
   addRow(
-      "ReplaceAll/" + name + "/std",
-      [=] {
-        std::u16string edited;
-        std::size_t from = 0;
-        for (std::size_t at = 0; (at = text.find(often, from)) != std::u16string::npos;) {
-          edited.append(text, from, at - from).append(u"xyz");
-          from = at + 1;
-        }
-        return edited.append(text, from);
-      },
+      "ReplaceAll/" + name + "/std", [=] { return replacedByFinding(text, often, u"xyz"); },
       [=](const std::u16string& edited) { return edited == expected; });
   const auto words = NSMake<ZKTextFinder>(u"(\\w)(\\w+)"_ns, ZKRegularExpressionSearch);
   const std::size_t count = words->matchesInString(string).size();

@@ -91,20 +91,19 @@ TEST(ZKTextFinder, FindsCountsAndReplacesWhatAOneLoopSearchFinds) {
       RC_ASSERT(finder->nextMatchInString_selectedRange(text, selection) == previous);
     }
 
-    std::vector<ZKTextMatch> apart;
+    std::vector<NSRange> apart;
     std::u16string result(*text);
     for (auto next = firstFrom(all, 0); next; next = firstFrom(all, NSMaxRange(next->match))) {
-      apart.push_back(*next);
+      apart.push_back(next->match);
     }
     for (auto each = apart.rbegin(); each != apart.rend(); ++each) {
-      result.replace(each->match.location, each->match.length, u"xyz");
+      result.replace(each->location, each->length, u"xyz");
     }
     const auto finder = NSMake<ZKTextFinder>(needle, 0, condition);
     RC_ASSERT(finder->matchesInString(text) == apart);
     const auto before = text->substringWithRange(selection);
-    const bool isApart = std::ranges::none_of(apart, [&](const ZKTextMatch& each) {
-      return NSIntersectionRange(each.match, selection).length != 0;
-    });
+    const bool isApart = std::ranges::none_of(
+        apart, [&](NSRange each) { return NSIntersectionRange(each, selection).length != 0; });
     RC_ASSERT(finder->replaceAllInString_withString_selectedRange(text, u"xyz"_ns, &selection) ==
               apart.size());
     RC_ASSERT(text->view() == result);

@@ -93,12 +93,12 @@ std::optional<ZKTextMatch> ZKTextFinder::nextMatchInString_selectedRange(
   });
 }
 
-std::vector<ZKTextMatch> ZKTextFinder::matchesInString(const NSRef<NSString>& string,
-                                                       NSRef<NSError>* error) const {
+std::vector<NSRange> ZKTextFinder::matchesInString(const NSRef<NSString>& string,
+                                                   NSRef<NSError>* error) const {
   NSCheckArgument("matchesInString:", "string", string);
   return search(string, error, [&](ZKTextSearch& search) {
-    std::vector<ZKTextMatch> matches;
-    search.forEach([&](NSRange match) { matches.push_back({match, search.wordsOf(match)}); });
+    std::vector<NSRange> matches;
+    search.forEach([&](NSRange match) { matches.push_back(match); });
     return matches;
   });
 }

@@ -79,8 +79,8 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
       const NSRef<NSString>& string, NSRange selectedRange, NSRef<NSError>* error = nullptr) const;
 
   /// Gives all matches from left to right, each search starting where the last match ended.
-  [[nodiscard]] std::vector<ZKTextMatch> matchesInString(const NSRef<NSString>& string,
-                                                         NSRef<NSError>* error = nullptr) const;
+  [[nodiscard]] std::vector<NSRange> matchesInString(const NSRef<NSString>& string,
+                                                     NSRef<NSError>* error = nullptr) const;
 
   /// Replaces the selection if it is a match, or else the next match, and selects what stands there
   /// now; so it is called again for the one after it. Gives whether there was one. In the
