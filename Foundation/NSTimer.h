@@ -54,8 +54,9 @@ class NS_EXPORT NSTimer : public NSObject {
 
   void addTo(NSRunLoopCore& runLoop, const NSRef<NSString>& mode);
 
-  const std::chrono::nanoseconds _interval;
+  // First, as there it fits beside the object's count.
   const bool _repeats;
+  const std::chrono::nanoseconds _interval;
   NSRef<NSBlock> _block;
   // In the run loop's schedule, or firing.
   Event* _event = nullptr;

@@ -75,8 +75,8 @@ class NSTimer::Event final : public NSScheduledEvent {
 };
 
 NSTimer::NSTimer(NSDelay interval, bool repeats, NSRef<NSBlock> block)
-    : _interval(std::max(interval.duration(), shortestInterval)),
-      _repeats(repeats),
+    : _repeats(repeats),
+      _interval(std::max(interval.duration(), shortestInterval)),
       _block(std::move(block)) {}
 
 NSTimer::~NSTimer() = default;
