@@ -4,6 +4,8 @@
 #include <span>
 #include <vector>
 
+#include <unicode/uchar.h>
+
 #include <Foundation/NSUnicode.h>
 #include <Foundation/Text/JudgedSearch.h>
 #include <Foundation/Text/NormalForm.h>
@@ -22,7 +24,7 @@ struct Normalized {
     std::size_t source;
     std::size_t form;
   };
-  std::u16string form;
+  NSUnitBuffer form;
   std::vector<Piece> pieces;
 
   [[nodiscard]] const Piece* pieceAt(std::size_t place) const {
@@ -53,10 +55,10 @@ NSFormSearch::NSFormSearch(std::u16string_view text, std::u16string_view needle,
       _forms(NSFormTable::forOptions(options)) {
   for (std::size_t start = 0; start < needle.size();) {
     const std::size_t end = endOfPiece(needle, start);
-    appendForm(needle.substr(start, end - start), _wanted);
+    appendForm(needle.substr(start, end - start), _form);
     start = end;
   }
-  for (const char16_t unit : _wanted) _units |= NSFormTable::bitOf(unit);
+  for (const char16_t unit : _form.view()) _units |= NSFormTable::bitOf(unit);
   chooseProbes();
 }
 
@@ -64,11 +66,11 @@ NSFormSearch::NSFormSearch(std::u16string_view text, std::u16string_view needle,
 // on, and the length of its own form, which holds no units but the needle's.
 template <class Visit>
 void NSFormSearch::forEachAtStart(std::size_t at, Visit visit) const {
-  const std::u16string_view wanted = std::u16string_view(_wanted).substr(at);
+  const std::u16string_view wanted = _form.view().substr(at);
   const std::size_t width = NSSplitsPair(wanted, 1) ? 2 : 1;
   visit(wanted.substr(0, width), width);
   _forms.forEachAtStart(wanted, _units, [&](char32_t character, std::u16string_view form) {
-    if (form.find_first_not_of(_wanted) != std::u16string_view::npos) return;
+    if (form.find_first_not_of(_form.view()) != none) return;
     NSFormTable::Room room;
     visit(NSFormTable::unitsOf(character, room), form.size());
   });
@@ -87,14 +89,14 @@ void NSFormSearch::chooseProbes() {
   if (arePairs) {
     _distance = 1;
     _choices[1] = seconds;
-  } else if (areUnits && _wanted.size() > 1 && _text.size() > shortText) {
+  } else if (areUnits && _form.size() > 1 && _text.size() > shortText) {
     _distance = 1;
     // Of what belongs to the first piece any may be the second unit: it is sorted.
     std::size_t at = 1;
     do {
       forEachAtStart(at,
                      [&](std::u16string_view units, std::size_t) { _choices[1].add(units[0]); });
-    } while (!isBoundary(_wanted, at) && ++at < _wanted.size());
+    } while (!isBoundary(_form.view(), at) && ++at < _form.size());
   } else {
     _choices[1] = _choices[0];
   }
@@ -110,22 +112,41 @@ std::size_t NSFormSearch::endOfPiece(std::u16string_view text, std::size_t start
   return end;
 }
 
-void NSFormSearch::appendForm(std::u16string_view piece, std::u16string& forms) const {
-  std::u16string_view rest = piece;
-  const char32_t first = NSTakeCharacter(rest);
+// Whether a piece has the form of its first character, with the marks as they are behind it.
+bool NSFormSearch::areKept(std::u16string_view marks, char32_t first,
+                           std::size_t formLength) const {
+  // A form of several may end with any mark.
+  unsigned before = formLength > 1 ? 255U : u_getCombiningClass(static_cast<UChar32>(first));
+  return std::ranges::all_of(marks, [&](char16_t mark) {
+    const unsigned next = u_getCombiningClass(static_cast<UChar32>(mark));
+    const bool isSorted = next == 0 || next >= before;
+    before = next;
+    NSFormTable::Room room;
+    return isSorted && !NSIsSurrogate(mark) &&
+           _forms.formOf(mark, room) == std::u16string_view(&mark, 1);
+  });
+}
+
+void NSFormSearch::appendForm(std::u16string_view piece, NSUnitBuffer& forms) const {
+  std::u16string_view marks = piece;
+  const char32_t first = NSTakeCharacter(marks);
   NSFormTable::Room room;
-  if (rest.empty()) {
-    forms += _forms.formOf(first, room);
+  const std::u16string_view form = _forms.formOf(first, room);
+  if (marks.empty() || areKept(marks, first, form.size())) {
+    for (const char16_t unit : form) *forms.extend(1) = unit;
+    forms.append(marks);
   } else {
-    forms += NSNormalForm(piece, _options);
+    forms.append(NSNormalForm(piece, _options));
   }
 }
 
 // Where the match ends that begins with the piece at a place; the place when there is none.
 std::size_t NSFormSearch::endOfMatch(Scan& scan, std::size_t place) const {
-  const std::u16string_view wanted = _wanted;
+  const std::u16string_view wanted = _form.view();
   const std::size_t end = NSMaxRange(scan.range);
   NSFormTable::Room room;
+  std::array<char16_t, 32> wholeRoom;
+  NSUnitBuffer whole(wholeRoom);
   std::size_t at = place;
   for (std::size_t done = 0; done < wanted.size();) {
     if (at == end) return place;
@@ -135,12 +156,12 @@ std::size_t NSFormSearch::endOfMatch(Scan& scan, std::size_t place) const {
     std::u16string_view form = wanted.substr(done, 1);
     if (character != form[0] || NSIsSurrogate(character)) form = _forms.formOf(character, room);
     std::size_t stop = next;
-    std::u16string whole;
     if (!isBoundary(_text, next)) {
       // What follows belongs to the piece, and may be sorted into the form.
       stop = endOfPiece(_text, next);
-      whole = NSNormalForm(_text.substr(at, stop - at), _options);
-      form = whole;
+      whole.truncate(0);
+      appendForm(_text.substr(at, stop - at), whole);
+      form = whole.view();
       scan.spend(16 * (stop - at));
     }
     scan.spend(form.size());
@@ -164,7 +185,7 @@ NSRange NSFormSearch::scanForwards(Scan& scan) const {
   const std::u16string_view text = _text.substr(0, scan.limit + _distance);
   std::array<std::size_t, 64> places;
   // A text may begin with a mark, whose form depends on the marks that follow.
-  if (scan.from == 0) {
+  if (scan.from == 0 && !_isLiteral && text[0] >= NSFirstMark) {
     const NSRange match = judge(scan, 0);
     if (match.length != 0) return match;
   }
@@ -209,7 +230,7 @@ NSRange NSFormSearch::findNormalized(const Scan& scan) const {
   while (start < end) {
     if (start >= scan.limit) {
       formAtLimit = std::min(formAtLimit, source.form.size());
-      if (source.form.size() - formAtLimit >= _wanted.size()) break;
+      if (source.form.size() - formAtLimit >= _form.size()) break;
     }
     const std::size_t next = endOfPiece(_text, start);
     if (next > end) break;
@@ -223,16 +244,17 @@ NSRange NSFormSearch::findNormalized(const Scan& scan) const {
   NSRange match;
   const auto judge = [&](std::size_t place) -> std::size_t {
     const auto* const first = source.pieceAt(place);
-    const auto* const last = source.pieceAt(place + _wanted.size());
+    const auto* const last = source.pieceAt(place + _form.size());
     if (first == nullptr || last == nullptr) return 1;
     // Pieces that do not fit into the range are left out of the form; an anchor does not move.
     const bool isAnchored =
         isBackwards ? last->source == end : first->source == scan.range.location;
     if ((_options & NSAnchoredSearch) != 0 && !isAnchored) return 1;
     match = {first->source, last->source - first->source};
-    return !scan.accept || scan.accept(match) ? 0 : _wanted.size();
+    return !scan.accept || scan.accept(match) ? 0 : _form.size();
   };
-  return NSFindJudged(source.form, _wanted, _options, judge) == none ? NSNotFoundRange : match;
+  return NSFindJudged(source.form.view(), _form.view(), _options, judge) == none ? NSNotFoundRange
+                                                                                 : match;
 }
 
 NSRange NSFormSearch::find(NSRange range, std::size_t limit,

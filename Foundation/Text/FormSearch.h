@@ -2,11 +2,12 @@
 
 #include <array>
 #include <cstddef>
-#include <string>
+#include <cstdint>
 #include <string_view>
 
 #include <Foundation/NSBlock.h>
 #include <Foundation/NSRange.h>
+#include <Foundation/NSUnitBuffer.h>
 #include <Foundation/Text/FormTable.h>
 #include <Foundation/Text/UnitSearch.h>
 
@@ -29,7 +30,9 @@ class NSFormSearch {
   void forEachAtStart(std::size_t at, Visit visit) const;
   [[nodiscard]] bool isBoundary(std::u16string_view text, std::size_t at) const;
   [[nodiscard]] std::size_t endOfPiece(std::u16string_view text, std::size_t start) const;
-  void appendForm(std::u16string_view piece, std::u16string& forms) const;
+  [[nodiscard]] bool areKept(std::u16string_view marks, char32_t first,
+                             std::size_t formLength) const;
+  void appendForm(std::u16string_view piece, NSUnitBuffer& forms) const;
   [[nodiscard]] std::size_t endOfMatch(Scan& scan, std::size_t place) const;
   [[nodiscard]] NSRange judge(Scan& scan, std::size_t place) const;
   [[nodiscard]] NSRange scanForwards(Scan& scan) const;
@@ -40,8 +43,9 @@ class NSFormSearch {
   NSUInteger _options;
   bool _isLiteral;
   const NSFormTable& _forms;
-  // The needle's form, and bits of its units.
-  std::u16string _wanted;
+  // The needle's form, which for most words needs no memory but this, and bits of its units.
+  std::array<char16_t, 32> _room;
+  NSUnitBuffer _form{_room};
   std::uint64_t _units = 0;
   // Units that a match begins with, and what stands so many units after its start.
   std::array<NSUnitChoice, 2> _choices;

@@ -10,7 +10,6 @@
 
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSStringComparison.h>
-#include <Foundation/Text/ASCII.h>
 #include <Foundation/Text/ICU.h>
 #include <Foundation/Text/NormalForm.h>
 
@@ -61,29 +60,36 @@ const NSFormTable& NSFormTable::forOptions(NSUInteger options) {
   return *both;
 }
 
-NSFormTable::NSFormTable(NSUInteger options)
-    : _decomposes((options & NSLiteralSearch) == 0),
-      _folds((options & NSCaseInsensitiveSearch) != 0) {
+NSFormTable::NSFormTable(NSUInteger options) : _decomposes((options & NSLiteralSearch) == 0) {
   UErrorCode status = U_ZERO_ERROR;
   const icu::UnicodeSet changed(
       u"[[:NFD_Quick_Check=No:][:Changes_When_Casefolded:]-[\\uAC00-\\uD7A3]]", status);
   NSCheckICU(status);
   Room room;
+  const auto append = [&](std::u16string_view form) {
+    const Place place = {static_cast<std::uint16_t>(_forms.size()),
+                         static_cast<std::uint16_t>(form.size())};
+    _forms += form;
+    return place;
+  };
   for (icu::UnicodeSetIterator next(changed); next.next();) {
     const auto character = static_cast<char32_t>(next.getCodepoint());
     const std::u16string_view units = unitsOf(character, room);
     const std::u16string form = NSNormalForm(units, options);
     if (form == units) continue;
-    _entries.push_back({character, static_cast<std::uint16_t>(_forms.size()),
-                        static_cast<std::uint16_t>(form.size())});
-    _forms += form;
+    _entries.push_back({append(form), character});
   }
   _pages.index(_entries, &Entry::character);
+  for (char32_t near = 0; near < _near.size(); ++near) _near[near] = append(farFormOf(near, room));
   _byForm.resize(_entries.size());
   std::iota(_byForm.begin(), _byForm.end(), std::uint16_t{0});
   const auto firstUnit = [&](std::uint16_t k) { return char32_t{formOf(_entries[k])[0]}; };
   std::ranges::sort(_byForm, {}, [&](std::uint16_t k) { return formOf(_entries[k]); });
   _formPages.index(_byForm, firstUnit);
+  for (std::size_t near = 0; near < _nearStarts.size(); ++near) {
+    const auto first = std::ranges::lower_bound(_byForm, char32_t(near), {}, firstUnit);
+    _nearStarts[near] = static_cast<std::uint16_t>(first - _byForm.begin());
+  }
 }
 
 template <class Entries, class Key>
@@ -103,12 +109,7 @@ auto NSFormTable::Pages::from(const Entries& entries, char32_t wanted, Key key) 
       static_cast<std::size_t>(std::ranges::lower_bound(some, wanted, {}, key) - some.begin()));
 }
 
-std::u16string_view NSFormTable::formOf(char32_t character, Room& room) const {
-  if (character < 0x80) {
-    room[0] =
-        _folds ? NSLowerASCII(static_cast<char16_t>(character)) : static_cast<char16_t>(character);
-    return {room.data(), 1};
-  }
+std::u16string_view NSFormTable::farFormOf(char32_t character, Room& room) const {
   if (_decomposes && isSyllable(character)) return syllableForm(character, room);
   const auto found = _pages.from(_entries, character, &Entry::character);
   const bool isChanged = !found.empty() && found.front().character == character;
@@ -125,6 +126,10 @@ char32_t NSFormTable::syllableOf(std::u16string_view form) {
 }
 
 std::span<const std::uint16_t> NSFormTable::entriesWith(char16_t first) const {
+  if (first < nearCount) {
+    const std::size_t start = _nearStarts[first];
+    return std::span(_byForm).subspan(start, _nearStarts[first + 1U] - start);
+  }
   const auto firstUnit = [&](std::uint16_t k) { return char32_t{formOf(_entries[k])[0]}; };
   const std::span<const std::uint16_t> found = _formPages.from(_byForm, first, firstUnit);
   std::size_t count = 0;

@@ -24,7 +24,9 @@ class NSFormTable {
   [[nodiscard]] static std::u16string_view unitsOf(char32_t character, Room& room);
 
   /// Gives the form of a character; of a surrogate half itself.
-  [[nodiscard]] std::u16string_view formOf(char32_t character, Room& room) const;
+  [[nodiscard]] std::u16string_view formOf(char32_t character, Room& room) const {
+    return character < _near.size() ? formOf(_near[character]) : farFormOf(character, room);
+  }
 
   /// Calls `visit` for the characters whose form may stand at the start of a text in that form: for
   /// all whose form begins with its first unit but those that are their own form, and but syllables
@@ -47,10 +49,16 @@ class NSFormTable {
   }
 
  private:
-  struct Entry {
-    char32_t character;
+  // Latin, Greek and Cyrillic letters lie below, for which an index is faster than a search.
+  static constexpr std::size_t nearCount = 0x530;
+
+  // Where a form is in `_forms`.
+  struct Place {
     std::uint16_t start;
     std::uint16_t length;
+  };
+  struct Entry : Place {
+    char32_t character;
   };
 
   explicit NSFormTable(NSUInteger options);
@@ -58,9 +66,10 @@ class NSFormTable {
   [[nodiscard]] static char32_t syllableOf(std::u16string_view form);
   // Indexes of those whose form begins with the unit.
   [[nodiscard]] std::span<const std::uint16_t> entriesWith(char16_t first) const;
-  [[nodiscard]] std::u16string_view formOf(const Entry& entry) const {
-    return std::u16string_view(_forms).substr(entry.start, entry.length);
+  [[nodiscard]] std::u16string_view formOf(Place place) const {
+    return {_forms.data() + place.start, place.length};
   }
+  [[nodiscard]] std::u16string_view farFormOf(char32_t character, Room& room) const;
 
   // Entries with keys in ascending order: where those of each 256 keys begin, up to U+FFFF.
   class Pages {
@@ -76,12 +85,15 @@ class NSFormTable {
   };
 
   std::u16string _forms;
+  // Of characters below, those included that are their own form.
+  std::array<Place, nearCount> _near{};
   // In the order of the characters.
   std::vector<Entry> _entries;
   Pages _pages;
   // Indexes of entries, in the order of their forms.
   std::vector<std::uint16_t> _byForm;
   Pages _formPages;
+  // Where those of them begin whose form begins with each unit below.
+  std::array<std::uint16_t, nearCount + 1> _nearStarts{};
   bool _decomposes;
-  bool _folds;
 };

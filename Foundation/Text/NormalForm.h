@@ -18,7 +18,9 @@ inline constexpr char16_t NSFirstMark = 0x300;
 
 /// Whether a composed character may end, and another begin, in front of the unit.
 [[nodiscard]] inline bool NSIsComposedBoundary(std::u16string_view text, std::size_t at) {
-  return at == 0 || at == text.size() || text[at] < NSFirstMark || NSIsBoundaryAmongMarks(text, at);
+  // The letters of Greek and Russian stand by themselves too.
+  return at == 0 || at == text.size() || text[at] < NSFirstMark ||
+         (text[at] >= u'\u0370' && text[at] < u'\u0483') || NSIsBoundaryAmongMarks(text, at);
 }
 
 /// Whether a text has runs of marks so long that ICU, which orders them by insertion, should not
