@@ -74,6 +74,9 @@ class NS_EXPORT NSCharacterSet : public NSObject {
   struct Bitmaps {
     std::array<std::uint64_t, 1024> unitBitmap{};
     std::array<std::uint8_t, 16> asciiRows{};
+    // Above ASCII, where a run without members begins, mostly of letters, and how long it is; then
+    // the same of the last run of members. Neither holds surrogates.
+    std::array<std::uint16_t, 4> runs{};
   };
   // All members, and the bitmaps of those that are single units.
   struct Contents;

@@ -28,4 +28,9 @@ struct NSAccess {
   [[nodiscard]] static const auto* asciiRows(const auto& set) noexcept {
     return set._contents->asciiRows.data();
   }
+  /// Gives two runs of units above ASCII, none a surrogate, by start and length: one that has no
+  /// members and one that has nothing else.
+  [[nodiscard]] static const auto* runs(const auto& set) noexcept {
+    return set._contents->runs.data();
+  }
 };

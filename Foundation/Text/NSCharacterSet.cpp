@@ -13,12 +13,23 @@
 struct NSCharacterSet::Contents : Bitmaps {
   explicit Contents(const icu::UnicodeSet& set) : members(set) {
     if (members.isBogus()) throw std::bad_alloc();
+    std::uint32_t gapStart = 0x80;
+    std::uint32_t gapEnd = firstSurrogate;
     for (std::int32_t k = 0; k < members.getRangeCount(); ++k) {
       const auto first = static_cast<std::uint32_t>(members.getRangeStart(k));
       if (first > 0xFFFF) break;
-      mark(first,
-           std::min<std::uint32_t>(static_cast<std::uint32_t>(members.getRangeEnd(k)), 0xFFFF));
+      const auto last =
+          std::min<std::uint32_t>(static_cast<std::uint32_t>(members.getRangeEnd(k)), 0xFFFF);
+      mark(first, last);
+      // Letters follow the signs of Latin-1.
+      if (first < 0x100) {
+        gapStart = std::max(gapStart, last + 1);
+        continue;
+      }
+      gapEnd = std::min(gapEnd, first);
+      if (last < firstSurrogate || first > lastSurrogate) setRun(2, first, last + 1);
     }
+    if (gapStart < gapEnd) setRun(0, gapStart, gapEnd);
     for (std::size_t unit = 0; unit < 0x80; ++unit) {
       const auto isMember = unitBitmap[unit / 64] >> (unit % 64) & 1U;
       asciiRows[unit % 16] |= static_cast<std::uint8_t>(isMember << (unit / 16));
@@ -41,6 +52,13 @@ struct NSCharacterSet::Contents : Bitmaps {
   const icu::UnicodeSet members;
 
  private:
+  static constexpr std::uint32_t firstSurrogate = 0xD800;
+  static constexpr std::uint32_t lastSurrogate = 0xDFFF;
+
+  void setRun(std::size_t at, std::uint32_t start, std::uint32_t end) {
+    runs[at] = static_cast<std::uint16_t>(start);
+    runs[at + 1] = static_cast<std::uint16_t>(end - start);
+  }
   // A word at a time: every change of a set makes its bitmap anew.
   void mark(std::uint32_t first, std::uint32_t last) {
     for (std::uint32_t unit = first; unit <= last; unit = (unit | 63U) + 1) {

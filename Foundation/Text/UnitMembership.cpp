@@ -22,7 +22,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 // Machines without vectors look every unit up in the bitmap.
 
 void findASCIIMembers(const std::uint16_t* /*units*/, std::size_t count,
-                      const std::uint8_t* /*rows*/, std::uint64_t* members, std::uint64_t* others) {
+                      const std::uint8_t* /*rows*/, const std::uint16_t* /*runs*/,
+                      std::uint64_t* members, std::uint64_t* others) {
   const std::size_t words = count / 64 + 1;
   std::fill_n(members, words, 0);
   std::fill_n(others, words, ~std::uint64_t{0});
@@ -40,7 +41,8 @@ std::size_t copyUnmarked(const std::uint16_t* units, std::size_t count, const st
 
 #else
 
-// Which of up to 32 units are members among the ASCII ones, and which are not ASCII.
+// Which of up to 32 units are members among the ASCII ones and those of two runs, and which are
+// none of these.
 struct Marks {
   std::uint32_t members = 0;
   std::uint32_t others = 0;
@@ -49,7 +51,8 @@ struct Marks {
 // Marks `size` units, 16 or 32. Bit h of rows[l] tells whether the unit 16 h + l is a member, so
 // that two look-ups in tables of 16 bytes answer for a whole vector.
 template <std::size_t size>
-HWY_ATTR Marks marksOf(const std::uint16_t* units, const std::uint8_t* rows) {
+HWY_ATTR Marks marksOf(const std::uint16_t* units, const std::uint8_t* rows,
+                       const std::uint16_t* runs) {
   const hn::CappedTag<std::uint8_t, size> bytes;
   const hn::RebindToSigned<decltype(bytes)> signedBytes;
   const hn::Half<decltype(bytes)> half;
@@ -81,29 +84,44 @@ HWY_ATTR Marks marksOf(const std::uint16_t* units, const std::uint8_t* rows) {
     marks.others |= bits << k;
   }
   marks.members &= ~marks.others;
+  for (std::size_t k = 0; k < size && marks.others != 0; k += lanes) {
+    const auto unit = hn::LoadU(tag, units + k);
+    const auto bitsWithin = [&](const std::uint16_t* run) HWY_ATTR {
+      const auto fromStart = hn::Sub(unit, hn::Set(tag, run[0]));
+      std::array<std::uint8_t, 8> stored{};
+      std::uint32_t bits = 0;
+      hn::StoreMaskBits(tag, hn::Lt(fromStart, hn::Set(tag, run[1])), stored.data());
+      std::memcpy(&bits, stored.data(), sizeof(bits));
+      return bits << k;
+    };
+    const std::uint32_t members = bitsWithin(runs + 2);
+    marks.members |= members;
+    marks.others &= ~(members | bitsWithin(runs));
+  }
   return marks;
 }
 
 // The marks of fewer than 32 units.
-HWY_ATTR Marks marksOfFew(const std::uint16_t* units, std::size_t count, const std::uint8_t* rows) {
+HWY_ATTR Marks marksOfFew(const std::uint16_t* units, std::size_t count, const std::uint8_t* rows,
+                          const std::uint16_t* runs) {
   constexpr std::size_t half = 16;
   if (count >= half) {
-    const Marks low = marksOf<half>(units, rows);
-    const Marks high = marksOf<half>(units + count - half, rows);
+    const Marks low = marksOf<half>(units, rows, runs);
+    const Marks high = marksOf<half>(units + count - half, rows, runs);
     const std::size_t shift = count - half;
     return {low.members | high.members << shift, low.others | high.others << shift};
   }
   std::array<std::uint16_t, half> padded{};
   std::copy_n(units, count, padded.begin());
   const std::uint32_t used = (1U << count) - 1;
-  const Marks marks = marksOf<half>(padded.data(), rows);
+  const Marks marks = marksOf<half>(padded.data(), rows, runs);
   return {marks.members & used, marks.others & used};
 }
 
 // Writes the marks as bits of words, up to the one that bit `count` falls into.
 HWY_ATTR void findASCIIMembers(const std::uint16_t* units, std::size_t count,
-                               const std::uint8_t* rows, std::uint64_t* members,
-                               std::uint64_t* others) {
+                               const std::uint8_t* rows, const std::uint16_t* runs,
+                               std::uint64_t* members, std::uint64_t* others) {
   constexpr std::size_t block = 32;
   std::size_t at = 0;
   const auto put = [&](Marks marks) {
@@ -113,11 +131,11 @@ HWY_ATTR void findASCIIMembers(const std::uint16_t* units, std::size_t count,
     members[at / 64] = formerMembers | std::uint64_t{marks.members} << (at % 64);
     others[at / 64] = formerOthers | std::uint64_t{marks.others} << (at % 64);
   };
-  for (; at + block <= count; at += block) put(marksOf<block>(units + at, rows));
+  for (; at + block <= count; at += block) put(marksOf<block>(units + at, rows, runs));
   const std::size_t rest = count - at;
   if (rest == 0) return put({});
-  if (count < block) return put(marksOfFew(units, count, rows));
-  const Marks last = marksOf<block>(units + count - block, rows);
+  if (count < block) return put(marksOfFew(units, count, rows, runs));
+  const Marks last = marksOf<block>(units + count - block, rows, runs);
   put({last.members >> (block - rest), last.others >> (block - rest)});
 }
 
@@ -195,14 +213,17 @@ std::span<const std::uint64_t> find(const NSCharacterSet& set, std::u16string_vi
                                     NSMemberBits& bits) noexcept {
   std::array<std::uint64_t, std::tuple_size_v<decltype(bits.words)>> others;
   HWY_DYNAMIC_DISPATCH(findASCIIMembers)
-  (lanesOf(text.data() + from), count, NSAccess::asciiRows(set), bits.words.data(), others.data());
+  (lanesOf(text.data() + from), count, NSAccess::asciiRows(set), NSAccess::runs(set),
+   bits.words.data(), others.data());
   const std::size_t used = (count + wordSize - 1) / wordSize;
   withMembership(set, text, membership, [&](auto isMember) {
     for (std::size_t word = 0; word < used; ++word) {
+      std::uint64_t members = bits.words[word];
       for (std::uint64_t other = others[word]; other != 0; other &= other - 1) {
         const auto bit = static_cast<std::size_t>(std::countr_zero(other));
-        bits.words[word] |= std::uint64_t{isMember(from + word * wordSize + bit)} << bit;
+        members |= std::uint64_t{isMember(from + word * wordSize + bit)} << bit;
       }
+      bits.words[word] = members;
     }
   });
   return std::span(bits.words).first(used);
