@@ -61,7 +61,7 @@ class NS_EXPORT NSUnitBuffer {
   static constexpr std::size_t largest = SIZE_MAX / 2;
 
   void giveBack() noexcept {
-    if (!_isLent) std::free(_units);
+    if (!_isLent) std::free(_units);  // NOLINT(*-unix.Malloc): once, also in a std::optional.
   }
   void makeRoom(std::size_t count);
 
