@@ -60,13 +60,16 @@ TEST(NSStringSearch, FindsWhatTryingEverySliceFinds) {
   Pieces tricky = {std::u16string(1, 0xD83D)};
   for (std::string piece; list >> piece;) tricky.emplace_back(NSMake<NSString>(piece)->view());
   const Pieces plain = {u"a", u"A", u"b", u"B", u"\u00C4", u"\u00E4"};
+  const Pieces marked = {u"\u03B1", u"\u0391", u"\u1FB3", u"\u0345", u"\u0301",
+                         u"\u0419", u"\u0438", u"\u0306", u"\u0915", u"\u0958",
+                         u"\u093C", u"\u093E", u"\u094D"};
   const auto anyText = [](const Pieces& pieces, int most) {
     std::u16string text;
     for (int k = *rc::gen::inRange(0, most + 1); k > 0; --k) text += *rc::gen::elementOf(pieces);
     return text;
   };
   expectProperty("the same range", [&] {
-    const auto& pieces = *rc::gen::arbitrary<bool>() ? tricky : plain;
+    const Pieces pieces = *rc::gen::elementOf(std::vector<Pieces>{tricky, plain, marked});
     const auto text = anyText(pieces, 16);
     const auto needle = *rc::gen::elementOf(pieces) + anyText(pieces, 1);
     const auto options = *rc::gen::weightedOneOf<NSUInteger>(
