@@ -108,10 +108,9 @@ class NSRef {
 
   /// Orders the objects as `compare` of their class does, nil before all of them. Objects that
   /// compare as the same need not be equal: "é" and "e" followed by U+0301 are not.
-  friend std::weak_ordering operator<=>(const NSRef& a, const NSRef& b) requires requires {
-    a->compare(b);
-  }
-  {
+  template <class Object = T>
+  requires requires(const NSRef<Object>& object) { object->compare(object); }
+  friend std::weak_ordering operator<=>(const NSRef& a, const NSRef& b) {
     if (!a || !b) return static_cast<bool>(a) <=> static_cast<bool>(b);
     return a.get()->compare(b) <=> 0;
   }

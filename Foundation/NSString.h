@@ -19,6 +19,7 @@
 class NSArray;
 class NSCharacterSet;
 class NSDictionary;
+class NSLocale;
 class NSMutableString;
 
 /// A sequence of UTF-16 code units. Lengths, indexes and ranges count units; an index or range that
@@ -134,6 +135,44 @@ class NS_EXPORT NSString : public NSObject {
   /// Writes the first letter of each word in title case and the others in lower case, by the rules
   /// of the current locale (`NSLocale::currentLocale`). "they're" is one word, "jean-luc" two.
   [[nodiscard]] NSRef<NSString> localizedCapitalizedString() const;
+  /// Writes the letters in upper or lower case by the rules of no language: "Straße" becomes
+  /// "STRASSE", "ΤΕΛΟΣ" "τελος" with the final sigma of words.
+  [[nodiscard]] NSRef<NSString> uppercaseString() const;
+  [[nodiscard]] NSRef<NSString> lowercaseString() const;
+  /// Writes them by the rules of the locale's language, which matter for Turkish "i" and some more;
+  /// nil has none.
+  [[nodiscard]] NSRef<NSString> uppercaseStringWithLocale(const NSRef<NSLocale>& locale) const;
+  [[nodiscard]] NSRef<NSString> lowercaseStringWithLocale(const NSRef<NSLocale>& locale) const;
+  /// Writes them by the rules of the current locale.
+  [[nodiscard]] NSRef<NSString> localizedUppercaseString() const;
+  [[nodiscard]] NSRef<NSString> localizedLowercaseString() const;
+
+  /// Gives the string with all occurrences of the target in the range replaced, from left to right,
+  /// as the options of `rangeOfString_options_range` find them; with `NSAnchoredSearch` one at
+  /// most. A nil replacement is the empty string; a nil or empty target has no occurrences.
+  [[nodiscard]] NSRef<NSString> stringByReplacingOccurrencesOfString_withString_options_range(
+      const NSRef<NSString>& target, const NSRef<NSString>& replacement, NSUInteger options,
+      NSRange range) const;
+  [[nodiscard]] NSRef<NSString> stringByReplacingOccurrencesOfString_withString(
+      const NSRef<NSString>& target, const NSRef<NSString>& replacement) const {
+    return stringByReplacingOccurrencesOfString_withString_options_range(target, replacement, 0,
+                                                                         {0, length()});
+  }
+
+  /// Gives the whole lines that the range touches, with their ends: "\n" to "\r", "\r\n", U+0085,
+  /// U+2028, U+2029. An empty range touches the line that it stands in.
+  [[nodiscard]] NSRange lineRangeForRange(NSRange range) const;
+  /// Gives the whole paragraphs, which end with "\n", "\r", "\r\n" or U+2029.
+  [[nodiscard]] NSRange paragraphRangeForRange(NSRange range) const;
+  /// Gives the whole sentences, with the spaces after them, by Unicode's rules.
+  [[nodiscard]] NSRange sentenceRangeForRange(NSRange range) const;
+  /// Gives what users take for one character (an extended grapheme cluster: a letter with its
+  /// marks, a family of emoji, "\r\n"), around the unit at the index.
+  [[nodiscard]] NSRange rangeOfComposedCharacterSequenceAtIndex(NSUInteger index) const;
+  /// Gives all such characters that the range touches; an empty range moves to the start of the one
+  /// that it divides.
+  [[nodiscard]] NSRange rangeOfComposedCharacterSequencesForRange(NSRange range) const;
+
   /// Gives the pieces between the occurrences of the separator, from left to right, empty ones
   /// included. A string without the separator, or with a nil or empty one, is its only piece.
   [[nodiscard]] NSRef<NSArray> componentsSeparatedByString(const NSRef<NSString>& separator) const;
@@ -186,6 +225,18 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] NSRef<NSMutableString> mutableCopy() const;
   [[nodiscard]] NSRef<NSObject> mutableCopyWithZone(NSZone* zone) const override;
 
+  /// Joins two texts, of which one at least is a string; nil is the empty text.
+  [[nodiscard]] friend NSRef<NSString> operator+(const NSRef<NSString>& a,
+                                                 const NSRef<NSString>& b) {
+    return joined(unitsOf(a), unitsOf(b));
+  }
+  [[nodiscard]] friend NSRef<NSString> operator+(const NSRef<NSString>& a, std::u16string_view b) {
+    return joined(unitsOf(a), b);
+  }
+  [[nodiscard]] friend NSRef<NSString> operator+(std::u16string_view a, const NSRef<NSString>& b) {
+    return joined(a, unitsOf(b));
+  }
+
  protected:
   explicit NSString(std::span<char16_t> room) noexcept : _text(room) {}
   /// Makes an empty string with room for so many units in one block.
@@ -199,6 +250,11 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] NSUnitBuffer& text() noexcept { return _text; }
 
  private:
+  static std::u16string_view unitsOf(const NSRef<NSString>& string) noexcept {
+    return string ? string.get()->view() : std::u16string_view();
+  }
+  static NSRef<NSString> joined(std::u16string_view a, std::u16string_view b);
+
   NSUnitBuffer _text;
 };
 
@@ -223,6 +279,11 @@ class NS_EXPORT NSMutableString : public NSString {
   void deleteCharactersInRange(NSRange range);
   /// Replaces the units of the range; a nil string counts as the empty one.
   void replaceCharactersInRange_withString(NSRange range, const NSRef<NSString>& string);
+  /// Replaces as `stringByReplacingOccurrencesOfString_withString_options_range` does, and gives
+  /// the number of occurrences.
+  NSUInteger replaceOccurrencesOfString_withString_options_range(const NSRef<NSString>& target,
+                                                                 const NSRef<NSString>& replacement,
+                                                                 NSUInteger options, NSRange range);
   /// Makes room for a text of so many units altogether.
   void reserve(NSUInteger units) { text().reserve(units); }
   /// Gives the units themselves, for algorithms that edit in place.

@@ -1,12 +1,12 @@
 #include "Foundation/Locales/SimpleWords.h"
 
 #include <array>
-#include <atomic>
 #include <cstdint>
-#include <memory>
 
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
+
+#include <Foundation/Locales/UnitPages.h>
 
 namespace {
 
@@ -28,12 +28,6 @@ enum class Kind : std::uint8_t {
   stop,
   // What only ICU can tell the words or the cases of.
   other,
-};
-
-struct Page {
-  std::array<Kind, 256> kinds;
-  // At the start of a word, and inside.
-  std::array<std::array<char16_t, 256>, 2> cases;
 };
 
 // Whether a map of the unit alone gives one unit.
@@ -88,29 +82,25 @@ Kind kindOf(char16_t unit) {
   }
 }
 
-const Page& makePage(std::atomic<const Page*>& place, std::uint32_t first) {
-  auto page = std::make_unique<Page>();
-  for (std::uint32_t k = 0; k < 256; ++k) {
-    const auto unit = static_cast<char16_t>(first + k);
-    page->kinds[k] = kindOf(unit);
-    page->cases[0][k] = static_cast<char16_t>(u_totitle(unit));
-    page->cases[1][k] = static_cast<char16_t>(u_tolower(unit));
+struct Page {
+  explicit Page(char16_t first) {
+    for (std::uint32_t k = 0; k < kinds.size(); ++k) {
+      const auto unit = static_cast<char16_t>(first + k);
+      kinds[k] = kindOf(unit);
+      cases[0][k] = static_cast<char16_t>(u_totitle(unit));
+      cases[1][k] = static_cast<char16_t>(u_tolower(unit));
+    }
   }
-  const Page* made = nullptr;
-  if (place.compare_exchange_strong(made, page.get())) made = page.release();
-  return *made;
-}
 
-// The page of a unit, made when it is first asked for and kept.
-const Page& pageOf(char16_t unit) {
-  static constinit std::array<std::atomic<const Page*>, 256> pages{};
-  std::atomic<const Page*>& place = pages[unit >> 8U];
-  const Page* const page = place.load(std::memory_order_acquire);
-  return page != nullptr ? *page : makePage(place, unit & 0xFF00U);
-}
+  std::array<Kind, 256> kinds{};
+  // At the start of a word, and inside.
+  std::array<std::array<char16_t, 256>, 2> cases{};
+};
+
+using Pages = NSUnitPages<Page>;
 
 Kind kindAt(std::u16string_view text, std::size_t at) {
-  return at < text.size() ? pageOf(text[at]).kinds[text[at] & 0xFFU] : Kind::separator;
+  return at < text.size() ? Pages::of(text[at]).kinds[text[at] & 0xFFU] : Kind::separator;
 }
 
 bool isLetter(Kind kind) { return kind == Kind::letter || kind == Kind::untitled; }
@@ -127,7 +117,7 @@ std::size_t NSCapitalizeSimpleWords(std::u16string_view text, char16_t* out) {
     const char16_t unit = text[at];
     if ((unit & 0xFF00U) != pageStart) {
       pageStart = unit & 0xFF00U;
-      page = &pageOf(unit);
+      page = &Pages::of(unit);
     }
     const Kind kind = page->kinds[unit & 0xFFU];
     out[at] = page->cases[isInWord ? 1 : 0][unit & 0xFFU];

@@ -143,10 +143,13 @@ NSRef<NSString> NSString::substringWithRange(NSRange range) const {
 }
 
 NSRef<NSString> NSString::stringByAppendingString(const NSRef<NSString>& string) const {
-  const std::u16string_view tail = NSViewOf(string);
-  auto result = makeWithRoom<NSString>(length() + tail.size());
-  result->_text.append(view());
-  result->_text.append(tail);
+  return joined(view(), NSViewOf(string));
+}
+
+NSRef<NSString> NSString::joined(std::u16string_view a, std::u16string_view b) {
+  auto result = makeWithRoom<NSString>(a.size() + b.size());
+  result->_text.append(a);
+  result->_text.append(b);
   return result;
 }
 

@@ -162,12 +162,13 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
 }
 
 void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle, NSUInteger options,
-                        NSBlockRef<void(std::span<const NSRange>)> visit) {
+                        NSRange range, NSBlockRef<void(std::span<const NSRange>)> visit) {
   if (needle.empty()) return;
   const bool isLiteral = (options & NSLiteralSearch) != 0;
   const bool folds = (options & NSCaseInsensitiveSearch) != 0;
   if (folds || (!isLiteral && (!isWithoutMarks(needle) || !isWithoutMarks(text)))) {
-    NSSearchUnits(text, needle, options, {0, text.size()}, [&](NSRange found) {
+    constexpr NSUInteger kept = NSCaseInsensitiveSearch | NSLiteralSearch;
+    NSSearchUnits(text, needle, options & kept, range, [&](NSRange found) {
       visit({&found, 1});
       return false;
     });
@@ -175,9 +176,10 @@ void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle, NS
   }
   std::array<std::size_t, 64> places;
   std::array<NSRange, places.size()> ranges;
-  std::size_t from = 0;
+  const std::u16string_view searched = text.substr(0, NSMaxRange(range));
+  std::size_t from = range.location;
   for (std::size_t count = places.size(); count == places.size();) {
-    count = NSFindUnits(text, needle, from, places);
+    count = NSFindUnits(searched, needle, from, places);
     std::ranges::transform(std::span(places).first(count), ranges.begin(), [&](std::size_t place) {
       return NSRange{place, needle.size()};
     });

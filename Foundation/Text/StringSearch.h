@@ -23,16 +23,17 @@ NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view ne
                                 NSUInteger options, NSRange range,
                                 NSBlockRef<bool(NSRange)> accept = nullptr);
 
-/// Calls `visit`, with some at a time, for the occurrences that a search with these options finds
-/// from left to right, each starting where the last match ended. Knows no direction and no anchor.
+/// Calls `visit`, with some at a time, for the occurrences that searches of the range with these
+/// options find from left to right, each starting where the last match ended. Knows no direction
+/// and no anchor.
 NS_EXPORT void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
-                                  NSUInteger options,
+                                  NSUInteger options, NSRange range,
                                   NSBlockRef<void(std::span<const NSRange>)> visit);
 
 /// Calls `visit` for each of the occurrences that `NSVisitOccurrences` finds without options.
 template <class Visit>
 void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle, Visit visit) {
-  NSVisitOccurrences(text, needle, 0, [&](std::span<const NSRange> ranges) {
+  NSVisitOccurrences(text, needle, 0, {0, text.size()}, [&](std::span<const NSRange> ranges) {
     for (const NSRange range : ranges) visit(range);
   });
 }

@@ -29,10 +29,11 @@ char16_t* copyRun(std::u16string_view text, std::size_t start, std::size_t count
   return std::copy_n(text.data() + start, count, out);
 }
 
+// How many units the text with the members replaced has at most.
 std::size_t lengthOfReplaced(std::u16string_view text, const NSCharacterSet& set,
-                             std::u16string_view replacement) {
+                             NSMembership membership, std::u16string_view replacement) {
   std::size_t members = 0;
-  NSForEachMember(set, text, units, [&](std::size_t) { ++members; });
+  NSForEachMember(set, text, membership, [&](std::size_t) { ++members; });
   std::size_t added = 0;
   if (__builtin_mul_overflow(members, replacement.size() - 1, &added)) throw std::bad_alloc();
   if (added > PTRDIFF_MAX) throw std::bad_alloc();
@@ -40,7 +41,8 @@ std::size_t lengthOfReplaced(std::u16string_view text, const NSCharacterSet& set
 }
 
 // Writes the text with the members replaced to `out`, which has room for it and for `slack` units.
-// Gives the end of it.
+// Gives the end of it. Of a pair that is one member the first unit is replaced.
+template <NSMembership membership>
 char16_t* copyReplaced(std::u16string_view text, const NSCharacterSet& set,
                        std::u16string_view replacement, char16_t* out) {
   // A short replacement, filled up to a block.
@@ -51,58 +53,46 @@ char16_t* copyReplaced(std::u16string_view text, const NSCharacterSet& set,
     substitute = {padded.data(), padded.size()};
   }
   std::size_t start = 0;
-  NSForEachMember(set, text, units, [&](std::size_t place) {
+  NSForEachMember(set, text, membership, [&](std::size_t place) {
     out = copyRun(text, start, place - start, out);
-    out = copyRun(substitute, 0, replacement.size(), out);
     start = place + 1;
+    if (membership == NSMembership::characters && NSSplitsPair(text, place)) return;
+    out = copyRun(substitute, 0, replacement.size(), out);
   });
   return copyRun(text, start, text.size() - start, out);
 }
 
+template <NSMembership membership>
 void replaceMembers(NSUnitBuffer& buffer, const NSCharacterSet& set,
                     std::u16string_view replacement) {
   const std::u16string_view text = buffer.view();
+  if (NSFirstMember(set, text, 0, membership) == std::u16string_view::npos) return;
   // A line is put together beside the string and copied back: it mostly fits where it stood.
   std::array<char16_t, 512> line;
   if (text.size() <= (line.size() - slack) / replacement.size()) {
-    const char16_t* const end = copyReplaced(text, set, replacement, line.data());
+    const char16_t* const end = copyReplaced<membership>(text, set, replacement, line.data());
     buffer.replace(0, text.size(), {line.data(), end});
     return;
   }
-  const std::size_t length = lengthOfReplaced(text, set, replacement);
+  const std::size_t length = lengthOfReplaced(text, set, membership, replacement);
   NSUnitBuffer result;
-  copyReplaced(text, set, replacement, result.extend(length + slack));
-  result.truncate(length);
+  char16_t* const start = result.extend(length + slack);
+  const char16_t* const end = copyReplaced<membership>(text, set, replacement, start);
+  result.truncate(static_cast<std::size_t>(end - start));
   buffer = std::move(result);
 }
 
-}  // namespace
-
-void ZKReplaceCharactersInCharacterSet(const NSRef<NSMutableString>& string,
-                                       const NSRef<NSCharacterSet>& set,
-                                       const NSRef<NSString>& replacement) {
-  const std::u16string_view substitute = NSViewOf(replacement);
-  if (substitute.empty()) return ZKRemoveCharactersInCharacterSet(string, set);
-  NSUnitBuffer& buffer = string->units();
-  if (!set) return;
-  if (NSFirstMember(*set, buffer.view(), 0, units) == std::u16string_view::npos) return;
-  replaceMembers(buffer, *set, substitute);
-}
-
-void ZKRemoveCharactersInCharacterSet(const NSRef<NSMutableString>& string,
-                                      const NSRef<NSCharacterSet>& set) {
-  NSUnitBuffer& buffer = string->units();
-  if (!set) return;
-  const std::size_t first = NSFirstMember(*set, buffer.view(), 0, units);
+void removeMembers(NSUnitBuffer& buffer, const NSCharacterSet& set, NSMembership membership) {
+  const std::size_t first = NSFirstMember(set, buffer.view(), 0, membership);
   if (first == std::u16string_view::npos) return;
   const std::size_t kept =
-      NSCopyNonMembers(*set, buffer.view().substr(first), units, buffer.data() + first);
+      NSCopyNonMembers(set, buffer.view().substr(first), membership, buffer.data() + first);
   buffer.truncate(first + kept);
 }
 
-NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace(
-    std::pmr::memory_resource* allocator, const NSRef<NSString>& string,
-    const NSRef<NSCharacterSet>& separators, bool trimsWhitespace) {
+NSRef<NSMutableArray> componentsOf(std::pmr::memory_resource* allocator,
+                                   const NSRef<NSString>& string, const NSCharacterSet* separators,
+                                   NSMembership membership, bool trimsWhitespace) {
   const std::u16string_view text = string->view();
   // The components of a line need no memory but this.
   std::array<std::byte, 1024> room;
@@ -113,7 +103,7 @@ NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitesp
     if (place > start) components.push_back(text.substr(start, place - start));
     start = place + 1;
   };
-  if (separators) NSForEachMember(*separators, text, units, end);
+  if (separators != nullptr) NSForEachMember(*separators, text, membership, end);
   end(text.size());
 
   const auto& whitespace = *NSCharacterSet::whitespaceCharacterSet();
@@ -131,6 +121,29 @@ NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitesp
   return NSMake<NSMutableArray>(std::move(strings));
 }
 
+}  // namespace
+
+void ZKReplaceCharactersInCharacterSet(const NSRef<NSMutableString>& string,
+                                       const NSRef<NSCharacterSet>& set,
+                                       const NSRef<NSString>& replacement) {
+  const std::u16string_view substitute = NSViewOf(replacement);
+  if (substitute.empty()) return ZKRemoveCharactersInCharacterSet(string, set);
+  NSUnitBuffer& buffer = string->units();
+  if (set) replaceMembers<units>(buffer, *set, substitute);
+}
+
+void ZKRemoveCharactersInCharacterSet(const NSRef<NSMutableString>& string,
+                                      const NSRef<NSCharacterSet>& set) {
+  NSUnitBuffer& buffer = string->units();
+  if (set) removeMembers(buffer, *set, units);
+}
+
+NSRef<NSMutableArray> ZKStringCreateComponentsSeparatedByCharacterSetTrimWhitespace(
+    std::pmr::memory_resource* allocator, const NSRef<NSString>& string,
+    const NSRef<NSCharacterSet>& separators, bool trimsWhitespace) {
+  return componentsOf(allocator, string, separators.get(), units, trimsWhitespace);
+}
+
 namespace ZKFoundationExtensions {
 
 void replaceOccurrencesOfCharactersInSet_withString(const NSRef<NSMutableString>& string,
@@ -144,6 +157,22 @@ void removeCharactersInCharacterSet(const NSRef<NSMutableString>& string,
                                     const NSRef<NSCharacterSet>& set) {
   NSCheckArgument("removeCharactersInCharacterSet:", "string", string);
   ZKRemoveCharactersInCharacterSet(string, set);
+}
+
+void replaceWholeCharactersInSet_withString(const NSRef<NSMutableString>& string,
+                                            const NSRef<NSCharacterSet>& set,
+                                            const NSRef<NSString>& replacement) {
+  NSCheckArgument("replaceWholeCharactersInSet:withString:", "string", string);
+  const std::u16string_view substitute = NSViewOf(replacement);
+  if (!set) return;
+  if (substitute.empty()) return removeMembers(string->units(), *set, NSMembership::characters);
+  replaceMembers<NSMembership::characters>(string->units(), *set, substitute);
+}
+
+NSRef<NSMutableArray> componentsSeparatedByWholeCharactersInSet_trimWhitespace(
+    const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set, bool trimsWhitespace) {
+  NSCheckArgument("componentsSeparatedByWholeCharactersInSet:trimWhitespace:", "string", string);
+  return componentsOf(nullptr, string, set.get(), NSMembership::characters, trimsWhitespace);
 }
 
 NSRef<NSMutableString> stringByRemovingCharactersInSet_options(const NSRef<NSString>& string,

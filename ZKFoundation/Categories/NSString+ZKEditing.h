@@ -46,6 +46,19 @@ ZK_EXPORT void replaceOccurrencesOfCharactersInSet_withString(const NSRef<NSMuta
 ZK_EXPORT void removeCharactersInCharacterSet(const NSRef<NSMutableString>& string,
                                               const NSRef<NSCharacterSet>& set);
 
+/// Replaces in place every character that is a member of the set, a surrogate pair as one; a nil or
+/// empty replacement deletes them. Otherwise as `ZKReplaceCharactersInCharacterSet`.
+ZK_EXPORT void replaceWholeCharactersInSet_withString(const NSRef<NSMutableString>& string,
+                                                      const NSRef<NSCharacterSet>& set,
+                                                      const NSRef<NSString>& replacement);
+
+/// Splits at characters, a surrogate pair as one, and otherwise as
+/// `componentsSeparatedByCharactersInSet_trimWhitespace` does.
+[[nodiscard]] ZK_EXPORT NSRef<NSMutableArray>
+componentsSeparatedByWholeCharactersInSet_trimWhitespace(const NSRef<NSString>& string,
+                                                         const NSRef<NSCharacterSet>& set,
+                                                         bool trimsWhitespace);
+
 /// Gives the string without the members of the set; a surrogate pair is one member. With
 /// `NSAnchoredSearch` only the members at the very beginning go; `NSBackwardsSearch` means nothing.
 [[nodiscard]] ZK_EXPORT NSRef<NSMutableString> stringByRemovingCharactersInSet_options(

@@ -180,6 +180,24 @@ TEST(NSStringEditing, AsksAboutPairsInOnePlaceAndHalvesInTheOther) {
   EXPECT_PRED2(areDistinct, copy, emoji);
   EXPECT_TRUE(copy->isEqualToString(emoji));
   EXPECT_PRED2(areSame, stringByReplacingCharactersInSet_withString(emoji, halves, u"x"_ns), emoji);
+
+  for (const char* const replacement : {"", "<>", "much longer than a block"}) {
+    for (const std::size_t length : {1U, 600U}) {
+      std::u16string text;
+      std::u16string expected;
+      while (text.size() < length) {
+        text += u"a\U0001F600\xDE00\U0001F600\U0001F601";
+        const auto by = std::u16string(*string(replacement));
+        expected.append(u"a").append(by).append(u"\xDE00").append(by).append(u"\U0001F601");
+      }
+      auto edited = NSMake<NSMutableString>(text);
+      replaceWholeCharactersInSet_withString(edited, pairs, string(replacement));
+      EXPECT_EQ(edited, expected);
+    }
+  }
+  const auto parts =
+      componentsSeparatedByWholeCharactersInSet_trimWhitespace(u"a\U0001F600 b"_ns, pairs, true);
+  EXPECT_EQ(parts->description(), u"(a, b)");
 }
 
 TEST(NSStringEditing, FindsTheRunAroundAnIndex) {

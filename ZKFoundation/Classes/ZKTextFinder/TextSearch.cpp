@@ -122,7 +122,8 @@ void ZKTextSearch::forEach(NSBlockRef<void(NSRange)> visit) {
       if (accepts(match)) visit(match);
     }
   };
-  NSVisitOccurrences(text(), _subject.needle->view(), _subject.options, visitAccepted);
+  NSVisitOccurrences(text(), _subject.needle->view(), _subject.options, {0, text().size()},
+                     visitAccepted);
 }
 
 void ZKTextSearch::forEachIn(NSRange range, NSBlockRef<void(NSRange)> visit) {
