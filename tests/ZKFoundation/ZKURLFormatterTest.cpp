@@ -71,6 +71,26 @@ TEST(ZKURLFormatter, RefusesSchemesThatAreNotAllowed) {
   EXPECT_EQ(parse(formatter, string("mailto:someone")).second, "Invalid URL");
 }
 
+TEST(ZKURLFormatter, TellsWhyItRefuses) {
+  const auto formatter = NSMake<ZKURLFormatter>();
+  for (const auto& [text, refusal] : Rows<NSRef<NSString>, ZKURLRefusal>{
+           {nullptr, ZKURLAccepted},
+           {u"a.b"_ns, ZKURLAccepted},
+           {NSMake<NSString>(std::u16string_view(u"/a\0b", 4)), ZKURLInvalidPath},
+           {u"a.b/c d"_ns, ZKURLInvalidSyntax},
+           {u"localhost"_ns, ZKURLWithoutScheme},
+           {u"mailto:someone"_ns, ZKURLWithoutHost},
+           {u"file:///tmp"_ns, ZKURLWithoutHost},
+           {u"ftp://a.b"_ns, ZKURLSchemeNotAllowed},
+       }) {
+    EXPECT_EQ(formatter->refusalOfString(text), refusal) << text;
+  }
+  NSRef<NSObject> object = u"ftp://a.b"_ns;
+  EXPECT_EQ(formatter->refusalOfString_objectValue(object.as<NSString>(), object),
+            ZKURLSchemeNotAllowed);
+  EXPECT_EQ(shown(object), "ftp://a.b");
+}
+
 TEST(ZKURLFormatter, MayGetItsTextFromWhereItsAnswersGo) {
   const auto formatter = NSMake<ZKURLFormatter>();
   NSRef<NSString> text = u"ftp://a.b"_ns;

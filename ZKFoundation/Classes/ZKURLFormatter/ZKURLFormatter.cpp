@@ -11,10 +11,8 @@ namespace {
 
 [[gnu::constructor]] void registerClass() { NSKeyedUnarchiver::registerClass<ZKURLFormatter>(); }
 
-const NSRef<NSString>& invalidURL() { return NSConstantString<u"Invalid URL">(); }
-
-NSRef<NSString> invalidPathUnless(const NSRef<NSObject>& object) {
-  return object ? nullptr : u"Invalid filesystem path"_ns;
+ZKURLRefusal invalidPathUnless(const NSRef<NSObject>& object) {
+  return object ? ZKURLAccepted : ZKURLInvalidPath;
 }
 
 }  // namespace
@@ -53,19 +51,27 @@ NSRef<NSString> ZKURLFormatter::stringForObjectValue(const NSRef<NSObject>& obje
 bool ZKURLFormatter::getObjectValue_forString_errorDescription(NSRef<NSObject>& object,
                                                                const NSRef<NSString>& string,
                                                                NSRef<NSString>* error) const {
+  const ZKURLRefusal refusal = refusalOfString_objectValue(string, object);
+  if (error != nullptr) *error = reasonOf(refusal);
+  return refusal == ZKURLAccepted;
+}
+
+ZKURLRefusal ZKURLFormatter::refusalOfString_objectValue(const NSRef<NSString>& string,
+                                                         NSRef<NSObject>& object) const {
   // The text may be in the reference that is about to be changed.
   const auto text = string ? string->copy() : u""_ns;
   object = nullptr;
-  const NSRef<NSString> reason = objectForAddress(object, text);
-  const bool isAccepted = !reason;
-  if (error != nullptr) *error = reason;
-  return isAccepted;
+  return readAddress(text, object);
 }
 
-// Sets the object and gives the reason for a refusal, nil for none.
-NSRef<NSString> ZKURLFormatter::objectForAddress(NSRef<NSObject>& object,
-                                                 const NSRef<NSString>& string) const {
-  if (string->length() == 0) return nullptr;
+ZKURLRefusal ZKURLFormatter::refusalOfString(const NSRef<NSString>& string) const {
+  NSRef<NSObject> object;
+  return refusalOfString_objectValue(string, object);
+}
+
+ZKURLRefusal ZKURLFormatter::readAddress(const NSRef<NSString>& string,
+                                         NSRef<NSObject>& object) const {
+  if (string->length() == 0) return ZKURLAccepted;
   if (string->view().starts_with(u'/')) {
     object = NSURL::fileURLWithPath(string);
     return invalidPathUnless(object);
@@ -78,14 +84,28 @@ NSRef<NSString> ZKURLFormatter::objectForAddress(NSRef<NSObject>& object,
   auto url = NSURL::URLWithString(string);
   auto scheme = url ? url->scheme() : nullptr;
   if (url && !scheme) {
-    if (string->view().find(u'.') == std::u16string_view::npos) return invalidURL();
+    if (string->view().find(u'.') == std::u16string_view::npos) return ZKURLWithoutScheme;
     static const NSNeverDestroyed<NSRef<NSString>> http(u"http://"_ns);
     url = NSURL::URLWithString((*http)->stringByAppendingString(string));
     scheme = url ? url->scheme() : nullptr;
   }
   object = url;
-  if (!url || !url->hasHierarchy() || NSViewOf(url->host()).empty()) return invalidURL();
-  if (!_allowedSchemes || _allowedSchemes->containsObject(scheme)) return nullptr;
-  return u"URL protocol must be %@"_ns->stringByAppendingString(
-      _allowedSchemes->componentsJoinedByString(u", "_ns));
+  if (!url) return ZKURLInvalidSyntax;
+  if (!url->hasHierarchy() || NSViewOf(url->host()).empty()) return ZKURLWithoutHost;
+  const bool isAllowed = !_allowedSchemes || _allowedSchemes->containsObject(scheme);
+  return isAllowed ? ZKURLAccepted : ZKURLSchemeNotAllowed;
+}
+
+NSRef<NSString> ZKURLFormatter::reasonOf(ZKURLRefusal refusal) const {
+  switch (refusal) {
+    case ZKURLAccepted:
+      return nullptr;
+    case ZKURLInvalidPath:
+      return u"Invalid filesystem path"_ns;
+    case ZKURLSchemeNotAllowed:
+      return u"URL protocol must be %@"_ns->stringByAppendingString(
+          _allowedSchemes->componentsJoinedByString(u", "_ns));
+    default:
+      return NSConstantString<u"Invalid URL">();
+  }
 }

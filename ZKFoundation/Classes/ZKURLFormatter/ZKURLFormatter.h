@@ -6,6 +6,21 @@
 class NSArray;
 class NSString;
 
+/// Says why a typed text is refused.
+enum ZKURLRefusal : NSInteger {
+  ZKURLAccepted = 0,
+  /// No file can have the path.
+  ZKURLInvalidPath = 1,
+  /// The text is no URL: there is a blank in it, or a letter outside ASCII.
+  ZKURLInvalidSyntax = 2,
+  /// There is neither a scheme nor a ".", by which a host is told from a word.
+  ZKURLWithoutScheme = 3,
+  /// There is a scheme but no host, or no path: "file:///tmp", "mailto:someone".
+  ZKURLWithoutHost = 4,
+  /// The scheme is not among the allowed ones.
+  ZKURLSchemeNotAllowed = 5,
+};
+
 /// Reads what a user types into a field for web addresses and files, and writes URLs for it.
 class ZK_EXPORT ZKURLFormatter : public NSFormatter {
  public:
@@ -42,14 +57,22 @@ class ZK_EXPORT ZKURLFormatter : public NSFormatter {
                                                  const NSRef<NSString>& string,
                                                  NSRef<NSString>* error) const override;
 
+  /// Reads the text as `getObjectValue_forString_errorDescription` does, which makes its reason of
+  /// this code: the next three of `ZKURLInvalidPath` are all "Invalid URL".
+  [[nodiscard]] ZKURLRefusal refusalOfString_objectValue(const NSRef<NSString>& string,
+                                                         NSRef<NSObject>& object) const;
+  /// Tells why the text is refused.
+  [[nodiscard]] ZKURLRefusal refusalOfString(const NSRef<NSString>& string) const;
+
   /// Writes the schemes.
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
   /// Publishes "allowedSchemes" besides what every object does.
   [[nodiscard]] const NSPropertyTable& propertyTable() const override;
 
  private:
-  [[nodiscard]] NSRef<NSString> objectForAddress(NSRef<NSObject>& object,
-                                                 const NSRef<NSString>& string) const;
+  [[nodiscard]] ZKURLRefusal readAddress(const NSRef<NSString>& string,
+                                         NSRef<NSObject>& object) const;
+  [[nodiscard]] NSRef<NSString> reasonOf(ZKURLRefusal refusal) const;
 
   NSRef<NSArray> _allowedSchemes;
 };
