@@ -38,6 +38,23 @@ NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url, const NSRef<N
   return NSURL::fileURLWithPath(freeStem->stringByAppendingPathExtension(path->pathExtension()));
 }
 
+bool isSafeToOpen(const NSRef<NSURL>& url) {
+  if (!url || !url->scheme()) return false;
+  const auto is = [](const NSRef<NSString>& text, const NSRef<NSString>& other) {
+    return text->caseInsensitiveCompare(other) == NSOrderedSame;
+  };
+  const auto scheme = url->scheme();
+  const auto host = url->host();
+  const bool hasHost = !NSViewOf(host).empty();
+  if (is(scheme, u"http"_ns) || is(scheme, u"https"_ns)) return hasHost;
+  if (is(scheme, u"mailto"_ns)) {
+    const auto recipient = url->absoluteString()->view().substr(scheme->length() + 1);
+    return !url->hasHierarchy() && !recipient.empty() && recipient.front() != u'?';
+  }
+  const bool isHere = !hasHost || is(host, u"localhost"_ns);
+  return is(scheme, u"file"_ns) && isHere && url->fileSystemPath().is_absolute();
+}
+
 bool isSecurityScoped(const NSRef<NSURL>& url) {
   NSCheckArgument("isSecurityScoped", "url", url);
   const auto query = url->query();

@@ -4,7 +4,7 @@
 #include <Foundation/NSURL.h>
 #include <ZKFoundation/ZKExport.h>
 
-// A nil receiver raises `NSInvalidArgumentException`.
+// A nil receiver raises `NSInvalidArgumentException` unless it says otherwise.
 
 namespace ZKFoundationExtensions {
 
@@ -19,6 +19,12 @@ namespace ZKFoundationExtensions {
 /// the result ends with "/" if there is a directory.
 [[nodiscard]] ZK_EXPORT NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url,
                                                                   const NSRef<NSArray>& urls);
+
+/// Whether the URL may be handed to the desktop to be opened, wherever it comes from: "http" and
+/// "https" with a host, "mailto" with a recipient, and "file" with an absolute path of this machine
+/// (no host, or "localhost"); schemes in any letter case. All others, such as "javascript" and
+/// "ssh", could run something, and are false; so is nil. Whether there is such a file is not asked.
+[[nodiscard]] ZK_EXPORT bool isSafeToOpen(const NSRef<NSURL>& url);
 
 /// Whether the query has "applesecurityscope=", or there is no query.
 [[nodiscard]] ZK_EXPORT bool isSecurityScoped(const NSRef<NSURL>& url);

@@ -80,4 +80,18 @@ TEST(NSURLExtensions, StripTheSecurityScope) {
   }
 }
 
+TEST(NSURLExtensions, KnowWhatMayBeOpened) {
+  for (const char* const text :
+       {"http://a.b", "HTTPS://a.b/c?d", "mailto:someone@a.b", "MailTo:a?subject=b", "file:///tmp",
+        "file:/tmp", "FILE://LocalHost/tmp"}) {
+    EXPECT_TRUE(isSafeToOpen(NSURL::URLWithString(string(text)))) << text;
+  }
+  for (const char* const text : {"a.b", "//a.b/c", "http:", "http:///a", "mailto:", "mailto:?cc=a",
+                                 "mailto://a", "file:tmp", "file://server/tmp", "javascript:a",
+                                 "ssh://-oProxyCommand=a/b", "ftp://a.b", "httpx://a"}) {
+    EXPECT_FALSE(isSafeToOpen(NSURL::URLWithString(string(text)))) << text;
+  }
+  EXPECT_FALSE(isSafeToOpen(nullptr));
+}
+
 }  // namespace
