@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSExport.h>
@@ -85,6 +86,12 @@ class NS_EXPORT NSFileManager : public NSObject {
   bool createDirectoryAtURL_withIntermediateDirectories_attributes_error(
       const NSRef<NSURL>& url, bool createIntermediates, const NSRef<NSDictionary>& attributes,
       NSRef<NSError>* error) const;
+
+  /// Makes a new file with the contents; nil has none. Never touches what stands there already, not
+  /// even a symbolic link: that is `NSFileWriteFileExistsError`, and of any number of threads and
+  /// processes one alone makes the file. One that cannot be written whole is removed again.
+  bool createNewFileAtURL_contents_error(const NSRef<NSURL>& url, const NSRef<NSData>& contents,
+                                         NSRef<NSError>* error) const;
 
   /// Tells type, size and permissions of what stands at the path; a symbolic link is not followed.
   [[nodiscard]] NSRef<NSDictionary> attributesOfItemAtPath_error(const NSRef<NSString>& path,

@@ -2,12 +2,14 @@
 
 #include <vector>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <Foundation/Files/FileError.h>
 #include <Foundation/Files/FilePaths.h>
 #include <Foundation/Files/Posix.h>
 #include <Foundation/Files/StandardDirectories.h>
+#include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSNeverDestroyed.h>
@@ -20,6 +22,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr mode_t everything = 0777;
+constexpr mode_t readAndWrite = 0666;
 constexpr mode_t permissionBits = 07777;
 
 // Makes directories, and removes those that it has made unless it is told to keep them.
@@ -143,6 +146,24 @@ bool NSFileManager::createDirectoryAtURL_withIntermediateDirectories_attributes_
     // The file mode creation mask has taken its part.
     if (permissions && maker.hasMade(path) && chmod(path.c_str(), mode) != 0) NSFailWithPath(path);
     maker.keep();
+    return true;
+  });
+}
+
+bool NSFileManager::createNewFileAtURL_contents_error(const NSRef<NSURL>& url,
+                                                      const NSRef<NSData>& contents,
+                                                      NSRef<NSError>* error) const {
+  if (!url) NSRaiseNilArgument("url", "createNewFileAtURL:contents:error:");
+  return NSReportFailure(error, NSFileUse::writing, [&] {
+    const fs::path path = NSPathOfFile(url, NSFileUse::writing);
+    NSFileDescriptor file(path, O_WRONLY | O_CREAT | O_EXCL, readAndWrite);
+    try {
+      if (contents) file.writeAll(contents->bytes());
+      file.close();
+    } catch (const fs::filesystem_error&) {
+      unlink(path.c_str());
+      throw;
+    }
     return true;
   });
 }
