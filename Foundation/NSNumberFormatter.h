@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include <Foundation/NSExport.h>
@@ -81,6 +82,11 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   void appendNumber(double value, NSUnitBuffer& text) const;
   /// Gives the text of a number; nil for nil. "NaN" and "∞" are written as the locale writes them.
   [[nodiscard]] NSRef<NSString> stringFromNumber(const NSRef<NSNumber>& number) const;
+  /// Takes a number off the start of the text, and gives it; nothing, with the text as it was, when
+  /// there is none. It is written as the locale does, the separators of groups where they belong or
+  /// left out, with digits of any script; exponents, "NaN" and "∞" are not read, nor what is too
+  /// large for a double. Takes no notice of the settings.
+  [[nodiscard]] std::optional<double> takeNumber(std::u16string_view& text) const;
   /// Gives the text of a number, nil for anything else.
   [[nodiscard]] NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;
 

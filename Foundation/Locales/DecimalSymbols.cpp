@@ -74,6 +74,31 @@ void appendCharacter(char32_t character, NSUnitBuffer& text) {
 
 bool isDigit(char unit) { return unit >= '0' && unit <= '9'; }
 
+bool isOneOf(char16_t unit, std::u16string_view units) {
+  return units.find(unit) != std::u16string_view::npos;
+}
+
+// What people type for one another.
+constexpr std::u16string_view spaces = u" \u00A0\u2009\u202F";
+constexpr std::u16string_view apostrophes = u"'\u2019";
+
+// Marks of the writing direction, which some locales have beside the sign.
+void skipDirections(std::u16string_view& text) {
+  while (!text.empty() && isOneOf(text[0], u"\u200E\u200F\u061C")) text.remove_prefix(1);
+}
+
+bool takeMinus(std::u16string_view& text, std::u16string_view minus) {
+  if (text.starts_with(minus)) {
+    text.remove_prefix(minus.size());
+    return true;
+  }
+  skipDirections(text);
+  if (text.empty() || !isOneOf(text[0], u"-\u2212")) return false;
+  text.remove_prefix(1);
+  skipDirections(text);
+  return true;
+}
+
 }  // namespace
 
 NSDecimalSymbols::NSDecimalSymbols(const std::string& locale) : _locale(localeForNumbers(locale)) {
@@ -135,4 +160,74 @@ void NSDecimalSymbols::append(std::string_view decimal, bool isGrouped, NSUnitBu
       *text.extend(1) = static_cast<char16_t>(static_cast<unsigned char>(unit));
     }
   }
+}
+
+int NSDecimalSymbols::valueOfDigit(char32_t character) const {
+  if (character >= U'0' && character <= U'9') return static_cast<int>(character - U'0');
+  const auto* const digit = std::ranges::find(_digits, character);
+  return digit != _digits.end() ? static_cast<int>(digit - _digits.begin())
+                                : NSDecimalDigitValue(character);
+}
+
+// Moves digits to the end of the number, and gives how many there were.
+std::size_t NSDecimalSymbols::takeDigits(std::u16string_view& text, std::string& decimal) const {
+  const std::size_t before = decimal.size();
+  while (!text.empty()) {
+    std::u16string_view rest = text;
+    const int value = valueOfDigit(NSTakeCharacter(rest));
+    if (value < 0) break;
+    decimal.push_back(static_cast<char>('0' + value));
+    text = rest;
+  }
+  return decimal.size() - before;
+}
+
+bool NSDecimalSymbols::takeSeparator(std::u16string_view& text) const {
+  if (_lastGroup == 0 || text.empty() || _separator.empty()) return false;
+  for (const auto& kind : {spaces, apostrophes}) {
+    if (!isOneOf(_separator[0], kind) || !isOneOf(text[0], kind)) continue;
+    text.remove_prefix(1);
+    return true;
+  }
+  if (!text.starts_with(_separator)) return false;
+  text.remove_prefix(_separator.size());
+  return true;
+}
+
+void NSDecimalSymbols::takeWholeDigits(std::u16string_view& text, std::string& decimal) const {
+  std::size_t group = takeDigits(text, decimal);
+  const std::u16string_view afterFirst = text;
+  const std::size_t sizeOfFirst = decimal.size();
+  bool fits = group != 0 && group <= _otherGroups;
+  bool hasGroups = false;
+  for (std::u16string_view rest = text; takeSeparator(rest); text = rest) {
+    const std::size_t next = takeDigits(rest, decimal);
+    if (next == 0) break;
+    fits = fits && (!hasGroups || group == _otherGroups);
+    hasGroups = true;
+    group = next;
+  }
+  if (hasGroups && (!fits || group != _lastGroup)) {
+    text = afterFirst;
+    decimal.resize(sizeOfFirst);
+  }
+}
+
+std::string NSDecimalSymbols::take(std::u16string_view& text) const {
+  std::u16string_view rest = text;
+  std::string decimal(takeMinus(rest, _minus) ? "-" : "");
+  const std::size_t start = decimal.size();
+  takeWholeDigits(rest, decimal);
+  if (rest.starts_with(_point)) {
+    std::u16string_view fraction = rest.substr(_point.size());
+    decimal.push_back('.');
+    if (takeDigits(fraction, decimal) != 0) {
+      rest = fraction;
+    } else {
+      decimal.pop_back();
+    }
+  }
+  if (decimal.size() == start) return {};
+  text = rest;
+  return decimal;
 }

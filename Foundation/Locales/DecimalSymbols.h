@@ -19,7 +19,18 @@ class NSDecimalSymbols {
   /// neither digit, "-" in front nor "." stays as it is.
   void append(std::string_view decimal, bool isGrouped, NSUnitBuffer& text) const;
 
+  /// Takes a number off the start of the text and gives it as `append` takes it, or nothing when
+  /// there is none. Besides what that writes it knows the digits of every script, "-", and for
+  /// separators that are spaces or apostrophes others of their kind. Groups may be left out; a
+  /// separator that has no whole group after it ends the number.
+  [[nodiscard]] std::string take(std::u16string_view& text) const;
+
  private:
+  [[nodiscard]] int valueOfDigit(char32_t character) const;
+  std::size_t takeDigits(std::u16string_view& text, std::string& decimal) const;
+  [[nodiscard]] bool takeSeparator(std::u16string_view& text) const;
+  void takeWholeDigits(std::u16string_view& text, std::string& decimal) const;
+
   std::string _locale;
   std::array<char32_t, 10> _digits{};
   std::u16string _minus;

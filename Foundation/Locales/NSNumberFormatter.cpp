@@ -318,6 +318,17 @@ bool NSNumberFormatter::appendQuickly(double value, NSUnitBuffer& text) const {
   return true;
 }
 
+std::optional<double> NSNumberFormatter::takeNumber(std::u16string_view& text) const {
+  std::u16string_view rest = text;
+  const std::string decimal = NSAccess::decimalSymbols(*_locale).take(rest);
+  double number = 0;
+  const auto read = std::from_chars(decimal.data(), decimal.data() + decimal.size(), number,
+                                    std::chars_format::fixed);
+  if (read.ec != std::errc()) return std::nullopt;
+  text = rest;
+  return number;
+}
+
 NSRef<NSString> NSNumberFormatter::stringForObjectValue(const NSRef<NSObject>& object) const {
   return stringFromNumber(object.as<NSNumber>());
 }

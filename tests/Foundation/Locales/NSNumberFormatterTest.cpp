@@ -150,8 +150,40 @@ TEST(NSNumberFormatter, WritesAsICUDoesInEveryLocale) {
     Reference reference(u".### rounding-mode-half-even", identifier);
     for (const char* const number : {"0", "-7", "123", "1234", "-1234.5", "12345", "123456.789",
                                      "1234567", "-12345678901.25"}) {
-      ASSERT_EQ(text(formatter, std::stod(number)), reference.text(number)) << identifier;
+      const auto written = formatter->stringFromNumber(NSMake<NSNumber>(std::stod(number)));
+      ASSERT_EQ(written->utf8(), reference.text(number)) << identifier;
+      std::u16string_view rest = written->view();
+      ASSERT_EQ(formatter->takeNumber(rest), std::stod(number)) << identifier;
+      ASSERT_TRUE(rest.empty()) << identifier;
     }
+  }
+}
+
+TEST(NSNumberFormatter, TakesNumbersOffTexts) {
+  for (const auto& [identifier, text, number, rest] :
+       Rows<const char*, std::u16string, std::optional<double>, std::u16string>{
+           {"en", u"1,234.50 a", 1234.5, u" a"},
+           {"en", u"1234.", 1234, u"."},
+           {"en", u".5", 0.5, u""},
+           {"en", u"\u22121,234,567", -1234567, u""},
+           {"en", u"1,5", 1, u",5"},
+           {"en", u"1234,567", 1234, u",567"},
+           {"en", u"1,23,456", 1, u",23,456"},
+           {"en", u"1e5", 1, u"e5"},
+           {"en", u"\u0661\u0662", 12, u""},
+           {"hi", u"12,34,567", 1234567, u""},
+           {"es", u"1.000", 1000, u""},
+           {"fr", u"1 234,5", 1234.5, u""},
+           {"fr", u"1\u00A0234 5", 1, u"\u00A0234 5"},
+           {"de_CH", u"1'234.5", 1234.5, u""},
+           {"zh@numbers=hanidec", u"一二", 12, u""},
+           {"en", u"- 1", {}, u"- 1"},
+           {"en", u"+1", {}, u"+1"},
+           {"en", std::u16string(400, u'9'), {}, std::u16string(400, u'9')},
+       }) {
+    std::u16string_view left = text;
+    EXPECT_EQ(decimalFormatter(identifier)->takeNumber(left), number) << NSUTF8FromUnits(text);
+    EXPECT_EQ(left, rest);
   }
 }
 
