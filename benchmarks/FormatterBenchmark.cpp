@@ -1,6 +1,8 @@
 #include "benchmarks/Support.h"
 
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -115,6 +117,69 @@ void addSizes() {
            }),
            isText, details);
   }
+}
+
+// Reads the sizes that are written above; the answer is their sum in bytes.
+void addSizeReading() {
+  const auto details = RowDetails{.calls = sizeCount};
+  const auto formatter = NSMake<ZKUnitOfInformationFormatter>();
+  formatter->numberFormatter()->setLocale(NSLocale::localeWithLocaleIdentifier(u"en_US"_ns));
+  std::vector<NSRef<NSString>> texts;
+  std::vector<std::string> bytes;
+  double sum = 0;
+  for (const std::int64_t bits : sizes()) {
+    texts.push_back(formatter->stringFromNumberOfBits(NSMake<NSNumber>(bits)));
+    bytes.push_back(texts.back()->utf8());
+    std::erase(bytes.back(), ',');
+    sum += static_cast<double>(bits) / 8;
+  }
+  const auto isSum = [=](double read) { return std::abs(read - sum) < sum / 100; };
+  addRow(
+      "SizeReading/ZK",
+      [=] {
+        double total = 0;
+        for (const auto& text : texts) {
+          const auto bits = formatter->numberOfBitsFromString_stoppedAt(text, nullptr);
+          total += bits->doubleValue() / 8;
+        }
+        return total;
+      },
+      isSum, details);
+  // The factor of the unit, by its first letter.
+  const auto factorOf = [](auto unit) {
+    constexpr std::string_view prefixes = "bKMGTPE";
+    return std::ldexp(1.0, 10 * static_cast<int>(prefixes.find(static_cast<char>(unit))));
+  };
+  UErrorCode status = U_ZERO_ERROR;
+  UNumberFormat* const number = unum_open(UNUM_DECIMAL, nullptr, 0, "en_US", nullptr, &status);
+  addRow(
+      "SizeReading/ICU",
+      [=] {
+        double total = 0;
+        for (const auto& text : texts) {
+          std::int32_t at = 0;
+          UErrorCode error = U_ZERO_ERROR;
+          const auto view = text->view();
+          const double value = unum_parseDouble(
+              number, view.data(), static_cast<std::int32_t>(view.size()), &at, &error);
+          total += value * factorOf(view[static_cast<std::size_t>(at) + 1]);
+        }
+        return total;
+      },
+      isSum, details);
+  // No locale, no separators.
+  addRow(
+      "SizeReading/Std",
+      [=] {
+        double total = 0;
+        for (const std::string& text : bytes) {
+          double value = 0;
+          const auto end = std::from_chars(text.data(), text.data() + text.size(), value).ptr;
+          total += value * factorOf(end[1]);
+        }
+        return total;
+      },
+      isSum, details);
 }
 
 constexpr std::array<const char*, 8> addresses = {"www.example.org",
@@ -302,6 +367,7 @@ void addNumbers() {
 
 const bool isRegistered = [] {
   addSizes();
+  addSizeReading();
   addAddresses();
   addArchives();
   addLookUp();

@@ -185,6 +185,70 @@ TEST(ZKUnitOfInformationFormatter, FollowsTheLocaleAndTheTablesOfTheProgram) {
   EXPECT_EQ(text(NSMake<ZKUnitOfInformationFormatter>(), 8000), "1000 bytes");
 }
 
+TEST(ZKUnitOfInformationFormatter, ReadsSizes) {
+  // What is read, or where it stopped.
+  const auto read = [](const NSRef<ZKUnitOfInformationFormatter>& sizes,
+                       const std::u16string& text) {
+    NSUInteger index = NSNotFound;
+    const auto bits = sizes->numberOfBitsFromString_stoppedAt(NSMake<NSString>(text), &index);
+    EXPECT_TRUE(!bits || index == text.size());
+    return bits ? bits->stringValue()->utf8() : "stopped at " + std::to_string(index);
+  };
+  for (const auto& [language, text, result] : Rows<const char*, std::u16string, const char*>{
+           {"en", u"1.5 KB", "12288"},
+           {"en", u" 1.5KB\t", "12288"},
+           {"en", u"-8 bytes", "-64"},
+           {"en", u"124.88 bytes", "999"},
+           {"en", u"1 EB", "9.223372036854776e+18"},
+           {"en", u"1.5", "stopped at 3"},
+           {"en", u"1,5 KB", "stopped at 1"},
+           {"en", u"1.5 KiB", "stopped at 4"},
+           {"en", u"1.5 KBs", "stopped at 6"},
+           {"fr", u"12,3 Mo", "103179878"},
+           {"fr", u"12,3\u00A0MB", "103179878"},
+           {"fr", u"1 023 octets", "8184"},
+           {"ar_EG", u"KB \u200F١٫٥", "12288"},
+           {"ar_EG", u"KB 1٫5", "12288"},
+           {"ar_EG", u"1٫5 KB", "stopped at 0"},
+       }) {
+    const Habits habits(language, language);
+    EXPECT_EQ(read(NSMake<ZKUnitOfInformationFormatter>(), text), result) << NSUTF8FromUnits(text);
+  }
+  const Habits habits("en");
+  EXPECT_EQ(read(formatter(true, false, true), u"1.5 KiB"), "12000");
+  EXPECT_EQ(read(formatter(false, true, false), u"1.5 kbit"), "1536");
+  EXPECT_EQ(read(formatter(false, true, false), u"2 (null)"), "2305843009213693952");
+  EXPECT_FALSE(
+      NSMake<ZKUnitOfInformationFormatter>()->numberOfBitsFromString_stoppedAt(nullptr, nullptr));
+}
+
+TEST(ZKUnitOfInformationFormatter, ReadsWhatItWrites) {
+  for (const char* const language : {"en", "fr", "ar_EG", "de_CH", "hi"}) {
+    const Habits habits(language, language);
+    expectProperty(std::string("a size comes back in ") + language, [](std::int64_t any) {
+      const auto switches = *rc::gen::inRange(0, 8);
+      const auto sizes = formatter((switches & 1) != 0, (switches & 2) != 0, (switches & 4) != 0);
+      const auto bits = any >> *rc::gen::inRange(0, 60);
+      const auto written = sizes->stringFromNumberOfBits(NSMake<NSNumber>(bits));
+      const auto read = sizes->numberOfBitsFromString_stoppedAt(written, nullptr);
+      RC_ASSERT(read.get() != nullptr);
+      const double unit = sizes->displaysInTermsOfBytes() ? 8 : 1;
+      if (static_cast<double>(bits) < sizes->scaleFactorForPrefix(0) * unit) {
+        // Doubles have no room for all thousandths of larger ones.
+        RC_ASSERT(read->longLongValue() == bits || std::abs(bits) > (1LL << 48));
+      } else {
+        // Half a hundredth of the unit away, and half a bit.
+        const double factor = sizes->scaleFactorForPrefix(sizes->prefixForInteger(bits)) * unit;
+        RC_ASSERT(std::abs(read->doubleValue() - static_cast<double>(bits)) <=
+                  0.0051 * factor + 0.5);
+        // One of a prefix is the largest number that is written with the prefix before.
+        const bool isFactor = read->doubleValue() == factor;
+        RC_ASSERT(isFactor || sizes->stringFromNumberOfBits(read)->isEqual(written));
+      }
+    });
+  }
+}
+
 TEST(ZKUnitOfInformationFormatter, KeepsTheNamesThatItIsUsing) {
   // The fault of this language's table is logged while the name is looked up; the languages change
   // before the pattern is.

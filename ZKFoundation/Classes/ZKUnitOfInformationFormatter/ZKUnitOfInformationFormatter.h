@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include <Foundation/NSFormatter.h>
@@ -92,6 +93,18 @@ class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
   /// bytes". It already counts what is shown, bytes or bits.
   [[nodiscard]] NSRef<NSString> nativeStringFromNumber(const NSRef<NSNumber>& number) const;
 
+  /// Reads a size of the pattern and a unit that this formatter writes, under its present switches:
+  /// "1.5 KB", and "12,3 Mo" in French where the table calls megabytes so. Gives the number of
+  /// bits, rounded to a whole one: what is not scaled comes back as it was, all else to the
+  /// precision that was written. Nil for any other text, nil too.
+  ///
+  /// Units are read by their name in the table or by its key, letter by letter, numbers as
+  /// `NSNumberFormatter::takeNumber` does; blanks may be more, fewer or of another kind. Where it
+  /// stopped is stored at `index` unless that is null: the length, or the first unit that does not
+  /// belong there.
+  [[nodiscard]] NSRef<NSNumber> numberOfBitsFromString_stoppedAt(const NSRef<NSString>& string,
+                                                                 NSUInteger* index) const;
+
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
   /// Publishes the number formatter and the three switches besides what every object does.
   [[nodiscard]] const NSPropertyTable& propertyTable() const override;
@@ -99,11 +112,14 @@ class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
  private:
   [[nodiscard]] NSRef<NSString> localized(std::size_t text) const;
   [[nodiscard]] NSRef<NSString> joined(std::u16string_view number, std::size_t unit) const;
+  [[nodiscard]] std::size_t unitWithPrefix(NSInteger prefix) const noexcept;
+  [[nodiscard]] std::optional<double> takeUnit(std::u16string_view& text) const;
+  [[nodiscard]] std::optional<double> takeBits(std::u16string_view& text) const;
 
   NSRef<NSNumberFormatter> _numberFormatter;
-  // What the main bundle has for the names of units and the pattern. Looked up when they are
-  // needed, and again when the user's languages have changed.
-  mutable std::array<NSRef<NSString>, 27> _texts;
+  // What the main bundle has for the names of units and the pattern, and that with its places
+  // marked. Looked up when they are needed, and again when the user's languages have changed.
+  mutable std::array<NSRef<NSString>, 28> _texts;
   mutable std::uint64_t _languagesGeneration = 0;
   bool _displaysInTermsOfBytes = false;
   bool _calculatesInBinary = false;
