@@ -30,6 +30,7 @@
 #include <ZKFoundation/Categories/NSString+ZKSearching.h>
 #include <ZKFoundation/Categories/NSString+ZKUniqueNames.h>
 #include <ZKFoundation/Categories/NSURL+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/ZKNamingOptions.h>
 #include <ZKFoundation/Classes/ObjectTreeVisitors/ZKGenericVisitor.h>
 #include <ZKFoundation/Classes/ObjectTreeVisitors/ZKObjectVisitor.h>
 #include <ZKFoundation/Classes/ZKLocaleEntity/ZKLocaleEntity.h>

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include <Foundation/NSExport.h>
 #include <Foundation/NSTypes.h>
 
 // Forms in which texts that count as the same have the same units.
@@ -30,4 +31,4 @@ inline constexpr char16_t NSFirstMark = 0x300;
 /// Gives the form for the options of a comparison: the canonical decomposition without
 /// `NSLiteralSearch`, the case folding with `NSCaseInsensitiveSearch`, or both. Takes time linear
 /// in the text but for the sorting of marks.
-[[nodiscard]] std::u16string NSNormalForm(std::u16string_view text, NSUInteger options);
+[[nodiscard]] NS_EXPORT std::u16string NSNormalForm(std::u16string_view text, NSUInteger options);

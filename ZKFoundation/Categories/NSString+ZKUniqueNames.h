@@ -2,6 +2,7 @@
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSString.h>
+#include <ZKFoundation/Categories/ZKNamingOptions.h>
 #include <ZKFoundation/ZKExport.h>
 
 namespace ZKFoundationExtensions {
@@ -19,5 +20,15 @@ namespace ZKFoundationExtensions {
 /// `NSInvalidArgumentException`.
 [[nodiscard]] ZK_EXPORT NSRef<NSString> uniqueStringWithString_forStringArray(
     const NSRef<NSString>& string, const NSRef<NSArray>& strings);
+
+/// Makes a string that is not in the array by the naming options: a copy of the string, if that is
+/// free, else with the first free number after its own: "name 2", "name (2)"; "shot 009" gives
+/// "shot 010", and as the name of a file "archive.tar.gz" gives "archive 2.tar.gz". Linear in the
+/// names.
+///
+/// Digits are ASCII; a number of more than 18 belongs to the name. A nil array is empty, what is no
+/// string in it does not count. A nil string raises `NSInvalidArgumentException`.
+[[nodiscard]] ZK_EXPORT NSRef<NSString> uniqueStringWithString_forStringArray_options(
+    const NSRef<NSString>& string, const NSRef<NSArray>& strings, const ZKNamingOptions& options);
 
 }  // namespace ZKFoundationExtensions

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -11,7 +10,6 @@
 
 namespace {
 
-constexpr std::size_t wordBits = 64;
 constexpr auto largest = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
 
 // Faster than views, which compare unit by unit.
@@ -51,12 +49,12 @@ std::uint64_t plainNumber(std::u16string_view text) {
 }  // namespace
 
 ZKNumberedName::ZKNumberedName(std::u16string_view name, std::size_t count)
-    : _base(name), _takenNumbers(count / wordBits + 1) {
+    : _base(name), _numbers(1, count) {
   const std::size_t start = startOfDigits(name);
   if (const auto number = valueOf(name.substr(start))) {
     _base = name.substr(0, start);
     _digits = name.substr(start);
-    _number = *number;
+    _numbers = ZKFreeNumber(*number + 1, count);
   }
 }
 
@@ -64,22 +62,13 @@ void ZKNumberedName::take(std::u16string_view name) {
   if (name.size() < _base.size() || !areSame(name.substr(0, _base.size()), _base)) return;
   const std::u16string_view rest = name.substr(_base.size());
   _isTaken = _isTaken || areSame(rest, _digits);
-  const std::uint64_t number = plainNumber(rest);
-  if (number <= _number) return;
-  const std::uint64_t bit = number - _number - 1;
-  if (bit / wordBits < _takenNumbers.size()) {
-    _takenNumbers[bit / wordBits] |= std::uint64_t{1} << bit % wordBits;
-  }
+  _numbers.take(plainNumber(rest));
 }
 
 std::u16string ZKNumberedName::freeName() const {
   if (!_isTaken) return std::u16string(_base).append(_digits);
-  constexpr auto full = std::numeric_limits<std::uint64_t>::max();
-  const auto word = std::ranges::find_if(_takenNumbers, [](auto bits) { return bits != full; });
-  const auto bit = static_cast<std::uint64_t>(word - _takenNumbers.begin()) * wordBits +
-                   static_cast<std::uint64_t>(std::countr_one(*word));
   std::array<char, 20> digits;
   const auto end =
-      std::to_chars(digits.data(), digits.data() + digits.size(), _number + 1 + bit).ptr;
+      std::to_chars(digits.data(), digits.data() + digits.size(), _numbers.smallest()).ptr;
   return std::u16string(_base).append(digits.data(), end);
 }

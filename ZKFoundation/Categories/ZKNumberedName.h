@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include <ZKFoundation/Categories/ZKFreeNumber.h>
 
 /// Finds a free name by the number at its end, in one pass over those that are taken.
 class ZKNumberedName {
@@ -20,8 +21,6 @@ class ZKNumberedName {
   // The name in two, the second of which is its number.
   std::u16string_view _base;
   std::u16string_view _digits;
-  std::uint64_t _number = 0;
   bool _isTaken = false;
-  // Of `count` names no more can be taken than these bits are; bit k is number + 1 + k.
-  std::vector<std::uint64_t> _takenNumbers;
+  ZKFreeNumber _numbers;
 };
