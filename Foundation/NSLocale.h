@@ -9,6 +9,8 @@
 #include <Foundation/detail/Passkey.h>
 
 class NSArray;
+class NSCollation;
+class NSData;
 class NSDecimalSymbols;
 class NSDictionary;
 class NSDisplayNames;
@@ -67,6 +69,27 @@ class NS_EXPORT NSLocale : public NSObject {
   [[nodiscard]] NSRef<NSString> displayNameForKey_value(const NSRef<NSString>& key,
                                                         const NSRef<NSString>& value) const;
 
+  /// Gives the codes of all languages that ISO 639 names, such as "de", in no particular order.
+  [[nodiscard]] static NSRef<NSArray> ISOLanguageCodes();
+  /// Gives the codes of all regions that ISO 3166 names, such as "CH", in no particular order.
+  [[nodiscard]] static NSRef<NSArray> ISOCountryCodes();
+
+  // Marks around quotations by CLDR, which has them for every language; none has a space.
+
+  /// Gives the mark that opens a quotation: „ for "de".
+  [[nodiscard]] NSRef<NSString> quotationBeginDelimiter() const;
+  /// Gives the mark that closes a quotation: “ for "de".
+  [[nodiscard]] NSRef<NSString> quotationEndDelimiter() const;
+  /// Gives the mark that opens a quotation within one: ‚ for "de".
+  [[nodiscard]] NSRef<NSString> alternateQuotationBeginDelimiter() const;
+  /// Gives the mark that closes a quotation within one: ‘ for "de".
+  [[nodiscard]] NSRef<NSString> alternateQuotationEndDelimiter() const;
+
+  /// Gives bytes that, compared as such, order texts as a list in the locale's language does: "Ö"
+  /// stands beside "O" for "de" and after "Z" for "sv". Nil is the empty text. May be called from
+  /// any thread.
+  [[nodiscard]] NSRef<NSData> collationKeyForString(const NSRef<NSString>& string) const;
+
   /// Gives the user's locale.
   [[nodiscard]] static NSRef<NSLocale> currentLocale();
   /// Sets the user's locale. Nil returns to the environment, which is read anew.
@@ -102,4 +125,6 @@ class NS_EXPORT NSLocale : public NSObject {
   mutable std::unique_ptr<const NSDecimalSymbols> _symbols;
   mutable std::once_flag _namesOnce;
   mutable std::unique_ptr<const NSDisplayNames> _names;
+  mutable std::once_flag _collationOnce;
+  mutable std::unique_ptr<const NSCollation> _collation;
 };

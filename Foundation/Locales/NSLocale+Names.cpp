@@ -10,6 +10,7 @@
 
 #include <Foundation/Locales/DisplayNames.h>
 #include <Foundation/Locales/LocaleComponents.h>
+#include <Foundation/NSArray.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSString.h>
@@ -64,7 +65,17 @@ bool isLanguage(const std::string& code) {
          std::ranges::all_of(code, [](char unit) { return unit >= 'a' && unit <= 'z'; });
 }
 
+NSRef<NSArray> arrayOf(const char* const* codes) {
+  auto array = NSMake<NSMutableArray>();
+  for (; *codes != nullptr; ++codes) array->addObject(NSMake<NSString>(std::string_view(*codes)));
+  return array;
+}
+
 }  // namespace
+
+NSRef<NSArray> NSLocale::ISOLanguageCodes() { return arrayOf(uloc_getISOLanguages()); }
+
+NSRef<NSArray> NSLocale::ISOCountryCodes() { return arrayOf(uloc_getISOCountries()); }
 
 const NSRef<NSString>& NSLocaleIdentifier() { return NSConstantString<u"NSLocaleIdentifier">(); }
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include <Foundation/Locales/Collation.h>
 #include <Foundation/Locales/DecimalSymbols.h>
 #include <Foundation/Locales/DisplayNames.h>
 #include <Foundation/Locales/LocaleComponents.h>
