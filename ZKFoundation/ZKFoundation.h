@@ -27,6 +27,7 @@
 #include <ZKFoundation/Categories/NSSet+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSString+ZKEditing.h>
 #include <ZKFoundation/Categories/NSString+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSString+ZKQuoting.h>
 #include <ZKFoundation/Categories/NSString+ZKSearching.h>
 #include <ZKFoundation/Categories/NSString+ZKUniqueNames.h>
 #include <ZKFoundation/Categories/NSURL+ZKFoundationExtensions.h>

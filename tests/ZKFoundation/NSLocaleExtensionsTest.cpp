@@ -50,6 +50,35 @@ TEST(NSLocaleExtensions, KnowTheQuotationMarks) {
   EXPECT_EQ(marksFor(nullptr), standard);
 }
 
+TEST(NSStringExtensions, QuoteAtEveryLevel) {
+  for (const auto& [identifiers, quoted] : Rows<const char*, const char*>{
+           {"en", "“‘“a”’”"},
+           {"de_DE", "„‚„a“‘“"},
+           {"de_CH fr_CH", "«‹«a»›»"},
+           {"fr fr_CA", "«\u202F‹\u202F«\u202Fa\u202F»\u202F›\u202F»"},
+           {"br", "«\u202F“«\u202Fa\u202F»”\u202F»"},
+           {"es pt_BR", "«‹«a»›»"},
+           {"hy hy@x=y", "«««a»»»"},
+           {"ja ja_JP", "「『「a」』」"},
+           {"xx zz_ZZ zh", "“‘“a”’”"},
+           {"d|e", R"("'"a"'")"},
+       }) {
+    std::istringstream list(identifiers);
+    for (std::string identifier; list >> identifier;) {
+      NSRef<NSString> text = u"a"_ns;
+      for (const NSUInteger level : {2U, 1U, 0U}) {
+        text =
+            stringByQuotingAtLevel_forLocaleIdentifier(text, level, NSMake<NSString>(identifier));
+      }
+      EXPECT_EQ(text->utf8(), quoted) << identifier;
+    }
+  }
+  EXPECT_EQ(stringByQuotingAtLevel_forLocaleIdentifier(u""_ns, 7, nullptr), u"\'\'");
+  refusesNil("string", "stringByQuotingAtLevel:forLocaleIdentifier:", [] {
+    (void)stringByQuotingAtLevel_forLocaleIdentifier(nullptr, 0, u"en"_ns);
+  });
+}
+
 struct LanguageItem : ZKLocaleEntity {
   using ZKLocaleEntity::ZKLocaleEntity;
   NSRef<NSLocale> locale() const override { return nullptr; }
