@@ -35,6 +35,7 @@
 #include <ZKFoundation/Classes/ObjectTreeVisitors/ZKGenericVisitor.h>
 #include <ZKFoundation/Classes/ObjectTreeVisitors/ZKObjectVisitor.h>
 #include <ZKFoundation/Classes/ZKLocaleEntity/ZKLocaleEntity.h>
+#include <ZKFoundation/Classes/ZKLocaleEntity/ZKNamedCodes.h>
 #include <ZKFoundation/Classes/ZKTextFinder/ZKTextFinder.h>
 #include <ZKFoundation/Classes/ZKURLFormatter/ZKURLFormatter.h>
 #include <ZKFoundation/Classes/ZKUnitOfInformationFormatter/ZKUnitOfInformationFormatter.h>

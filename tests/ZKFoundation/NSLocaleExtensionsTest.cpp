@@ -1,5 +1,7 @@
 #include "tests/Support.h"
 
+#include <set>
+
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
@@ -77,6 +79,36 @@ TEST(NSStringExtensions, QuoteAtEveryLevel) {
   refusesNil("string", "stringByQuotingAtLevel:forLocaleIdentifier:", [] {
     (void)stringByQuotingAtLevel_forLocaleIdentifier(nullptr, 0, u"en"_ns);
   });
+}
+
+// "code name", joined.
+std::string shown(const std::vector<ZKNamedCode>& list) {
+  std::string text;
+  for (const auto& [code, name] : list) text += code->utf8() + ' ' + name->utf8() + ", ";
+  return text;
+}
+
+TEST(ZKNamedCodes, AreSortedByName) {
+  const auto countries = NSMake<NSArray>(
+      {u"AT"_ns, u"PL"_ns, u"OM"_ns, u"NO"_ns, u"ZW"_ns, u"OM"_ns, u"no region"_ns, number(1)});
+  EXPECT_EQ(shown(ZKRegionsSortedByName(countries, locale("de"))),
+            "NO Norwegen, OM Oman, AT Österreich, PL Polen, ZW Simbabwe, ");
+  EXPECT_EQ(shown(ZKRegionsSortedByName(countries, locale("sv"))),
+            "NO Norge, OM Oman, PL Polen, ZW Zimbabwe, AT Österrike, ");
+  const auto languages =
+      NSMake<NSArray>({u"iw"_ns, u"de_CH"_ns, u"he"_ns, u"xx"_ns, u"de"_ns, u"en"_ns});
+  EXPECT_EQ(shown(ZKLanguagesSortedByName(languages, locale("en"))),
+            "en English, de German, de_CH German (Switzerland), he Hebrew (he), iw Hebrew (iw), "
+            "xx xx, ");
+  NSLocale::setCurrentLocale(locale("fr"));
+  const auto all = ZKLanguagesSortedByName(nullptr, nullptr);
+  NSLocale::setCurrentLocale(nullptr);
+  EXPECT_GT(all.size(), 500U);
+  std::set<std::string> names;
+  for (const auto& [code, name] : all) names.insert(name->utf8());
+  EXPECT_EQ(names.size(), all.size());
+  EXPECT_TRUE(names.contains("éwé"));
+  EXPECT_GT(ZKRegionsSortedByName(nullptr, locale("ja")).size(), 200U);
 }
 
 struct LanguageItem : ZKLocaleEntity {
