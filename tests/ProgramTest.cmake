@@ -1,4 +1,13 @@
+# A program must succeed, print what the expression matches, and what a page shows that is named.
 execute_process(COMMAND ${COMMAND} OUTPUT_VARIABLE output RESULT_VARIABLE result)
 if(NOT result EQUAL 0 OR NOT output MATCHES "${EXPECTED}")
   message(FATAL_ERROR "${COMMAND} ended with ${result} and printed\n${output}")
+endif()
+if(PAGE)
+  file(READ ${PAGE} text)
+  string(REGEX REPLACE "([^\n]+)" "    \\1" shown "${output}")
+  string(FIND "${text}" "\n\n${shown}" place)
+  if(place EQUAL -1)
+    message(FATAL_ERROR "${PAGE} does not show what ${COMMAND} prints:\n${output}")
+  endif()
 endif()
