@@ -23,7 +23,10 @@ void readIdentifier(const NSRef<NSString>& text) {
   if (locale) {
     require(NSLocale::canonicalLanguageIdentifierFromString(language)->isEqual(language));
     require(locale->displayNameForKey_value(NSLocaleLanguageCode(), u"de"_ns) != nullptr);
+    require(locale->collationKeyForString(u"a"_ns)->length() != 0);
   }
+  const auto quoted = stringByQuotingAtLevel_forLocaleIdentifier(u"a"_ns, 0, text);
+  require(quoted->length() == 3 || quoted->length() == 5);
   const auto components = NSLocale::componentsFromLocaleIdentifier(text);
   const auto country = components->objectForKey(NSLocaleCountryCode()).as<NSString>();
   require((country == u"CH") <= (openingDoubleQuotationForLocaleIdentifier(text) == u'«'));
