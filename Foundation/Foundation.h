@@ -37,6 +37,7 @@
 #include <Foundation/NSNumberFormatter.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSOperationQueue.h>
+#include <Foundation/NSOptions.h>
 #include <Foundation/NSOrderedSet.h>
 #include <Foundation/NSPathUtilities.h>
 #include <Foundation/NSPointerArray.h>

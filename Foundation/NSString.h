@@ -92,7 +92,7 @@ class NS_EXPORT NSString : public NSObject {
     return compare_options(other, NSCaseInsensitiveSearch);
   }
   [[nodiscard]] NSComparisonResult compare_options(const NSRef<NSString>& other,
-                                                   NSUInteger options) const;
+                                                   NSOptions<NSStringCompareOptions> options) const;
 
   /// Whether the string begins, or ends, with exactly these units. True for "", false for nil.
   [[nodiscard]] bool hasPrefix(const NSRef<NSString>& prefix) const noexcept;
@@ -103,9 +103,10 @@ class NS_EXPORT NSString : public NSObject {
   /// canonically equivalent text matches ("é" finds "e" followed by U+0301, a longer match), and no
   /// match cuts a composed character in two ("e" does not find it).
   [[nodiscard]] NSRange rangeOfString_options_range(const NSRef<NSString>& string,
-                                                    NSUInteger options, NSRange range) const;
+                                                    NSOptions<NSStringCompareOptions> options,
+                                                    NSRange range) const;
   [[nodiscard]] NSRange rangeOfString_options(const NSRef<NSString>& string,
-                                              NSUInteger options) const;
+                                              NSOptions<NSStringCompareOptions> options) const;
   [[nodiscard]] NSRange rangeOfString(const NSRef<NSString>& string) const {
     return rangeOfString_options(string, 0);
   }
@@ -113,11 +114,11 @@ class NS_EXPORT NSString : public NSObject {
   /// Finds the first member of the set in the range (with `NSBackwardsSearch` the last, with
   /// `NSAnchoredSearch` only one at that end), or gives `NSNotFoundRange`. A surrogate pair is one
   /// member, of two units. A nil set has no members.
-  [[nodiscard]] NSRange rangeOfCharacterFromSet_options_range(const NSRef<NSCharacterSet>& set,
-                                                              NSUInteger options,
-                                                              NSRange range) const;
-  [[nodiscard]] NSRange rangeOfCharacterFromSet_options(const NSRef<NSCharacterSet>& set,
-                                                        NSUInteger options) const {
+  [[nodiscard]] NSRange rangeOfCharacterFromSet_options_range(
+      const NSRef<NSCharacterSet>& set, NSOptions<NSStringCompareOptions> options,
+      NSRange range) const;
+  [[nodiscard]] NSRange rangeOfCharacterFromSet_options(
+      const NSRef<NSCharacterSet>& set, NSOptions<NSStringCompareOptions> options) const {
     return rangeOfCharacterFromSet_options_range(set, options, {0, length()});
   }
   [[nodiscard]] NSRange rangeOfCharacterFromSet(const NSRef<NSCharacterSet>& set) const {

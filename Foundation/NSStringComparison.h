@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include <Foundation/NSExport.h>
+#include <Foundation/NSOptions.h>
 #include <Foundation/NSTypes.h>
 
 /// Options of comparisons and searches; a set of bits.
@@ -16,9 +17,10 @@ enum NSStringCompareOptions : NSUInteger {
   /// Finds only what stands at the start of the range, or at its end with `NSBackwardsSearch`.
   NSAnchoredSearch = 8,
 };
+template <>
+inline constexpr bool NSIsBitSet<NSStringCompareOptions> = true;
 
 /// Orders two texts by their units. Without `NSLiteralSearch` by those of their canonical
 /// decompositions (of their foldings with `NSCaseInsensitiveSearch`). Other options mean nothing.
-[[nodiscard]] NS_EXPORT NSComparisonResult NSCompareUnits(std::u16string_view a,
-                                                          std::u16string_view b,
-                                                          NSUInteger options);
+[[nodiscard]] NS_EXPORT NSComparisonResult NSCompareUnits(
+    std::u16string_view a, std::u16string_view b, NSOptions<NSStringCompareOptions> options);

@@ -97,7 +97,7 @@ NSUInteger NSString::hash() const { return NSHashUnits(view()); }
 NSRef<NSString> NSString::description() const { return copy(); }
 
 NSComparisonResult NSString::compare_options(const NSRef<NSString>& other,
-                                             NSUInteger options) const {
+                                             NSOptions<NSStringCompareOptions> options) const {
   return NSCompareUnits(view(), other->view(), options);
 }
 
@@ -109,18 +109,21 @@ bool NSString::hasSuffix(const NSRef<NSString>& suffix) const noexcept {
   return suffix && view().ends_with(suffix->view());
 }
 
-NSRange NSString::rangeOfString_options_range(const NSRef<NSString>& string, NSUInteger options,
+NSRange NSString::rangeOfString_options_range(const NSRef<NSString>& string,
+                                              NSOptions<NSStringCompareOptions> options,
                                               NSRange range) const {
   NSCheckRange("rangeOfString:options:range:", range, length());
   return NSSearchUnits(view(), NSViewOf(string), options, range);
 }
 
-NSRange NSString::rangeOfString_options(const NSRef<NSString>& string, NSUInteger options) const {
+NSRange NSString::rangeOfString_options(const NSRef<NSString>& string,
+                                        NSOptions<NSStringCompareOptions> options) const {
   return NSSearchUnits(view(), NSViewOf(string), options, {0, length()});
 }
 
 NSRange NSString::rangeOfCharacterFromSet_options_range(const NSRef<NSCharacterSet>& set,
-                                                        NSUInteger options, NSRange range) const {
+                                                        NSOptions<NSStringCompareOptions> options,
+                                                        NSRange range) const {
   NSCheckRange("rangeOfCharacterFromSet:options:range:", range, length());
   if (!set) return NSNotFoundRange;
   const NSRange found = NSSearchMember(*set, view().substr(range.location, range.length), options);

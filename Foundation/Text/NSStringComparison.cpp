@@ -24,7 +24,7 @@ NSComparisonResult compareASCIIFolded(std::u16string_view a, std::u16string_view
 }  // namespace
 
 NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
-                                  NSUInteger options) {
+                                  NSOptions<NSStringCompareOptions> options) {
   const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
   const bool isLiteral = (options & NSLiteralSearch) != 0;
   if (NSIsASCII(a) && NSIsASCII(b))

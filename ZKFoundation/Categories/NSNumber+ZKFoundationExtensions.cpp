@@ -95,7 +95,7 @@ NSRef<NSString> romanNumeral(std::uint64_t value, char16_t caseBit) {
 
 }  // namespace
 
-NSRef<NSString> ZKBinToStr(std::uint64_t value, NSUInteger type) {
+NSRef<NSString> ZKBinToStr(std::uint64_t value, NSOptions<ZKNumberStyle> type) {
   if (value == 0) return u"NUL"_ns;
   switch (type) {
     case ZKNumberDecimal:
@@ -128,7 +128,8 @@ void roman_digit(const NSRef<NSString>& one, const NSRef<NSString>& five,
 
 namespace ZKFoundationExtensions {
 
-NSRef<NSString> numberToStringWithType(const NSRef<NSNumber>& number, NSUInteger type) {
+NSRef<NSString> numberToStringWithType(const NSRef<NSNumber>& number,
+                                       NSOptions<ZKNumberStyle> type) {
   NSCheckArgument("numberToStringWithType:", "number", number);
   return ZKBinToStr(number->unsignedLongValue(), type);
 }

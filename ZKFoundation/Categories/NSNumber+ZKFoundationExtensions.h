@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include <Foundation/NSNumber.h>
+#include <Foundation/NSOptions.h>
 #include <Foundation/NSString.h>
 #include <ZKFoundation/ZKExport.h>
 
@@ -22,7 +23,8 @@ enum ZKNumberStyle : NSUInteger {
 ///
 /// Roman numerals have two rules of their own: fifty is written with "D" ("XD" is 40, "DX" 60), and
 /// four thousands with one "M" (4999 is "MCMXCIX").
-[[nodiscard]] ZK_EXPORT NSRef<NSString> ZKBinToStr(std::uint64_t value, NSUInteger type);
+[[nodiscard]] ZK_EXPORT NSRef<NSString> ZKBinToStr(std::uint64_t value,
+                                                   NSOptions<ZKNumberStyle> type);
 
 /// Appends one decimal digit, 0 to 9, in Roman numerals, from the texts for one, five and ten units
 /// of its place: 4 is one and five, 9 is one and ten. Larger digits append nothing, and so do nil
@@ -35,6 +37,6 @@ namespace ZKFoundationExtensions {
 
 /// Writes the number's unsigned long value as `ZKBinToStr` does.
 [[nodiscard]] ZK_EXPORT NSRef<NSString> numberToStringWithType(const NSRef<NSNumber>& number,
-                                                               NSUInteger type);
+                                                               NSOptions<ZKNumberStyle> type);
 
 }  // namespace ZKFoundationExtensions

@@ -175,9 +175,9 @@ NSRef<NSMutableArray> componentsSeparatedByWholeCharactersInSet_trimWhitespace(
   return componentsOf(nullptr, string, set.get(), NSMembership::characters, trimsWhitespace);
 }
 
-NSRef<NSMutableString> stringByRemovingCharactersInSet_options(const NSRef<NSString>& string,
-                                                               const NSRef<NSCharacterSet>& set,
-                                                               NSUInteger options) {
+NSRef<NSMutableString> stringByRemovingCharactersInSet_options(
+    const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set,
+    NSOptions<NSStringCompareOptions> options) {
   NSCheckArgument("stringByRemovingCharactersInSet:options:", "string", string);
   std::u16string_view text = string->view();
   if (!set) return NSMake<NSMutableString>(text);

@@ -62,7 +62,8 @@ componentsSeparatedByWholeCharactersInSet_trimWhitespace(const NSRef<NSString>& 
 /// Gives the string without the members of the set; a surrogate pair is one member. With
 /// `NSAnchoredSearch` only the members at the very beginning go; `NSBackwardsSearch` means nothing.
 [[nodiscard]] ZK_EXPORT NSRef<NSMutableString> stringByRemovingCharactersInSet_options(
-    const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set, NSUInteger options);
+    const NSRef<NSString>& string, const NSRef<NSCharacterSet>& set,
+    NSOptions<NSStringCompareOptions> options);
 
 /// Gives the string without the members of the set, wherever they stand; a surrogate pair is one
 /// member.

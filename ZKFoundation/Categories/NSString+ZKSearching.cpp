@@ -101,7 +101,8 @@ namespace ZKFoundationExtensions {
 
 NSRange findString_selectedRange_options_wrap(const NSRef<NSString>& string,
                                               const NSRef<NSString>& needle, NSRange selectedRange,
-                                              NSUInteger options, bool wrap) {
+                                              NSOptions<NSStringCompareOptions> options,
+                                              bool wrap) {
   NSCheckArgument("findString:selectedRange:options:wrap:", "string", string);
   NSCheckRange("findString:selectedRange:options:wrap:", selectedRange, string->length());
   const NSUInteger end = NSMaxRange(selectedRange);
@@ -113,10 +114,9 @@ NSRange findString_selectedRange_options_wrap(const NSRef<NSString>& string,
   return string->rangeOfString_options_range(needle, options, second);
 }
 
-NSRange findString_searchRange_options_wordCompareOption(const NSRef<NSString>& string,
-                                                         const NSRef<NSString>& needle,
-                                                         NSRange searchRange, NSUInteger options,
-                                                         NSUInteger wordCompareOption) {
+NSRange findString_searchRange_options_wordCompareOption(
+    const NSRef<NSString>& string, const NSRef<NSString>& needle, NSRange searchRange,
+    NSOptions<NSStringCompareOptions> options, NSOptions<ZKWordCompareOption> wordCompareOption) {
   NSCheckArgument("findString:searchRange:options:wordCompareOption:", "string", string);
   NSCheckRange("findString:searchRange:options:wordCompareOption:", searchRange, string->length());
   const std::u16string_view text = string->view();
@@ -163,7 +163,7 @@ NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange ran
 
 NSRange trimRange_prefixRange_postfixRange_trimOptions(const NSRef<NSString>& string, NSRange range,
                                                        NSRange* prefixRange, NSRange* postfixRange,
-                                                       NSUInteger trimOptions) {
+                                                       NSOptions<ZKTrimOptions> trimOptions) {
   NSCheckArgument("trimRange:prefixRange:postfixRange:trimOptions:", "string", string);
   NSCheckRange("trimRange:prefixRange:postfixRange:trimOptions:", range, string->length());
   const bool trimsStart = (trimOptions & ZKTrimStart) != 0;

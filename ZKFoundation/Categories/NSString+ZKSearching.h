@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include <Foundation/NSCharacterSet.h>
+#include <Foundation/NSOptions.h>
 #include <Foundation/NSString.h>
 #include <ZKFoundation/ZKExport.h>
 
@@ -32,17 +33,17 @@ enum ZKTrimOptions : NSUInteger {
   ZKTrimStart = 1,
   ZKTrimEnd = 2,
 };
+template <>
+inline constexpr bool NSIsBitSet<ZKTrimOptions> = true;
 
 namespace ZKFoundationExtensions {
 
 /// Finds the next occurrence after the selection, or with `NSBackwardsSearch` the last one before
 /// it; with `wrap` then on the other side. What is selected, or overlaps the selection, is never
 /// found. Options as for `rangeOfString_options`.
-[[nodiscard]] ZK_EXPORT NSRange findString_selectedRange_options_wrap(const NSRef<NSString>& string,
-                                                                      const NSRef<NSString>& needle,
-                                                                      NSRange selectedRange,
-                                                                      NSUInteger options,
-                                                                      bool wrap);
+[[nodiscard]] ZK_EXPORT NSRange findString_selectedRange_options_wrap(
+    const NSRef<NSString>& string, const NSRef<NSString>& needle, NSRange selectedRange,
+    NSOptions<NSStringCompareOptions> options, bool wrap);
 
 /// Finds the first match in the search range whose word, in the whole string, satisfies the
 /// `ZKWordCompareOption`, and gives that word's range: searching "app" at word starts in
@@ -52,7 +53,7 @@ namespace ZKFoundationExtensions {
 /// only the last occurrence is examined.
 [[nodiscard]] ZK_EXPORT NSRange findString_searchRange_options_wordCompareOption(
     const NSRef<NSString>& string, const NSRef<NSString>& needle, NSRange searchRange,
-    NSUInteger options, NSUInteger wordCompareOption);
+    NSOptions<NSStringCompareOptions> options, NSOptions<ZKWordCompareOption> wordCompareOption);
 
 /// Gives the run between the delimiters around the index; it ends in front of the character there
 /// when that is a delimiter. The index may be the length. A nil set has no members.
@@ -77,7 +78,7 @@ namespace ZKFoundationExtensions {
 /// its end alone it stays when it begins where the run does.
 [[nodiscard]] ZK_EXPORT NSRange trimRange_prefixRange_postfixRange_trimOptions(
     const NSRef<NSString>& string, NSRange range, NSRange* prefixRange, NSRange* postfixRange,
-    NSUInteger trimOptions);
+    NSOptions<ZKTrimOptions> trimOptions);
 
 /// Gives the substring without control characters and attachments. The selected range is made
 /// relative to it and follows what is removed; one that starts before the range or does not fit the

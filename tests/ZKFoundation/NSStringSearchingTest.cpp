@@ -262,6 +262,30 @@ TEST(NSStringSearching, FindsWords) {
   EXPECT_EQ(rangeOfCharactersAtIndex_delimitedBy(u"a,bc,d"_ns, 6, nullptr), (NSRange{0, 6}));
 }
 
+// Swapping the options of two operations does not compile.
+static_assert(!std::convertible_to<ZKTrimOptions, NSOptions<NSStringCompareOptions>>);
+static_assert(!std::convertible_to<NSStringCompareOptions, NSOptions<ZKWordCompareOption>>);
+static_assert(!std::convertible_to<ZKWordCompareOption, NSOptions<ZKNumberStyle>>);
+template <class A, class B>
+constexpr bool areJoined = requires(A a, B b) {
+  a | b;
+};
+static_assert(!areJoined<NSStringCompareOptions, ZKTrimOptions>);
+static_assert(areJoined<NSStringCompareOptions, NSUInteger>);
+
+TEST(NSStringSearching, TakesJoinedOptionsAndNumbers) {
+  NSStringCompareOptions options = NSBackwardsSearch | NSLiteralSearch;
+  EXPECT_EQ(u"aba"_ns->rangeOfString_options(u"a"_ns, options), (NSRange{2, 1}));
+  options |= NSCaseInsensitiveSearch;
+  options &= ~NSBackwardsSearch;
+  EXPECT_EQ(options, 3U);
+  EXPECT_EQ(u"aba"_ns->rangeOfString_options(u"B"_ns, options), (NSRange{1, 1}));
+  EXPECT_EQ(u"aba"_ns->rangeOfString_options(u"a"_ns, 4), (NSRange{2, 1}));
+  EXPECT_EQ(trimRange_prefixRange_postfixRange_trimOptions(u" a "_ns, {0, 3}, nullptr, nullptr,
+                                                           ZKTrimStart | ZKTrimEnd),
+            (NSRange{1, 1}));
+}
+
 TEST(NSStringSearching, TrimsRanges) {
   const Rows<const char16_t*, NSRange, NSUInteger, NSRange, NSRange, NSRange> rows = {
       {u"  ab  ", {0, 6}, 3, {2, 2}, {0, 2}, {4, 2}},

@@ -33,7 +33,7 @@ const NSRef<NSString>& ZKTextFinderErrorDomain() {
   return NSConstantString<u"ZKTextFinderErrorDomain">();
 }
 
-ZKTextFinder::ZKTextFinder(const NSRef<NSString>& needle, NSUInteger options,
+ZKTextFinder::ZKTextFinder(const NSRef<NSString>& needle, NSOptions<NSStringCompareOptions> options,
                            ZKWordCompareOption wordCompareOption)
     : _options(options), _condition(wordCompareOption) {
   setNeedle(needle);
@@ -46,7 +46,7 @@ void ZKTextFinder::setNeedle(const NSRef<NSString>& needle) {
   _pattern = nullptr;
 }
 
-void ZKTextFinder::setOptions(NSUInteger options) {
+void ZKTextFinder::setOptions(NSOptions<NSStringCompareOptions> options) {
   _options = options;
   _pattern = nullptr;
 }

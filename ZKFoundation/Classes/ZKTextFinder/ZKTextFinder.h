@@ -52,7 +52,8 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
   /// Takes `NSStringCompareOptions` and `ZKRegularExpressionSearch`. `NSBackwardsSearch` is the
   /// direction; `NSAnchoredSearch` means nothing, nor does `NSLiteralSearch` to a regular
   /// expression.
-  explicit ZKTextFinder(const NSRef<NSString>& needle, NSUInteger options = 0,
+  explicit ZKTextFinder(const NSRef<NSString>& needle,
+                        NSOptions<NSStringCompareOptions> options = 0,
                         ZKWordCompareOption wordCompareOption = ZKWordCompareNone);
   ~ZKTextFinder() override;
 
@@ -60,7 +61,7 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
   /// Keeps a copy.
   void setNeedle(const NSRef<NSString>& needle);
   [[nodiscard]] NSUInteger options() const noexcept { return _options; }
-  void setOptions(NSUInteger options);
+  void setOptions(NSOptions<NSStringCompareOptions> options);
   [[nodiscard]] ZKWordCompareOption wordCompareOption() const noexcept { return _condition; }
   void setWordCompareOption(ZKWordCompareOption option) noexcept { _condition = option; }
   /// Whether the search goes on at the other end of the text; at first it does.
