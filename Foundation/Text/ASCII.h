@@ -1,6 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -17,6 +20,19 @@
 }
 
 [[nodiscard]] inline bool NSIsASCII(std::u16string_view text) { return NSIsBelow(text, 0x80); }
+
+/// Counts the units with which both texts begin.
+[[nodiscard]] inline std::size_t NSCountShared(std::u16string_view a, std::u16string_view b) {
+  const std::size_t count = std::min(a.size(), b.size());
+  std::size_t at = 0;
+  for (std::uint64_t wordA = 0, wordB = 0; at + 4 <= count; at += 4) {
+    std::memcpy(&wordA, a.data() + at, sizeof(wordA));
+    std::memcpy(&wordB, b.data() + at, sizeof(wordB));
+    if (wordA != wordB) break;
+  }
+  while (at < count && a[at] == b[at]) ++at;
+  return at;
+}
 
 /// Gives the bytes of a text that is ASCII.
 [[nodiscard]] inline std::string NSASCIIOf(std::u16string_view text) {

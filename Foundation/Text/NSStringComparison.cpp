@@ -21,15 +21,26 @@ NSComparisonResult compareASCIIFolded(std::u16string_view a, std::u16string_view
   return resultOf(NSLowerASCII(*atA) - NSLowerASCII(*atB));
 }
 
+// Whether the order of two texts is that of their units from this place on, the first that are
+// not the same, or that of their lengths: forms have a boundary in front of such units.
+bool isDecidedBy(std::u16string_view a, std::u16string_view b, std::size_t place) {
+  return (place == a.size() || NSIsOwnDecomposition(a[place])) &&
+         (place == b.size() || NSIsOwnDecomposition(b[place]));
+}
+
 }  // namespace
 
 NSComparisonResult NSCompareUnits(std::u16string_view a, std::u16string_view b,
                                   NSOptions<NSStringCompareOptions> options) {
   const bool foldsCase = (options & NSCaseInsensitiveSearch) != 0;
   const bool isLiteral = (options & NSLiteralSearch) != 0;
-  if (NSIsASCII(a) && NSIsASCII(b))
-    return foldsCase ? compareASCIIFolded(a, b) : resultOf(a.compare(b));
-  if (isLiteral && !foldsCase) return resultOf(a.compare(b));
+  if (!foldsCase) {
+    if (isLiteral) return resultOf(a.compare(b));
+    const std::size_t place = NSCountShared(a, b);
+    if (isDecidedBy(a, b, place)) return resultOf(a.substr(place).compare(b.substr(place)));
+  } else if (NSIsASCII(a) && NSIsASCII(b)) {
+    return compareASCIIFolded(a, b);
+  }
   if (!isLiteral && (NSHasLongRunsOfMarks(a) || NSHasLongRunsOfMarks(b))) {
     return resultOf(NSNormalForm(a, options).compare(NSNormalForm(b, options)));
   }

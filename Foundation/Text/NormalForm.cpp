@@ -109,15 +109,16 @@ bool isBoundaryCharacter(UChar32 character) {
          unorm2_hasBoundaryBefore(composition(), character) != 0;
 }
 
-// The answer for a unit, kept for 32 units at a time with a bit that tells that they are known.
-bool isBoundaryUnit(char16_t unit) {
+// Answers for all units, kept for 32 units at a time with a bit that tells that they are known.
+template <bool (*ask)(UChar32)>
+bool keptAnswer(char16_t unit) {
   static constinit std::array<std::atomic<std::uint64_t>, 0x10000 / 32> answers{};
   std::atomic<std::uint64_t>& known = answers[unit / 32U];
   std::uint64_t bits = known.load(std::memory_order_relaxed);
   if (bits == 0) {
     bits = std::uint64_t{1} << 32U;
     for (std::uint32_t k = 0; k < 32; ++k) {
-      const std::uint64_t answer = isBoundaryCharacter(static_cast<UChar32>((unit & ~31U) + k));
+      const std::uint64_t answer = ask(static_cast<UChar32>((unit & ~31U) + k));
       bits |= answer << k;
     }
     known.store(bits, std::memory_order_relaxed);
@@ -125,14 +126,24 @@ bool isBoundaryUnit(char16_t unit) {
   return (bits >> (unit % 32U) & 1U) != 0;
 }
 
+bool isOwnDecomposition(UChar32 character) {
+  return !NSIsSurrogate(static_cast<char16_t>(character)) &&
+         unorm2_isInert(decomposition(), character) != 0;
+}
+
 }  // namespace
 
 bool NSIsBoundaryAmongMarks(std::u16string_view text, std::size_t at) {
   const char16_t unit = text[at];
-  if (!NSIsSurrogate(unit)) return isBoundaryUnit(unit);
+  if (!NSIsSurrogate(unit)) return keptAnswer<isBoundaryCharacter>(unit);
   if (NSSplitsPair(text, at)) return false;
   std::u16string_view rest = text.substr(at);
   return isBoundaryCharacter(takeCharacter(rest));
+}
+
+bool NSIsOwnDecomposition(char16_t unit) {
+  constexpr char16_t firstDecomposable = 0xC0;
+  return unit < firstDecomposable || keptAnswer<isOwnDecomposition>(unit);
 }
 
 bool NSHasLongRunsOfMarks(std::u16string_view text) {

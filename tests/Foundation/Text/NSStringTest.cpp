@@ -1,6 +1,8 @@
 #include "tests/Support.h"
 #include "tests/VectorTargets.h"
 
+#include <unicode/normalizer2.h>
+
 #include <Foundation/Text/StringSearch.h>
 #include <Foundation/Text/UnitSearch.h>
 
@@ -129,6 +131,24 @@ TEST(NSString, ComparesByTheOptions) {
   EXPECT_EQ(u"B"_ns->caseInsensitiveCompare(u"b"_ns), NSOrderedSame);
   EXPECT_EQ(u"a"_ns->compare_options(u"B"_ns, NSCaseInsensitiveSearch), NSOrderedAscending);
   EXPECT_EQ(NSCompareUnits({}, u"\u00E9", 0), NSOrderedAscending);
+}
+
+TEST(NSString, ComparesTheUnitsOfCanonicalDecompositions) {
+  expectProperty("the units of both decompositions", [] {
+    const auto units =
+        u"ab\u00E9\u00FC\u0301\u0323\u4E2D\uAC00\uFB1D" + std::u16string{0xD83D, 0xDE00, 0};
+    const auto beginning = *textOver(units);
+    const auto a = beginning + *rc::gen::scale(0.2, textOver(units));
+    const auto b = beginning + *rc::gen::scale(0.2, textOver(units));
+    const auto decomposed = [](const std::u16string& text) {
+      UErrorCode status = U_ZERO_ERROR;
+      const auto form = icu::Normalizer2::getNFDInstance(status)->normalize(
+          icu::UnicodeString(text.data(), static_cast<std::int32_t>(text.size())), status);
+      return std::u16string(form.getBuffer(), static_cast<std::size_t>(form.length()));
+    };
+    const int order = decomposed(a).compare(decomposed(b));
+    RC_ASSERT(NSCompareUnits(a, b, 0) == (order > 0) - (order < 0));
+  });
 }
 
 TEST(NSString, JoinsWhatItSeparated) {
