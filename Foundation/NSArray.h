@@ -124,3 +124,7 @@ class NS_EXPORT NSMutableArray : public NSArray {
 
   [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };
+  /// Puts the elements into the order in which the callable, which is lent them, lists their
+  /// places, each once. When it throws they stay as they are; when it changes the array, which then
+  /// stays as that leaves it, this raises `NSGenericException`.
+  void arrangeElements(NSBlockRef<std::vector<std::size_t>(std::span<const NSRef<NSObject>>)> list);

@@ -5,6 +5,7 @@
 
 #include <Foundation/Foundation.h>
 #include <ZKFoundation/Categories/NSArray+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSArray+ZKOrdering.h>
 #include <ZKFoundation/Categories/NSArray+ZKSorting.h>
 #include <ZKFoundation/Categories/NSCharacterSet+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSDictionary+ZKFoundationExtensions.h>

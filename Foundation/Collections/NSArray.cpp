@@ -161,6 +161,19 @@ void NSMutableArray::removeLastObject() {
   const auto removed = changing().remove(count() - 1);
 }
 
+void NSMutableArray::arrangeElements(
+    NSBlockRef<std::vector<std::size_t>(std::span<const NSRef<NSObject>>)> list) {
+  const auto held = self();
+  const auto places = [&] {
+    const auto walk = begin();
+    const NSObjectVector lent = elements();
+    auto listed = list(lent.view());
+    static_cast<void>(walk == end());  // Raises when the array has changed.
+    return listed;
+  }();
+  changing().arrange(places);
+}
+
 void NSMutableArray::removeAllObjects() noexcept {
   if (count() == 0) return;
   const auto removed = std::exchange(changing(), {});

@@ -149,6 +149,17 @@ NSRef<NSObject> NSObjectVector::remove(std::size_t index) {
   return removed;
 }
 
+void NSObjectVector::arrange(std::span<const std::size_t> places) {
+  if (places.empty()) return;
+  std::vector<NSObject*> arranged;
+  arranged.reserve(places.size());
+  for (const std::size_t place : places) arranged.push_back((*this)[place].get());
+  makeOwn();
+  // Bytes again: every count finds its reference.
+  std::memcpy(static_cast<void*>(_block->begin()), arranged.data(),
+              arranged.size() * sizeof(NSRef<NSObject>));
+}
+
 NSObjectVector NSObjectVector::removeMarked(const std::vector<bool>& marks) {
   makeOwn();
   NSObjectVector removed;

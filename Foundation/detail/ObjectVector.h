@@ -51,6 +51,8 @@ class NS_EXPORT NSObjectVector {
   [[nodiscard]] NSRef<NSObject> replace(std::size_t index, NSRef<NSObject> object);
   /// Hands the removed element back, as `replace` does.
   [[nodiscard]] NSRef<NSObject> remove(std::size_t index);
+  /// Puts the elements into the order of their listed places; each place is listed once.
+  void arrange(std::span<const std::size_t> places);
   /// Removes the elements that have a mark, in one pass; there is a mark for each.
   [[nodiscard]] NSObjectVector removeMarked(const std::vector<bool>& marks);
 

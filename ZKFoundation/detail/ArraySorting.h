@@ -13,6 +13,7 @@
 
 #include <Foundation/NSException.h>
 #include <ZKFoundation/Categories/NSArray+ZKSorting.h>
+#include <Foundation/detail/Borrowed.h>
 
 /// Gives 1, 0 or -1 for what an ordering answers; -1 for an unordered pair.
 template <class Order>
@@ -105,6 +106,39 @@ std::size_t ZKCountBefore(const Value* values, std::size_t count, const Object& 
 }
 
 /// The ordering by a method of the object that is searched for, found once for all comparisons.
+/// Gives the object that a method needs; null raises `NSInvalidArgumentException`.
+template <class T>
+[[nodiscard]] T* ZKChecked(T* object) {
+  if (object == nullptr) [[unlikely]] {
+    NSRaiseNilDereference(typeid(T));
+  }
+  return object;
+}
+
+/// The class of objects that a method takes as `const NSRef<T>&` or `const T&`.
+template <class Argument>
+struct ZKArgument {
+  using Class = std::remove_cvref_t<Argument>;
+  static constexpr bool isReference = false;
+};
+template <class Argument>
+requires requires { typename std::remove_cvref_t<Argument>::element_type; }
+struct ZKArgument<Argument> {
+  using Class = typename std::remove_cvref_t<Argument>::element_type;
+  static constexpr bool isReference = true;
+};
+
+/// Calls a method that compares, with another object that is lent to it.
+template <class Argument, class Receiver, class Method>
+[[gnu::always_inline]] inline auto ZKCompareByMethod(Receiver& receiver, Method method,
+                                                     typename ZKArgument<Argument>::Class* other) {
+  if constexpr (ZKArgument<Argument>::isReference) {
+    return (receiver.*method)(*NSBorrowed(other));
+  } else {
+    return (receiver.*method)(*other);
+  }
+}
+
 template <class Receiver, class Argument, class Method>
 class ZKMethodOrdering {
  public:
@@ -114,30 +148,11 @@ class ZKMethodOrdering {
   }
 
   auto operator()(const NSRef<NSObject>& /*object*/, const NSRef<NSObject>& element) const {
-    using Plain = std::remove_cvref_t<Argument>;
-    if constexpr (requires { typename Plain::element_type; }) {
-      // Borrowed for the call, without a count of its own.
-      using Other = typename Plain::element_type;
-      struct Borrowed {
-        NSRef<Other> reference;
-        ~Borrowed() { static_cast<void>(reference.leak()); }
-      };
-      const Borrowed other{NSRef<Other>::adopt(checked(element.cast<Other>()))};
-      return (checked(_receiver)->*_method)(other.reference);
-    } else {
-      return (checked(_receiver)->*_method)(*checked(element.cast<Plain>()));
-    }
+    auto* const other = element.cast<typename ZKArgument<Argument>::Class>();
+    return ZKCompareByMethod<Argument>(*ZKChecked(_receiver), _method, ZKChecked(other));
   }
 
  private:
-  template <class T>
-  static T* checked(T* object) {
-    if (object == nullptr) [[unlikely]] {
-      NSRaiseNilDereference(typeid(T));
-    }
-    return object;
-  }
-
   NSRef<NSObject> _object;
   Receiver* _receiver;
   Method _method;
