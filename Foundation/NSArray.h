@@ -7,8 +7,10 @@
 #include <Foundation/NSBlock.h>
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/NSRange.h>
 #include <Foundation/detail/Enumeration.h>
 #include <Foundation/detail/ObjectVector.h>
+#include <Foundation/detail/TypedWalk.h>
 
 class NSMutableArray;
 class NSPredicate;
@@ -29,6 +31,8 @@ class NS_EXPORT NSArray : public NSObject {
 
   [[nodiscard]] NSUInteger count() const noexcept { return _elements.size(); }
   [[nodiscard]] NSRef<NSObject> objectAtIndex(NSUInteger index) const;
+  /// Gives the object at the index, as `objectAtIndex` does.
+  [[nodiscard]] NSRef<NSObject> operator[](NSUInteger index) const { return objectAtIndex(index); }
   /// Gives nil when the array is empty, as `lastObject` does.
   [[nodiscard]] NSRef<NSObject> firstObject() const {
     return count() == 0 ? nullptr : _elements[0];
@@ -36,6 +40,9 @@ class NS_EXPORT NSArray : public NSObject {
   [[nodiscard]] NSRef<NSObject> lastObject() const {
     return count() == 0 ? nullptr : _elements[count() - 1];
   }
+
+  /// Gives the elements of the range as an array.
+  [[nodiscard]] NSRef<NSArray> subarrayWithRange(NSRange range) const;
 
   /// Finds the first index whose element is equal, or gives `NSNotFound`.
   [[nodiscard]] NSUInteger indexOfObject(const NSRef<NSObject>& object) const;
@@ -67,6 +74,14 @@ class NS_EXPORT NSArray : public NSObject {
     return NSEnumeration(_elements, {self(), _mutations});
   }
   [[nodiscard]] static std::default_sentinel_t end() noexcept { return {}; }
+
+  /// Walks over the elements as objects of a class: `for (const auto& chapter :
+  /// array->each<Chapter>())` gives references that are valid until the next step. One of another
+  /// class raises `NSInvalidArgumentException`: "NSString is no Chapter (at index 3)".
+  template <class T>
+  [[nodiscard]] auto each() const noexcept {
+    return NSTypedWalk<T, NSArray>(self(), *this);
+  }
 
   /// Whether the other array has as many elements, equal one by one.
   [[nodiscard]] bool isEqualToArray(const NSRef<NSArray>& other) const;
@@ -116,6 +131,10 @@ class NS_EXPORT NSMutableArray : public NSArray {
   void removeObjectsWhere(NSBlockRef<bool(const NSRef<NSObject>&)> isRemoved);
   /// Removes the elements for which the predicate does not hold.
   void filterUsingPredicate(const NSRef<NSPredicate>& predicate);
+  /// Puts the elements into the order in which the callable, which is lent them, lists their
+  /// places, each once. When it throws they stay as they are; when it changes the array, which then
+  /// stays as that leaves it, this raises `NSGenericException`.
+  void arrangeElements(NSBlockRef<std::vector<std::size_t>(std::span<const NSRef<NSObject>>)> list);
   /// Removes the last element; does nothing when the array is empty.
   void removeLastObject();
   void removeAllObjects() noexcept;
@@ -124,7 +143,3 @@ class NS_EXPORT NSMutableArray : public NSArray {
 
   [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 };
-  /// Puts the elements into the order in which the callable, which is lent them, lists their
-  /// places, each once. When it throws they stay as they are; when it changes the array, which then
-  /// stays as that leaves it, this raises `NSGenericException`.
-  void arrangeElements(NSBlockRef<std::vector<std::size_t>(std::span<const NSRef<NSObject>>)> list);

@@ -8,6 +8,7 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/detail/Enumeration.h>
 #include <Foundation/detail/ObjectSet.h>
+#include <Foundation/detail/TypedWalk.h>
 
 class NSArray;
 class NSMutableOrderedSet;
@@ -32,6 +33,8 @@ class NS_EXPORT NSOrderedSet : public NSObject {
 
   [[nodiscard]] NSUInteger count() const noexcept { return _members.size(); }
   [[nodiscard]] NSRef<NSObject> objectAtIndex(NSUInteger index) const;
+  /// Gives the object at the index, as `objectAtIndex` does.
+  [[nodiscard]] NSRef<NSObject> operator[](NSUInteger index) const { return objectAtIndex(index); }
   /// Gives nil when the set is empty, as `lastObject` does.
   [[nodiscard]] NSRef<NSObject> firstObject() const { return count() == 0 ? nullptr : _members[0]; }
   [[nodiscard]] NSRef<NSObject> lastObject() const {
@@ -64,6 +67,14 @@ class NS_EXPORT NSOrderedSet : public NSObject {
     return NSEnumeration(_members.elements(), {self(), _members.mutations()});
   }
   [[nodiscard]] static std::default_sentinel_t end() noexcept { return {}; }
+
+  /// Walks over the members as objects of a class: `for (const auto& chapter :
+  /// set->each<Chapter>())` gives references that are valid until the next step. One of another
+  /// class raises `NSInvalidArgumentException`: "NSString is no Chapter (at index 3)".
+  template <class T>
+  [[nodiscard]] auto each() const noexcept {
+    return NSTypedWalk<T, NSOrderedSet>(self(), *this);
+  }
 
   /// Whether the other set has as many members, equal one by one.
   [[nodiscard]] bool isEqualToOrderedSet(const NSRef<NSOrderedSet>& other) const;

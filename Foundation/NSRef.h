@@ -67,6 +67,11 @@ class NSRef {
   T& operator*() const { return *checked(); }
   T* operator->() const { return checked(); }
 
+  /// Asks the object at an index: `array[0]` is `(*array)[0]`.
+  template <class Object = T>
+  requires requires(Object& object) { object[0]; }
+  [[nodiscard]] decltype(auto) operator[](std::size_t index) const { return (*checked())[index]; }
+
   /// Gives the object as a `U` without counting a reference, or null when it is none.
   template <class U>
   [[nodiscard]] U* cast() const noexcept {

@@ -7,6 +7,7 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/detail/Enumeration.h>
 #include <Foundation/detail/ObjectSet.h>
+#include <Foundation/detail/TypedWalk.h>
 
 class NSArray;
 class NSMutableSet;
@@ -49,6 +50,14 @@ class NS_EXPORT NSSet : public NSObject {
     return NSEnumeration(_members.elements(), {self(), _members.mutations()});
   }
   [[nodiscard]] static std::default_sentinel_t end() noexcept { return {}; }
+
+  /// Walks over the members as objects of a class: `for (const auto& chapter :
+  /// set->each<Chapter>())` gives references that are valid until the next step. One of another
+  /// class raises `NSInvalidArgumentException`: "NSString is no Chapter".
+  template <class T>
+  [[nodiscard]] auto each() const noexcept {
+    return NSTypedWalk<T, NSSet>(self(), *this);
+  }
 
   [[nodiscard]] bool isEqualToSet(const NSRef<NSSet>& other) const;
   [[nodiscard]] bool isEqual(const NSRef<NSObject>& other) const override;

@@ -70,6 +70,8 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] std::u16string_view view() const noexcept { return _text.view(); }
   [[nodiscard]] NSUInteger length() const noexcept { return _text.size(); }
   [[nodiscard]] unichar characterAtIndex(NSUInteger index) const;
+  /// Gives the unit at the index, as `characterAtIndex` does.
+  [[nodiscard]] unichar operator[](NSUInteger index) const { return characterAtIndex(index); }
 
   [[nodiscard]] std::string utf8() const { return NSUTF8FromUnits(view()); }
   explicit operator std::string() const { return utf8(); }

@@ -40,6 +40,11 @@ NSRef<NSObject> NSArray::objectAtIndex(NSUInteger index) const {
   return _elements[index];
 }
 
+NSRef<NSArray> NSArray::subarrayWithRange(NSRange range) const {
+  NSCheckRange("subarrayWithRange:", range, count());
+  return NSMake<NSArray>(NSObjectVector(objects().subspan(range.location, range.length)));
+}
+
 NSUInteger NSArray::indexOfObject(const NSRef<NSObject>& object) const {
   if (!object) return NSNotFound;
   const NSObjectVector held = _elements;
@@ -156,11 +161,6 @@ void NSMutableArray::filterUsingPredicate(const NSRef<NSPredicate>& predicate) {
   removeObjectsWhere([&](const auto& object) { return !predicate->evaluateWithObject(object); });
 }
 
-void NSMutableArray::removeLastObject() {
-  if (count() == 0) return;
-  const auto removed = changing().remove(count() - 1);
-}
-
 void NSMutableArray::arrangeElements(
     NSBlockRef<std::vector<std::size_t>(std::span<const NSRef<NSObject>>)> list) {
   const auto held = self();
@@ -172,6 +172,11 @@ void NSMutableArray::arrangeElements(
     return listed;
   }();
   changing().arrange(places);
+}
+
+void NSMutableArray::removeLastObject() {
+  if (count() == 0) return;
+  const auto removed = changing().remove(count() - 1);
 }
 
 void NSMutableArray::removeAllObjects() noexcept {

@@ -145,6 +145,15 @@ NSRef<NSMutableArray> arrayFromIndexes(const NSRef<NSArray>& array,
   return result;
 }
 
+NSRef<NSArray> reversedArray(const NSRef<NSArray>& array) {
+  NSCheckArgument("reversedArray", "array", array);
+  NSObjectVector reversed;
+  reversed.reserve(array->count());
+  const auto objects = array->objects();
+  for (std::size_t k = objects.size(); k > 0; --k) reversed.append(objects[k - 1]);
+  return NSMake<NSArray>(std::move(reversed));
+}
+
 void insertObjectsFromArray_atIndex(const NSRef<NSMutableArray>& array, const NSRef<NSArray>& other,
                                     NSInteger index) {
   NSCheckArgument("insertObjectsFromArray:atIndex:", "array", array);

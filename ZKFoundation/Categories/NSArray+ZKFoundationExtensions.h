@@ -55,6 +55,9 @@ ZK_EXPORT void removeAllObjectsWhichNotMemberOfClass(const NSRef<NSMutableArray>
 [[nodiscard]] ZK_EXPORT NSRef<NSMutableArray> arrayFromIndexes(const NSRef<NSArray>& array,
                                                                const NSRef<NSIndexSet>& indexes);
 
+/// Makes an array of the elements in the opposite order.
+[[nodiscard]] ZK_EXPORT NSRef<NSArray> reversedArray(const NSRef<NSArray>& array);
+
 /// Inserts the other array's elements, in their order, the first of them at the index. Nil and an
 /// empty array change nothing; otherwise an index below 0 or above the count raises
 /// `NSRangeException`. The other array may be the same, and is inserted as it was.

@@ -144,6 +144,12 @@ TEST(NSArrayExtensions, TakesTheFirstTwentyIndexesBelowTheCount) {
   EXPECT_EQ(arrayFromIndexes(numbersTo(5), nullptr)->count(), 0U);
 }
 
+TEST(NSArrayExtensions, TurnsTheOrderRound) {
+  EXPECT_EQ(reversedArray(NSMake<NSArray>({u"a"_ns, u"b"_ns, u"a"_ns, u"c"_ns}))->description(),
+            u"(c, a, b, a)");
+  EXPECT_EQ(reversedArray(NSMake<NSArray>())->count(), 0U);
+}
+
 TEST(NSArrayExtensions, InsertsTheElementsOfAnArray) {
   const auto array = numbersTo(3);
   insertObjectsFromArray_atIndex(array, NSMake<NSArray>({u"a"_ns, u"b"_ns}), 1);

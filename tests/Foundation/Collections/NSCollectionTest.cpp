@@ -12,6 +12,9 @@ TEST(NSCollection, RaisesForIndexesBeyondBoundsAndChangesNothing) {
   pointers->addPointer(nullptr);
   const Rows<int, std::string, std::function<void()>> rows = {
       {2, "objectAtIndex:", [&] { (void)array->objectAtIndex(2); }},
+      {2, "objectAtIndex:", [&] { (void)array[2]; }},
+      {2, "objectAtIndex:", [&] { (void)NSMake<NSOrderedSet>(array)[2]; }},
+      {2, "characterAtIndex:", [] { (void)u"ab"_ns[2]; }},
       {3, "insertObject:atIndex:", [&] { array->insertObject_atIndex(u"x"_ns, 3); }},
       {2, "replaceObjectAtIndex:withObject:",
        [&] { array->replaceObjectAtIndex_withObject(2, u"x"_ns); }},
@@ -49,6 +52,22 @@ TEST(NSCollection, RaisesForNil) {
   for (const auto& [argument, operation, action] : rows) {
     refusesNil(argument, operation, action);
   }
+}
+
+TEST(NSArray, IsReadByIndexesAndRanges) {
+  const auto array = NSMake<NSMutableArray>({u"a"_ns, u"b"_ns, u"c"_ns});
+  EXPECT_EQ(array[1], u"b"_ns);
+  EXPECT_EQ((*array)[2], u"c"_ns);
+  EXPECT_EQ(NSMake<NSOrderedSet>(array)[0], u"a"_ns);
+  EXPECT_EQ(u"xyz"_ns[1], u'y');
+  EXPECT_EQ(array->subarrayWithRange({1, 2})->description(), u"(b, c)");
+  EXPECT_EQ(array->subarrayWithRange({3, 0})->count(), 0U);
+  expectRaises(NSRangeException, "range {2, 2} beyond bounds [0, 3) (in 'subarrayWithRange:')",
+               [&] {
+                 (void)array->subarrayWithRange({2, 2});
+               });
+  expectRaises(NSInvalidArgumentException, "NSArray is nil where an object is needed",
+               [] { (void)NSRef<NSArray>()[0]; });
 }
 
 TEST(NSArray, EditsInPlaceAndFindsByEquality) {

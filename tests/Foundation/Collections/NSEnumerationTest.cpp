@@ -39,6 +39,49 @@ TEST(NSEnumeration, ACollectionThatChangesWhileItIsWalkedRaises) {
   raisesWhenWalked(pointers, [](auto& it) { it.addPointer(&it); });
 }
 
+TEST(NSEnumeration, GivesElementsAsObjectsOfAClass) {
+  const auto walk = [](const auto& collection) {
+    std::string text;
+    for (const auto& word : collection->template each<NSString>()) text += word->utf8();
+    return text;
+  };
+  const auto array = NSMake<NSMutableArray>({u"a"_ns, NSMake<NSMutableString>(u"b")});
+  EXPECT_EQ(walk(array) + walk(NSMake<NSOrderedSet>(array)) + walk(NSMake<NSSet>(array)), "ababab");
+  EXPECT_EQ(walk(NSMake<NSArray>()), "");
+  array->addObject(number(1));
+  const auto refuses = [&](const auto& collection, const char* reason) {
+    expectRaises(NSInvalidArgumentException, reason, [&] { (void)walk(collection); });
+  };
+  refuses(array, "NSNumber is no NSString (at index 2)");
+  refuses(NSMake<NSOrderedSet>(array), "NSNumber is no NSString (at index 2)");
+  refuses(NSMake<NSSet>(array), "NSNumber is no NSString");
+}
+
+TEST(NSEnumeration, WalksByClassObeyTheRulesOfWalks) {
+  int alive = 0;
+  auto array = NSMake<NSMutableArray>({NSMake<Counted>(alive), NSMake<Counted>(alive)});
+  const auto counted = array->each<Counted>();
+  array->addObject(NSMake<Counted>(alive));
+  int steps = 0;
+  expectRaises(NSGenericException, "NSMutableArray was mutated while being enumerated", [&] {
+    for (const auto& element : counted) {
+      array->removeAllObjects();
+      ++steps;
+      EXPECT_EQ(element->alive, 3);
+    }
+  });
+  EXPECT_EQ(steps, 1);
+  EXPECT_EQ(alive, 0);
+  for (const auto& element : NSMake<NSSet>({NSMake<Counted>(alive)})->each<Counted>()) {
+    EXPECT_EQ(element->retainCount(), 1U);
+  }
+  NSRef<Counted> kept;
+  for (const auto& element : NSMake<NSArray>({NSMake<Counted>(alive)})->each<Counted>()) {
+    kept = element;
+  }
+  EXPECT_EQ(kept->retainCount(), 1U);
+}
+
 TEST(NSEnumeration, AChangeThatChangesNothingAndOneThatEndsTheWalkAreFine) {
   const auto set = NSMake<NSMutableSet>({number(1), number(2)});
   for (const auto& member : *set) {
