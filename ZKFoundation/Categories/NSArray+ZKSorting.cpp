@@ -35,4 +35,25 @@ void insertObject_inArraySortedUsingFunction_context(const NSRef<NSMutableArray>
   insertObject_inArraySortedUsingFunction(array, object, orderingBy(compare, context));
 }
 
+NSRange equalRangeOfObject_inArraySortedUsingFunction_context(const NSRef<NSArray>& array,
+                                                              const NSRef<NSObject>& object,
+                                                              ZKCompareFunction compare,
+                                                              void* context) {
+  return equalRangeOfObject_inArraySortedUsingFunction(array, object, orderingBy(compare, context));
+}
+
+void insertObject_beforeEqualsInArraySortedUsingFunction_context(const NSRef<NSMutableArray>& array,
+                                                                 const NSRef<NSObject>& object,
+                                                                 ZKCompareFunction compare,
+                                                                 void* context) {
+  insertObject_beforeEqualsInArraySortedUsingFunction(array, object, orderingBy(compare, context));
+}
+
+void insertObject_afterEqualsInArraySortedUsingFunction_context(const NSRef<NSMutableArray>& array,
+                                                                const NSRef<NSObject>& object,
+                                                                ZKCompareFunction compare,
+                                                                void* context) {
+  insertObject_afterEqualsInArraySortedUsingFunction(array, object, orderingBy(compare, context));
+}
+
 }  // namespace ZKFoundationExtensions

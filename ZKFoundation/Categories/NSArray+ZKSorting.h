@@ -28,6 +28,12 @@ template <class Range>
 concept ZKSearchableRange =
     std::ranges::random_access_range<Range> && std::ranges::sized_range<Range>;
 
+/// A container that takes an object at any place.
+template <class Container, class Object>
+concept ZKInsertable = requires(Container& container, Object object) {
+  container.insert(container.begin(), std::move(object));
+};
+
 /// Orders objects; the context is passed to it unchanged.
 using ZKCompareFunction = NSInteger (*)(const NSRef<NSObject>& object,
                                         const NSRef<NSObject>& element, void* context);
@@ -57,10 +63,26 @@ template <ZKSearchableRange Range, class Object, class Compare>
 
 /// Inserts the object into a sorted container where it belongs.
 template <ZKSearchableRange Container, class Object, class Compare>
-requires requires(Container& container, Object object) {
-  container.insert(container.begin(), std::move(object));
-}
+requires ZKInsertable<Container, Object>
 void insertObject_inArraySortedUsingFunction(Container& container, Object object, Compare compare);
+
+/// Gives the range of the elements that order the same as the object; when there are none, an empty
+/// range where the object belongs. At most 2 log2(n) + 2 comparisons.
+template <ZKSearchableRange Range, class Object, class Compare>
+[[nodiscard]] NSRange equalRangeOfObject_inArraySortedUsingFunction(const Range& range,
+                                                                    const Object& object,
+                                                                    Compare compare);
+
+/// Inserts the object into a sorted container before all elements that order the same.
+template <ZKSearchableRange Container, class Object, class Compare>
+requires ZKInsertable<Container, Object>
+void insertObject_beforeEqualsInArraySortedUsingFunction(Container& container, Object object,
+                                                         Compare compare);
+/// Inserts the object into a sorted container after all elements that order the same.
+template <ZKSearchableRange Container, class Object, class Compare>
+requires ZKInsertable<Container, Object>
+void insertObject_afterEqualsInArraySortedUsingFunction(Container& container, Object object,
+                                                        Compare compare);
 
 /// Tells where the object belongs in a sorted array, as for any range.
 template <class Compare>
@@ -78,6 +100,25 @@ template <class Compare>
 void insertObject_inArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
                                              const NSRef<NSObject>& object, Compare compare);
 
+/// Gives the range of the elements that order the same as the object, as in any range.
+template <class Compare>
+[[nodiscard]] NSRange equalRangeOfObject_inArraySortedUsingFunction(const NSRef<NSArray>& array,
+                                                                    const NSRef<NSObject>& object,
+                                                                    Compare compare);
+
+/// Inserts the object into a sorted array before all elements that order the same. A nil object
+/// raises `NSInvalidArgumentException` before it is compared with any.
+template <class Compare>
+void insertObject_beforeEqualsInArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
+                                                         const NSRef<NSObject>& object,
+                                                         Compare compare);
+/// Inserts the object into a sorted array after all elements that order the same. A nil object
+/// raises `NSInvalidArgumentException` before it is compared with any.
+template <class Compare>
+void insertObject_afterEqualsInArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
+                                                        const NSRef<NSObject>& object,
+                                                        Compare compare);
+
 /// Tells where the object belongs in a sorted array, by a function and its context.
 [[nodiscard]] ZK_EXPORT NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingFunction_context(
     const NSRef<NSArray>& array, const NSRef<NSObject>& object, ZKCompareFunction compare,
@@ -94,6 +135,20 @@ ZK_EXPORT void insertObject_inArraySortedUsingFunction_context(const NSRef<NSMut
                                                                ZKCompareFunction compare,
                                                                void* context);
 
+/// Gives the range of the elements that order the same, by a function and its context.
+[[nodiscard]] ZK_EXPORT NSRange equalRangeOfObject_inArraySortedUsingFunction_context(
+    const NSRef<NSArray>& array, const NSRef<NSObject>& object, ZKCompareFunction compare,
+    void* context);
+
+/// Inserts the object before all that order the same, by a function and its context.
+ZK_EXPORT void insertObject_beforeEqualsInArraySortedUsingFunction_context(
+    const NSRef<NSMutableArray>& array, const NSRef<NSObject>& object, ZKCompareFunction compare,
+    void* context);
+/// Inserts the object after all that order the same, by a function and its context.
+ZK_EXPORT void insertObject_afterEqualsInArraySortedUsingFunction_context(
+    const NSRef<NSMutableArray>& array, const NSRef<NSObject>& object, ZKCompareFunction compare,
+    void* context);
+
 /// Tells where the object belongs in a sorted array, by a method of the objects.
 template <class Method>
 [[nodiscard]] NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingSelector(
@@ -108,6 +163,23 @@ template <class Method>
 template <class Method>
 void insertObject_inArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
                                              const NSRef<NSObject>& object, Method method);
+
+/// Gives the range of the elements that order the same, by a method of the objects.
+template <class Method>
+[[nodiscard]] NSRange equalRangeOfObject_inArraySortedUsingSelector(const NSRef<NSArray>& array,
+                                                                    const NSRef<NSObject>& object,
+                                                                    Method method);
+
+/// Inserts the object before all that order the same, by a method of the objects.
+template <class Method>
+void insertObject_beforeEqualsInArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
+                                                         const NSRef<NSObject>& object,
+                                                         Method method);
+/// Inserts the object after all that order the same, by a method of the objects.
+template <class Method>
+void insertObject_afterEqualsInArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
+                                                        const NSRef<NSObject>& object,
+                                                        Method method);
 
 /// Removes the very object from a sorted array, if it is there; others that order the same stay.
 template <class Method>

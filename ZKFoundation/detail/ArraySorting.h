@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <compare>
 #include <concepts>
@@ -12,8 +13,8 @@
 #include <utility>
 
 #include <Foundation/NSException.h>
-#include <ZKFoundation/Categories/NSArray+ZKSorting.h>
 #include <Foundation/detail/Borrowed.h>
+#include <ZKFoundation/Categories/NSArray+ZKSorting.h>
 
 /// Gives 1, 0 or -1 for what an ordering answers; -1 for an unordered pair.
 template <class Order>
@@ -105,7 +106,6 @@ std::size_t ZKCountBefore(const Value* values, std::size_t count, const Object& 
   return static_cast<std::size_t>(low - values) + isAfter(*low);
 }
 
-/// The ordering by a method of the object that is searched for, found once for all comparisons.
 /// Gives the object that a method needs; null raises `NSInvalidArgumentException`.
 template <class T>
 [[nodiscard]] T* ZKChecked(T* object) {
@@ -139,6 +139,7 @@ template <class Argument, class Receiver, class Method>
   }
 }
 
+/// The ordering by a method of the object that is searched for, found once for all comparisons.
 template <class Receiver, class Argument, class Method>
 class ZKMethodOrdering {
  public:
@@ -163,6 +164,29 @@ ZKMethodOrdering(const NSRef<NSObject>&, Result (Receiver::*)(Argument) const)
 template <class Receiver, class Result, class Argument>
 ZKMethodOrdering(const NSRef<NSObject>&, Result (Receiver::*)(Argument))
     -> ZKMethodOrdering<Receiver, Argument, Result (Receiver::*)(Argument)>;
+
+/// Counts the elements from which the object orders by more than `sign`: with 0 those that order
+/// before it, with -1 also those that order the same. Of the first `known` that is known.
+template <int sign, class Range, class Object, class Compare>
+[[nodiscard]] std::size_t ZKCountOrdered(const Range& range, const Object& object, Compare& compare,
+                                         std::size_t known) {
+  const auto first = std::ranges::begin(range);
+  const auto isCounted = [&](const auto& element) {
+    return ZKSign(std::invoke(compare, object, element)) > sign;
+  };
+  const auto end = std::ranges::partition_point(first + static_cast<std::ptrdiff_t>(known),
+                                                first + std::ranges::ssize(range), isCounted);
+  return static_cast<std::size_t>(end - first);
+}
+
+/// Counts the elements of an array in the same way; 0 for a nil object.
+template <int sign, class Compare>
+[[nodiscard]] NSUInteger ZKCountOrderedIn(const NSRef<NSMutableArray>& array,
+                                          const NSRef<NSObject>& object, Compare& compare) {
+  if (!object) return 0;
+  const NSObjectVector elements = array->elements();
+  return ZKCountOrdered<sign>(elements.view(), object, compare, 0);
+}
 
 namespace ZKFoundationExtensions {
 
@@ -233,12 +257,33 @@ std::size_t indexOfObject_identical_inArraySortedUsingFunction(const Range& rang
 }
 
 template <ZKSearchableRange Container, class Object, class Compare>
-requires requires(Container& container, Object object) {
-  container.insert(container.begin(), std::move(object));
-}
+requires ZKInsertable<Container, Object>
 void insertObject_inArraySortedUsingFunction(Container& container, Object object, Compare compare) {
   const std::size_t place = indexWhereObjectWouldBelong_inArraySortedUsingFunction(
       std::as_const(container), object, std::ref(compare));
+  container.insert(container.begin() + static_cast<std::ptrdiff_t>(place), std::move(object));
+}
+
+template <ZKSearchableRange Range, class Object, class Compare>
+NSRange equalRangeOfObject_inArraySortedUsingFunction(const Range& range, const Object& object,
+                                                      Compare compare) {
+  const std::size_t before = ZKCountOrdered<0>(range, object, compare, 0);
+  return {before, ZKCountOrdered<-1>(range, object, compare, before) - before};
+}
+
+template <ZKSearchableRange Container, class Object, class Compare>
+requires ZKInsertable<Container, Object>
+void insertObject_beforeEqualsInArraySortedUsingFunction(Container& container, Object object,
+                                                         Compare compare) {
+  const std::size_t place = ZKCountOrdered<0>(std::as_const(container), object, compare, 0);
+  container.insert(container.begin() + static_cast<std::ptrdiff_t>(place), std::move(object));
+}
+
+template <ZKSearchableRange Container, class Object, class Compare>
+requires ZKInsertable<Container, Object>
+void insertObject_afterEqualsInArraySortedUsingFunction(Container& container, Object object,
+                                                        Compare compare) {
+  const std::size_t place = ZKCountOrdered<-1>(std::as_const(container), object, compare, 0);
   container.insert(container.begin() + static_cast<std::ptrdiff_t>(place), std::move(object));
 }
 
@@ -274,6 +319,31 @@ void insertObject_inArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
   array->insertObject_atIndex(object, place);
 }
 
+template <class Compare>
+NSRange equalRangeOfObject_inArraySortedUsingFunction(const NSRef<NSArray>& array,
+                                                      const NSRef<NSObject>& object,
+                                                      Compare compare) {
+  NSCheckArgument("equalRangeOfObject:inArraySortedUsingFunction:context:", "array", array);
+  const NSObjectVector elements = array->elements();
+  return equalRangeOfObject_inArraySortedUsingFunction(elements.view(), object, std::ref(compare));
+}
+
+template <class Compare>
+void insertObject_beforeEqualsInArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
+                                                         const NSRef<NSObject>& object,
+                                                         Compare compare) {
+  NSCheckArgument("insertObject:beforeEqualsInArraySortedUsingFunction:context:", "array", array);
+  array->insertObject_atIndex(object, ZKCountOrderedIn<0>(array, object, compare));
+}
+
+template <class Compare>
+void insertObject_afterEqualsInArraySortedUsingFunction(const NSRef<NSMutableArray>& array,
+                                                        const NSRef<NSObject>& object,
+                                                        Compare compare) {
+  NSCheckArgument("insertObject:afterEqualsInArraySortedUsingFunction:context:", "array", array);
+  array->insertObject_atIndex(object, ZKCountOrderedIn<-1>(array, object, compare));
+}
+
 template <class Method>
 NSUInteger indexWhereObjectWouldBelong_inArraySortedUsingSelector(const NSRef<NSArray>& array,
                                                                   const NSRef<NSObject>& object,
@@ -297,6 +367,33 @@ void insertObject_inArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
                                              const NSRef<NSObject>& object, Method method) {
   NSCheckArgument("insertObject:inArraySortedUsingSelector:", "array", array);
   insertObject_inArraySortedUsingFunction(array, object, ZKMethodOrdering(object, method));
+}
+
+template <class Method>
+NSRange equalRangeOfObject_inArraySortedUsingSelector(const NSRef<NSArray>& array,
+                                                      const NSRef<NSObject>& object,
+                                                      Method method) {
+  NSCheckArgument("equalRangeOfObject:inArraySortedUsingSelector:", "array", array);
+  return equalRangeOfObject_inArraySortedUsingFunction(array, object,
+                                                       ZKMethodOrdering(object, method));
+}
+
+template <class Method>
+void insertObject_beforeEqualsInArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
+                                                         const NSRef<NSObject>& object,
+                                                         Method method) {
+  NSCheckArgument("insertObject:beforeEqualsInArraySortedUsingSelector:", "array", array);
+  insertObject_beforeEqualsInArraySortedUsingFunction(array, object,
+                                                      ZKMethodOrdering(object, method));
+}
+
+template <class Method>
+void insertObject_afterEqualsInArraySortedUsingSelector(const NSRef<NSMutableArray>& array,
+                                                        const NSRef<NSObject>& object,
+                                                        Method method) {
+  NSCheckArgument("insertObject:afterEqualsInArraySortedUsingSelector:", "array", array);
+  insertObject_afterEqualsInArraySortedUsingFunction(array, object,
+                                                     ZKMethodOrdering(object, method));
 }
 
 template <class Method>

@@ -152,6 +152,41 @@ TEST(NSArraySorting, FindsEveryVeryObjectInEverySortedArray) {
   });
 }
 
+TEST(NSArraySorting, FindsRunsAndInsertsAtTheirEnds) {
+  const auto compare = std::compare_three_way();
+  forEachKeys([&](const std::vector<int>& keys) {
+    if (!std::ranges::is_sorted(keys)) return;
+    const auto array = cards(keys);
+    for (int key = 0; key <= 4; ++key) {
+      const auto [first, last] = std::equal_range(keys.begin(), keys.end(), key);
+      const NSRange run = {static_cast<NSUInteger>(first - keys.begin()),
+                           static_cast<NSUInteger>(last - first)};
+      const auto card = NSMake<Card>(alive, key);
+      std::vector<int> looked;
+      EXPECT_EQ(equalRangeOfObject_inArraySortedUsingFunction(keys, key, compare), run);
+      EXPECT_EQ(equalRangeOfObject_inArraySortedUsingSelector(array, card, &Card::order), run);
+      EXPECT_EQ(equalRangeOfObject_inArraySortedUsingFunction_context(array, card, compareAndNote,
+                                                                      &looked),
+                run);
+      auto values = std::deque<int>(keys.begin(), keys.end());
+      insertObject_beforeEqualsInArraySortedUsingFunction(values, key, compare);
+      insertObject_afterEqualsInArraySortedUsingFunction(values, key, compare);
+      EXPECT_TRUE(std::ranges::is_sorted(values));
+      const auto grown = array->mutableCopy();
+      const auto front = NSMake<Card>(alive, key);
+      insertObject_afterEqualsInArraySortedUsingSelector(grown, card, &Card::compare);
+      insertObject_beforeEqualsInArraySortedUsingSelector(grown, front, &Card::compare);
+      EXPECT_TRUE(grown[run.location].is(front) && grown[NSMaxRange(run) + 1].is(card));
+      insertObject_afterEqualsInArraySortedUsingFunction_context(grown, card, compareAndNote,
+                                                                 &looked);
+      insertObject_beforeEqualsInArraySortedUsingFunction_context(grown, front, compareAndNote,
+                                                                  &looked);
+      EXPECT_TRUE(grown[run.location + 1].is(front) && grown[NSMaxRange(run) + 3].is(card));
+    }
+  });
+  EXPECT_EQ(alive, 0);
+}
+
 TEST(NSArraySorting, LooksOneElementPastTheRunForTheVeryObject) {
   // The object itself does not stand where its key belongs.
   const auto array = cards({1, 1, 9, 2});
@@ -246,6 +281,10 @@ TEST(NSArraySorting, RefusesNilAndWhatTheMethodDoesNotTake) {
                [&] { insertObject_inArraySortedUsingSelector(array, nullptr, &Card::order); });
   expectRaises(NSInvalidArgumentException, reason, [&] {
     insertObject_inArraySortedUsingFunction_context(array, nullptr, compareAndNote, nullptr);
+  });
+  expectRaises(NSInvalidArgumentException, reason, [&] {
+    insertObject_afterEqualsInArraySortedUsingFunction_context(array, nullptr, compareAndNote,
+                                                               nullptr);
   });
   refusesNil("compare", "inArraySortedUsingFunction:context:", [&] {
     insertObject_inArraySortedUsingFunction_context(array, object, nullptr, nullptr);
