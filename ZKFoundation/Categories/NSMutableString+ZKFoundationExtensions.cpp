@@ -7,8 +7,7 @@
 
 namespace ZKFoundationExtensions {
 
-void appendStrings(const NSRef<NSMutableString>& string,
-                   std::initializer_list<NSRef<NSString>> strings) {
+void appendStrings(const NSRef<NSMutableString>& string, std::span<const NSRef<NSString>> strings) {
   NSCheckArgument("appendStrings:", "string", string);
   const std::span listed(strings.begin(), std::ranges::find(strings, nullptr));
   NSUInteger length = string->length();

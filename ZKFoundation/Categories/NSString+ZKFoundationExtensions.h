@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
+#include <utility>
 
 #include <Foundation/NSString.h>
+#include <ZKFoundation/Categories/NSMutableString+ZKFoundationExtensions.h>
 #include <ZKFoundation/ZKExport.h>
 
 // The receiver comes first and must not be nil: asking nil raises `NSInvalidArgumentException`.
@@ -50,6 +52,14 @@ template <class String = NSString>
 /// Joins the strings up to the first nil; gives the empty string when the first is nil.
 [[nodiscard]] ZK_EXPORT NSRef<NSString> stringWithStrings(
     std::initializer_list<NSRef<NSString>> strings);
+/// Joins the strings of any range, such as `array->each<NSString>()`, up to the first nil, where it
+/// stops reading. Room is made once.
+template <ZKStringRange Strings>
+[[nodiscard]] NSRef<NSString> stringWithStrings(Strings&& strings) {
+  const auto result = NSMake<NSMutableString>();
+  appendStrings(result, std::forward<Strings>(strings));
+  return result->copy();
+}
 
 /// Reads hexadecimal digits of either case leniently, from the first 40 units only: white space is
 /// skipped wherever it stands, and one "0x" in front. Of more than eight digits the last eight

@@ -3,6 +3,7 @@
 #include <cinttypes>
 #include <clocale>
 #include <cstdio>
+#include <list>
 #include <mutex>
 #include <regex>
 #include <set>
@@ -63,6 +64,14 @@ TEST(NSStringExtensions, MakesStrings) {
   EXPECT_EQ(string, u"<<>");
   appendStrings(string, {nullptr});
   EXPECT_EQ(string->length(), 3U);
+
+  const std::vector<NSRef<NSString>> list = {u"a"_ns, u"b"_ns, nullptr, u"c"_ns};
+  EXPECT_EQ(stringWithStrings(list), u"ab");
+  EXPECT_EQ(stringWithStrings(std::list<NSRef<NSMutableString>>{string, string, nullptr}),
+            u"<<><<>");
+  EXPECT_EQ(stringWithStrings(NSMake<NSArray>({u"a"_ns, string})->each<NSString>()), u"a<<>");
+  appendStrings(string, std::span(list).first(1));
+  EXPECT_EQ(string, u"<<>a");
 
   EXPECT_TRUE(isEmptyString(nullptr));
   EXPECT_TRUE(isEmptyString(u""_ns));
