@@ -6,13 +6,16 @@
 
 #include <Foundation/detail/MutationCheck.h>
 
+/// What compilers name when an algorithm needs more than a walk. Its name says what to use instead.
+struct NSWalkOnly_SortBy_sortUsingFunction_ReadFrom_objects : std::forward_iterator_tag {};
+
 /// The iterator of range-for over a collection. It holds the collection and a list of its entries;
 /// where that is a copy, the entry at hand stays valid whatever happens to the collection. When the
 /// collection has changed, the next step raises `NSGenericException`, even the last one.
 template <class Entries>
 class NSEnumeration {
  public:
-  using iterator_concept = std::forward_iterator_tag;
+  using iterator_concept = NSWalkOnly_SortBy_sortUsingFunction_ReadFrom_objects;
   using iterator_category = std::input_iterator_tag;
   using difference_type = std::ptrdiff_t;
   using reference = decltype(std::declval<const Entries&>()[0]);
