@@ -1,5 +1,5 @@
 # The pages show programs that are compiled and run, as they are.
-foreach(pair README.md:title docs/object-graphs.md:graph docs/formatters.md:formatters
+foreach(pair README.md:title docs/collections.md:collections docs/object-graphs.md:graph docs/formatters.md:formatters
         docs/documents.md:documents docs/threads.md:threads docs/threads.md:hosts/epoll
         docs/threads.md:hosts/glib docs/oddities.md:oddities)
   string(REPLACE ":" ";" pair ${pair})
