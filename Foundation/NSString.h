@@ -154,8 +154,8 @@ class NS_EXPORT NSString : public NSObject {
   /// as the options of `rangeOfString_options_range` find them; with `NSAnchoredSearch` one at
   /// most. A nil replacement is the empty string; a nil or empty target has no occurrences.
   [[nodiscard]] NSRef<NSString> stringByReplacingOccurrencesOfString_withString_options_range(
-      const NSRef<NSString>& target, const NSRef<NSString>& replacement, NSUInteger options,
-      NSRange range) const;
+      const NSRef<NSString>& target, const NSRef<NSString>& replacement,
+      NSOptions<NSStringCompareOptions> options, NSRange range) const;
   [[nodiscard]] NSRef<NSString> stringByReplacingOccurrencesOfString_withString(
       const NSRef<NSString>& target, const NSRef<NSString>& replacement) const {
     return stringByReplacingOccurrencesOfString_withString_options_range(target, replacement, 0,
@@ -284,9 +284,9 @@ class NS_EXPORT NSMutableString : public NSString {
   void replaceCharactersInRange_withString(NSRange range, const NSRef<NSString>& string);
   /// Replaces as `stringByReplacingOccurrencesOfString_withString_options_range` does, and gives
   /// the number of occurrences.
-  NSUInteger replaceOccurrencesOfString_withString_options_range(const NSRef<NSString>& target,
-                                                                 const NSRef<NSString>& replacement,
-                                                                 NSUInteger options, NSRange range);
+  NSUInteger replaceOccurrencesOfString_withString_options_range(
+      const NSRef<NSString>& target, const NSRef<NSString>& replacement,
+      NSOptions<NSStringCompareOptions> options, NSRange range);
   /// Makes room for a text of so many units altogether.
   void reserve(NSUInteger units) { text().reserve(units); }
   /// Gives the units themselves, for algorithms that edit in place.

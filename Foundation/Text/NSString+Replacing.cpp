@@ -38,8 +38,8 @@ Replaced appendReplaced(std::u16string_view text, std::u16string_view target, NS
 }  // namespace
 
 NSRef<NSString> NSString::stringByReplacingOccurrencesOfString_withString_options_range(
-    const NSRef<NSString>& target, const NSRef<NSString>& replacement, NSUInteger options,
-    NSRange range) const {
+    const NSRef<NSString>& target, const NSRef<NSString>& replacement,
+    NSOptions<NSStringCompareOptions> options, NSRange range) const {
   NSCheckRange("stringByReplacingOccurrencesOfString:withString:options:range:", range, length());
   std::array<char16_t, 512> room;
   NSUnitBuffer result{std::span(room)};
@@ -51,8 +51,8 @@ NSRef<NSString> NSString::stringByReplacingOccurrencesOfString_withString_option
 }
 
 NSUInteger NSMutableString::replaceOccurrencesOfString_withString_options_range(
-    const NSRef<NSString>& target, const NSRef<NSString>& replacement, NSUInteger options,
-    NSRange range) {
+    const NSRef<NSString>& target, const NSRef<NSString>& replacement,
+    NSOptions<NSStringCompareOptions> options, NSRange range) {
   NSCheckRange("replaceOccurrencesOfString:withString:options:range:", range, length());
   std::array<char16_t, 512> room;
   NSUnitBuffer result{std::span(room)};
