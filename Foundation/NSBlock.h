@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <concepts>
 #include <functional>
 #include <memory>
@@ -19,6 +20,7 @@ template <class T>
 inline constexpr bool NSIsStandardFunction = false;
 template <class Signature>
 inline constexpr bool NSIsStandardFunction<std::function<Signature>> = true;
+
 
 /// Whether the callable is none: a null pointer or an empty `std::function`.
 template <class F>
@@ -69,7 +71,19 @@ class NS_EXPORT NSBlock : public NSObject {
  public:
   virtual void invoke(const NSRef<NSObject>& target) = 0;
 
+  /// Calls it as a request does, and notes that.
+  void perform(const NSRef<NSObject>& target) {
+    _hasBegun.store(true, std::memory_order_relaxed);
+    invoke(target);
+  }
+  /// Whether a request has called it yet. From any thread.
+  [[nodiscard]] bool hasBegun() const noexcept { return _hasBegun.load(std::memory_order_relaxed); }
+
   [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
+
+ private:
+  // Fits beside the object's count.
+  std::atomic<bool> _hasBegun = false;
 };
 
 /// Calls the callable with the target, as a reference to it or as an `NSRef`, or with nothing.

@@ -72,8 +72,8 @@ class NS_EXPORT NSObject {
   void performSelector_withObject_afterDelay_inModes(NSSelector aSelector, NSRef<NSObject> object,
                                                      NSDelay delay, const NSRef<NSArray>& modes);
   /// Cancels the calling thread's delayed requests for this very target that have an equal selector
-  /// and an equal argument.
-  static void cancelPreviousPerformRequestsWithTarget_selector_object(
+  /// and an equal argument, and gives their number.
+  static NSUInteger cancelPreviousPerformRequestsWithTarget_selector_object(
       const NSRef<NSObject>& aTarget, NSSelector aSelector, const NSRef<NSObject>& object);
 
   /// Performs the selector on that thread's run loop, in its common modes. With `wait` the call

@@ -83,8 +83,8 @@ void NSDelayedPerforms::remove(NSDelayedPerform& request) noexcept {
   _byContents.remove(request);
 }
 
-void NSDelayedPerforms::cancel(const NSRef<NSObject>& target, NSSelector selector,
-                               const NSRef<NSObject>& argument) {
+NSUInteger NSDelayedPerforms::cancel(const NSRef<NSObject>& target, NSSelector selector,
+                                     const NSRef<NSObject>& argument) {
   // Comparing arguments and letting them go may run anything: not during the look-up.
   auto candidates = std::exchange(_candidates, {});
   const auto collect = [&](const NSDelayedPerform& request) {
@@ -94,9 +94,13 @@ void NSDelayedPerforms::cancel(const NSRef<NSObject>& target, NSSelector selecto
   _byIdentity.forEach(hashes.identity, collect);
   _byContents.forEach(hashes.contents, collect);
   const auto held = NSRef<NSObject>::share(argument.get());
+  NSUInteger count = 0;
   for (const auto& request : candidates) {
-    if (request->isScheduled() && request->takes(held)) request->cancel();
+    if (!request->isScheduled() || !request->takes(held)) continue;
+    request->cancel();
+    ++count;
   }
   candidates.clear();
   _candidates = std::move(candidates);
+  return count;
 }

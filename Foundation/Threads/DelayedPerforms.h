@@ -19,9 +19,10 @@ class NSDelayedPerforms {
   /// Makes a request that performs the selector when it happens.
   [[nodiscard]] NSRef<NSScheduledEvent> make(NSRef<NSObject> target, NSSelector selector,
                                              NSRef<NSObject> argument);
-  /// Cancels the requests for this very target with an equal selector and argument. Where the
-  /// argument's contents have changed meanwhile, only the very object is found.
-  void cancel(const NSRef<NSObject>& target, NSSelector selector, const NSRef<NSObject>& argument);
+  /// Cancels the requests for this very target with an equal selector and argument, and gives their
+  /// number. Where the argument's contents have changed meanwhile, only the very object is found.
+  NSUInteger cancel(const NSRef<NSObject>& target, NSSelector selector,
+                    const NSRef<NSObject>& argument);
 
   /// Tags of the two tables: by the argument itself, and by what it is equal to.
   struct ByIdentity {};

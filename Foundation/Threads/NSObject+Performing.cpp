@@ -47,10 +47,10 @@ void NSObject::performSelector_withObject_afterDelay_inModes(NSSelector aSelecto
                  loop->now() + delay.duration());
 }
 
-void NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
+NSUInteger NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
     const NSRef<NSObject>& aTarget, NSSelector aSelector, const NSRef<NSObject>& object) {
   auto* const loop = NSRunLoopCore::current();
-  if (loop != nullptr) loop->delayedPerforms().cancel(aTarget, aSelector, object);
+  return loop != nullptr ? loop->delayedPerforms().cancel(aTarget, aSelector, object) : 0;
 }
 
 void NSObject::performSelector_onThread_withObject_waitUntilDone(NSSelector aSelector,

@@ -5,7 +5,7 @@
 namespace ZKFoundationExtensions {
 
 void ZK_invokeTargetBlock(const NSRef<NSObject>& target, const NSRef<NSBlock>& block) {
-  if (block) block->invoke(target);
+  if (block) block->perform(target);
 }
 
 void ZK_invokeTargetBlockWithAutoreleasePool(const NSRef<NSObject>& target,
@@ -23,6 +23,15 @@ void cancelPreviousPerformRequestsWithTarget_block(const NSRef<NSObject>& target
   if (!target || !block) return;
   NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
       target, ZKInvokeTargetBlockSelector(), block);
+}
+
+ZKCancellation cancelDelayedBlock(const NSRef<NSObject>& target, const NSRef<NSBlock>& block) {
+  if (!target || !block) return ZKCancellation::unknown;
+  if (NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
+          target, ZKInvokeTargetBlockSelector(), block) > 0) {
+    return ZKCancellation::cancelled;
+  }
+  return block->hasBegun() ? ZKCancellation::alreadyRan : ZKCancellation::unknown;
 }
 
 }  // namespace ZKFoundationExtensions

@@ -49,6 +49,22 @@ NSRef<NSBlock> performBlock_afterDelay_inModes(const NSRef<Receiver>& receiver, 
 ZK_EXPORT void cancelPreviousPerformRequestsWithTarget_block(const NSRef<NSObject>& target,
                                                              const NSRef<NSBlock>& block);
 
+/// What became of an attempt to cancel a delayed block.
+enum class ZKCancellation {
+  /// It was waiting, and will not run.
+  cancelled,
+  /// It was not waiting any more, as it has run or is running.
+  alreadyRan,
+  /// Nothing waited for this target with this block, and the block has never run: it was cancelled
+  /// before, dropped, or asked for on another thread.
+  unknown,
+};
+
+/// Cancels like `cancelPreviousPerformRequestsWithTarget_block`, and tells what came of it. Nil as
+/// either is unknown.
+ZK_EXPORT ZKCancellation cancelDelayedBlock(const NSRef<NSObject>& target,
+                                            const NSRef<NSBlock>& block);
+
 /// Calls the block, which takes nothing, at once on the main thread; elsewhere hands it to the main
 /// queue and returns. A nil block does nothing. The receiver plays no part and may be nil.
 template <class Receiver, class F>

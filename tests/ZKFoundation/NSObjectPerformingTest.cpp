@@ -167,6 +167,30 @@ TEST(NSObjectPerforming, CancelsByTheBlockThatItGave) {
   EXPECT_EQ(editor->edits, 2);
 }
 
+TEST(NSObjectPerforming, TellsWhatCancellingFound) {
+  int alive = 0;
+  const auto editor = NSMake<Editor>(alive);
+  const auto block = performBlock_afterDelay(
+      editor, [](Editor& self) { ++self.edits; }, 60);
+  EXPECT_EQ(cancelDelayedBlock(NSMake<Editor>(alive), block), ZKCancellation::unknown);
+  EXPECT_EQ(cancelDelayedBlock(editor, block), ZKCancellation::cancelled);
+  EXPECT_EQ(cancelDelayedBlock(editor, block), ZKCancellation::unknown);
+  EXPECT_EQ(cancelDelayedBlock(editor, nullptr), ZKCancellation::unknown);
+  // Within itself, and again once it has run.
+  NSRef<NSBlock> running;
+  running = performBlock_afterDelay(
+      editor,
+      [&](const NSRef<Editor>& self) {
+        EXPECT_EQ(cancelDelayedBlock(self, running), ZKCancellation::alreadyRan);
+        performBlock_afterDelay(self, running, 60);
+      },
+      0);
+  makePass();
+  EXPECT_EQ(cancelDelayedBlock(editor, running), ZKCancellation::cancelled);
+  EXPECT_EQ(cancelDelayedBlock(editor, running), ZKCancellation::alreadyRan);
+  EXPECT_EQ(editor->edits, 0);
+}
+
 TEST(NSObjectPerforming, RunsBlocksOnQueues) {
   int alive = 0;
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
