@@ -27,6 +27,7 @@
 #include <Foundation/NSKeyedUnarchiver.h>
 #include <Foundation/NSLocale.h>
 #include <Foundation/NSLog.h>
+#include <Foundation/NSManualClock.h>
 #include <Foundation/NSMapTable.h>
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSNotification.h>

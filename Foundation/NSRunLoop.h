@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <concepts>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -71,6 +72,7 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// An invalid timer is not added; one of another run loop raises `NSInvalidArgumentException`.
   void addTimer_forMode(const NSRef<NSTimer>& timer, const NSRef<NSString>& mode);
 
+
   /// Gives the mode of the pass that is going on; nil without one.
   [[nodiscard]] NSRef<NSString> currentMode() const;
 
@@ -96,14 +98,21 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// will tell.
   std::optional<std::chrono::nanoseconds> performPass();
 
+
   /// Sets another clock for timers and delays, such as a simulated one, which must not go
   /// backwards; an empty function is the system's clock. Waiting still takes real time.
   void setClock(std::function<Time()> clock);
+  /// Sets a clock that is moved by hand, for waiting too; nil is the system's clock.
+  template <std::convertible_to<NSRef<NSManualClock>> Clock>
+  void setClock(const Clock& clock) {
+    setManualClock(clock);
+  }
 
  private:
   friend struct NSAccess;
 
   void post(NSOnceClosure&& work, const NSRef<NSArray>& modes);
+  void setManualClock(const NSRef<NSManualClock>& clock);
   [[nodiscard]] NSRunLoopCore& ownCore(const char* operation) const;
 
   const std::unique_ptr<NSRunLoopCore> _core;

@@ -5,8 +5,10 @@
 #include <utility>
 
 #include <Foundation/NSBlock.h>
+#include <Foundation/NSDelay.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSExport.h>
+#include <Foundation/NSManualClock.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/detail/OnceClosure.h>
 
@@ -31,6 +33,8 @@ class NS_EXPORT dispatch_queue : public NSObject {
 
   /// Runs the work at some time, as `dispatch_async` tells.
   virtual void submit(NSOnceClosure work) = 0;
+  /// Runs the work after a while, as `dispatch_after` tells.
+  void submitAfter(NSDelay delay, NSOnceClosure work, const NSRef<NSManualClock>& clock);
   /// Returns when the work has run, as `dispatch_sync` tells.
   virtual void performAndWait(NSOnceClosure work) = 0;
 
@@ -63,6 +67,16 @@ template <class F>
 void dispatch_async(const dispatch_queue_t& queue, F&& block) {
   if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "dispatch_async");
   queue->submit(NSOnceClosure(std::forward<F>(block)));
+}
+
+/// Submits the block like `dispatch_async`, when the delay has passed by that clock; nil is the
+/// system's. Those of the same time come in the order of the calls. A manual clock that dies drops
+/// what is not due yet.
+template <class F>
+void dispatch_after(NSDelay delay, const dispatch_queue_t& queue, F&& block,
+                    const NSRef<NSManualClock>& clock = nullptr) {
+  if (NSIsNilCallable(block)) NSRaiseNilArgument("block", "dispatch_after");
+  queue->submitAfter(delay, NSOnceClosure(std::forward<F>(block)), clock);
 }
 
 /// Runs the block and returns when it has run: on a serial queue after all that came before it. It

@@ -60,10 +60,15 @@ void NSRunLoop::addTimer_forMode(const NSRef<NSTimer>& timer, const NSRef<NSStri
   timer->addTo(core, mode);
 }
 
+
 NSRef<NSString> NSRunLoop::currentMode() const { return _core->currentMode(); }
 
 void NSRunLoop::setClock(std::function<Time()> clock) {
   ownCore("setClock:").setClock(std::move(clock));
+}
+
+void NSRunLoop::setManualClock(const NSRef<NSManualClock>& clock) {
+  ownCore("setClock:").setClock(clock);
 }
 
 NSRef<NSDate> NSRunLoop::limitDateForMode(const NSRef<NSString>& mode) {
@@ -101,6 +106,7 @@ void NSRunLoop::run() {
 void NSRunLoop::stop() { ownCore("stop").stop(); }
 
 int NSRunLoop::wakeUpDescriptor() { return ownCore("wakeUpDescriptor").descriptor(); }
+
 
 std::optional<std::chrono::nanoseconds> NSRunLoop::performPass() {
   auto& core = ownCore("performPass");

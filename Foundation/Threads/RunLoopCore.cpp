@@ -6,6 +6,7 @@
 
 #include <Foundation/NSAutoreleasePool.h>
 #include <Foundation/Objects/Access.h>
+#include <Foundation/Threads/ManualTime.h>
 #include <Foundation/Threads/QueuedNotifications.h>
 
 namespace {
@@ -81,12 +82,27 @@ NSRunLoopCore::Time NSRunLoopCore::now() const {
   return _clock ? _clock() : std::chrono::steady_clock::now();
 }
 
+void NSRunLoopCore::setClock(std::function<Time()> clock) {
+  if (_manualClock) NSAccess::core(*_manualClock).remove(_inbox);
+  _manualClock = nullptr;
+  _clock = std::move(clock);
+}
+
+void NSRunLoopCore::setClock(const NSRef<NSManualClock>& clock) {
+  if (!clock || _isEnded) return setClock(std::function<Time()>());
+  auto& time = NSAccess::core(*clock);
+  setClock([&time] { return time.now(); });
+  time.add(_inbox);
+  _manualClock = clock;
+}
+
 void NSRunLoopCore::schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& modes,
                              Time time) {
   if (_isEnded) return;
   _waiting.of(modes).schedule.add(std::move(event), {time, _nextTurn++});
   signal();
 }
+
 
 NSRef<NSNotificationQueue> NSRunLoopCore::notificationQueue() {
   if (!_notifications) {
@@ -202,6 +218,7 @@ std::optional<std::chrono::nanoseconds> NSRunLoopCore::makeHostedPass(const NSRe
   return hasWork(mode) ? std::chrono::nanoseconds::zero() : result;
 }
 
+
 // Passes until a request has been performed, or that time.
 void NSRunLoopCore::runOnce(const Run& run, const NSRef<NSString>& mode, Time limit) {
   const Mode current(*this, mode);
@@ -209,7 +226,7 @@ void NSRunLoopCore::runOnce(const Run& run, const NSRef<NSString>& mode, Time li
     const auto idle = idleTime(mode);
     if (run.isStopped) break;
     const auto left = limit - now();
-    _inbox.wait(idle ? std::min(*idle, left) : left);
+    wait(mode, idle ? std::min(*idle, left) : left);
   }
 }
 

@@ -9,6 +9,7 @@
 
 #include <sys/types.h>
 
+#include <Foundation/NSManualClock.h>
 #include <Foundation/NSNotificationQueue.h>
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/Threads/BlockedThread.h>
@@ -45,7 +46,8 @@ class NSRunLoopCore {
   // From its own thread.
 
   [[nodiscard]] Time now() const;
-  void setClock(std::function<Time()> clock) { _clock = std::move(clock); }
+  void setClock(std::function<Time()> clock);
+  void setClock(const NSRef<NSManualClock>& clock);
 
   void addCommonMode(const NSRef<NSString>& mode) { _commonModes.add(mode); }
   [[nodiscard]] const NSRef<NSString>& currentMode() const noexcept { return _currentMode; }
@@ -73,6 +75,7 @@ class NSRunLoopCore {
   /// Ends the innermost run after its current pass.
   void stop() noexcept;
 
+
   /// Drops all and takes no more.
   void end();
 
@@ -98,6 +101,7 @@ class NSRunLoopCore {
   bool hasWork(const NSRef<NSString>& mode);
   std::optional<Time> nextTime(const NSRef<NSString>& mode);
   std::optional<std::chrono::nanoseconds> idleTime(const NSRef<NSString>& mode);
+  void wait(const NSRef<NSString>& mode, std::chrono::nanoseconds longest);
   bool postNotifications(NSPostingStyle style, const NSRef<NSString>& mode);
 
   NSRunLoopInbox _inbox;

@@ -45,7 +45,7 @@ void NSRunLoopInbox::wait(std::chrono::nanoseconds longest) {
   if (longest <= std::chrono::nanoseconds::zero()) return;
   std::unique_lock lock(_mutex);
   const auto hasRequests = [this] {
-    _isWaiting = _common.empty() && _others.empty();
+    _isWaiting = _common.empty() && _others.empty() && !_isWoken;
     return !_isWaiting;
   };
   if (longest >= NSDelay::longest / 2) {
@@ -55,6 +55,16 @@ void NSRunLoopInbox::wait(std::chrono::nanoseconds longest) {
     _hasRequests.wait_for(lock, longest, hasRequests);
   }
   _isWaiting = false;
+  _isWoken = false;
+}
+
+void NSRunLoopInbox::wake() {
+  {
+    const std::lock_guard lock(_mutex);
+    _isWoken = true;
+    signalLocked();
+  }
+  _hasRequests.notify_one();
 }
 
 void NSRunLoopInbox::signal() {

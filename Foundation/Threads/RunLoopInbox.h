@@ -4,6 +4,8 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <vector>
+
 
 #include <Foundation/NSArray.h>
 #include <Foundation/Threads/ChunkedQueue.h>
@@ -33,7 +35,8 @@ class NSRunLoopInbox {
   /// Moves all requests to the end of these queues, and makes the descriptor unreadable. Gives the
   /// turn of the next request.
   std::uint64_t takeInto(Requests& common, NSChunkedQueue<RequestInModes>& others);
-  /// Returns when there are requests, or after that time; at once for a time that is not positive.
+  /// Returns when there are requests, after `wake` or after that time; at once for a time that is
+  /// not positive.
   void wait(std::chrono::nanoseconds longest);
   /// Makes the descriptor readable, if somebody has asked for it.
   void signal();
@@ -53,5 +56,6 @@ class NSRunLoopInbox {
   int _descriptor = -1;
   bool _isSignalled = false;
   bool _isWaiting = false;
+  bool _isWoken = false;
   bool _isClosed = false;
 };

@@ -8,6 +8,7 @@
 #include <Foundation/Objects/Access.h>
 #include <Foundation/Threads/BlockedThread.h>
 #include <Foundation/Threads/ChunkedQueue.h>
+#include <Foundation/Threads/ManualTime.h>
 #include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/Threads/SystemThreads.h>
 #include <Foundation/Threads/WorkerPool.h>
@@ -109,6 +110,7 @@ void SerialQueue::performAndWait(NSOnceClosure work) {
   passOn();
 }
 
+
 // Returns when the calling thread is the owner.
 void SerialQueue::own() {
   constexpr auto operation = "dispatch_sync";
@@ -161,6 +163,17 @@ void SerialQueue::drain() noexcept {
 
 NSRef<NSString> dispatch_queue::description() const {
   return NSMake<NSString>("dispatch_queue " + _label);
+}
+
+void dispatch_queue::submitAfter(NSDelay delay, NSOnceClosure work,
+                                 const NSRef<NSManualClock>& clock) {
+  constexpr auto operation = "dispatch_after";
+  // Nobody could be told later that there is no thread.
+  if (this != dispatch_get_main_queue().get()) NSWorkerPool::shared().requireWorker(operation);
+  NSPerformAfter(delay, NSOnceClosure([queue = share(this), work = std::move(work)]() mutable {
+                   queue->submit(std::move(work));
+                 }),
+                 clock, operation);
 }
 
 dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t kind) {

@@ -6,6 +6,8 @@
 
 namespace {
 
+using namespace std::chrono_literals;
+
 // Runs until all that the queue had before has run.
 void finish(const dispatch_queue_t& queue) {
   dispatch_sync(queue, [] {});
@@ -175,6 +177,35 @@ TEST(DispatchQueue, LetsGoOfWhatHasRun) {
   finish(queue);
   EXPECT_EQ(seen, text + "7");
   EXPECT_EQ(queue->description()->utf8(), "dispatch_queue one");
+}
+
+TEST(DispatchQueue, RunsDelayedBlocksByItsClock) {
+  const auto clock = NSMake<NSManualClock>();
+  const auto start = clock->now();
+  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  std::string order;
+  const auto add = [&](NSDelay delay, char name) {
+    dispatch_after(
+        delay, queue, [&order, name] { order += name; }, clock);
+  };
+  add(3s, 'd');
+  add(1s, 'b');
+  add(1s, 'c');
+  add(0, 'a');
+  add(4s, 'e');
+  for (const auto& [duration, expected] : Rows<std::chrono::milliseconds, std::string>{
+           {0ms, "a"}, {999ms, "a"}, {1ms, "abc"}, {2s, "abcd"}}) {
+    clock->advance(duration);
+    finish(queue);
+    EXPECT_EQ(order, expected);
+  }
+  EXPECT_EQ(clock->now() - start, 3s);
+  // By the system's clock, which keeps them apart too.
+  std::latch done(2);
+  dispatch_after(2ms, queue, [&] { order += 'g', done.count_down(); });
+  dispatch_after(0, queue, [&] { order += 'f', done.count_down(); });
+  done.wait();
+  EXPECT_EQ(order, "abcdfg");
 }
 
 TEST(DispatchQueue, RefusesNil) {

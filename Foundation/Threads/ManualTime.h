@@ -1,0 +1,44 @@
+#pragma once
+
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include <Foundation/NSManualClock.h>
+#include <Foundation/Threads/RunLoopInbox.h>
+#include <Foundation/detail/OnceClosure.h>
+
+/// Work for times to come; that of equal times in the order in which it came.
+using NSAlarms = std::multimap<NSManualClock::Time, NSOnceClosure>;
+
+/// What moves with an `NSManualClock`.
+class NSManualTime {
+ public:
+  using Time = NSManualClock::Time;
+
+  [[nodiscard]] Time now() const;
+  void advance(std::chrono::nanoseconds duration);
+  void waitUntil(Time time) const;
+
+  /// Performs the work, which must be short, when the clock shows the time: within `advance`, or at
+  /// once. What has not come when the clock dies is dropped.
+  void addAlarm(Time time, NSOnceClosure&& work);
+
+  /// Wakes the run loop of that inbox whenever the clock has moved.
+  void add(NSRunLoopInbox& inbox);
+  void remove(NSRunLoopInbox& inbox) noexcept;
+
+ private:
+  mutable std::mutex _mutex;
+  mutable std::condition_variable _hasMoved;
+  Time _now = std::chrono::steady_clock::now();
+  NSAlarms _alarms;
+  std::vector<NSRunLoopInbox*> _inboxes;
+};
+
+/// Performs the work, which must be short, after the delay by that clock; nil is the system's, by
+/// which a thread of its own does it. Raises `NSGenericException`, which names the operation, when
+/// the system gives none.
+void NSPerformAfter(NSDelay delay, NSOnceClosure&& work, const NSRef<NSManualClock>& clock,
+                    const char* operation);
