@@ -13,6 +13,7 @@
 #include <Foundation/NSData.h>
 #include <Foundation/NSDate.h>
 #include <Foundation/NSDelay.h>
+#include <Foundation/NSDescriptorSource.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSError.h>
 #include <Foundation/NSException.h>
@@ -57,3 +58,4 @@
 #include <Foundation/NSUnitBuffer.h>
 #include <Foundation/NSValue.h>
 #include <Foundation/dispatch.h>
+#include <Foundation/dispatch_group.h>

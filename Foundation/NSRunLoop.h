@@ -16,6 +16,8 @@
 #include <Foundation/detail/Passkey.h>
 
 class NSDate;
+class NSDescriptorSource;
+class NSManualClock;
 class NSRunLoopCore;
 class NSThread;
 class NSTimer;
@@ -72,6 +74,11 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// An invalid timer is not added; one of another run loop raises `NSInvalidArgumentException`.
   void addTimer_forMode(const NSRef<NSTimer>& timer, const NSRef<NSString>& mode);
 
+  /// Watches the source's descriptor in passes in that mode, after their requests, and while the
+  /// run loop waits in it. A source may be in several modes of one run loop. An invalid source is
+  /// not added; one of another run loop raises `NSInvalidArgumentException`. A host with an event
+  /// loop of its own watches its descriptors itself.
+  void addSource_forMode(const NSRef<NSDescriptorSource>& source, const NSRef<NSString>& mode);
 
   /// Gives the mode of the pass that is going on; nil without one.
   [[nodiscard]] NSRef<NSString> currentMode() const;
@@ -79,8 +86,9 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// Makes one pass without waiting and gives the date of the next timer in the mode, the distant
   /// future when there is none; nil if the mode is the common modes.
   NSRef<NSDate> limitDateForMode(const NSRef<NSString>& mode);
-  /// Makes passes until one has performed a request, the date comes or `stop` is called, and waits
-  /// between them. False if the mode is the common modes, true otherwise.
+  /// Makes passes until one has performed a request or called the block of a source, the date comes
+  /// or `stop` is called, and waits between them. False if the mode is the common modes, true
+  /// otherwise.
   bool runMode_beforeDate(const NSRef<NSString>& mode, const NSRef<NSDate>& limitDate);
   /// Runs in the default mode, one pass at least, until the date comes or `stop` is called.
   void runUntilDate(const NSRef<NSDate>& limitDate);

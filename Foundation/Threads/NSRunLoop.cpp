@@ -60,6 +60,13 @@ void NSRunLoop::addTimer_forMode(const NSRef<NSTimer>& timer, const NSRef<NSStri
   timer->addTo(core, mode);
 }
 
+void NSRunLoop::addSource_forMode(const NSRef<NSDescriptorSource>& source,
+                                  const NSRef<NSString>& mode) {
+  auto& core = ownCore("addSource:forMode:");
+  if (!source) NSRaiseNilArgument("source", "addSource:forMode:");
+  if (!mode) NSRaiseNilArgument("mode", "addSource:forMode:");
+  core.addSource(source, mode);
+}
 
 NSRef<NSString> NSRunLoop::currentMode() const { return _core->currentMode(); }
 
@@ -111,4 +118,11 @@ int NSRunLoop::wakeUpDescriptor() { return ownCore("wakeUpDescriptor").descripto
 std::optional<std::chrono::nanoseconds> NSRunLoop::performPass() {
   auto& core = ownCore("performPass");
   return core.isEnded() ? std::nullopt : core.makeHostedPass(NSDefaultRunLoopMode());
+}
+
+std::optional<std::chrono::nanoseconds> NSRunLoop::performPassInMode(const NSRef<NSString>& mode) {
+  auto& core = ownCore("performPassInMode:");
+  if (!mode) NSRaiseNilArgument("mode", "performPassInMode:");
+  // What runs may change the caller's own reference.
+  return core.canRunIn(mode) ? core.makeHostedPass(NSRef(mode)) : std::nullopt;
 }

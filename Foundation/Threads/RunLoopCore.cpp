@@ -103,6 +103,13 @@ void NSRunLoopCore::schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>
   signal();
 }
 
+void NSRunLoopCore::addSource(const NSRef<NSDescriptorSource>& source,
+                              const NSRef<NSString>& mode) {
+  if (_isEnded) return;
+  // By which other threads end a wait for descriptors.
+  (void)_inbox.descriptor();
+  _sources.add(source, mode);
+}
 
 NSRef<NSNotificationQueue> NSRunLoopCore::notificationQueue() {
   if (!_notifications) {
@@ -163,14 +170,15 @@ bool NSRunLoopCore::postNotifications(NSPostingStyle style, const NSRef<NSString
   return _notifications && NSAccess::core(*_notifications).post(style, mode, _commonModes);
 }
 
-// Whether it has performed a request.
+// Whether it has performed a request or found a descriptor ready.
 bool NSRunLoopCore::pass(const NSRef<NSString>& mode) {
   const NSAutoreleasePool pool;
   collect();
   const Groups groups = groupsIn(mode);
   const std::uint64_t limit = _nextRequestTurn;
   fireEvents(groups, _nextTurn, now());
-  const bool hasPerformed = performRequests(groups, limit);
+  bool hasPerformed = performRequests(groups, limit);
+  if (!_sources.isEmpty() && _sources.fire(mode, _commonModes)) hasPerformed = true;
   postNotifications(NSPostASAP, mode);
   return hasPerformed;
 }
@@ -179,7 +187,8 @@ bool NSRunLoopCore::pass(const NSRef<NSString>& mode) {
 bool NSRunLoopCore::hasWork(const NSRef<NSString>& mode) {
   collect();
   return NSFirstOf(groupsIn(mode), firstTurn) != nullptr ||
-         (_notifications && NSAccess::core(*_notifications).hasSoon(mode, _commonModes));
+         (_notifications && NSAccess::core(*_notifications).hasSoon(mode, _commonModes)) ||
+         (!_sources.isEmpty() && _sources.isReady(mode, _commonModes));
 }
 
 std::optional<NSRunLoopCore::Time> NSRunLoopCore::nextTime(const NSRef<NSString>& mode) {
@@ -218,6 +227,15 @@ std::optional<std::chrono::nanoseconds> NSRunLoopCore::makeHostedPass(const NSRe
   return hasWork(mode) ? std::chrono::nanoseconds::zero() : result;
 }
 
+void NSRunLoopCore::wait(const NSRef<NSString>& mode, std::chrono::nanoseconds longest) {
+  // Such a clock tells itself when it has moved.
+  if (_manualClock && longest > std::chrono::nanoseconds::zero()) longest = NSDelay::longest;
+  if (_sources.isEmpty()) {
+    _inbox.wait(longest);
+  } else {
+    _inbox.wait(longest, _sources.polls(mode, _commonModes));
+  }
+}
 
 // Passes until a request has been performed, or that time.
 void NSRunLoopCore::runOnce(const Run& run, const NSRef<NSString>& mode, Time limit) {
@@ -243,6 +261,8 @@ void NSRunLoopCore::stop() noexcept {
 
 void NSRunLoopCore::end() {
   _isEnded = true;
+  if (_manualClock) setClock(std::function<Time()>());
+  _sources.end();
   _server.clear();
   _inbox.close();
   if (_notifications) NSAccess::core(*_notifications).close();

@@ -14,6 +14,7 @@
 #include <Foundation/NSRunLoop.h>
 #include <Foundation/Threads/BlockedThread.h>
 #include <Foundation/Threads/DelayedPerforms.h>
+#include <Foundation/Threads/DescriptorSources.h>
 #include <Foundation/Threads/RunLoopInbox.h>
 #include <Foundation/Threads/RunLoopModes.h>
 #include <Foundation/Threads/Schedule.h>
@@ -55,6 +56,7 @@ class NSRunLoopCore {
   void schedule(NSRef<NSScheduledEvent> event, const NSRef<NSArray>& modes, Time time);
   /// The delayed requests in the schedule.
   [[nodiscard]] NSDelayedPerforms& delayedPerforms() noexcept { return _delayedPerforms; }
+  void addSource(const NSRef<NSDescriptorSource>& source, const NSRef<NSString>& mode);
   /// Gives the thread's queue, which is made when it is first asked for.
   [[nodiscard]] NSRef<NSNotificationQueue> notificationQueue();
   /// Tells a host, if there is one, that it should make a pass.
@@ -115,6 +117,9 @@ class NSRunLoopCore {
   std::uint64_t _nextTurn = 0;
   std::uint64_t _nextRequestTurn = 0;
   std::function<Time()> _clock;
+  // The one behind it, if it is moved by hand.
+  NSRef<NSManualClock> _manualClock;
+  NSDescriptorSources _sources;
   NSRef<NSNotificationQueue> _notifications;
   Run* _run = nullptr;
   bool _isHosted = false;

@@ -58,6 +58,20 @@ void NSRunLoopInbox::wait(std::chrono::nanoseconds longest) {
   _isWoken = false;
 }
 
+void NSRunLoopInbox::wait(std::chrono::nanoseconds longest, std::vector<pollfd> watched) {
+  if (longest <= std::chrono::nanoseconds::zero()) return;
+  {
+    const std::lock_guard lock(_mutex);
+    if (std::exchange(_isWoken, false) || !_common.empty() || !_others.empty()) return;
+    watched.push_back({_descriptor, POLLIN, 0});
+  }
+  const auto whole = std::chrono::floor<std::chrono::seconds>(longest);
+  const timespec timeout{whole.count(), (longest - whole).count()};
+  ::ppoll(watched.data(), watched.size(), &timeout, nullptr);
+  const std::lock_guard lock(_mutex);
+  _isWoken = false;
+}
+
 void NSRunLoopInbox::wake() {
   {
     const std::lock_guard lock(_mutex);

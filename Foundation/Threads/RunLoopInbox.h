@@ -6,6 +6,7 @@
 #include <mutex>
 #include <vector>
 
+#include <poll.h>
 
 #include <Foundation/NSArray.h>
 #include <Foundation/Threads/ChunkedQueue.h>
@@ -38,6 +39,11 @@ class NSRunLoopInbox {
   /// Returns when there are requests, after `wake` or after that time; at once for a time that is
   /// not positive.
   void wait(std::chrono::nanoseconds longest);
+  /// Waits like that, and returns also when one of these descriptors is ready. The inbox must have
+  /// a descriptor itself.
+  void wait(std::chrono::nanoseconds longest, std::vector<pollfd> watched);
+  /// Ends a wait, or the next one before it begins; tells a host. From any thread.
+  void wake();
   /// Makes the descriptor readable, if somebody has asked for it.
   void signal();
   /// Gives an eventfd. Raises `NSGenericException` when the system gives none.

@@ -208,6 +208,73 @@ TEST(DispatchQueue, RunsDelayedBlocksByItsClock) {
   EXPECT_EQ(order, "abcdfg");
 }
 
+TEST(NSManualClock, WakesWhatStandsOnIt) {
+  const auto clock = NSMake<NSManualClock>();
+  const auto end = clock->now() + 1h;
+  // A run loop that waits, a thread that waits, and one that waits for a group.
+  std::latch fired(1);
+  std::latch scheduled(1);
+  std::jthread looping([&] {
+    const auto loop = NSRunLoop::currentRunLoop();
+    loop->setClock(clock);
+    (void)NSTimer::scheduledTimerWithTimeInterval_repeats_block(59min, false, [&] {
+      EXPECT_EQ(clock->now(), end);
+      loop->stop();
+      fired.count_down();
+    });
+    scheduled.count_down();
+    loop->run();
+  });
+  const std::jthread waiting([&] { clock->waitUntil(end); });
+  scheduled.wait();
+  clock->advance(1h);
+  fired.wait();
+  const auto group = dispatch_group_create();
+  dispatch_group_enter(group);
+  std::atomic<bool> isOver = false;
+  const std::jthread grouped([&] {
+    EXPECT_FALSE(dispatch_group_wait(group, 1s, clock));
+    isOver = true;
+  });
+  // However late it begins to wait.
+  while (!isOver) clock->advance(1s);
+  dispatch_group_leave(group);
+  EXPECT_TRUE(dispatch_group_wait(group, 0));
+}
+
+TEST(DispatchGroup, TellsWhenAllHaveLeft) {
+  const auto queue = dispatch_queue_create("many", DISPATCH_QUEUE_CONCURRENT);
+  const auto group = dispatch_group_create();
+  constexpr int count = 200;
+  int alive = 0;
+  std::atomic<int> done = 0;
+  std::latch gate(1);
+  const auto counted = NSMake<Counted>(alive);
+  for (int k = 0; k < count; ++k) {
+    dispatch_group_async(group, queue, [&, held = counted] {
+      gate.wait();
+      ++done;
+    });
+  }
+  std::latch told(1);
+  dispatch_group_notify(group, queue, [&] {
+    EXPECT_EQ(done, count);
+    told.count_down();
+  });
+  EXPECT_FALSE(dispatch_group_wait(group, 0));
+  gate.count_down();
+  dispatch_group_wait(group);
+  // With all that its blocks held.
+  EXPECT_EQ(counted->retainCount(), 1U);
+  told.wait();
+  dispatch_group_notify(group, dispatch_get_main_queue(), [&] { done = 0; });
+  makePass();
+  EXPECT_EQ(done, 0);
+  expectRaises(NSInternalInconsistencyException,
+               "more has left the group than entered it (in 'dispatch_group_leave')",
+               [&] { dispatch_group_leave(group); });
+}
+
 TEST(DispatchQueue, RefusesNil) {
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
   void (*const nothing)() = nullptr;
