@@ -21,6 +21,9 @@ inline constexpr bool NSIsStandardFunction = false;
 template <class Signature>
 inline constexpr bool NSIsStandardFunction<std::function<Signature>> = true;
 
+/// False for every type, so that a wrong use says one sentence.
+template <class T>
+inline constexpr bool NSIsNever = false;
 
 /// Whether the callable is none: a null pointer or an empty `std::function`.
 template <class F>
@@ -93,8 +96,11 @@ void NSInvokeWithTarget(F& callable, const NSRef<Target>& target) {
     std::invoke(callable, *target);
   } else if constexpr (std::is_invocable_v<F&, const NSRef<Target>&>) {
     std::invoke(callable, target);
-  } else {
+  } else if constexpr (std::is_invocable_v<F&>) {
     std::invoke(callable);
+  } else {
+    static_assert(NSIsNever<F>,
+                  "the block takes neither its target, as a reference or an NSRef, nor nothing");
   }
 }
 

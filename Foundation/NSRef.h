@@ -149,6 +149,8 @@ template <class T>
 /// by which a class puts an object and its contents into one block of memory.
 template <class T, class... Arguments>
 [[nodiscard]] NSRef<T> NSMake(Arguments&&... arguments) {
+  static_assert(std::derived_from<T, NSObject>,
+                "NSMake makes objects: classes that derive from NSObject");
   if constexpr (requires {
                   {
                     T::makeCompact(std::forward<Arguments>(arguments)...)

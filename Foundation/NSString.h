@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <new>
 #include <span>
 #include <string>
@@ -57,8 +58,14 @@ class NS_EXPORT NSString : public NSObject {
   template <class... Arguments>
   [[nodiscard]] static NSRef<NSString> stringWithFormat(const NSRef<NSString>& format,
                                                         const Arguments&... arguments) {
-    const std::array<NSFormatArgument, sizeof...(arguments)> list{NSFormatArgument(arguments)...};
-    return stringWithFormat_arguments(format, list);
+    constexpr bool areArguments =
+        (std::constructible_from<NSFormatArgument, const Arguments&> && ...);
+    static_assert(areArguments,
+                  "an argument of a format is neither an object (an NSRef), a number nor a text");
+    if constexpr (areArguments) {
+      const std::array<NSFormatArgument, sizeof...(arguments)> list{NSFormatArgument(arguments)...};
+      return stringWithFormat_arguments(format, list);
+    }
   }
   [[nodiscard]] static NSRef<NSString> stringWithFormat_arguments(
       const NSRef<NSString>& format, std::span<const NSFormatArgument> arguments);
