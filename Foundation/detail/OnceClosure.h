@@ -1,20 +1,23 @@
 #pragma once
 
-#include <exception>
 #include <memory>
 #include <new>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
-/// Makes the call. What it throws ends the program, with its name and reason on standard error:
-/// with `noexcept` alone these may be missing.
+#include <Foundation/NSExport.h>
+
+/// Makes the call. What it throws ends the program: see `NSCallOrTerminate`.
+extern "C" NS_EXPORT void NSCallWithoutUnwinding(void (*call)(void*), void* context) noexcept;
+
+/// Makes the call. What it throws ends the program where it was thrown, before anything is unwound,
+/// so that debuggers and cores show that place; the handler of the standard library prints its name
+/// and reason, and the program's own finds it as the current exception.
 template <class F>
 void NSCallOrTerminate(F&& call) noexcept {
-  try {
-    call();
-  } catch (...) {
-    std::terminate();
-  }
+  using Call = std::remove_reference_t<F>;
+  NSCallWithoutUnwinding([](void* context) { (*static_cast<Call*>(context))(); }, &call);
 }
 
 /// A move-only function that is called once: owns any callable without arguments, which need not be
@@ -28,9 +31,8 @@ class NSOnceClosure {
       ::new (&_room) Callable(std::forward<F>(callable));
       _operations = &operationsOf<Callable>;
     } else {
-      NSOnceClosure boxed(
-          [box = std::make_unique<Callable>(std::forward<F>(callable))] { (*box)(); });
-      take(boxed);
+      ::new (&_room) Box<Callable>{std::make_unique<Callable>(std::forward<F>(callable))};
+      _operations = &operationsOf<Box<Callable>, Callable>;
     }
   }
   NSOnceClosure(NSOnceClosure&& other) noexcept { take(other); }
@@ -38,14 +40,22 @@ class NSOnceClosure {
 
   /// Makes the call and destroys the callable. What it throws ends the program.
   void perform() noexcept {
-    NSCallOrTerminate([this] { std::exchange(_operations, nullptr)->perform(&_room); });
+    NSCallWithoutUnwinding(std::exchange(_operations, nullptr)->perform, &_room);
   }
+  /// Gives the callable's class.
+  [[nodiscard]] const std::type_info& type() const noexcept { return *_operations->type; }
 
  private:
   struct Operations {
     void (*perform)(void* room);
     void (*move)(void* from, void* to) noexcept;
     void (*destroy)(void* room) noexcept;
+    const std::type_info* type;
+  };
+  template <class Callable>
+  struct Box {
+    std::unique_ptr<Callable> callable;
+    void operator()() { (*callable)(); }
   };
   // Three pointers, and one more for the operations: queues are long.
   using Room = std::aligned_storage_t<3 * sizeof(void*), alignof(void*)>;
@@ -58,7 +68,7 @@ class NSOnceClosure {
   [[nodiscard]] static Callable& at(void* room) noexcept {
     return *std::launder(static_cast<Callable*>(room));
   }
-  template <class Callable>
+  template <class Callable, class Shown = Callable>
   static constexpr Operations operationsOf = {
       [](void* room) {
         at<Callable>(room)();
@@ -68,7 +78,7 @@ class NSOnceClosure {
         ::new (to) Callable(std::move(at<Callable>(from)));
         at<Callable>(from).~Callable();
       },
-      [](void* room) noexcept { at<Callable>(room).~Callable(); }};
+      [](void* room) noexcept { at<Callable>(room).~Callable(); }, &typeid(Shown)};
 
   void take(NSOnceClosure& other) noexcept {
     _operations = std::exchange(other._operations, nullptr);

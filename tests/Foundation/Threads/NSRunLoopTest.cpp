@@ -537,7 +537,15 @@ void expectToEndTheProgram(const std::function<void()>& action) {
 }
 
 TEST(NSRunLoopDeathTest, AnExceptionEndsTheProgram) {
-  const auto raise = [] { NSException::raise(NSRangeException, "beyond"); };
+  const auto raise = [] {
+    // Where it was thrown: nothing has been unwound.
+    struct Local {
+      ~Local() { std::_Exit(0); }
+    };
+    const Local local;
+    NSException::raise(NSRangeException, "beyond");
+  };
+  expectToEndTheProgram([=] { performBlock_afterDelay(tracking, raise, 0); });
   expectToEndTheProgram(
       [=] { NSTimer::scheduledTimerWithTimeInterval_repeats_block(0, false, raise); });
   expectToEndTheProgram([=] { NSRunLoop::currentRunLoop()->performBlock(raise); });
