@@ -105,7 +105,14 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// nothing else is left. Gives the time until the next pass is due; none if only the descriptor
   /// will tell.
   std::optional<std::chrono::nanoseconds> performPass();
+  /// Makes such a pass in that mode, such as the host's for tracking the mouse. Nothing happens,
+  /// and nothing is due, in the common modes.
+  std::optional<std::chrono::nanoseconds> performPassInMode(const NSRef<NSString>& mode);
 
+  /// Tells people what waits, a text for each timer, request, source and queued notification: what
+  /// it is, for an object of which class, when it is due and in which modes. A block is named by
+  /// the function that wrote it.
+  [[nodiscard]] NSRef<NSArray> pendingWork() const;
 
   /// Sets another clock for timers and delays, such as a simulated one, which must not go
   /// backwards; an empty function is the system's clock. Waiting still takes real time.

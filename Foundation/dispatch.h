@@ -35,6 +35,10 @@ class NS_EXPORT dispatch_queue : public NSObject {
   virtual void submit(NSOnceClosure work) = 0;
   /// Runs the work after a while, as `dispatch_after` tells.
   void submitAfter(NSDelay delay, NSOnceClosure work, const NSRef<NSManualClock>& clock);
+  /// Tells people what waits to begin, a text for each block, which is named by the function that
+  /// wrote it. What a thread has taken over with the block that it runs is not among them, nor what
+  /// `dispatch_after` holds back. From any thread; of the main queue on the main thread alone.
+  [[nodiscard]] virtual NSRef<NSArray> pendingWork() const = 0;
   /// Returns when the work has run, as `dispatch_sync` tells.
   virtual void performAndWait(NSOnceClosure work) = 0;
 

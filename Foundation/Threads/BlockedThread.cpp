@@ -7,7 +7,10 @@
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/NSString.h>
+#include <Foundation/NSThread.h>
 #include <Foundation/Threads/SystemThreads.h>
+#include <Foundation/dispatch.h>
 
 namespace {
 
@@ -73,8 +76,11 @@ void NSBlockedThread::wait() {
 }
 
 void NSRaiseEndlessWait(const std::string& awaited, const char* operation) {
+  const auto* const queue = NSServedQueue::current();
+  const auto caller =
+      queue != nullptr ? queue->description() : NSThread::currentThread()->description();
   NSException::raise(NSInternalInconsistencyException,
                      "waiting for " + awaited +
-                         " would never end, as it waits for the calling thread (in '" + operation +
-                         "')");
+                         " would never end, as it waits for the calling thread, " + caller->utf8() +
+                         " (in '" + operation + "')");
 }

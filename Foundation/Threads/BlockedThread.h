@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <string>
+#include <utility>
 
 #include <semaphore.h>
 #include <sys/types.h>
@@ -49,6 +50,24 @@ class NSBlockedThread : public NSIntrusiveHashLink<NSBlockedThread> {
   sem_t _semaphore{};
 };
 
+class dispatch_queue;
+
+/// Notes which serial queue's blocks the calling thread runs, for people. It does not hold it.
+class NSServedQueue {
+ public:
+  explicit NSServedQueue(const dispatch_queue& queue) noexcept
+      : _former(std::exchange(_current, &queue)) {}
+  NSServedQueue(const NSServedQueue&) = delete;
+  ~NSServedQueue() { _current = _former; }
+
+  /// Gives the innermost one; null outside of all.
+  [[nodiscard]] static const dispatch_queue* current() noexcept { return _current; }
+
+ private:
+  static inline thread_local const dispatch_queue* _current = nullptr;
+  const dispatch_queue* const _former;
+};
+
 /// Raises `NSInternalInconsistencyException`: "waiting for dispatch_queue main would never end, as
-/// it waits for the calling thread (in 'dispatch_sync')".
+/// it waits for the calling thread, dispatch_queue index (in 'dispatch_sync')".
 [[noreturn]] void NSRaiseEndlessWait(const std::string& awaited, const char* operation);

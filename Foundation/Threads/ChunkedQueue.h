@@ -39,6 +39,14 @@ class NSChunkedQueue {
     if (_first == nullptr) _last = nullptr;
   }
 
+  /// Calls the function with each element.
+  template <class F>
+  void forEach(F function) const {
+    for (const Chunk* chunk = _first.get(); chunk != nullptr; chunk = chunk->next.get()) {
+      for (std::size_t k = chunk->begin; k < chunk->end; ++k) function(chunk->at(k));
+    }
+  }
+
   /// Moves all elements of the other queue to the end of this one.
   void append(NSChunkedQueue& other) noexcept {
     if (!other.empty()) link(std::move(other._first), std::exchange(other._last, nullptr));
@@ -51,6 +59,10 @@ class NSChunkedQueue {
     static constexpr std::size_t capacity = bytes / sizeof(T);
 
     T& at(std::size_t place) noexcept { return *std::launder(reinterpret_cast<T*>(&room[place])); }
+
+    [[nodiscard]] const T& at(std::size_t place) const noexcept {
+      return *std::launder(reinterpret_cast<const T*>(&room[place]));
+    }
 
     std::unique_ptr<Chunk> next;
     std::size_t begin = 0;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <utility>
 
+#include <Foundation/NSString.h>
 #include <Foundation/detail/OnceClosure.h>
 
 class NSDelayedPerform final
@@ -22,6 +23,12 @@ class NSDelayedPerform final
   void happen() noexcept override {
     _others->remove(*this);
     NSCallOrTerminate([this] { _selector.perform(_target, _argument); });
+  }
+  [[nodiscard]] std::string purpose() const override {
+    std::string text(_selector.name());
+    text += " of " + _target->objectClass().name()->utf8();
+    if (_argument) text += " with " + _argument->objectClass().name()->utf8();
+    return text;
   }
   /// The caller holds the request.
   void cancel() {

@@ -114,6 +114,7 @@ void NSRunLoop::stop() { ownCore("stop").stop(); }
 
 int NSRunLoop::wakeUpDescriptor() { return ownCore("wakeUpDescriptor").descriptor(); }
 
+NSRef<NSArray> NSRunLoop::pendingWork() const { return ownCore("pendingWork").pendingWork(); }
 
 std::optional<std::chrono::nanoseconds> NSRunLoop::performPass() {
   auto& core = ownCore("performPass");

@@ -2,6 +2,7 @@
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Threads/PendingWork.h>
 #include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/detail/OnceClosure.h>
 
@@ -41,6 +42,11 @@ class NSTimer::Event final : public NSScheduledEvent {
 
   void drop() noexcept override {
     if (const auto timer = _timer) timer->invalidate();
+  }
+  [[nodiscard]] std::string purpose() const override {
+    const std::chrono::duration<double> interval = _timer->_interval;
+    return "timer of " + NSClass(typeid(*_timer->_block.get())).name()->utf8() +
+           (_timer->_repeats ? ", every " + NSSecondsText(interval) : "");
   }
   void happen() noexcept override {
     _isFiring = true;

@@ -174,6 +174,15 @@ bool NSQueuedNotifications::post(NSPostingStyle style, const NSRef<NSString>& mo
   return hasPosted;
 }
 
+void NSQueuedNotifications::forEach(
+    NSBlockRef<void(const NSNotification&, NSPostingStyle, const NSRef<NSArray>&)> use) {
+  for (const auto style : {NSPostASAP, NSPostWhenIdle}) {
+    lines(style).forEachWithModes([&](const Line& line, const NSRef<NSArray>& modes) {
+      for (const Queued& queued : line) use(*queued.notification.get(), style, modes);
+    });
+  }
+}
+
 void NSQueuedNotifications::tidy() {
   _soon.tidy();
   _idle.tidy();

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <list>
 
+#include <Foundation/NSBlock.h>
 #include <Foundation/NSNotificationQueue.h>
 #include <Foundation/Threads/IntrusiveHashTable.h>
 #include <Foundation/Threads/RunLoopModes.h>
@@ -31,6 +32,8 @@ class NSQueuedNotifications {
             const NSModeSet& commonModes) noexcept;
   /// Forgets lines without notifications. Not while something is posted.
   void tidy();
+  /// Calls the function with each notification, its style and its modes.
+  void forEach(NSBlockRef<void(const NSNotification&, NSPostingStyle, const NSRef<NSArray>&)> use);
   /// Drops all and takes no more.
   void close();
 

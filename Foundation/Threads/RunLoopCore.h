@@ -77,6 +77,8 @@ class NSRunLoopCore {
   /// Ends the innermost run after its current pass.
   void stop() noexcept;
 
+  /// Tells what waits, a line each.
+  [[nodiscard]] NSRef<NSArray> pendingWork();
 
   /// Drops all and takes no more.
   void end();

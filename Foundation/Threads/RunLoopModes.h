@@ -83,8 +83,13 @@ class NSModePartition {
 
   template <class F>
   void forEach(F function) {
-    function(_common);
-    for (Group& group : _groups) function(group.contents);
+    forEachWithModes([&](T& contents, const NSRef<NSArray>& /*modes*/) { function(contents); });
+  }
+  /// Calls the function with each group and its modes, nil for the common ones.
+  template <class F>
+  void forEachWithModes(F function) {
+    function(_common, NSRef<NSArray>());
+    for (Group& group : _groups) function(group.contents, group.modes);
   }
 
  private:

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include <Foundation/NSObject.h>
@@ -14,6 +15,8 @@ class NSScheduledEvent : public NSObject {
   virtual void happen() noexcept = 0;
   /// Is called instead of `happen` when its run loop ends.
   virtual void drop() noexcept {}
+  /// Tells people what it is and for whom.
+  [[nodiscard]] virtual std::string purpose() const = 0;
 
   [[nodiscard]] bool isScheduled() const noexcept { return _schedule != nullptr; }
   /// Takes it out of its schedule, which may hold the empty object for a while. So the caller holds
@@ -51,6 +54,14 @@ class NSSchedule {
   void add(NSRef<NSScheduledEvent> event, Moment moment);
   /// Takes out the first event; the schedule must have been asked whether there is one.
   [[nodiscard]] NSRef<NSScheduledEvent> takeFirst();
+
+  /// Calls the function with each event and its time, in any order.
+  template <class F>
+  void forEach(F function) const {
+    for (const Slot& slot : _slots) {
+      if (!isVacant(slot)) function(*slot.event.get(), slot.moment.time);
+    }
+  }
 
  private:
   friend class NSScheduledEvent;

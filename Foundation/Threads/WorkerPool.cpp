@@ -11,6 +11,7 @@
 #include <Foundation/NSAutoreleasePool.h>
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Threads/PendingWork.h>
 #include <Foundation/Threads/SystemThreads.h>
 
 namespace {
@@ -54,6 +55,15 @@ NSWorkerPool& NSWorkerPool::shared() {
 bool NSWorkerPool::hasPendingWork() {
   const std::lock_guard lock(_mutex);
   return !_pending.empty();
+}
+
+NSRef<NSArray> NSWorkerPool::pendingWork(const dispatch_queue& queue) {
+  NSPendingWork pending;
+  const std::lock_guard lock(_mutex);
+  for (const Pending& work : _pending) {
+    if (work.queue == &queue) pending.add(work.work);
+  }
+  return pending.lines();
 }
 
 void NSWorkerPool::makeWorker(const char* operation) {

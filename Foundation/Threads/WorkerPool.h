@@ -33,6 +33,8 @@ class NSWorkerPool {
   void requireWorker(const char* operation) {
     if (!_hasWorker.load(std::memory_order_relaxed)) makeWorker(operation);
   }
+  /// Tells what waits for a thread from that queue.
+  [[nodiscard]] NSRef<NSArray> pendingWork(const dispatch_queue& queue);
   /// Whether work waits for a thread.
   [[nodiscard]] bool hasPendingWork();
 

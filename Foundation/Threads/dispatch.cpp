@@ -9,6 +9,7 @@
 #include <Foundation/Threads/BlockedThread.h>
 #include <Foundation/Threads/ChunkedQueue.h>
 #include <Foundation/Threads/ManualTime.h>
+#include <Foundation/Threads/PendingWork.h>
 #include <Foundation/Threads/RunLoopCore.h>
 #include <Foundation/Threads/SystemThreads.h>
 #include <Foundation/Threads/WorkerPool.h>
@@ -23,6 +24,7 @@ class ConcurrentQueue final : public dispatch_queue {
     _pool.submit(std::move(work), *this, "dispatch_async");
   }
   void performAndWait(NSOnceClosure work) override { work.perform(); }
+  NSRef<NSArray> pendingWork() const override { return _pool.pendingWork(*this); }
 
  private:
   NSWorkerPool& _pool = NSWorkerPool::shared();
@@ -37,6 +39,7 @@ class MainQueue final : public dispatch_queue {
     if (mainLoop().postAndWait(std::move(work), nullptr)) return;
     NSRaiseEndlessWait(description()->utf8(), "dispatch_sync");
   }
+  NSRef<NSArray> pendingWork() const override { return NSRunLoop::mainRunLoop()->pendingWork(); }
 
  private:
   static NSRunLoopCore& mainLoop() {
@@ -53,6 +56,7 @@ class SerialQueue final : public dispatch_queue {
 
   void submit(NSOnceClosure work) override;
   void performAndWait(NSOnceClosure work) override;
+  NSRef<NSArray> pendingWork() const override;
 
  private:
   void schedule(const char* operation);
@@ -63,7 +67,7 @@ class SerialQueue final : public dispatch_queue {
   void takeBack();
 
   NSWorkerPool& _pool = NSWorkerPool::shared();
-  std::mutex _mutex;
+  mutable std::mutex _mutex;
   bool _isOwned = false;
   // The thread of the owner, as soon as it is known.
   NSServingThread _server;
@@ -106,10 +110,19 @@ void SerialQueue::performAndWait(NSOnceClosure work) {
   const auto alive = share(this);
   own();
   _server.set(NSThreadNumber());
-  work.perform();
+  {
+    const NSServedQueue served(*this);
+    work.perform();
+  }
   passOn();
 }
 
+NSRef<NSArray> SerialQueue::pendingWork() const {
+  NSPendingWork pending;
+  const std::lock_guard lock(_mutex);
+  _works.forEach([&](const NSOnceClosure& work) { pending.add(work); });
+  return pending.lines();
+}
 
 // Returns when the calling thread is the owner.
 void SerialQueue::own() {
@@ -142,6 +155,7 @@ void SerialQueue::passOn() noexcept {
 
 // By a worker as the owner. Whoever waits becomes the owner when its turn comes.
 void SerialQueue::drain() noexcept {
+  const NSServedQueue served(*this);
   _server.set(NSThreadNumber());
   do {
     if (!takeBatch()) return;

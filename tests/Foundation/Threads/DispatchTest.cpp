@@ -109,17 +109,21 @@ TEST(DispatchQueue, TellsWhichQueueStarves) {
 }
 
 TEST(DispatchQueue, RaisesWhereAWaitWouldNeverEnd) {
-  const auto expectEndless = [](const dispatch_queue_t& queue) {
+  const auto expectEndless = [](const dispatch_queue_t& queue, const std::string& caller) {
     expectRaises(NSInternalInconsistencyException,
                  "waiting for " + queue->description()->utf8() +
-                     " would never end, as it waits for the calling thread (in 'dispatch_sync')",
+                     " would never end, as it waits for the calling thread, " + caller +
+                     " (in 'dispatch_sync')",
                  [&] { finish(queue); });
   };
-  expectEndless(dispatch_get_main_queue());
+  expectEndless(dispatch_get_main_queue(), "NSThread main");
   const auto one = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
   const auto two = dispatch_queue_create("two", DISPATCH_QUEUE_SERIAL);
-  dispatch_async(one, [&] { expectEndless(one); });
-  dispatch_sync(one, [&] { dispatch_sync(two, [&] { expectEndless(one); }); });
+  dispatch_async(one, [&] { expectEndless(one, "dispatch_queue one"); });
+  dispatch_sync(one, [&] {
+    dispatch_sync(two, [&] { expectEndless(one, "dispatch_queue two"); });
+    expectEndless(one, "dispatch_queue one");
+  });
   // Of two that wait for each other, one is told.
   std::latch gate(2);
   std::atomic<int> told = 0;
@@ -273,6 +277,28 @@ TEST(DispatchGroup, TellsWhenAllHaveLeft) {
   expectRaises(NSInternalInconsistencyException,
                "more has left the group than entered it (in 'dispatch_group_leave')",
                [&] { dispatch_group_leave(group); });
+}
+
+TEST(DispatchQueue, TellsWhatWaits) {
+  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  std::latch begun(1);
+  std::latch gate(1);
+  dispatch_async(queue, [&] {
+    begun.count_down();
+    gate.wait();
+  });
+  begun.wait();
+  dispatch_async(queue, [] {});
+  dispatch_async(queue, [large = std::array<int, 40>{}] { (void)large; });
+  const auto pending = queue->pendingWork();
+  gate.count_down();
+  finish(queue);
+  ASSERT_EQ(pending->count(), 2U);
+  for (const auto& line : pending) {
+    EXPECT_NE(shown(line).find("DispatchQueue_TellsWhatWaits_Test"), std::string::npos)
+        << shown(line);
+  }
+  EXPECT_EQ(queue->pendingWork()->count(), 0U);
 }
 
 TEST(DispatchQueue, RefusesNil) {

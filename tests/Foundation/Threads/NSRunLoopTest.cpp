@@ -336,6 +336,40 @@ TEST(NSRunLoop, WatchesDescriptors) {
                NSException);
 }
 
+TEST(NSRunLoop, TellsWhatWaits) {
+  DrivenClock clock;
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
+  diary->noteLater(4, 1500ms);
+  loop->performInModes_block(listOf(tracking, u"other"_ns), [] {});
+  const auto queue = NSNotificationQueue::defaultQueue();
+  queue->enqueueNotification_postingStyle(
+      NSNotification::notificationWithName_object(u"DiaryDidGrow"_ns, diary), NSPostWhenIdle);
+  const auto timer = NSTimer::scheduledTimerWithTimeInterval_repeats_block(2s, true, [] {});
+  std::vector<std::string> lines;
+  for (const auto& line : loop->pendingWork()) lines.push_back(shown(line));
+  const auto tells = [&](const std::string& begin, const std::string& end) {
+    return std::ranges::any_of(
+        lines, [&](const auto& line) { return line.starts_with(begin) && line.ends_with(end); });
+  };
+  EXPECT_EQ(lines.size(), 4U);
+  EXPECT_TRUE(tells("note: of (anonymous namespace)::Diary with NSNumber",
+                    ", due in 1.5 s, in NSDefaultRunLoopMode"));
+  EXPECT_TRUE(
+      tells("block (anonymous namespace)::NSRunLoop_TellsWhatWaits_Test", ", in tracking, other"));
+  EXPECT_TRUE(tells("notification DiaryDidGrow of (anonymous namespace)::Diary",
+                    ", when idle, in NSDefaultRunLoopMode"));
+  EXPECT_TRUE(tells("timer of ", ", every 2 s, due in 2 s, in NSDefaultRunLoopMode"));
+  if (testing::Test::HasFailure()) {
+    for (const auto& line : lines) std::cerr << line << '\n';
+  }
+  timer->invalidate();
+  diary->cancel(4);
+  (void)loop->performPassInMode(tracking);
+  (void)loop->performPass();
+  EXPECT_EQ(loop->pendingWork()->count(), 0U);
+}
+
 TEST(NSRunLoop, StopsTheInnermostRun) {
   const auto loop = NSRunLoop::currentRunLoop();
   const auto diary = NSMake<Diary>();
@@ -509,10 +543,11 @@ TEST(NSRunLoop, RefusesToWaitForAThreadThatWaitsForIt) {
   // Over a queue's block.
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
   const auto refuse = [&] {
-    expectRaises(NSInternalInconsistencyException,
-                 "waiting for NSThread main would never end, as it waits for the calling thread "
-                 "(in 'performSelector:onThread:withObject:waitUntilDone:')",
-                 [&] { diary->noteOn(NSThread::mainThread(), 1, true); });
+    expectRaises(
+        NSInternalInconsistencyException,
+        "waiting for NSThread main would never end, as it waits for the calling thread, "
+        "NSThread without a name (in 'performSelector:onThread:withObject:waitUntilDone:')",
+        [&] { diary->noteOn(NSThread::mainThread(), 1, true); });
     EXPECT_THROW(dispatch_sync(queue, [] {}), NSException);
     EXPECT_THROW(dispatch_sync(dispatch_get_main_queue(), [] {}), NSException);
     diary->note(2);
