@@ -45,7 +45,7 @@ class NSTimer::Event final : public NSScheduledEvent {
   }
   [[nodiscard]] std::string purpose() const override {
     const std::chrono::duration<double> interval = _timer->_interval;
-    return "timer of " + NSClass(typeid(*_timer->_block.get())).name()->utf8() +
+    return "timer of " + _timer->_block->objectClass().name()->utf8() +
            (_timer->_repeats ? ", every " + NSSecondsText(interval) : "");
   }
   void happen() noexcept override {
