@@ -1,5 +1,6 @@
 #include "../Support.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -96,9 +97,9 @@ TEST(ZKTextFinder, FindsCountsAndReplacesWhatAOneLoopSearchFinds) {
     for (auto next = firstFrom(all, 0); next; next = firstFrom(all, NSMaxRange(next->match))) {
       apart.push_back(next->match);
     }
-    for (auto each = apart.rbegin(); each != apart.rend(); ++each) {
-      result.replace(each->location, each->length, u"xyz");
-    }
+    auto fromEnd = apart;
+    std::ranges::reverse(fromEnd);
+    for (const NSRange each : fromEnd) result.replace(each.location, each.length, u"xyz");
     const auto finder = NSMake<ZKTextFinder>(needle, 0, condition);
     RC_ASSERT(finder->matchesInString(text) == apart);
     const auto before = text->substringWithRange(selection);

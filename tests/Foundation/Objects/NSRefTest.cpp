@@ -72,7 +72,7 @@ TEST(NSRef, ComparesByContentsAndCastsByClass) {
 
   EXPECT_TRUE(none < a && u"B"_ns < u"a"_ns && number(-1) < NSMake<NSNumber>(0.5) && a >= none);
   EXPECT_TRUE(NSDate::distantPast() < NSMake<NSDate>());
-  EXPECT_TRUE((u"\u00E9"_ns <=> u"e\u0301"_ns) == 0 && u"\u00E9"_ns != u"e\u0301"_ns);
+  EXPECT_TRUE(std::is_eq(u"\u00E9"_ns <=> u"e\u0301"_ns) && u"\u00E9"_ns != u"e\u0301"_ns);
 }
 
 TEST(NSRef, CountsFromManyThreads) {

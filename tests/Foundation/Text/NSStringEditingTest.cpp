@@ -1,5 +1,7 @@
 #include "tests/TextModels.h"
 
+#include <algorithm>
+
 #include <unicode/ustring.h>
 
 namespace {
@@ -49,8 +51,9 @@ TEST(NSString, ReplacesWhatSearchesFind) {
       found.push_back(match);
       rest = {NSMaxRange(match), NSMaxRange(range) - NSMaxRange(match)};
     }
-    for (auto match = found.rbegin(); match != found.rend(); ++match) {
-      expected.replace(match->location, match->length, u"<>");
+    std::ranges::reverse(found);
+    for (const NSRange match : found) {
+      expected.replace(match.location, match.length, u"<>");
     }
     const auto by = u"<>"_ns;
     RC_ASSERT(string->stringByReplacingOccurrencesOfString_withString_options_range(
