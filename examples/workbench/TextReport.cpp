@@ -51,11 +51,10 @@ void printHeading(std::ostream& out, const NSRef<NSString>& line, NSUInteger& se
   }
 }
 
-void printHit(std::ostream& out, const NSRef<NSString>& text, NSRange hit, bool isColoured) {
-  const NSRange line = rangeOfCharactersAtIndex_delimitedBy(text, hit.location, newlines());
+void printHit(std::ostream& out, const NSRef<NSString>& text, NSRange word, bool isColoured) {
+  const NSRange line = rangeOfCharactersAtIndex_delimitedBy(text, word.location, newlines());
   const NSRange trimmed =
       trimRange_prefixRange_postfixRange_trimOptions(text, line, nullptr, nullptr, ZKTrimStart);
-  const NSRange word = rangeOfWordsIntersectingRange(text, hit);
   const NSUInteger lineNumber =
       text->substringToIndex(line.location)->componentsSeparatedByString(u"\n"_ns)->count();
   const auto part = [&](NSUInteger start, NSUInteger end) {
@@ -106,22 +105,19 @@ void printHits(std::ostream& out, const std::vector<NSRef<Document>>& documents,
   constexpr NSUInteger shownDocuments = 3;
   constexpr NSUInteger shownHits = 3;
   NSUInteger documentsWithHits = 0;
+  const auto finder = NSMake<ZKTextFinder>(term, NSCaseInsensitiveSearch);
   for (const auto& document : documents) {
     const auto& name = document->name();
     const auto& text = document->text();
-    const auto findFrom = [&](NSRange selection) {
-      return findString_selectedRange_options_wrap(text, term, selection, NSCaseInsensitiveSearch,
-                                                   true);
-    };
-    const NSRange first = findFrom({text->length() / 2, 0});
-    if (first.length == 0) continue;
-    out << "  " << name << ", lines "
+    const auto first = finder->nextMatchInString_selectedRange(text, {text->length() / 2, 0});
+    if (!first) continue;
+    out << "  " << name << " (" << finder->matchesInString(text).size() << "), lines "
         << stringValueWithSeparator(document->linesWith(term), u", "_ns) << '\n';
-    NSRange hit = first;
-    for (NSUInteger k = 0; k < shownHits; ++k) {
-      printHit(out, text, hit, isColoured);
-      hit = findFrom(hit);
-      if (hit.length == 0 || hit == first) break;
+    auto hit = first;
+    for (NSUInteger k = 0; k < shownHits && hit; ++k) {
+      printHit(out, text, hit->words, isColoured);
+      hit = finder->nextMatchInString_selectedRange(text, hit->match);
+      if (hit == first) break;
     }
     if (++documentsWithHits == shownDocuments) return;
   }

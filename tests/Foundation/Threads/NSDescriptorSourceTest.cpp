@@ -1,0 +1,54 @@
+#include "tests/Diary.h"
+
+#include <unistd.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(NSDescriptorSource, IsWatchedInItsModes) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  const auto loop = NSRunLoop::currentRunLoop();
+  std::string seen;
+  const auto source = NSDescriptorSource::sourceWithDescriptor_events_block(
+      ends[0], NSDescriptorReadable, [&](NSDescriptorSource& self) {
+        EXPECT_EQ(self.readyEvents(), NSDescriptorReadable);
+        char unit = 0;
+        if (read(self.descriptor(), &unit, 1) == 0) return self.invalidate();
+        seen += unit;
+      });
+  loop->addSource_forMode(source, NSDefaultRunLoopMode());
+  loop->addSource_forMode(source, NSRunLoopCommonModes());
+  EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantPast()));
+  ASSERT_EQ(write(ends[1], "ab", 2), 2);
+  makePass(tracking);
+  EXPECT_EQ(seen, "");
+  EXPECT_EQ(loop->performPass(), 0ns);
+  EXPECT_EQ(seen, "a");
+  // While it waits, and beside what other threads post.
+  EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture()));
+  EXPECT_EQ(seen, "ab");
+  std::jthread([&] { loop->performBlock([&] { seen += '+'; }); }).join();
+  EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture()));
+  const std::jthread writing([&] { EXPECT_EQ(write(ends[1], "c", 1), 1); });
+  EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture()));
+  EXPECT_EQ(seen, "ab+c");
+  // What can be written to is ready at once; the token ends it, and a closed end ends the reader.
+  const auto writable = NSDescriptorSource::sourceWithDescriptor_events_block(
+      ends[1], NSDescriptorWritable, [&] { seen += 'w'; });
+  loop->addSource_forMode(writable, tracking);
+  makePass(tracking);
+  writable->invalidate();
+  makePass(tracking);
+  EXPECT_EQ(seen, "ab+cw");
+  close(ends[1]);
+  makePass();
+  EXPECT_FALSE(source->isValid());
+  EXPECT_EQ(source->retainCount(), 1U);
+  close(ends[0]);
+  EXPECT_THROW((void)NSDescriptorSource::sourceWithDescriptor_events_block(-1, 1, [] {}),
+               NSException);
+}
+
+}  // namespace
