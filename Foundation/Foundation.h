@@ -57,5 +57,6 @@
 #include <Foundation/NSUnicode.h>
 #include <Foundation/NSUnitBuffer.h>
 #include <Foundation/NSValue.h>
+#include <Foundation/NSWeakRef.h>
 #include <Foundation/dispatch.h>
 #include <Foundation/dispatch_group.h>

@@ -104,11 +104,19 @@ class NS_EXPORT NSObject {
 
   NSObject& operator=(const NSObject&) = delete;
 
-  void retain() const noexcept { _count.retain(); }
-  void release() const noexcept {
-    if (_count.release()) delete this;
+  void retain() const noexcept {
+    _count.retain();
   }
-  /// Whether the caller holds the only reference.
+  void release() const noexcept {
+    // A sole holder cannot be joined by another: it needs no costly read-modify-write.
+    if (_count.isSole()) {
+      delete this;
+    } else if (_count.release()) {
+      die();
+    }
+  }
+  /// Whether the caller holds the only reference; no for an object that has weak references, which
+  /// may give another at any time.
   [[nodiscard]] bool isUniquelyReferenced() const noexcept { return _count.isSole(); }
   /// Counts the references to the object, for tests and debuggers.
   [[nodiscard]] std::uint32_t retainCount() const noexcept { return _count.value(); }
@@ -126,6 +134,11 @@ class NS_EXPORT NSObject {
   }
 
  private:
+  friend class NSWeakAnchor;
+
+  // After the last release, of an object that may be watched.
+  void die() const noexcept;
+
   NSReferenceCount _count;
 };
 

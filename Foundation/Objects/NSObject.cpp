@@ -6,6 +6,7 @@
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
+#include <Foundation/NSWeakRef.h>
 
 namespace {
 
@@ -15,6 +16,11 @@ namespace {
 }
 
 }  // namespace
+
+void NSObject::die() const noexcept {
+  if (_count.isWatched()) NSWeakAnchor::forget(*this);
+  delete this;
+}
 
 bool NSObject::isKindOfClass(NSClass aClass) const {
   return objectClass().isSubclassOfClass(aClass);

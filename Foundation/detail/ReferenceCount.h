@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <cassert>
 #include <cstdint>
 
 #if __has_include(<sys/single_threaded.h>)
@@ -9,7 +8,7 @@
 #endif
 
 /// The intrusive count of an object. It starts at one, for whoever made the object; a copied object
-/// starts anew. Debug builds stop at a count that is used after it reached zero.
+/// starts anew. A count may be watched: then somebody must be told when it has reached zero.
 class NSReferenceCount {
  public:
   NSReferenceCount() noexcept = default;
@@ -19,26 +18,35 @@ class NSReferenceCount {
 
   void retain() const noexcept {
     // Relaxed: whoever retains already holds a reference, which keeps the object alive and visible.
-    [[maybe_unused]] const auto before = add(1, std::memory_order_relaxed);
-    assert(before != 0 && "retained after its death");
+    add(1, std::memory_order_relaxed);
+  }
+  /// Counts a reference for somebody who holds none, unless the last one has gone.
+  [[nodiscard]] bool retainIfAlive() const noexcept {
+    auto before = _count.load(std::memory_order_relaxed);
+    while ((before & ~watched) != 0) {
+      // Acquire: as for a sole holder, which the caller may become.
+      if (_count.compare_exchange_weak(before, before + 1, std::memory_order_acquire,
+                                       std::memory_order_relaxed)) {
+        return true;
+      }
+    }
+    return false;
   }
 
   /// Gives one reference up; true when it was the last and the object must go.
   [[nodiscard]] bool release() const noexcept {
-    // A sole holder cannot be joined by another: it needs no costly read-modify-write.
-    if (isSole()) {
-#ifndef NDEBUG
-      _count.store(0, std::memory_order_relaxed);
-#endif
-      return true;
-    }
     // Release hands our writes to the last holder; acquire is for the case that it is us.
-    const auto before = add(minusOne, std::memory_order_acq_rel);
-    assert(before != 0 && "released after its death");
-    return before == 1;
+    return (add(minusOne, std::memory_order_acq_rel) & ~watched) == 1;
   }
 
-  /// Whether there is no reference but the caller's, who then may change the object.
+  /// Has the count watched from now on. The caller holds a reference.
+  void watch() const noexcept { _count.fetch_or(watched, std::memory_order_relaxed); }
+  [[nodiscard]] bool isWatched() const noexcept {
+    return (_count.load(std::memory_order_relaxed) & watched) != 0;
+  }
+
+  /// Whether there is no reference but the caller's, who then may change the object. Never for one
+  /// that is watched: a weak reference may give another at any time.
   [[nodiscard]] bool isSole() const noexcept {
     // Acquire: sees everything that former holders did before they let go.
     return _count.load(std::memory_order_acquire) == 1;
@@ -46,10 +54,11 @@ class NSReferenceCount {
 
   /// Counts the references, for tests and debuggers; stale as soon as it is read.
   [[nodiscard]] std::uint32_t value() const noexcept {
-    return _count.load(std::memory_order_relaxed);
+    return _count.load(std::memory_order_relaxed) & ~watched;
   }
 
  private:
+  static constexpr std::uint32_t watched = 1U << 31U;
   static constexpr std::uint32_t minusOne = UINT32_MAX;
 
   // Where the C library knows of one thread alone, no costly read-modify-write is needed either;
@@ -57,7 +66,7 @@ class NSReferenceCount {
   std::uint32_t add(std::uint32_t difference, std::memory_order order) const noexcept {
 #if __has_include(<sys/single_threaded.h>)
     if (__libc_single_threaded != 0) {
-      const auto before = value();
+      const auto before = _count.load(std::memory_order_relaxed);
       _count.store(before + difference, std::memory_order_relaxed);
       return before;
     }
