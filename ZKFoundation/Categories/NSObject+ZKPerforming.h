@@ -4,6 +4,7 @@
 #include <Foundation/NSDelay.h>
 #include <Foundation/NSSelector.h>
 #include <Foundation/NSThread.h>
+#include <Foundation/NSWeakRef.h>
 #include <Foundation/dispatch.h>
 #include <ZKFoundation/ZKExport.h>
 
@@ -19,6 +20,9 @@
 //
 // A delayed block runs by performing the selector `ZK_invokeTargetBlock:` with the block as its
 // argument; `NSObject` and `NSRunLoop` tell what that means.
+//
+// A weak reference as the receiver is not held: the request is dropped when it takes its turn and
+// the receiver has died. It locks the receiver while the block runs.
 
 namespace ZKFoundationExtensions {
 
@@ -107,6 +111,48 @@ void performBlockInBackground(const NSRef<Receiver>& receiver, F&& block);
 /// 'performBlock:onQueue:waitUntilDone:')".
 template <class Receiver, class F>
 void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& block,
+                                        const dispatch_queue_t& queue, bool wait);
+
+/// Runs the block in the default mode after at least the delay if the receiver then still lives.
+/// Gives what will run, a new block, by which alone it can be cancelled, with a weak target again.
+template <class Receiver, class F>
+NSRef<NSBlock> performBlock_afterDelay(const NSWeakRef<Receiver>& receiver, F&& block,
+                                       NSDelay delay);
+/// Runs the block in those modes after at least the delay if the receiver then still lives. Gives
+/// what will run, a new block, by which alone it can be cancelled, with a weak target again.
+template <class Receiver, class F>
+NSRef<NSBlock> performBlock_afterDelay_inModes(const NSWeakRef<Receiver>& receiver, F&& block,
+                                               NSDelay delay, const NSRef<NSArray>& modes);
+/// Cancels what has been scheduled with a delay for a weak target, which the block alone tells.
+template <class Receiver>
+void cancelPreviousPerformRequestsWithTarget_block(const NSWeakRef<Receiver>& target,
+                                                   const NSRef<NSBlock>& block);
+
+/// Runs the block on the main thread's run loop, in its common modes, if the receiver then still
+/// lives. With `wait` it returns when its turn is over.
+template <class Receiver, class F>
+void performBlockOnMainThread_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
+                                            bool wait);
+/// Runs the block on the main thread's run loop, in those modes, if the receiver then still lives.
+/// With `wait` it returns when its turn is over.
+template <class Receiver, class F>
+void performBlockOnMainThread_waitUntilDone_modes(const NSWeakRef<Receiver>& receiver, F&& block,
+                                                  bool wait, const NSRef<NSArray>& modes);
+/// Runs the block on that thread's run loop, in its common modes, if the receiver then still lives.
+/// With `wait` it returns when its turn is over.
+template <class Receiver, class F>
+void performBlock_onThread_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
+                                         const NSRef<NSThread>& thread, bool wait);
+/// Runs the block on that thread's run loop, in those modes, if the receiver then still lives. With
+/// `wait` it returns when its turn is over.
+template <class Receiver, class F>
+void performBlock_onThread_waitUntilDone_modes(const NSWeakRef<Receiver>& receiver, F&& block,
+                                               const NSRef<NSThread>& thread, bool wait,
+                                               const NSRef<NSArray>& modes);
+/// Runs the block on the queue if the receiver still lives at its turn. With `wait` it returns when
+/// its turn is over. A null queue raises `NSInvalidArgumentException`.
+template <class Receiver, class F>
+void performBlock_onQueue_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
                                         const dispatch_queue_t& queue, bool wait);
 
 }  // namespace ZKFoundationExtensions

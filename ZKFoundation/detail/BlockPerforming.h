@@ -5,6 +5,7 @@
 
 #include <Foundation/NSAutoreleasePool.h>
 #include <Foundation/NSException.h>
+#include <Foundation/NSNull.h>
 #include <Foundation/NSRunLoop.h>
 #include <ZKFoundation/Categories/NSObject+ZKPerforming.h>
 
@@ -22,21 +23,46 @@ template <class Receiver, class F>
   }
 }
 
-/// Makes what a request that is not waited for calls: it alone owns the receiver and the block, or
-/// its copy; one that cannot be copied raises `NSInvalidArgumentException`.
-template <class Receiver, class F>
-[[nodiscard]] auto ZKMakeRequest(const NSRef<Receiver>& receiver, F&& block) {
+/// Calls the block with the target; does nothing for a nil block, or a weak target that has died.
+template <class Target, class F>
+void ZKCallBlock(F& block, const NSRef<Target>& target) {
+  if constexpr (std::is_convertible_v<F&, NSRef<NSBlock>>) {
+    ZK_invokeTargetBlock(target, block);
+  } else {
+    if (!NSIsNilCallable(block)) NSInvokeWithTarget(block, target);
+  }
+}
+template <class Target, class F>
+void ZKCallBlock(F& block, const NSWeakRef<Target>& target) {
+  if (const auto held = target.lock()) ZKCallBlock(block, held);
+}
+
+/// Makes what a request that is not waited for calls: it alone owns the receiver, unless that is a
+/// weak reference, and the block, or its copy; one that cannot be copied raises
+/// `NSInvalidArgumentException`.
+template <class Reference, class F>
+[[nodiscard]] auto ZKMakeRequest(const Reference& receiver, F&& block) {
   if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
     return [target = receiver, copy = NSRef<NSBlock>(std::forward<F>(block))] {
-      ZK_invokeTargetBlock(target, copy);
+      ZKCallBlock(copy, target);
     };
   } else if constexpr (std::is_constructible_v<std::decay_t<F>, F>) {
     return [target = receiver, copy = std::decay_t<F>(std::forward<F>(block))]() mutable {
-      if (!NSIsNilCallable(copy)) NSInvokeWithTarget<Receiver>(copy, target);
+      ZKCallBlock(copy, target);
     };
   } else {
     NSException::raise(NSInvalidArgumentException, "the block cannot be copied");
     return [] {};
+  }
+}
+
+/// Has `perform` perform a block for a weak receiver: the caller's own for a call that waits.
+template <class Receiver, class F, class Perform>
+void ZKPerformWeakly(const NSWeakRef<Receiver>& receiver, F&& block, bool wait, Perform perform) {
+  if (wait) {
+    perform([&] { ZKCallBlock(block, receiver); });
+  } else {
+    perform(ZKMakeRequest(receiver, std::forward<F>(block)));
   }
 }
 
@@ -141,6 +167,70 @@ void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& blo
       request();
     });
   }
+}
+
+// A request for a weak receiver is one for an object that is always there.
+
+template <class Receiver, class F>
+NSRef<NSBlock> performBlock_afterDelay(const NSWeakRef<Receiver>& receiver, F&& block,
+                                       NSDelay delay) {
+  return performBlock_afterDelay(NSNull::null(), ZKMakeRequest(receiver, std::forward<F>(block)),
+                                 delay);
+}
+
+template <class Receiver, class F>
+NSRef<NSBlock> performBlock_afterDelay_inModes(const NSWeakRef<Receiver>& receiver, F&& block,
+                                               NSDelay delay, const NSRef<NSArray>& modes) {
+  return performBlock_afterDelay_inModes(
+      NSNull::null(), ZKMakeRequest(receiver, std::forward<F>(block)), delay, modes);
+}
+
+template <class Receiver>
+void cancelPreviousPerformRequestsWithTarget_block(const NSWeakRef<Receiver>& /*target*/,
+                                                   const NSRef<NSBlock>& block) {
+  cancelPreviousPerformRequestsWithTarget_block(NSNull::null(), block);
+}
+
+template <class Receiver, class F>
+void performBlockOnMainThread_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
+                                            bool wait) {
+  performBlock_onThread_waitUntilDone(receiver, std::forward<F>(block), NSThread::mainThread(),
+                                      wait);
+}
+
+template <class Receiver, class F>
+void performBlockOnMainThread_waitUntilDone_modes(const NSWeakRef<Receiver>& receiver, F&& block,
+                                                  bool wait, const NSRef<NSArray>& modes) {
+  performBlock_onThread_waitUntilDone_modes(receiver, std::forward<F>(block),
+                                            NSThread::mainThread(), wait, modes);
+}
+
+template <class Receiver, class F>
+void performBlock_onThread_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
+                                         const NSRef<NSThread>& thread, bool wait) {
+  ZKPerformWeakly(receiver, std::forward<F>(block), wait, [&](auto&& request) {
+    performBlock_onThread_waitUntilDone(NSNull::null(), std::forward<decltype(request)>(request),
+                                        thread, wait);
+  });
+}
+
+template <class Receiver, class F>
+void performBlock_onThread_waitUntilDone_modes(const NSWeakRef<Receiver>& receiver, F&& block,
+                                               const NSRef<NSThread>& thread, bool wait,
+                                               const NSRef<NSArray>& modes) {
+  ZKPerformWeakly(receiver, std::forward<F>(block), wait, [&](auto&& request) {
+    performBlock_onThread_waitUntilDone_modes(
+        NSNull::null(), std::forward<decltype(request)>(request), thread, wait, modes);
+  });
+}
+
+template <class Receiver, class F>
+void performBlock_onQueue_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
+                                        const dispatch_queue_t& queue, bool wait) {
+  ZKPerformWeakly(receiver, std::forward<F>(block), wait, [&](auto&& request) {
+    performBlock_onQueue_waitUntilDone(NSNull::null(), std::forward<decltype(request)>(request),
+                                       queue, wait);
+  });
 }
 
 }  // namespace ZKFoundationExtensions

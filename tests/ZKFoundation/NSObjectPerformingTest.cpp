@@ -226,6 +226,54 @@ TEST(NSObjectPerforming, HoldsTheReceiverUntilTheBlockHasRun) {
   }
 }
 
+TEST(NSObjectPerforming, DropsRequestsForWeakReceiversThatHaveDied) {
+  const LoopThread thread;
+  const auto main = dispatch_get_main_queue();
+  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  const auto modes = NSMake<NSArray>({NSDefaultRunLoopMode()});
+  const auto finish = [&] {
+    makePass();
+    performBlock_onThread_waitUntilDone(
+        main, [] {}, thread.get(), true);
+    dispatch_sync(queue, [] {});
+  };
+  std::atomic<int> calls = 0;
+  const auto performAll = [&](const NSWeakRef<Editor>& weak, const auto& block) {
+    performBlock_afterDelay(weak, block, 0);
+    performBlock_afterDelay_inModes(weak, block, 0, modes);
+    cancelPreviousPerformRequestsWithTarget_block(weak, performBlock_afterDelay(weak, block, 0));
+    for (const bool waits : {false, true}) {
+      performBlockOnMainThread_waitUntilDone(weak, block, waits);
+      performBlockOnMainThread_waitUntilDone_modes(weak, block, waits, modes);
+      performBlock_onThread_waitUntilDone(weak, block, thread.get(), waits);
+      performBlock_onThread_waitUntilDone_modes(weak, block, thread.get(), waits, modes);
+      performBlock_onQueue_waitUntilDone(weak, block, queue, waits);
+    }
+    performBlock_onQueue_waitUntilDone(weak, block, main, false);
+  };
+  const auto count = [&](Editor& target) { calls += target.alive; };
+  int alive = 0;
+  auto editor = NSMake<Editor>(alive);
+  performAll(editor, count);
+  performAll(editor, NSMakeBlock<Editor>(count));
+  performAll(editor, std::function<void(Editor&)>());
+  finish();
+  EXPECT_EQ(calls.exchange(0), 2 * 13);
+  // Requests hold nobody: the one that dies meanwhile is not called any more.
+  const NSWeakRef weak = editor;
+  performBlock_onQueue_waitUntilDone(weak, count, main, false);
+  performBlockOnMainThread_waitUntilDone(weak, count, false);
+  performBlock_afterDelay(weak, count, 0);
+  editor = nullptr;
+  EXPECT_EQ(alive, 0);
+  performAll(weak, count);
+  finish();
+  EXPECT_EQ(calls, 0);
+  expectRaises(NSInvalidArgumentException,
+               "aQueue is NULL (in 'performBlock:onQueue:waitUntilDone:')",
+               [&] { performBlock_onQueue_waitUntilDone(weak, count, nullptr, true); });
+}
+
 TEST(NSObjectPerforming, BorrowsTheBlockOfACallThatWaits) {
   const LoopThread thread;
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
