@@ -38,6 +38,7 @@
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSNumberFormatter.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/NSObservation.h>
 #include <Foundation/NSOperationQueue.h>
 #include <Foundation/NSOptions.h>
 #include <Foundation/NSOrderedSet.h>

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
+#include <optional>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -11,6 +14,7 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSNotification.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/NSWeakRef.h>
 
 class NSOperationQueue;
 
@@ -36,6 +40,29 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
                                                              const NSRef<NSOperationQueue>& queue,
                                                              F&& block) {
     return addObserver(name, object, queue, NSMakeBlock<NSNotification>(std::forward<F>(block)));
+  }
+  /// Calls the block with the target, and the notification if it takes that, as long as the target
+  /// lives, which the centre does not hold: `[](Editor& editor, const NSRef<NSNotification>&) {…}`.
+  /// The first post that finds the target dead removes the observer. Else it is as without a
+  /// target.
+  template <class Target, class F>
+  NSRef<NSObject> addObserverForTarget_name_object_queue_usingBlock(
+      const NSWeakRef<Target>& target, const NSRef<NSString>& name, const NSRef<NSObject>& object,
+      const NSRef<NSOperationQueue>& queue, F&& block) {
+    if (NSIsNilCallable(block)) {
+      NSRaiseNilArgument("block", "addObserverForTarget:name:object:queue:usingBlock:");
+    }
+    auto made = [target, call = std::decay_t<F>(std::forward<F>(block))](
+                    const NSRef<NSNotification>& notification) mutable {
+      const auto held = target.lock();
+      if (!held) return;
+      if constexpr (std::is_invocable_v<F&, Target&, const NSRef<NSNotification>&>) {
+        std::invoke(call, *held, notification);
+      } else {
+        std::invoke(call, *held);
+      }
+    };
+    return addObserver(name, object, queue, NSMakeBlock<NSNotification>(std::move(made)), target);
   }
   /// Removes an observer. No later post calls its block, nor does one that is going on on the same
   /// thread or waits in a queue. Does nothing for nil and for what is no observer of this centre.
@@ -64,7 +91,8 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
   using Observers = std::vector<NSRef<Observer>>;
 
   NSRef<NSObject> addObserver(const NSRef<NSString>& name, const NSRef<NSObject>& object,
-                              const NSRef<NSOperationQueue>& queue, const NSRef<NSBlock>& block);
+                              const NSRef<NSOperationQueue>& queue, const NSRef<NSBlock>& block,
+                              std::optional<NSWeakRef<NSObject>> target = std::nullopt);
   Observers observersOf(const NSNotification& notification);
 
   std::mutex _mutex;

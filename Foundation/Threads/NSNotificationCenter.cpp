@@ -11,12 +11,18 @@
 class NSNotificationCenter::Observer final : public NSObject {
  public:
   Observer(Key key, const NSRef<NSOperationQueue>& queue, const NSRef<NSBlock>& block,
-           std::uint64_t turn)
-      : _key(std::move(key)), _queue(queue), _turn(turn), _block(block) {}
+           std::optional<NSWeakRef<NSObject>> target, std::uint64_t turn)
+      : _key(std::move(key)),
+        _queue(queue),
+        _target(std::move(target)),
+        _turn(turn),
+        _block(block) {}
 
   [[nodiscard]] std::uint64_t turn() const noexcept { return _turn; }
   // The centre's lock guards it.
   Key& key() noexcept { return _key; }
+
+  [[nodiscard]] bool isOrphan() const noexcept { return _target && _target->isNil(); }
 
   // A post that is going on may be about to call it.
   void letGo() {
@@ -42,6 +48,7 @@ class NSNotificationCenter::Observer final : public NSObject {
 
   Key _key;
   const NSRef<NSOperationQueue> _queue;
+  const std::optional<NSWeakRef<NSObject>> _target;
   const std::uint64_t _turn;
   mutable std::mutex _mutex;
   NSRef<NSBlock> _block;
@@ -70,11 +77,12 @@ const NSRef<NSNotificationCenter>& NSNotificationCenter::defaultCenter() {
 NSRef<NSObject> NSNotificationCenter::addObserver(const NSRef<NSString>& name,
                                                   const NSRef<NSObject>& object,
                                                   const NSRef<NSOperationQueue>& queue,
-                                                  const NSRef<NSBlock>& block) {
+                                                  const NSRef<NSBlock>& block,
+                                                  std::optional<NSWeakRef<NSObject>> target) {
   if (!block) NSRaiseNilArgument("block", "addObserverForName:object:queue:usingBlock:");
   Key key{name ? name->copy() : nullptr, object};
   const std::lock_guard lock(_mutex);
-  auto observer = NSMake<Observer>(key, queue, block, _nextTurn++);
+  auto observer = NSMake<Observer>(key, queue, block, std::move(target), _nextTurn++);
   _observers[std::move(key)].push_back(observer);
   return observer;
 }
@@ -122,7 +130,13 @@ void NSNotificationCenter::postNotification(const NSRef<NSNotification>& notific
   if (!notification) NSRaiseNilArgument("notification", "postNotification:");
   // An observer may change the caller's own reference.
   const auto held = NSRef<NSNotification>::share(notification.get());
-  for (const auto& observer : observersOf(*held)) observer->notify(held);
+  for (const auto& observer : observersOf(*held)) {
+    if (observer->isOrphan()) {
+      removeObserver(observer);
+    } else {
+      observer->notify(held);
+    }
+  }
 }
 
 void NSNotificationCenter::postNotificationName_object(const NSRef<NSString>& name,

@@ -115,6 +115,73 @@ TEST(NSNotificationCenter, HoldsAndLetsGo) {
   EXPECT_EQ(alive, 0);
 }
 
+TEST(NSNotificationCenter, HoldsNoTargets) {
+  int alive = 0;
+  const auto centre = NSMake<NSNotificationCenter>();
+  std::vector<NSRef<NSNotification>> posted;
+  int calls = 0;
+  auto target = NSMake<Counted>(alive);
+  const auto add = [&](const NSRef<NSOperationQueue>& queue, auto block) {
+    return centre->addObserverForTarget_name_object_queue_usingBlock(
+        NSWeakRef(target), changed, nullptr, queue, std::move(block));
+  };
+  add(nullptr,
+      [&, held = NSMake<Counted>(alive)](Counted& self, const NSRef<NSNotification>& notification) {
+        EXPECT_EQ(&self, target.get());
+        posted.push_back(notification);
+      });
+  const auto removed = add(nullptr, [&](Counted& self) { calls += self.alive; });
+  add(NSOperationQueue::mainQueue(), [&](Counted& self) { calls += self.alive; });
+  const auto notification = about(changed);
+  centre->postNotification(notification);
+  centre->removeObserver(removed);
+  EXPECT_EQ(calls, 2);
+  makePass();
+  EXPECT_EQ(calls, 4);
+  centre->postNotification(notification);
+  EXPECT_EQ(posted, (std::vector{notification, notification}));
+  // What waits in a queue is dropped; the next post lets go of what the block has.
+  target = nullptr;
+  makePass();
+  EXPECT_EQ(alive, 1);
+  centre->postNotification(notification);
+  EXPECT_EQ(alive, 0);
+  EXPECT_EQ(calls, 4);
+  refusesNil("block", "addObserverForTarget:name:object:queue:usingBlock:", [&] {
+    add(nullptr, std::function<void(Counted&)>());
+  });
+}
+
+TEST(NSObservation, RemovesItsObserver) {
+  auto centre = NSMake<NSNotificationCenter>();
+  std::string calls;
+  const auto observe = [&](char sign) {
+    return NSObservation(centre, centre->addObserverForName_object_queue_usingBlock(
+                                     changed, nullptr, nullptr, [&, sign] { calls += sign; }));
+  };
+  const auto expectCalls = [&](const std::string& expected) {
+    centre->postNotification(about(changed));
+    EXPECT_EQ(std::exchange(calls, ""), expected);
+  };
+  auto first = observe('1');
+  {
+    const auto second = observe('2');
+    (void)observe('3').detach();
+    expectCalls("123");
+  }
+  auto moved = std::move(first);
+  expectCalls("13");
+  moved = observe('4');
+  expectCalls("34");
+  moved.remove();
+  moved.remove();
+  expectCalls("3");
+  // It may outlive its centre.
+  moved = observe('5');
+  EXPECT_EQ(centre->retainCount(), 1U);
+  centre = nullptr;
+}
+
 TEST(NSNotificationQueue, PostsAtItsOccasions) {
   const auto centre = NSNotificationCenter::defaultCenter();
   const auto observe = [&](const NSRef<NSString>& name, const auto& block) {
