@@ -8,6 +8,7 @@
 
 class NSArray;
 class NSDelay;
+class NSDictionary;
 class NSPropertyTable;
 class NSSelector;
 class NSThread;
@@ -17,7 +18,9 @@ class NSThread;
 ///     struct Chapter : NSObject { NSRef<NSString> heading; };
 ///     auto chapter = NSMake<Chapter>();
 ///
-/// Objects live on the heap and die with their last `NSRef`.
+/// Objects live on the heap and die with their last `NSRef`. Where assertions are on, an object
+/// that is held again while it dies, released too often, or held although it stands on the stack
+/// ends the program with the name of its class.
 class NS_EXPORT NSObject {
  public:
   virtual ~NSObject() = default;
@@ -105,21 +108,36 @@ class NS_EXPORT NSObject {
   NSObject& operator=(const NSObject&) = delete;
 
   void retain() const noexcept {
+#ifndef NDEBUG
+    checkIsAlive("retained");
+#endif
     _count.retain();
   }
   void release() const noexcept {
+#ifndef NDEBUG
+    checkIsAlive("released");
+#endif
     // A sole holder cannot be joined by another: it needs no costly read-modify-write.
     if (_count.isSole()) {
+#ifndef NDEBUG
+      _count.end();
+#endif
       delete this;
     } else if (_count.release()) {
       die();
     }
   }
   /// Whether the caller holds the only reference; no for an object that has weak references, which
-  /// may give another at any time.
+  /// may give another at any time, or that is noted by `setCountsLiveObjects`.
   [[nodiscard]] bool isUniquelyReferenced() const noexcept { return _count.isSole(); }
   /// Counts the references to the object, for tests and debuggers.
   [[nodiscard]] std::uint32_t retainCount() const noexcept { return _count.value(); }
+
+  /// Has `NSMake` note each object that it makes from now on, until it dies, or no more. This is to
+  /// find what is never released: noted objects take time and memory, others none.
+  static void setCountsLiveObjects(bool counts) noexcept;
+  /// Counts the noted objects that are alive, in numbers by the names of their classes.
+  [[nodiscard]] static NSRef<NSDictionary> liveObjectCounts();
 
  protected:
   NSObject() noexcept = default;
@@ -135,9 +153,12 @@ class NS_EXPORT NSObject {
 
  private:
   friend class NSWeakAnchor;
+  friend class NSLiveObjects;
 
   // After the last release, of an object that may be watched.
   void die() const noexcept;
+  // Ends the program when the object has died or stands on the stack.
+  void checkIsAlive(const char* use) const noexcept;
 
   NSReferenceCount _count;
 };

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <Foundation/NSExport.h>
+#include <Foundation/detail/LiveObjects.h>
 
 class NSObject;
 
@@ -156,16 +157,22 @@ template <class T, class... Arguments>
                     T::makeCompact(std::forward<Arguments>(arguments)...)
                     } -> std::same_as<NSRef<T>>;
                 }) {
-    return T::makeCompact(std::forward<Arguments>(arguments)...);
+    auto object = T::makeCompact(std::forward<Arguments>(arguments)...);
+    NSLiveObjects::note(*object);
+    return object;
   } else {
-    return NSRef<T>::adopt(new T(std::forward<Arguments>(arguments)...));
+    auto object = NSRef<T>::adopt(new T(std::forward<Arguments>(arguments)...));
+    NSLiveObjects::note(*object);
+    return object;
   }
 }
 
 /// Makes a collection from a list: `NSMake<NSArray>({a, b})`, `NSMake<NSDictionary>({{k, v}})`.
 template <class T>
 [[nodiscard]] NSRef<T> NSMake(typename T::Elements elements) {
-  return NSRef<T>::adopt(new T(elements));
+  auto object = NSRef<T>::adopt(new T(elements));
+  NSLiveObjects::note(*object);
+  return object;
 }
 
 /// Prints the object's description as UTF-8, "(null)" for nil.

@@ -2,13 +2,38 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <ostream>
+
+#include <pthread.h>
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSWeakRef.h>
 
 namespace {
+
+// Where the calling thread's stack begins; it grows downwards.
+const void* beginOfStack() noexcept {
+  pthread_attr_t attributes;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return nullptr;
+  void* lowest = nullptr;
+  std::size_t size = 0;
+  pthread_attr_getstack(&attributes, &lowest, &size);
+  pthread_attr_destroy(&attributes);
+  return static_cast<const std::byte*>(lowest) + size;
+}
+
+bool isOnStack(const void* object) noexcept {
+  thread_local const void* const begin = beginOfStack();
+  return std::less_equal<>()(__builtin_frame_address(0), object) && std::less<>()(object, begin);
+}
+
+[[noreturn]] void stop(const NSObject& object, const char* what, const char* when) noexcept {
+  std::fprintf(stderr, "%s %p was %s %s\n", object.objectClass().name()->utf8().c_str(),
+               static_cast<const void*>(&object), what, when);
+  std::abort();
+}
 
 [[noreturn]] void raiseNotCopyable(NSClass aClass, const char* operation) {
   NSException::raise(NSInvalidArgumentException,
@@ -18,8 +43,16 @@ namespace {
 }  // namespace
 
 void NSObject::die() const noexcept {
-  if (_count.isWatched()) NSWeakAnchor::forget(*this);
+  if (_count.isWatched()) {
+    NSWeakAnchor::forget(*this);
+    NSLiveObjects::forget(*this);
+  }
   delete this;
+}
+
+void NSObject::checkIsAlive(const char* use) const noexcept {
+  if (_count.value() == 0) stop(*this, use, "after its last release");
+  if (isOnStack(this)) stop(*this, use, "although it stands on the stack");
 }
 
 bool NSObject::isKindOfClass(NSClass aClass) const {

@@ -38,6 +38,8 @@ class NSReferenceCount {
     // Release hands our writes to the last holder; acquire is for the case that it is us.
     return (add(minusOne, std::memory_order_acq_rel) & ~watched) == 1;
   }
+  /// Notes that the last reference of a sole holder goes; debug builds ask for it.
+  void end() const noexcept { _count.store(0, std::memory_order_relaxed); }
 
   /// Has the count watched from now on. The caller holds a reference.
   void watch() const noexcept { _count.fetch_or(watched, std::memory_order_relaxed); }

@@ -107,4 +107,59 @@ TEST(NSWeakRef, RacesWithTheLastRelease) {
   }
 }
 
+struct Noted : NSObject {};
+struct Fragile : NSObject {
+  explicit Fragile(bool fails) {
+    if (fails) NSException::raise(NSGenericException, "not made");
+  }
+};
+
+TEST(NSLiveObjects, AreCountedByClassOnDemand) {
+  const auto countOf = [](const char* name) {
+    const auto count = NSObject::liveObjectCounts()->objectForKey(string(name)).as<NSNumber>();
+    return count ? count->intValue() : 0;
+  };
+  const std::string prefix = NSClass::of<Noted>().name()->utf8();
+  const auto before = NSMake<Noted>();
+  NSObject::setCountsLiveObjects(true);
+  auto weak = NSWeakRef(NSMake<Noted>());
+  EXPECT_EQ(countOf(prefix.c_str()), 0);
+  std::vector<NSRef<Noted>> kept(3);
+  std::ranges::generate(kept, NSMake<Noted>);
+  const auto text = NSMake<NSMutableString>("of its own class");
+  EXPECT_THROW((void)NSMake<Fragile>(true), NSException);
+  NSObject::setCountsLiveObjects(false);
+  const auto after = NSMake<Noted>();
+  EXPECT_EQ(countOf(prefix.c_str()), 3);
+  EXPECT_EQ(countOf("NSMutableString"), 1);
+  EXPECT_EQ(countOf(NSClass::of<Fragile>().name()->utf8().c_str()), 0);
+  onThreads(3, [&kept, next = std::make_shared<std::atomic<std::size_t>>(0)] {
+    kept[(*next)++] = nullptr;
+  });
+  EXPECT_EQ(countOf(prefix.c_str()), 0);
+}
+
+#ifndef NDEBUG
+struct Clinging : NSObject {
+  explicit Clinging(NSRef<Clinging>& aPlace) : place(aPlace) {}
+  Clinging(const Clinging&) = delete;
+  ~Clinging() override { place = share(this); }
+  NSRef<Clinging>& place;
+};
+struct Twice : NSObject {
+  Twice() = default;
+  Twice(const Twice&) = delete;
+  ~Twice() override { release(); }
+};
+
+TEST(NSLifetimesDeathTest, StopWithTheNameOfTheClass) {
+  NSRef<Clinging> place;
+  EXPECT_DEATH(NSMake<Clinging>(place), "Clinging 0x.* was retained after its last release");
+  EXPECT_DEATH(NSMake<Twice>(), "Twice 0x.* was released after its last release");
+  Noted local;
+  EXPECT_DEATH((void)local.self(), "Noted 0x.* was retained although it stands on the stack");
+  EXPECT_DEATH((void)NSRef<Noted>::adopt(&local), "Noted 0x.* was released although it stands");
+}
+#endif
+
 }  // namespace
