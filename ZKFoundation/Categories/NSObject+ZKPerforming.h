@@ -127,6 +127,9 @@ NSRef<NSBlock> performBlock_afterDelay_inModes(const NSWeakRef<Receiver>& receiv
 template <class Receiver>
 void cancelPreviousPerformRequestsWithTarget_block(const NSWeakRef<Receiver>& target,
                                                    const NSRef<NSBlock>& block);
+/// Cancels likewise, and tells what came of it.
+template <class Receiver>
+ZKCancellation cancelDelayedBlock(const NSWeakRef<Receiver>& target, const NSRef<NSBlock>& block);
 
 /// Runs the block on the main thread's run loop, in its common modes, if the receiver then still
 /// lives. With `wait` it returns when its turn is over.

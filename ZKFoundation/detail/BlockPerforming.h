@@ -191,6 +191,12 @@ void cancelPreviousPerformRequestsWithTarget_block(const NSWeakRef<Receiver>& /*
   cancelPreviousPerformRequestsWithTarget_block(NSNull::null(), block);
 }
 
+template <class Receiver>
+ZKCancellation cancelDelayedBlock(const NSWeakRef<Receiver>& /*target*/,
+                                  const NSRef<NSBlock>& block) {
+  return cancelDelayedBlock(NSNull::null(), block);
+}
+
 template <class Receiver, class F>
 void performBlockOnMainThread_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
                                             bool wait) {

@@ -242,6 +242,8 @@ TEST(NSObjectPerforming, DropsRequestsForWeakReceiversThatHaveDied) {
     performBlock_afterDelay(weak, block, 0);
     performBlock_afterDelay_inModes(weak, block, 0, modes);
     cancelPreviousPerformRequestsWithTarget_block(weak, performBlock_afterDelay(weak, block, 0));
+    EXPECT_EQ(cancelDelayedBlock(weak, performBlock_afterDelay(weak, block, 0)),
+              ZKCancellation::cancelled);
     for (const bool waits : {false, true}) {
       performBlockOnMainThread_waitUntilDone(weak, block, waits);
       performBlockOnMainThread_waitUntilDone_modes(weak, block, waits, modes);
