@@ -104,24 +104,27 @@ void NSInvokeWithTarget(F& callable, const NSRef<Target>& target) {
   }
 }
 
+/// The block object of a callable for targets of that class.
+template <class Target, class Callable>
+class NSCallableBlock final : public NSBlock {
+ public:
+  template <class F>
+  explicit NSCallableBlock(F&& callable) : _callable(std::forward<F>(callable)) {}
+  void invoke(const NSRef<NSObject>& target) override {
+    NSInvokeWithTarget<Target>(_callable, target.template as<Target>());
+  }
+
+ private:
+  Callable _callable;
+};
+
 /// Makes a block object of a callable for targets of that class; gives block objects and nil back.
 template <class Target, class F>
 [[nodiscard]] NSRef<NSBlock> NSMakeBlock(F&& callable) {
-  using Callable = std::decay_t<F>;
   if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
     return std::forward<F>(callable);
   } else {
-    class Block final : public NSBlock {
-     public:
-      explicit Block(F&& callable) : _callable(std::forward<F>(callable)) {}
-      void invoke(const NSRef<NSObject>& target) override {
-        NSInvokeWithTarget<Target>(_callable, target.template as<Target>());
-      }
-
-     private:
-      Callable _callable;
-    };
     if (NSIsNilCallable(callable)) return nullptr;
-    return NSMake<Block>(std::forward<F>(callable));
+    return NSMake<NSCallableBlock<Target, std::decay_t<F>>>(std::forward<F>(callable));
   }
 }

@@ -1,6 +1,7 @@
 #include "ZKFoundation/Categories/NSObject+ZKPerforming.h"
 
 #include <Foundation/NSAutoreleasePool.h>
+#include <Foundation/NSNeverDestroyed.h>
 
 namespace ZKFoundationExtensions {
 
@@ -16,6 +17,11 @@ void ZK_invokeTargetBlockWithAutoreleasePool(const NSRef<NSObject>& target,
 
 NSSelector ZKInvokeTargetBlockSelector() noexcept {
   return NSMakeSelector<"ZK_invokeTargetBlock:", &ZK_invokeTargetBlock>();
+}
+
+const NSRef<ZKWeakReceiver>& ZKWeakReceiver::shared() {
+  static const NSNeverDestroyed<NSRef<ZKWeakReceiver>> result(NSMake<ZKWeakReceiver>());
+  return *result;
 }
 
 void cancelPreviousPerformRequestsWithTarget_block(const NSRef<NSObject>& target,

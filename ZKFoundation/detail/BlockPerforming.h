@@ -5,7 +5,6 @@
 
 #include <Foundation/NSAutoreleasePool.h>
 #include <Foundation/NSException.h>
-#include <Foundation/NSNull.h>
 #include <Foundation/NSRunLoop.h>
 #include <ZKFoundation/Categories/NSObject+ZKPerforming.h>
 
@@ -37,24 +36,34 @@ void ZKCallBlock(F& block, const NSWeakRef<Target>& target) {
   if (const auto held = target.lock()) ZKCallBlock(block, held);
 }
 
-/// Makes what a request that is not waited for calls: it alone owns the receiver, unless that is a
-/// weak reference, and the block, or its copy; one that cannot be copied raises
-/// `NSInvalidArgumentException`.
+/// What a request that is not waited for calls.
+template <class Reference, class Callable>
+struct ZKRequest {
+  Reference target;
+  Callable block;
+
+  void operator()() { ZKCallBlock(block, target); }
+};
+
+/// Makes a request, which alone owns the receiver, unless that is a weak reference, and the block,
+/// or its copy; one that cannot be copied raises `NSInvalidArgumentException`.
 template <class Reference, class F>
 [[nodiscard]] auto ZKMakeRequest(const Reference& receiver, F&& block) {
   if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
-    return [target = receiver, copy = NSRef<NSBlock>(std::forward<F>(block))] {
-      ZKCallBlock(copy, target);
-    };
+    return ZKRequest<Reference, NSRef<NSBlock>>{receiver, std::forward<F>(block)};
   } else if constexpr (std::is_constructible_v<std::decay_t<F>, F>) {
-    return [target = receiver, copy = std::decay_t<F>(std::forward<F>(block))]() mutable {
-      ZKCallBlock(copy, target);
-    };
+    return ZKRequest<Reference, std::decay_t<F>>{receiver, std::forward<F>(block)};
   } else {
     NSException::raise(NSInvalidArgumentException, "the block cannot be copied");
     return [] {};
   }
 }
+
+/// Stands for every weak receiver as the target of a delayed request: it is always there.
+class ZK_EXPORT ZKWeakReceiver final : public NSObject {
+ public:
+  [[nodiscard]] static const NSRef<ZKWeakReceiver>& shared();
+};
 
 /// Has `perform` perform a block for a weak receiver: the caller's own for a call that waits.
 template <class Receiver, class F, class Perform>
@@ -169,32 +178,30 @@ void performBlock_onQueue_waitUntilDone(const NSRef<Receiver>& receiver, F&& blo
   }
 }
 
-// A request for a weak receiver is one for an object that is always there.
-
 template <class Receiver, class F>
 NSRef<NSBlock> performBlock_afterDelay(const NSWeakRef<Receiver>& receiver, F&& block,
                                        NSDelay delay) {
-  return performBlock_afterDelay(NSNull::null(), ZKMakeRequest(receiver, std::forward<F>(block)),
-                                 delay);
+  return performBlock_afterDelay(ZKWeakReceiver::shared(),
+                                 ZKMakeRequest(receiver, std::forward<F>(block)), delay);
 }
 
 template <class Receiver, class F>
 NSRef<NSBlock> performBlock_afterDelay_inModes(const NSWeakRef<Receiver>& receiver, F&& block,
                                                NSDelay delay, const NSRef<NSArray>& modes) {
   return performBlock_afterDelay_inModes(
-      NSNull::null(), ZKMakeRequest(receiver, std::forward<F>(block)), delay, modes);
+      ZKWeakReceiver::shared(), ZKMakeRequest(receiver, std::forward<F>(block)), delay, modes);
 }
 
 template <class Receiver>
 void cancelPreviousPerformRequestsWithTarget_block(const NSWeakRef<Receiver>& /*target*/,
                                                    const NSRef<NSBlock>& block) {
-  cancelPreviousPerformRequestsWithTarget_block(NSNull::null(), block);
+  cancelPreviousPerformRequestsWithTarget_block(ZKWeakReceiver::shared(), block);
 }
 
 template <class Receiver>
 ZKCancellation cancelDelayedBlock(const NSWeakRef<Receiver>& /*target*/,
                                   const NSRef<NSBlock>& block) {
-  return cancelDelayedBlock(NSNull::null(), block);
+  return cancelDelayedBlock(ZKWeakReceiver::shared(), block);
 }
 
 template <class Receiver, class F>
@@ -215,8 +222,8 @@ template <class Receiver, class F>
 void performBlock_onThread_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
                                          const NSRef<NSThread>& thread, bool wait) {
   ZKPerformWeakly(receiver, std::forward<F>(block), wait, [&](auto&& request) {
-    performBlock_onThread_waitUntilDone(NSNull::null(), std::forward<decltype(request)>(request),
-                                        thread, wait);
+    performBlock_onThread_waitUntilDone(ZKWeakReceiver::shared(),
+                                        std::forward<decltype(request)>(request), thread, wait);
   });
 }
 
@@ -226,7 +233,7 @@ void performBlock_onThread_waitUntilDone_modes(const NSWeakRef<Receiver>& receiv
                                                const NSRef<NSArray>& modes) {
   ZKPerformWeakly(receiver, std::forward<F>(block), wait, [&](auto&& request) {
     performBlock_onThread_waitUntilDone_modes(
-        NSNull::null(), std::forward<decltype(request)>(request), thread, wait, modes);
+        ZKWeakReceiver::shared(), std::forward<decltype(request)>(request), thread, wait, modes);
   });
 }
 
@@ -234,8 +241,8 @@ template <class Receiver, class F>
 void performBlock_onQueue_waitUntilDone(const NSWeakRef<Receiver>& receiver, F&& block,
                                         const dispatch_queue_t& queue, bool wait) {
   ZKPerformWeakly(receiver, std::forward<F>(block), wait, [&](auto&& request) {
-    performBlock_onQueue_waitUntilDone(NSNull::null(), std::forward<decltype(request)>(request),
-                                       queue, wait);
+    performBlock_onQueue_waitUntilDone(ZKWeakReceiver::shared(),
+                                       std::forward<decltype(request)>(request), queue, wait);
   });
 }
 
