@@ -51,6 +51,7 @@
 #include <Foundation/NSSelector.h>
 #include <Foundation/NSSet.h>
 #include <Foundation/NSString.h>
+#include <Foundation/NSStringEncoding.h>
 #include <Foundation/NSThread.h>
 #include <Foundation/NSTimer.h>
 #include <Foundation/NSTypes.h>

@@ -13,14 +13,19 @@
 
 /// Gives the text of UTF-8 bytes.
 [[nodiscard]] NS_EXPORT NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8);
-/// Appends the text of UTF-8 bytes. Needs room for as many units as there are bytes.
-NS_EXPORT void NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text);
+/// Appends the text of UTF-8 bytes, and gives where the first broken sequence begins: at their end
+/// if there is none. Needs room for as many units as there are bytes.
+NS_EXPORT std::size_t NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text);
+/// Appends a character, which is no surrogate half.
+NS_EXPORT void NSAppendCharacter(char32_t character, NSUnitBuffer& text);
 
 /// Gives the UTF-8 bytes of a text.
 [[nodiscard]] NS_EXPORT std::string NSUTF8FromUnits(std::u16string_view text);
 
 /// Whether the bytes are UTF-8, so that nothing of them becomes U+FFFD.
 [[nodiscard]] NS_EXPORT bool NSIsWellFormedUTF8(std::string_view utf8) noexcept;
+/// Counts the units before the first surrogate half that stands alone: all, if none does.
+[[nodiscard]] NS_EXPORT std::size_t NSCountWellFormedUnits(std::u16string_view text) noexcept;
 /// Whether no surrogate half of the text stands alone.
 [[nodiscard]] NS_EXPORT bool NSIsWellFormed(std::u16string_view text) noexcept;
 

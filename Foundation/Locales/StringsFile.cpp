@@ -8,7 +8,7 @@
 
 #include <Foundation/NSLog.h>
 #include <Foundation/NSString.h>
-#include <Foundation/NSUnicode.h>
+#include <Foundation/NSStringEncoding.h>
 
 namespace {
 
@@ -173,16 +173,12 @@ std::uint8_t byteAt(std::string_view bytes, std::size_t index) {
   return index < bytes.size() ? static_cast<std::uint8_t>(bytes[index]) : 0xFF;
 }
 
-NSUnitBuffer unitsOfUTF16(std::string_view bytes, bool isBigEndian) {
-  NSUnitBuffer units;
-  units.reserve(bytes.size() / 2);
-  for (std::size_t k = 0; k + 1 < bytes.size(); k += 2) {
-    const unsigned first = byteAt(bytes, k);
-    const unsigned second = byteAt(bytes, k + 1);
-    *units.extend(1) =
-        static_cast<char16_t>(isBigEndian ? first << 8U | second : second << 8U | first);
-  }
-  return units;
+NSStringEncoding encodingOf(std::string_view bytes) {
+  const NSStringEncoding marked = NSDetectEncoding(bytes);
+  if (marked != NSUTF8StringEncoding) return marked;
+  // Tables begin with ASCII, whose other half is zero.
+  if (byteAt(bytes, 0) == 0) return NSUTF16BigEndianStringEncoding;
+  return byteAt(bytes, 1) == 0 ? NSUTF16LittleEndianStringEncoding : NSUTF8StringEncoding;
 }
 
 }  // namespace
@@ -203,17 +199,13 @@ NSStringsFile NSReadStringsTable(std::u16string_view text) { return TableReader(
 NSStringsFile NSReadStringsFile(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   const std::string bytes(std::istreambuf_iterator<char>(stream), {});
-  const bool isMarkedBig = byteAt(bytes, 0) == 0xFE && byteAt(bytes, 1) == 0xFF;
-  const bool isMarkedLittle = byteAt(bytes, 0) == 0xFF && byteAt(bytes, 1) == 0xFE;
-  // Tables begin with ASCII, whose other half is zero.
-  const bool isBigEndian = isMarkedBig || byteAt(bytes, 0) == 0;
-  if (isBigEndian || isMarkedLittle || byteAt(bytes, 1) == 0) {
-    NSStringsFile table = NSReadStringsTable(unitsOfUTF16(bytes, isBigEndian).view());
-    if (bytes.size() % 2 != 0 && table.fault.empty()) table.fault = "half a unit at the end";
-    return table;
-  }
-  const NSUnitBuffer units = NSUnitsFromUTF8(bytes);
+  const NSStringEncoding encoding = encodingOf(bytes);
+  NSUnitBuffer units;
+  const std::size_t fault = NSAppendDecoded(bytes, encoding, units);
   NSStringsFile table = NSReadStringsTable(units.view());
-  if (table.fault.empty() && !NSIsWellFormedUTF8(bytes)) table.fault = "not UTF-8";
+  if (table.fault.empty() && fault != bytes.size()) {
+    table.fault =
+        "not " + std::string(NSNameOfEncoding(encoding)) + " at byte " + std::to_string(fault);
+  }
   return table;
 }

@@ -19,5 +19,5 @@ void NSLogStringsFault(const std::string& fault);
 /// letters, digits and "_-.:/$" need no quotation marks; `key;` stands for itself. The last of
 /// equal keys counts. What cannot be read is passed over up to the end of its line.
 [[nodiscard]] NSStringsFile NSReadStringsTable(std::u16string_view text);
-/// Reads a file in UTF-8, or UTF-16 in either byte order.
+/// Reads a file in the encoding of its byte-order mark, or else in UTF-8 or UTF-16.
 [[nodiscard]] NSStringsFile NSReadStringsFile(const std::filesystem::path& file);

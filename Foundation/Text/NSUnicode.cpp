@@ -63,8 +63,15 @@ constexpr std::size_t fewest = 16;
 // more keep a text with frequent faults from trying it in vain.
 constexpr std::size_t leadIn = 16;
 
-// Writes at most one unit a byte and gives the end of what it wrote.
-char16_t* decode(std::string_view utf8, char16_t* out) {
+struct DecodedText {
+  char16_t* end;
+  // Where the first broken sequence begins; the end of the bytes for none.
+  std::size_t fault;
+};
+
+// Writes at most one unit a byte.
+DecodedText decode(std::string_view utf8, char16_t* out) {
+  std::size_t fault = utf8.size();
   std::size_t position = 0;
   while (position < utf8.size()) {
     if (utf8.size() - position >= fewest) {
@@ -75,11 +82,12 @@ char16_t* decode(std::string_view utf8, char16_t* out) {
     for (std::size_t wellFormed = 0; wellFormed < leadIn && position < utf8.size();) {
       const Decoded decoded = decodeFirst(utf8.substr(position));
       out = putCharacter(decoded.character, out);
+      if (!decoded.isWellFormed) fault = std::min(fault, position);
       position += decoded.length;
       wellFormed = decoded.isWellFormed ? wellFormed + decoded.length : 0;
     }
   }
-  return out;
+  return {out, fault};
 }
 
 char* putUTF8(char32_t character, char* out) {
@@ -118,7 +126,7 @@ NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8) {
   // A short text asks for memory once it is known how much.
   std::array<char16_t, 256> room;
   if (utf8.size() <= room.size()) {
-    return NSUnitBuffer(std::u16string_view(room.data(), decode(utf8, room.data())));
+    return NSUnitBuffer(std::u16string_view(room.data(), decode(utf8, room.data()).end));
   }
   NSUnitBuffer buffer;
   NSAppendUTF8(utf8, buffer);
@@ -126,9 +134,15 @@ NSUnitBuffer NSUnitsFromUTF8(std::string_view utf8) {
   return buffer;
 }
 
-void NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text) {
-  const char16_t* const end = decode(utf8, text.extend(utf8.size()));
-  text.truncate(static_cast<std::size_t>(end - text.data()));
+std::size_t NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text) {
+  const DecodedText decoded = decode(utf8, text.extend(utf8.size()));
+  text.truncate(static_cast<std::size_t>(decoded.end - text.data()));
+  return decoded.fault;
+}
+
+void NSAppendCharacter(char32_t character, NSUnitBuffer& text) {
+  std::array<char16_t, 2> units;
+  text.append({units.data(), putCharacter(character, units.data())});
 }
 
 std::string NSUTF8FromUnits(std::u16string_view text) {
@@ -159,11 +173,28 @@ bool NSIsWellFormedUTF8(std::string_view utf8) noexcept {
   return true;
 }
 
-bool NSIsWellFormed(std::u16string_view text) noexcept {
-  while (!text.empty()) {
-    if (NSIsSurrogate(NSTakeCharacter(text))) return false;
+std::size_t NSCountWellFormedUnits(std::u16string_view text) noexcept {
+  // Without an early end the loop over a block becomes vector code.
+  constexpr std::size_t block = 256;
+  std::u16string_view rest = text;
+  while (!rest.empty()) {
+    bool hasHalf = false;
+    for (const char16_t unit : rest.substr(0, block)) hasHalf |= NSIsSurrogate(unit);
+    if (!hasHalf) {
+      rest.remove_prefix(std::min(block, rest.size()));
+      continue;
+    }
+    const std::size_t end = rest.size() - std::min(block, rest.size());
+    while (rest.size() > end) {
+      const std::size_t left = rest.size();
+      if (NSIsSurrogate(NSTakeCharacter(rest))) return text.size() - left;
+    }
   }
-  return true;
+  return text.size();
+}
+
+bool NSIsWellFormed(std::u16string_view text) noexcept {
+  return NSCountWellFormedUnits(text) == text.size();
 }
 
 int NSDecimalDigitValue(char32_t character) noexcept {
