@@ -1,6 +1,8 @@
 #pragma once
 
 #include <concepts>
+#include <optional>
+#include <string_view>
 #include <type_traits>
 #include <variant>
 
@@ -76,3 +78,15 @@ class NS_EXPORT NSNumber : public NSObject {
 
   Value _value;
 };
+
+// Numbers of files and programs, whatever the locale; `NSNumberFormatter::takeNumber` reads those
+// that people write. Digits are ASCII, and neither blanks nor "+" stand before them.
+
+/// Takes a whole number off the start of the text and gives it; nothing, with the text as it was,
+/// when there is none or it does not fit: "-12 pages" gives -12 and leaves " pages".
+[[nodiscard]] NS_EXPORT std::optional<NSInteger> NSTakeInteger(std::u16string_view& text);
+/// Takes a number with "." and an exponent, either of which may be missing, as
+/// `NSNumber::stringValue` writes it, or "inf", "infinity" or "nan" in any letter case. Gives the
+/// nearest double; nothing, with the text as it was, when there is none or it is too large or too
+/// small: "1e3e" gives 1000 and leaves "e".
+[[nodiscard]] NS_EXPORT std::optional<double> NSTakeDouble(std::u16string_view& text);

@@ -1,11 +1,14 @@
 #include "Foundation/NSNumber.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include <Foundation/NSString.h>
@@ -57,7 +60,54 @@ T saturate(double value) {
   return static_cast<T>(value);
 }
 
+std::size_t countDigits(std::u16string_view text) {
+  std::size_t count = 0;
+  while (count < text.size() && text[count] >= u'0' && text[count] <= u'9') ++count;
+  return count;
+}
+
+std::size_t countSign(std::u16string_view text) { return text.starts_with(u'-') ? 1 : 0; }
+
+// How many units may belong to a double, so that no more of a long text is looked at.
+std::size_t countUnitsOfDouble(std::u16string_view text) {
+  constexpr std::size_t longestWord = std::string_view("-infinity").size();
+  std::size_t at = countSign(text);
+  const auto isAt = [&](std::u16string_view units) {
+    return at < text.size() && units.find(text[at]) != std::u16string_view::npos;
+  };
+  if (!isAt(u".0123456789")) return std::min(text.size(), longestWord);
+  at += countDigits(text.substr(at));
+  if (isAt(u".")) at += 1 + countDigits(text.substr(at + 1));
+  if (!isAt(u"eE")) return at;
+  ++at;
+  if (isAt(u"+-")) ++at;
+  return at + countDigits(text.substr(at));
+}
+
+// Takes what `std::from_chars` reads of the first units, which are copied as bytes.
+template <class T>
+std::optional<T> take(std::u16string_view& text, std::size_t count) {
+  std::string bytes(count, '\0');
+  std::ranges::transform(text.substr(0, count), bytes.begin(), [](char16_t unit) {
+    return unit < 0x80 ? static_cast<char>(unit) : '\0';
+  });
+  T value{};
+  const auto read = std::from_chars(bytes.data(), bytes.data() + bytes.size(), value);
+  if (read.ec != std::errc()) return std::nullopt;
+  text.remove_prefix(static_cast<std::size_t>(read.ptr - bytes.data()));
+  return value;
+}
+
 }  // namespace
+
+std::optional<NSInteger> NSTakeInteger(std::u16string_view& text) {
+  const std::size_t sign = countSign(text);
+  return take<NSInteger>(text, sign + countDigits(text.substr(sign)));
+}
+
+std::optional<double> NSTakeDouble(std::u16string_view& text) {
+  return take<double>(text, countUnitsOfDouble(text));
+}
 
 template <class T>
 T NSNumber::convert() const noexcept {

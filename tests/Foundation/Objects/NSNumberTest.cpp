@@ -118,4 +118,45 @@ TEST(NSRange, ComputesWithoutOverflow) {
   EXPECT_EQ(NSIntersectionRange({1, NSUIntegerMax}, {0, 5}), (NSRange{1, 4}));
 }
 
+TEST(NSNumber, TakesPlainNumbersOffTexts) {
+  const std::u16string zeros(400, u'0');
+  for (const auto& [text, integer, afterInteger, number, afterNumber] :
+       Rows<std::u16string, std::optional<NSInteger>, std::u16string, std::optional<double>,
+            std::u16string>{
+           {u"-12 pages", -12, u" pages", -12.0, u" pages"},
+           {u"9223372036854775807", NSIntegerMax, u"", 0x1p63, u""},
+           {u"-9223372036854775809", {}, u"-9223372036854775809", -0x1p63, u""},
+           {zeros + u"7x", 7, u"x", 7.0, u"x"},
+           {u"-.5e-1.5", {}, u"-.5e-1.5", -0.05, u".5"},
+           {u"1e3e", 1, u"e3e", 1000.0, u"e"},
+           {u"1e+", 1, u"e+", 1.0, u"e+"},
+           {u"1.", 1, u".", 1.0, u""},
+           {u".", {}, u".", {}, u"."},
+           {u"--1", {}, u"--1", {}, u"--1"},
+           {u"1e999", 1, u"e999", {}, u"1e999"},
+           {u"-Infinity!", {}, u"-Infinity!", -HUGE_VAL, u"!"},
+           {u"+1", {}, u"+1", {}, u"+1"},
+           {u" 1", {}, u" 1", {}, u" 1"},
+           {u"\u0661", {}, u"\u0661", {}, u"\u0661"},
+           {u"1\u0131", 1, u"\u0131", 1.0, u"\u0131"},
+           {u"", {}, u"", {}, u""},
+       }) {
+    std::u16string_view rest = text;
+    EXPECT_EQ(NSTakeInteger(rest), integer) << NSUTF8FromUnits(text);
+    EXPECT_EQ(rest, afterInteger);
+    rest = text;
+    EXPECT_EQ(NSTakeDouble(rest), number) << NSUTF8FromUnits(text);
+    EXPECT_EQ(rest, afterNumber);
+  }
+  expectProperty("takes back what numbers write", [](double value, NSInteger integer) {
+    const auto text =
+        NSMake<NSNumber>(value)->stringValue() + u" " + NSMake<NSNumber>(integer)->stringValue();
+    std::u16string_view rest = text->view();
+    RC_ASSERT(NSTakeDouble(rest) == value);
+    rest.remove_prefix(1);
+    RC_ASSERT(NSTakeInteger(rest) == integer);
+    RC_ASSERT(rest.empty());
+  });
+}
+
 }  // namespace
