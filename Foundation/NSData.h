@@ -8,7 +8,15 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
+class NSError;
 class NSString;
+class NSURL;
+
+/// Options of writing bytes; a set of bits.
+enum NSDataWritingOptions : NSUInteger {
+  /// Every write is atomic, with and without it.
+  NSDataWritingAtomic = 1,
+};
 
 /// A sequence of bytes. Immutable.
 class NS_EXPORT NSData : public NSObject {
@@ -19,6 +27,26 @@ class NS_EXPORT NSData : public NSObject {
   explicit NSData(std::vector<std::byte>&& bytes) noexcept : _bytes(std::move(bytes)) {}
   /// Copies the bytes of a narrow text, such as a file's contents.
   explicit NSData(std::string_view bytes) : NSData(std::as_bytes(std::span(bytes))) {}
+
+  // Whole files. A nil path or URL raises `NSInvalidArgumentException`.
+
+  /// Reads a regular file to its end. Nil, and the reason in `*error` unless that is null, for what
+  /// cannot be read. Symbolic links are followed. There are no options.
+  [[nodiscard]] static NSRef<NSData> dataWithContentsOfFile_options_error(
+      const NSRef<NSString>& path, NSUInteger options, NSRef<NSError>* error);
+  [[nodiscard]] static NSRef<NSData> dataWithContentsOfURL_options_error(const NSRef<NSURL>& url,
+                                                                         NSUInteger options,
+                                                                         NSRef<NSError>* error);
+  /// Writes the bytes in the place of a regular file, or to a new one. False, and the reason in
+  /// `*error`, when that fails; then the place is as it was before.
+  ///
+  /// It is atomic: the bytes go to a new file in a hidden folder beside the place and take the
+  /// place when they are on the disk, with the permissions of the file before. Of a symbolic link
+  /// what it refers to is replaced. Directories, devices and pipes are refused.
+  bool writeToFile_options_error(const NSRef<NSString>& path, NSUInteger options,
+                                 NSRef<NSError>* error) const;
+  bool writeToURL_options_error(const NSRef<NSURL>& url, NSUInteger options,
+                                NSRef<NSError>* error) const;
 
   [[nodiscard]] NSUInteger length() const noexcept { return _bytes.size(); }
   /// Lends the bytes.

@@ -33,6 +33,8 @@ enum NSCocoaErrorCode : NSInteger {
   NSFileReadInvalidFileNameError = 258,
   /// ENOENT
   NSFileReadNoSuchFileError = 260,
+  /// Bytes that are no text in the encoding
+  NSFileReadInapplicableStringEncodingError = 261,
   /// A URL that is no file URL
   NSFileReadUnsupportedSchemeError = 262,
   /// EFBIG and ENOMEM
@@ -45,6 +47,8 @@ enum NSCocoaErrorCode : NSInteger {
   NSFileWriteInvalidFileNameError = 514,
   /// EEXIST
   NSFileWriteFileExistsError = 516,
+  /// A text that the encoding cannot keep
+  NSFileWriteInapplicableStringEncodingError = 517,
   /// A URL that is no file URL
   NSFileWriteUnsupportedSchemeError = 518,
   /// ENOSPC and EDQUOT

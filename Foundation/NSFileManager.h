@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/NSArray.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSError.h>
@@ -28,6 +29,12 @@ enum NSSearchPathDomainMask : NSUInteger {
   NSUserDomainMask = 1,
   /// The machine's, for all users
   NSLocalDomainMask = 2,
+};
+
+/// Options of listing a directory.
+enum NSDirectoryEnumerationOptions : NSUInteger {
+  /// Leaves out names that begin with "."
+  NSDirectoryEnumerationSkipsHiddenFiles = 4,
 };
 
 // Keys of attributes.
@@ -92,6 +99,29 @@ class NS_EXPORT NSFileManager : public NSObject {
   /// processes one alone makes the file. One that cannot be written whole is removed again.
   bool createNewFileAtURL_contents_error(const NSRef<NSURL>& url, const NSRef<NSData>& contents,
                                          NSRef<NSError>* error) const;
+
+  /// Lists what is in a directory, without "." and "..": URLs in the order of their names' bytes,
+  /// those of directories with "/" at the end. A symbolic link to the directory is followed. The
+  /// keys mean nothing here; `NSDirectoryEnumerationSkipsHiddenFiles` is the only option.
+  [[nodiscard]] NSRef<NSArray> contentsOfDirectoryAtURL_includingPropertiesForKeys_options_error(
+      const NSRef<NSURL>& url, const NSRef<NSArray>& keys, NSUInteger options,
+      NSRef<NSError>* error) const;
+
+  /// Copies a file, a symbolic link or a directory with all that is in it, with permissions and
+  /// times. The copy is made in a hidden folder beside the target and appears there as a whole.
+  /// Whatever stands at the target is `NSFileWriteFileExistsError`; devices, pipes and a target
+  /// within the directory itself are refused.
+  bool copyItemAtURL_toURL_error(const NSRef<NSURL>& source, const NSRef<NSURL>& target,
+                                 NSRef<NSError>* error) const;
+
+  /// Moves a file, symbolic link or directory; what stands at the target is refused. On another
+  /// file system it copies and then removes: if the removal fails, the copy stays.
+  bool moveItemAtURL_toURL_error(const NSRef<NSURL>& source, const NSRef<NSURL>& target,
+                                 NSRef<NSError>* error) const;
+
+  /// Removes a file, a symbolic link itself or a directory with all that is in it. What fails
+  /// leaves the rest where it is.
+  bool removeItemAtURL_error(const NSRef<NSURL>& url, NSRef<NSError>* error) const;
 
   /// Tells type, size and permissions of what stands at the path; a symbolic link is not followed.
   [[nodiscard]] NSRef<NSDictionary> attributesOfItemAtPath_error(const NSRef<NSString>& path,

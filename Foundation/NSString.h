@@ -14,14 +14,18 @@
 #include <Foundation/NSObject.h>
 #include <Foundation/NSRange.h>
 #include <Foundation/NSStringComparison.h>
+#include <Foundation/NSStringEncoding.h>
 #include <Foundation/NSUnicode.h>
 #include <Foundation/NSUnitBuffer.h>
 
 class NSArray;
 class NSCharacterSet;
+class NSData;
 class NSDictionary;
+class NSError;
 class NSLocale;
 class NSMutableString;
+class NSURL;
 
 /// A sequence of UTF-16 code units. Lengths, indexes and ranges count units; an index or range that
 /// does not fit raises `NSRangeException`.
@@ -69,6 +73,37 @@ class NS_EXPORT NSString : public NSObject {
   }
   [[nodiscard]] static NSRef<NSString> stringWithFormat_arguments(
       const NSRef<NSString>& format, std::span<const NSFormatArgument> arguments);
+
+  // Texts of whole files. Nil or false, with the reason in `*error` unless that is null, when it
+  // fails. A nil path, URL or data, and an unknown encoding, raise `NSInvalidArgumentException`.
+
+  /// Reads a text file in the encoding that its byte-order mark tells: UTF-8, UTF-16 or UTF-32 in
+  /// either byte order; UTF-8 without a mark, which is no part of the text. Stores the encoding in
+  /// `*used` unless that is null. Nothing is replaced: bytes that are no text are
+  /// `NSFileReadInapplicableStringEncodingError`, "Not UTF-8 at byte 17", counted from 0 with the
+  /// mark. Otherwise it reads as `NSData` does.
+  [[nodiscard]] static NSRef<NSString> stringWithContentsOfFile_usedEncoding_error(
+      const NSRef<NSString>& path, NSStringEncoding* used, NSRef<NSError>* error);
+  [[nodiscard]] static NSRef<NSString> stringWithContentsOfURL_usedEncoding_error(
+      const NSRef<NSURL>& url, NSStringEncoding* used, NSRef<NSError>* error);
+  /// Reads a text file in this encoding; its mark, if there, is no part of the text.
+  [[nodiscard]] static NSRef<NSString> stringWithContentsOfFile_encoding_error(
+      const NSRef<NSString>& path, NSStringEncoding encoding, NSRef<NSError>* error);
+  [[nodiscard]] static NSRef<NSString> stringWithContentsOfURL_encoding_error(
+      const NSRef<NSURL>& url, NSStringEncoding encoding, NSRef<NSError>* error);
+  /// Reads the text of a file that is in memory, as `stringWithContentsOfFile_usedEncoding_error`.
+  [[nodiscard]] static NSRef<NSString> stringWithData_usedEncoding_error(const NSRef<NSData>& data,
+                                                                         NSStringEncoding* used,
+                                                                         NSRef<NSError>* error);
+
+  /// Writes the text to a file, as `NSEncodedText` gives the bytes and `NSData` writes them: always
+  /// atomically. A text with half of a surrogate pair, which no file keeps, is
+  /// `NSFileWriteInapplicableStringEncodingError`.
+  bool writeToFile_atomically_encoding_error(const NSRef<NSString>& path, bool atomically,
+                                             NSStringEncoding encoding,
+                                             NSRef<NSError>* error) const;
+  bool writeToURL_atomically_encoding_error(const NSRef<NSURL>& url, bool atomically,
+                                            NSStringEncoding encoding, NSRef<NSError>* error) const;
 
   /// Allocates a block: a string with room behind it is larger than its class.
   static void* operator new(std::size_t size) { return ::operator new(size); }

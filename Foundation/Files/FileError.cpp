@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 
+#include <Foundation/Files/FilePaths.h>
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSString.h>
 
@@ -34,6 +35,12 @@ NSCocoaErrorCode codeOf(int number, NSFileUse use) {
   return use == NSFileUse::reading ? known.reading : known.writing;
 }
 
+[[noreturn]] void refusePath(const NSRef<NSString>& path, NSFileUse use) {
+  throw NSFileRefusal{
+      use == NSFileUse::reading ? NSFileReadInvalidFileNameError : NSFileWriteInvalidFileNameError,
+      path, "No file has this path"};
+}
+
 }  // namespace
 
 NSRef<NSError> NSErrorOf(const NSFileRefusal& refusal) {
@@ -61,6 +68,11 @@ std::filesystem::path NSPathOfFile(const NSRef<NSURL>& url, NSFileUse use) {
   }
   auto path = url->fileSystemPath();
   if (path.is_absolute() && path.native().find('\0') == std::string::npos) return path;
-  throw NSFileRefusal{isRead ? NSFileReadInvalidFileNameError : NSFileWriteInvalidFileNameError,
-                      url->absoluteString(), "No file has this path"};
+  refusePath(url->absoluteString(), use);
+}
+
+std::filesystem::path NSPathOfText(const NSRef<NSString>& text, NSFileUse use) {
+  std::filesystem::path path = NSBytesOfPath(text->view());
+  if (path.empty()) refusePath(text, use);
+  return path;
 }

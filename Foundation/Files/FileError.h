@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <utility>
 
 #include <Foundation/NSError.h>
@@ -17,11 +18,13 @@ enum class NSFileUse { reading, writing };
 struct NSFileRefusal {
   NSCocoaErrorCode code;
   NSRef<NSString> path;
-  const char* reason;
+  std::string reason;
 };
 
 /// Gives the path of a file URL. Throws for a URL that names no file.
 [[nodiscard]] std::filesystem::path NSPathOfFile(const NSRef<NSURL>& url, NSFileUse use);
+/// Gives the path that a text is. Throws for a text that is none.
+[[nodiscard]] std::filesystem::path NSPathOfText(const NSRef<NSString>& text, NSFileUse use);
 
 /// Makes errors of `NSCocoaErrorDomain`, with the path and, from the system, the `errno`.
 [[nodiscard]] NSRef<NSError> NSErrorOf(const NSFileRefusal& refusal);
@@ -29,8 +32,10 @@ struct NSFileRefusal {
                                        NSFileUse use);
 
 /// Gives what the operation gives. When it fails, nil or false, with the error in a given place.
+/// The use may change meanwhile.
 template <class F>
-auto NSReportFailure(NSRef<NSError>* place, NSFileUse use, F operation) -> decltype(operation()) {
+auto NSReportFailure(NSRef<NSError>* place, const NSFileUse& use, F operation)
+    -> decltype(operation()) {
   NSRef<NSError> error;
   try {
     return operation();

@@ -1,9 +1,6 @@
 #include "Foundation/Files/FileWrapperReading.h"
 
-#include <new>
-#include <stdexcept>
 #include <tuple>
-#include <utility>
 
 #include <fcntl.h>
 
@@ -28,30 +25,11 @@ NSRef<NSDictionary> permissionsOf(mode_t mode) {
   return NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(mode & 0777U)}});
 }
 
-// A file may grow while it is read.
-NSRef<NSData> readFile(const fs::path& path) {
-  const NSFileDescriptor file(path, O_RDONLY | O_NONBLOCK);
-  struct stat status {};
-  if (fstat(file.number(), &status) != 0) NSFailWithPath(path);
-  // One byte more shows the end without another reading. Files of the system's own tell no size.
-  constexpr std::size_t unknownSize = 4096;
-  const auto size = static_cast<std::size_t>(status.st_size);
-  std::vector<std::byte> bytes(size == 0 ? unknownSize : size + 1);
-  std::size_t length = 0;
-  while (const std::size_t count = file.read(std::span(bytes).subspan(length))) {
-    length += count;
-    if (length == bytes.size()) bytes.resize(bytes.size() * 2);
-  }
-  bytes.resize(length);
-  if (length < bytes.capacity() / 2) bytes.shrink_to_fit();
-  return NSMake<NSData>(std::move(bytes));
-}
-
 NSRef<NSFileWrapper> readTree(const fs::path& path) {
   const struct stat status = NSStatusOf(path);
   NSRef<NSFileWrapper> wrapper;
   if (S_ISREG(status.st_mode)) {
-    wrapper = NSMake<NSFileWrapper>(readFile(path));
+    wrapper = NSMake<NSFileWrapper>(NSDataOfFile(path, O_NOFOLLOW));
   } else if (S_ISDIR(status.st_mode)) {
     const auto children = NSMake<NSMutableDictionary>();
     for (const fs::path& child : NSPathsIn(path)) {
@@ -93,11 +71,5 @@ NSRef<NSFileWrapper> readDocument(const fs::path& place) {
 }  // namespace
 
 NSRef<NSFileWrapper> NSReadFileTree(const fs::path& path) {
-  try {
-    return readDocument(NSPlaceOf(path));
-  } catch (const std::bad_alloc&) {
-    NSFailWithPath(path, ENOMEM);
-  } catch (const std::length_error&) {
-    NSFailWithPath(path, EFBIG);
-  }
+  return NSWithinMemory(path, [&] { return readDocument(NSPlaceOf(path)); });
 }

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <Foundation/Files/FileError.h>
-#include <Foundation/Files/FilePaths.h>
 #include <Foundation/Files/Posix.h>
 #include <Foundation/Files/StandardDirectories.h>
 #include <Foundation/NSData.h>
@@ -131,11 +130,7 @@ bool NSFileManager::createDirectoryAtURL_withIntermediateDirectories_attributes_
     NSRaiseNilArgument("url", "createDirectoryAtURL:withIntermediateDirectories:attributes:error:");
   }
   return NSReportFailure(error, NSFileUse::writing, [&] {
-    fs::path path = NSPathOfFile(url, NSFileUse::writing);
-    while (path.has_parent_path() && path != "/" &&
-           (!path.has_filename() || path.filename() == ".")) {
-      path = path.parent_path();
-    }
+    const fs::path path = NSWithoutEnd(NSPathOfFile(url, NSFileUse::writing));
     const auto permissions = NSPermissionsIn(attributes);
     if (!permissions && attributes && attributes->objectForKey(NSFilePosixPermissions())) {
       NSFailWithPath(path, EINVAL);
@@ -172,11 +167,7 @@ NSRef<NSDictionary> NSFileManager::attributesOfItemAtPath_error(const NSRef<NSSt
                                                                 NSRef<NSError>* error) const {
   if (!path) NSRaiseNilArgument("path", "attributesOfItemAtPath:error:");
   return NSReportFailure(error, NSFileUse::reading, [&] {
-    const fs::path file = NSBytesOfPath(path->view());
-    if (file.empty()) {
-      throw NSFileRefusal{NSFileReadInvalidFileNameError, path, "No file has this path"};
-    }
-    const struct stat status = NSStatusOf(file);
+    const struct stat status = NSStatusOf(NSPathOfText(path, NSFileUse::reading));
     return NSMake<NSDictionary>(
         {{NSFileType(), typeOf(status.st_mode)},
          {NSFileSize(), NSMake<NSNumber>(status.st_size)},

@@ -16,7 +16,7 @@ void NSFailWithPath(const fs::path& path, int number) {
 }
 
 NSFileDescriptor::NSFileDescriptor(fs::path path, int flags, mode_t mode)
-    : _path(std::move(path)), _number(::open(_path.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, mode)) {
+    : _path(std::move(path)), _number(::open(_path.c_str(), flags | O_CLOEXEC, mode)) {
   if (_number < 0) NSFailWithPath(_path);
 }
 
@@ -47,6 +47,39 @@ void NSFileDescriptor::close() {
   if (::close(std::exchange(_number, -1)) != 0) NSFailWithPath(_path);
 }
 
+std::size_t NSReadFile(const fs::path& path, int flags,
+                       NSBlockRef<std::byte*(std::size_t)> roomFor) {
+  // What is no file must not keep the reader waiting.
+  const NSFileDescriptor file(path, O_RDONLY | O_NONBLOCK | flags);
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0) NSFailWithPath(path);
+  if (!S_ISREG(status.st_mode)) NSFailWithPath(path, S_ISDIR(status.st_mode) ? EISDIR : ENOTSUP);
+  // One byte more shows the end without another reading. Files of the system's own tell no size.
+  constexpr std::size_t unknownSize = 4096;
+  std::size_t size =
+      status.st_size == 0 ? unknownSize : static_cast<std::size_t>(status.st_size) + 1;
+  std::byte* bytes = roomFor(size);
+  std::size_t length = 0;
+  while (const std::size_t count = file.read({bytes + length, size - length})) {
+    length += count;
+    if (length < size) continue;
+    size *= 2;
+    bytes = roomFor(size);
+  }
+  return length;
+}
+
+NSRef<NSData> NSDataOfFile(const fs::path& path, int flags) {
+  std::vector<std::byte> bytes;
+  const std::size_t length = NSReadFile(path, flags, [&](std::size_t size) {
+    bytes.resize(size);
+    return bytes.data();
+  });
+  bytes.resize(length);
+  if (length < bytes.capacity() / 2) bytes.shrink_to_fit();
+  return NSMake<NSData>(std::move(bytes));
+}
+
 struct stat NSStatusOf(const fs::path& path) {
   struct stat status {};
   if (lstat(path.c_str(), &status) != 0) NSFailWithPath(path);
@@ -59,6 +92,14 @@ std::vector<fs::path> NSPathsIn(const fs::path& folder) {
     paths.push_back(entry.path());
   }
   return paths;
+}
+
+fs::path NSWithoutEnd(fs::path path) {
+  while (path.has_parent_path() && path != "/" &&
+         (!path.has_filename() || path.filename() == ".")) {
+    path = path.parent_path();
+  }
+  return path;
 }
 
 fs::path NSPlaceOf(const fs::path& path) {

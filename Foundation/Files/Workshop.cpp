@@ -1,0 +1,159 @@
+#include "Foundation/Files/Workshop.h"
+
+#include <array>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <Foundation/Files/Posix.h>
+#include <Foundation/NSLog.h>
+#include <Foundation/NSString.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr mode_t permissionBits = 0777;
+constexpr mode_t readAndWrite = 0666;
+
+}  // namespace
+
+NSWorkshop::NSWorkshop(const fs::path& place) : _place(place) {
+  std::string pattern = place.parent_path() / ".saving-XXXXXX";
+  if (mkdtemp(pattern.data()) == nullptr) NSFailWithPath(place);
+  _folder = pattern;
+}
+
+NSWorkshop::~NSWorkshop() {
+  if (!_isKept) clear();
+}
+
+void NSWorkshop::flush() const {
+  const NSFileDescriptor folder(_folder, O_RDONLY | O_DIRECTORY);
+  if (syncfs(folder.number()) != 0) NSFailWithPath(_folder);
+}
+
+// Takes folders out of folders before it removes them, so that neither long paths nor deep trees
+// stop it. Where another file system is mounted that does not work, and it must not go on.
+void NSWorkshop::clear() const noexcept try {
+  const dev_t device = NSStatusOf(_folder).st_dev;
+  std::size_t count = 0;
+  for (std::vector<fs::path> open = {_folder}; !open.empty();) {
+    const fs::path folder = open.back();
+    open.pop_back();
+    for (const fs::path& path : NSPathsIn(folder)) {
+      if (!fs::is_directory(fs::symlink_status(path))) {
+        fs::remove(path);
+        continue;
+      }
+      if (NSStatusOf(path).st_dev != device) NSFailWithPath(path, EBUSY);
+      fs::permissions(path, fs::perms::owner_all);
+      const fs::path outside = _folder / ("old" + std::to_string(++count));
+      fs::rename(path, outside);
+      open.push_back(outside);
+    }
+    if (folder != _folder) fs::remove(folder);
+  }
+  fs::remove(_folder);
+} catch (const std::exception& exception) {
+  NSLog(NSString::stringWithFormat(u"Cannot remove a temporary folder: %s"_ns, exception.what()));
+}
+
+// Where the file system cannot exchange: it can replace a file, but where a directory is concerned
+// nothing stands at the place for a moment.
+void NSWorkshop::installByHand() {
+  const fs::file_status status = fs::symlink_status(_place);
+  const bool isDirectory = fs::is_directory(piece()) || fs::is_directory(status);
+  if (!isDirectory || !fs::exists(status)) return fs::rename(piece(), _place);
+  fs::rename(_place, former());
+  try {
+    fs::rename(piece(), _place);
+  } catch (const fs::filesystem_error&) {
+    std::error_code error;
+    fs::rename(former(), _place, error);
+    if (error) _isKept = true;
+    throw;
+  }
+}
+
+void NSWorkshop::install() {
+  const fs::path piece = this->piece();
+  // Others may write to the place, too, so that it comes and goes.
+  constexpr int tries = 100;
+  constexpr std::array<std::pair<unsigned, int>, 2> ways = {
+      {{RENAME_EXCHANGE, ENOENT}, {RENAME_NOREPLACE, EEXIST}}};
+  for (int k = 0; k < tries; ++k) {
+    for (const auto& [flags, again] : ways) {
+      if (renameat2(AT_FDCWD, piece.c_str(), AT_FDCWD, _place.c_str(), flags) == 0) return;
+      if (errno == EINVAL || errno == ENOSYS) return installByHand();
+      if (errno != again) NSFailWithPath(_place);
+    }
+  }
+  NSFailWithPath(_place, EBUSY);
+}
+
+void NSWorkshop::installNew() const { NSMoveToFreePlace(piece(), _place); }
+
+void NSMoveToFreePlace(const fs::path& from, const fs::path& place) {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, place.c_str(), RENAME_NOREPLACE) == 0) return;
+  // Where the file system does not know the flag, somebody may be faster.
+  const bool knowsFlag = errno != EINVAL && errno != ENOSYS;
+  if (knowsFlag) NSFailWithPath(place);
+  if (fs::exists(fs::symlink_status(place))) NSFailWithPath(place, EEXIST);
+  if (rename(from.c_str(), place.c_str()) != 0) NSFailWithPath(place);
+}
+
+void NSFlushFolder(const fs::path& path) noexcept {
+  const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder < 0) return;
+  fsync(folder);
+  close(folder);
+}
+
+NSUnlocked::NSUnlocked(const fs::path& path, mode_t mode) : _path(path), _mode(mode) {
+  if (isLocked()) NSSetMode(path, mode | S_IWUSR);
+}
+
+NSUnlocked::~NSUnlocked() {
+  if (isLocked()) chmod(_path.c_str(), _mode & permissionBits);
+}
+
+bool NSUnlocked::isLocked() const { return S_ISDIR(_mode) && (_mode & S_IWUSR) == 0; }
+
+void NSSetMode(const fs::path& path, mode_t mode) {
+  if (chmod(path.c_str(), mode) != 0) NSFailWithPath(path);
+}
+
+void NSWriteFile(const fs::path& path, std::span<const std::byte> bytes) {
+  NSAtPlace(path, [&](const fs::path& place) {
+    struct stat former {};
+    const bool hasFormer = lstat(place.c_str(), &former) == 0;
+    if (hasFormer && !S_ISREG(former.st_mode)) {
+      NSFailWithPath(place, S_ISDIR(former.st_mode) ? EISDIR : ENOTSUP);
+    }
+    const NSWorkshop workshop(place);
+    NSFileDescriptor file(workshop.piece(), O_WRONLY | O_CREAT | O_EXCL, readAndWrite);
+    file.writeAll(bytes);
+    if (hasFormer && fchmod(file.number(), former.st_mode & permissionBits) != 0) {
+      NSFailWithPath(place);
+    }
+    if (fsync(file.number()) != 0) NSFailWithPath(place);
+    file.close();
+    // Unlike an exchange it refuses a directory that has come meanwhile.
+    fs::rename(workshop.piece(), place);
+    NSFlushFolder(place.parent_path());
+  });
+}
+
+void NSAtPlace(const fs::path& path, NSBlockRef<void(const fs::path&)> operation) {
+  try {
+    operation(NSPlaceOf(path));
+  } catch (const fs::filesystem_error& failure) {
+    NSFailWithPath(path, failure.code().value());
+  }
+}
