@@ -18,5 +18,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(std::ranges::equal(units, again.view(), [](char16_t before, char16_t after) {
     return before == after || (after == 0xFFFD && (before & 0xF800U) == 0xD800);
   }));
+
+  // A file's text, whole or damaged: what is read of it comes back with its encoding once it is
+  // written.
+  const std::string_view bytes = bytesOf(data, size);
+  const NSStringEncoding encoding = NSDetectEncoding(bytes);
+  NSUnitBuffer text;
+  require(NSAppendDecoded(bytes, encoding, text) <= size);
+  require(text.size() <= size);
+  const std::string written = NSEncodedText(text.view(), encoding);
+  NSUnitBuffer readAgain;
+  const bool isAmbiguous = text.view().starts_with(u'\0');
+  require(isAmbiguous || NSDetectEncoding(written) == encoding);
+  require(NSAppendDecoded(written, encoding, readAgain) == written.size());
+  require(readAgain.size() == text.size());
+  require(!NSIsWellFormed(text.view()) || readAgain.view() == text.view());
   return 0;
 }
