@@ -1,3 +1,5 @@
+#include "Foundation/NSFileManager.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -11,7 +13,6 @@
 #include <Foundation/Files/Posix.h>
 #include <Foundation/Files/Workshop.h>
 #include <Foundation/NSException.h>
-#include <Foundation/NSFileManager.h>
 
 namespace fs = std::filesystem;
 
@@ -29,7 +30,7 @@ fs::path itemAt(const NSRef<NSURL>& url, NSFileUse use) {
 
 // Whether the place is in the directory or in one below it.
 bool isWithin(const fs::path& place, const fs::path& directory) {
-  const fs::path inner = fs::canonical(place.parent_path());
+  const fs::path inner = fs::weakly_canonical(place.parent_path());
   const fs::path outer = fs::canonical(directory);
   return std::ranges::mismatch(outer, inner).in1 == outer.end();
 }

@@ -113,6 +113,7 @@ TEST(NSFileCopying, RefusesAndLeavesEverything) {
              {"file", "file", "516 File exists: file"},
              {"tree", "tree/locked/in", "512 Invalid argument: in"},
              {"file", "none/a", "4 No such file or directory: a"},
+             {"tree", "none/a", "4 No such file or directory: a"},
          }) {
       EXPECT_EQ(transfer(operation, folder / from, folder / to), expected) << from;
     }
