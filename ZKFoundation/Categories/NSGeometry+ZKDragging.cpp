@@ -1,0 +1,173 @@
+#include "ZKFoundation/Categories/NSGeometry+ZKDragging.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include <ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h>
+
+namespace {
+
+// Where a handle stands between the two edges of a direction.
+enum class Place { min, middle, max };
+
+struct Places {
+  Place x;
+  Place y;
+};
+
+constexpr std::array<Places, 9> placesOfHandles = {{
+    {Place::middle, Place::min},
+    {Place::min, Place::middle},
+    {Place::middle, Place::max},
+    {Place::max, Place::middle},
+    {Place::min, Place::min},
+    {Place::max, Place::min},
+    {Place::max, Place::max},
+    {Place::min, Place::max},
+    {Place::middle, Place::middle},
+}};
+
+NSUInteger handleAt(Places places) {
+  const auto found = std::ranges::find_if(placesOfHandles, [&](const Places& other) {
+    return other.x == places.x && other.y == places.y;
+  });
+  return static_cast<NSUInteger>(found - placesOfHandles.begin());
+}
+
+// One direction of a drag.
+class Direction {
+ public:
+  Direction(CGFloat origin, CGFloat size, Place place, CGFloat target, bool fixesCenter)
+      : _place(place), _start(std::abs(size)) {
+    const CGFloat middle = origin + size * 0.5;
+    const CGFloat dragged = place == Place::min ? origin : origin + size;
+    _isCentered = fixesCenter || place == Place::middle;
+    _anchor = _isCentered ? middle : place == Place::min ? origin + size : origin;
+    if (place == Place::middle) {
+      _length = _start;
+      return;
+    }
+    // What is dragged onto the anchor stays on its side.
+    const CGFloat side = target != _anchor ? target - _anchor : dragged - _anchor;
+    if (side != 0) _place = side < 0 ? Place::min : Place::max;
+    _target = target;
+    _length = std::abs(target - _anchor) * (_isCentered ? 2 : 1);
+  }
+
+  [[nodiscard]] Place place() const { return _place; }
+  [[nodiscard]] bool isDragged() const { return _place != Place::middle; }
+  [[nodiscard]] CGFloat start() const { return _start; }
+  [[nodiscard]] CGFloat length() const { return _length; }
+  void setLength(CGFloat length) {
+    if (length == _length) return;
+    _length = length;
+    _target = _anchor + (_place == Place::min ? -length : length) * (_isCentered ? 0.5 : 1);
+  }
+
+  [[nodiscard]] CGFloat min() const {
+    if (_isCentered) return _anchor - _length * 0.5;
+    return _place == Place::min ? _target : _anchor;
+  }
+
+ private:
+  Place _place;
+  CGFloat _start;
+  CGFloat _anchor = 0;
+  CGFloat _target = 0;
+  CGFloat _length = 0;
+  bool _isCentered = false;
+};
+
+void keepProportions(Direction& x, Direction& y) {
+  if (x.start() == 0 && y.start() == 0) {
+    const CGFloat length = std::max(x.length(), y.length());
+    x.setLength(length);
+    y.setLength(length);
+    return;
+  }
+  const auto factorOf = [](const Direction& direction) {
+    return direction.isDragged() && direction.start() != 0 ? direction.length() / direction.start()
+                                                           : 0;
+  };
+  const bool isMeasured = (x.isDragged() && x.start() != 0) || (y.isDragged() && y.start() != 0);
+  if (!isMeasured) return;
+  const CGFloat factor = std::max(factorOf(x), factorOf(y));
+  x.setLength(factor * x.start());
+  y.setLength(factor * y.start());
+}
+
+// Where a side of that size begins when an end or its middle lies on the nearest guide.
+CGFloat snapToGuides(CGFloat origin, CGFloat size, std::span<const CGFloat> guides,
+                     CGFloat tolerance) {
+  CGFloat result = origin;
+  CGFloat least = INFINITY;
+  for (const CGFloat guide : guides) {
+    for (const CGFloat part : {0.0, 0.5, 1.0}) {
+      const CGFloat candidate = guide - part * size;
+      const CGFloat distance = std::abs(candidate - origin);
+      if (!(distance <= tolerance && distance < least)) continue;
+      least = distance;
+      result = candidate;
+    }
+  }
+  return result;
+}
+
+CGFloat nearestMultiple(CGFloat coordinate, CGFloat spacing, CGFloat origin) {
+  if (!(spacing > 0)) return coordinate;
+  return origin + std::floor((coordinate - origin) / spacing + 0.5) * spacing;
+}
+
+ZKSnappedPoint snapped(NSPoint from, NSPoint to) {
+  return {to, std::hypot(to.x - from.x, to.y - from.y)};
+}
+
+}  // namespace
+
+ZKDraggedRect ZKDragHandle(NSRect rect, NSUInteger handle, NSPoint p, ZKDragOptions options) {
+  if (handle >= placesOfHandles.size()) return {rect, handle};
+  if (handle == ZKHandleCenter) return {ZKCenterOnPoint(ZKNormalizedRect(rect), p), handle};
+  const Places places = placesOfHandles[handle];
+  Direction x(rect.origin.x, rect.size.width, places.x, p.x, options.fixesCenter);
+  Direction y(rect.origin.y, rect.size.height, places.y, p.y, options.fixesCenter);
+  if (options.keepsProportions) keepProportions(x, y);
+  return {{{x.min(), y.min()}, {x.length(), y.length()}}, handleAt({x.place(), y.place()})};
+}
+
+ZKSnappedPoint ZKSnapVectorToAngle(NSPoint vector, double angle) {
+  if (!(angle > 0) || !std::isfinite(angle)) return {vector, 0};
+  const double length = std::hypot(vector.x, vector.y);
+  const double turned = std::round(std::atan2(vector.y, vector.x) / angle) * angle;
+  // What rounding leaves of a right angle is no direction.
+  const auto clean = [](double value) { return std::abs(value) < 1e-15 ? 0 : value; };
+  return snapped(vector, length * NSPoint(clean(std::cos(turned)), clean(std::sin(turned))));
+}
+
+ZKSnappedPoint ZKSnapPointToGrid(NSPoint p, NSSize spacing, NSPoint origin) {
+  return snapped(p, {nearestMultiple(p.x, spacing.width, origin.x),
+                     nearestMultiple(p.y, spacing.height, origin.y)});
+}
+
+ZKSnappedPoint ZKSnapPointToGuides(NSPoint p, std::span<const CGFloat> vertical,
+                                   std::span<const CGFloat> horizontal, CGFloat tolerance) {
+  return ZKSnapRectToGuides({p, NSZeroSize}, vertical, horizontal, tolerance);
+}
+
+ZKSnappedPoint ZKSnapRectToGuides(NSRect rect, std::span<const CGFloat> vertical,
+                                  std::span<const CGFloat> horizontal, CGFloat tolerance) {
+  const auto& [origin, size] = rect;
+  return snapped(origin, {snapToGuides(origin.x, size.width, vertical, tolerance),
+                          snapToGuides(origin.y, size.height, horizontal, tolerance)});
+}
+
+NSRect ZKRectAroundPoints(std::span<const NSPoint> points) {
+  if (points.empty()) return NSZeroRect;
+  NSPoint min = points.front();
+  NSPoint max = min;
+  for (const NSPoint p : points) {
+    min = {std::min(min.x, p.x), std::min(min.y, p.y)};
+    max = {std::max(max.x, p.x), std::max(max.y, p.y)};
+  }
+  return ZKMakeRectFromTwoPoints(min, max);
+}
