@@ -171,16 +171,16 @@ void addIndexSets() {
       [](const auto& part) { return part.size() == count / 2; });
 }
 
+// The words of each kind lie together, as in a program that has no other kind.
 struct Words {
   explicit Words(std::size_t count, const char* prefix = "chapter ") {
     for (std::size_t k = 0; k < count; ++k) {
-      const auto word = NSMake<NSString>(prefix + std::to_string(k));
-      ns.emplace_back(word);
-      plain.emplace_back(word->view());
-#ifdef ZK_HAS_QT
-      qt.push_back(QString::fromStdU16String(plain.back()));
-#endif
+      ns.emplace_back(NSMake<NSString>(prefix + std::to_string(k)));
     }
+    for (const auto& word : ns) plain.emplace_back(static_cast<NSString*>(word.get())->view());
+#ifdef ZK_HAS_QT
+    for (const auto& word : plain) qt.push_back(QString::fromStdU16String(word));
+#endif
   }
   std::vector<NSRef<NSObject>> ns;
   std::vector<std::u16string> plain;
