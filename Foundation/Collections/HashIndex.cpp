@@ -10,8 +10,8 @@ void NSHashIndex::reserve(std::size_t count) {
     throw std::length_error("NSHashIndex: more than 2^32 - 2 elements");
   }
   if (count > _hashes.capacity()) _hashes.reserve(std::max(count, count + _hashes.size() / 2));
-  // Seven eighths full at most, so that few groups are, and one is not.
-  const std::size_t wanted = count / (width - 1) + 1;
+  // Five eighths full at most, so that few groups are full, at which the processor guesses wrong.
+  const std::size_t wanted = count / 5 + 1;
   if (wanted <= _tags.size()) return;
   const std::size_t groups = std::bit_ceil(wanted);
   std::vector<std::uint32_t> positions(groups * width);
