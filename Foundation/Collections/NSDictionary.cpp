@@ -17,12 +17,15 @@ void NSDictionary::setEntry(const char* operation, const NSRef<NSObject>& anObje
                             const NSRef<NSObject>& aKey) {
   if (!anObject) NSRaiseNilArgument("anObject", operation);
   if (!aKey) NSRaiseNilArgument("aKey", operation);
-  if (_entries.replace(aKey, anObject)) return;
+  const NSUInteger hash = _entries.hashOf(aKey);
+  if (_entries.replace(aKey, hash, anObject)) return;
   const NSUInteger before = _entries.mutations().value();
   const auto key = aKey->copy();
+  const NSUInteger keyHash = key.is(aKey) ? hash : _entries.hashOf(key);
   // A key that enters itself while it is copied is there now.
-  const bool isNew = _entries.mutations().value() == before || !_entries.replace(key, anObject);
-  if (isNew) _entries.append(key, anObject);
+  const bool isNew =
+      _entries.mutations().value() == before || !_entries.replace(key, keyHash, anObject);
+  if (isNew) _entries.append(key, keyHash, anObject);
 }
 
 NSRef<NSArray> NSDictionary::allKeys() const { return NSMake<NSArray>(_entries.keys()); }

@@ -8,7 +8,8 @@
 void NSMapTable::setObject_forKey(const NSRef<NSObject>& anObject, const NSRef<NSObject>& aKey) {
   if (!anObject) NSRaiseNilArgument("anObject", "setObject:forKey:");
   if (!aKey) NSRaiseNilArgument("aKey", "setObject:forKey:");
-  if (!_entries.replace(aKey, anObject)) _entries.append(aKey, anObject);
+  const NSUInteger hash = _entries.hashOf(aKey);
+  if (!_entries.replace(aKey, hash, anObject)) _entries.append(aKey, hash, anObject);
 }
 
 NSRef<NSArray> NSMapTable::allKeys() const { return NSMake<NSArray>(_entries.keys()); }

@@ -7,16 +7,17 @@ NSRef<NSObject> NSObjectMap::find(const NSRef<NSObject>& key) const {
   return position == NSObjectSet::notFound ? nullptr : _objects[position];
 }
 
-bool NSObjectMap::replace(const NSRef<NSObject>& key, const NSRef<NSObject>& object) {
-  const std::size_t position = _keys.find(key);
+bool NSObjectMap::replace(const NSRef<NSObject>& key, NSUInteger hash,
+                          const NSRef<NSObject>& object) {
+  const std::size_t position = _keys.find(key, hash);
   if (position == NSObjectSet::notFound) return false;
   const auto former = _objects.replace(position, object);
   _keys.noteMutation();
   return true;
 }
 
-void NSObjectMap::append(const NSRef<NSObject>& key, const NSRef<NSObject>& object) {
-  const NSUInteger hash = _keys.hashOf(key);
+void NSObjectMap::append(const NSRef<NSObject>& key, NSUInteger hash,
+                         const NSRef<NSObject>& object) {
   _objects.reserve(size() + 1);
   _keys.appendNew(key, hash);
   _objects.append(object);

@@ -44,7 +44,11 @@ void NSObjectSet::insert(std::size_t position, const NSRef<NSObject>& object) {
 
 void NSObjectSet::insertNew(std::size_t position, NSRef<NSObject> object, NSUInteger hash) {
   _index.reserve(size() + 1);
-  _elements.insert(position, std::move(object));
+  if (position == size()) {
+    _elements.append(std::move(object));
+  } else {
+    _elements.insert(position, std::move(object));
+  }
   _index.insert(position, hash);
   ++_mutations;
 }

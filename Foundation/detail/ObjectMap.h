@@ -31,10 +31,12 @@ class NS_EXPORT NSObjectMap {
 
   /// Gives the key's object, or nil.
   [[nodiscard]] NSRef<NSObject> find(const NSRef<NSObject>& key) const;
-  /// Replaces the key's object, and tells whether there was one.
-  bool replace(const NSRef<NSObject>& key, const NSRef<NSObject>& object);
-  /// Adds an entry for a key that is known to have none.
-  void append(const NSRef<NSObject>& key, const NSRef<NSObject>& object);
+  /// Asks the key for its hash, which must not change the map.
+  [[nodiscard]] NSUInteger hashOf(const NSRef<NSObject>& key) const { return _keys.hashOf(key); }
+  /// Replaces the object of a key with this hash, and tells whether there was one.
+  bool replace(const NSRef<NSObject>& key, NSUInteger hash, const NSRef<NSObject>& object);
+  /// Adds an entry for a key with this hash that is known to have none.
+  void append(const NSRef<NSObject>& key, NSUInteger hash, const NSRef<NSObject>& object);
   void remove(const NSRef<NSObject>& key);
   void removeAll() noexcept;
 
