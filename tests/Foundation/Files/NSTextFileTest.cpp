@@ -51,7 +51,7 @@ TEST(NSTextFile, DetectsEncodingsAndNamesTheFirstBadByte) {
            {"\xEF\xBB\xBF"
             "ab\xC3(",
             "261 Not UTF-8 at byte 5"},
-           {block + "\xED\xA0\x80" + block + "\xFF", "261 Not UTF-8 at byte 1000"},
+           {block + "\xED\xA0\x80z\xFF", "261 Not UTF-8 at byte 1000"},
            {block + "\xE2\x82", "261 Not UTF-8 at byte 1000"},
            {"\xFF\xFE"s + "a\0\x3D\xD8z\0"s, "261 Not UTF-16LE at byte 4"},
            {"\xFF\xFE"s + "\0\xDE"s, "261 Not UTF-16LE at byte 2"},
