@@ -24,6 +24,7 @@ class NSDelayedPerform final
     _others->remove(*this);
     NSCallOrTerminate([this] { _selector.perform(_target, _argument); });
   }
+  void prefetch() const noexcept override { __builtin_prefetch(_argument.get()); }
   [[nodiscard]] std::string purpose() const override {
     std::string text(_selector.name());
     text += " of " + _target->objectClass().name()->utf8();

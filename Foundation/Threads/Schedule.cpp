@@ -60,7 +60,19 @@ bool NSSchedule::isEmpty() noexcept {
 NSRef<NSScheduledEvent> NSSchedule::takeFirst() {
   auto event = pop();
   event->_schedule = nullptr;
+  prefetch();
   return event;
+}
+
+// The order of the heap is not that of memory: the next ones come from there while this one
+// happens, first the events, then what they need.
+void NSSchedule::prefetch() const noexcept {
+  if (_slots.empty()) return;
+  _slots.front().event.get()->prefetch();
+  const std::size_t end = std::min(branches + 1, _slots.size());
+  for (std::size_t child = 1; child < end; ++child) {
+    __builtin_prefetch(_slots[child].event.get());
+  }
 }
 
 // Its event may have come back, here or elsewhere, with another turn.

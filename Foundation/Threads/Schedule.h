@@ -15,6 +15,8 @@ class NSScheduledEvent : public NSObject {
   virtual void happen() noexcept = 0;
   /// Is called instead of `happen` when its run loop ends.
   virtual void drop() noexcept {}
+  /// Is called shortly before it may happen, to have what it needs fetched from memory.
+  virtual void prefetch() const noexcept {}
   /// Tells people what it is and for whom.
   [[nodiscard]] virtual std::string purpose() const = 0;
 
@@ -75,6 +77,7 @@ class NSSchedule {
   void rise(std::size_t place, Slot slot) noexcept;
   void sink(std::size_t place, Slot slot) noexcept;
   NSRef<NSScheduledEvent> pop() noexcept;
+  void prefetch() const noexcept;
   void vacate() noexcept;
 
   // A heap of four branches, which needs half the levels of one of two. The slots of events that
