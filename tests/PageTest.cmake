@@ -1,7 +1,7 @@
 # The pages show programs that are compiled and run, as they are.
 foreach(pair README.md:title docs/collections.md:collections docs/object-graphs.md:graph docs/formatters.md:formatters
         docs/documents.md:documents docs/files.md:files docs/threads.md:threads docs/threads.md:lifetimes docs/threads.md:waiting
-        docs/threads.md:hosts/epoll docs/threads.md:hosts/glib docs/oddities.md:oddities)
+        docs/threads.md:hosts/epoll docs/threads.md:hosts/glib docs/editor.md:editor docs/oddities.md:oddities)
   string(REPLACE ":" ";" pair ${pair})
   list(GET pair 0 page)
   list(GET pair 1 example)

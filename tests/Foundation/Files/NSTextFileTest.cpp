@@ -91,24 +91,31 @@ TEST(NSTextFile, ReadsInAGivenEncoding) {
 
 TEST(NSTextFile, KeepsTextAndEncoding) {
   const TestFolder folder;
-  expectProperty("reading gives what was written", [&] {
+  expectProperty("reading gives what was written", [] {
     auto units = *rc::gen::oneOf(textOver(u"ab\uFEFF\uFFFE\uD7FF\uE000"),
                                  rc::gen::arbitrary<std::u16string>());
     // A text that begins with U+0000 looks like UTF-32.
     if (units.starts_with(u'\0')) units[0] = u'0';
     const auto encoding = *rc::gen::elementOf(encodings);
-    const auto error = write(NSMake<NSString>(units), folder / "text", encoding);
-    RC_ASSERT(error.empty() == NSIsWellFormed(units));
-    if (!error.empty()) return;
+    const auto bytes = NSEncodedText(units, encoding);
     NSStringEncoding used{};
-    const auto text = NSString::stringWithContentsOfFile_usedEncoding_error(path(folder / "text"),
-                                                                            &used, nullptr);
-    RC_ASSERT(text == units);
-    RC_ASSERT(used == encoding);
+    const auto text =
+        NSString::stringWithData_usedEncoding_error(NSMake<NSData>(bytes), &used, nullptr);
+    RC_ASSERT(!NSIsWellFormed(units) || text == units);
+    RC_ASSERT(text && used == encoding);
+  });
+  for (const auto encoding : encodings) {
+    const auto written = u"\uFEFFa\u00E9\u65E5\U0001F600\n"_ns;
+    EXPECT_EQ(write(written, folder / "text", encoding), "");
+    NSStringEncoding used{};
+    EXPECT_EQ(NSString::stringWithContentsOfFile_usedEncoding_error(path(folder / "text"), &used,
+                                                                    nullptr),
+              written);
+    EXPECT_EQ(used, encoding);
     const auto data =
         NSData::dataWithContentsOfFile_options_error(path(folder / "text"), 0, nullptr);
-    RC_ASSERT(data->view() == NSEncodedText(units, encoding));
-  });
+    EXPECT_EQ(data->view(), NSEncodedText(written->view(), encoding));
+  }
   std::u16string half(704, u'x');
   half[700] = half[702] = u'\xD83D';
   half[701] = u'\xDE00';
