@@ -6,10 +6,7 @@
 #include <Foundation/NSString.h>
 #include <Foundation/detail/OnceClosure.h>
 
-class NSDelayedPerform final
-    : public NSScheduledEvent,
-      public NSIntrusiveHashLink<NSDelayedPerform, NSDelayedPerforms::ByIdentity>,
-      public NSIntrusiveHashLink<NSDelayedPerform, NSDelayedPerforms::ByContents> {
+class NSDelayedPerform : public NSScheduledEvent, public NSIntrusiveHashLink<NSDelayedPerform> {
  public:
   NSDelayedPerform(NSDelayedPerforms& others, NSRef<NSObject> target, NSSelector selector,
                    NSRef<NSObject> argument)
@@ -18,10 +15,10 @@ class NSDelayedPerform final
         _selector(selector),
         _argument(std::move(argument)) {}
   NSDelayedPerform(const NSDelayedPerform&) = delete;
-  ~NSDelayedPerform() override { _others->remove(*this); }
+  ~NSDelayedPerform() override { _others->_byIdentity.remove(*this); }
 
   void happen() noexcept override {
-    _others->remove(*this);
+    leave();
     NSCallOrTerminate([this] { _selector.perform(_target, _argument); });
   }
   void prefetch() const noexcept override { __builtin_prefetch(_argument.get()); }
@@ -34,7 +31,7 @@ class NSDelayedPerform final
   /// The caller holds the request.
   void cancel() {
     unschedule();
-    _others->remove(*this);
+    leave();
     const auto target = std::move(_target);
     const auto argument = std::move(_argument);
   }
@@ -49,11 +46,32 @@ class NSDelayedPerform final
     return held == argument;
   }
 
+ protected:
+  [[nodiscard]] NSDelayedPerforms& others() const noexcept { return *_others; }
+  // Is not found any more.
+  virtual void leave() noexcept { _others->_byIdentity.remove(*this); }
+
  private:
   NSDelayedPerforms* const _others;
   NSRef<NSObject> _target;
   const NSSelector _selector;
   NSRef<NSObject> _argument;
+};
+
+// One whose argument may equal others. Blocks, for one, do not: their requests are many, and need
+// no second link.
+class NSEqualDelayedPerform final : public NSDelayedPerform,
+                                    public NSIntrusiveHashLink<NSEqualDelayedPerform> {
+ public:
+  using NSDelayedPerform::NSDelayedPerform;
+  NSEqualDelayedPerform(const NSEqualDelayedPerform&) = delete;
+  ~NSEqualDelayedPerform() override { others()._byContents.remove(*this); }
+
+ private:
+  void leave() noexcept override {
+    NSDelayedPerform::leave();
+    others()._byContents.remove(*this);
+  }
 };
 
 struct NSDelayedPerforms::Hashes {
@@ -79,16 +97,17 @@ NSDelayedPerforms::~NSDelayedPerforms() = default;
 NSRef<NSScheduledEvent> NSDelayedPerforms::make(NSRef<NSObject> target, NSSelector selector,
                                                 NSRef<NSObject> argument) {
   const Hashes hashes(target, selector, argument);
-  auto request = NSMake<NSDelayedPerform>(*this, std::move(target), selector, std::move(argument));
-  _byIdentity.add(*request, hashes.identity);
-  // Blocks, for one, are their own contents.
-  if (hashes.contents != hashes.identity) _byContents.add(*request, hashes.contents);
+  const auto add = [&](auto request) {
+    _byIdentity.add(*request, hashes.identity);
+    return request;
+  };
+  if (hashes.contents == hashes.identity) {
+    return add(NSMake<NSDelayedPerform>(*this, std::move(target), selector, std::move(argument)));
+  }
+  auto request =
+      add(NSMake<NSEqualDelayedPerform>(*this, std::move(target), selector, std::move(argument)));
+  _byContents.add(*request, hashes.contents);
   return request;
-}
-
-void NSDelayedPerforms::remove(NSDelayedPerform& request) noexcept {
-  _byIdentity.remove(request);
-  _byContents.remove(request);
 }
 
 NSUInteger NSDelayedPerforms::cancel(const NSRef<NSObject>& target, NSSelector selector,

@@ -7,6 +7,7 @@
 #include <Foundation/Threads/Schedule.h>
 
 class NSDelayedPerform;
+class NSEqualDelayedPerform;
 
 /// Finds the delayed requests of a run loop, for cancelling, as long as they have neither happened
 /// nor been cancelled. The run loop's schedule holds them.
@@ -24,18 +25,14 @@ class NSDelayedPerforms {
   NSUInteger cancel(const NSRef<NSObject>& target, NSSelector selector,
                     const NSRef<NSObject>& argument);
 
-  /// Tags of the two tables: by the argument itself, and by what it is equal to.
-  struct ByIdentity {};
-  struct ByContents {};
-
  private:
   friend class NSDelayedPerform;
+  friend class NSEqualDelayedPerform;
   struct Hashes;
 
-  void remove(NSDelayedPerform& request) noexcept;
-
-  NSIntrusiveHashTable<NSDelayedPerform, ByIdentity> _byIdentity;
-  NSIntrusiveHashTable<NSDelayedPerform, ByContents> _byContents;
+  // By the argument itself, and by what it is equal to.
+  NSIntrusiveHashTable<NSDelayedPerform> _byIdentity;
+  NSIntrusiveHashTable<NSEqualDelayedPerform> _byContents;
   // Room for those that may be cancelled.
   std::vector<NSRef<NSDelayedPerform>> _candidates;
 };
