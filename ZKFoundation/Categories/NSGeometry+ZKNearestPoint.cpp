@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
-#include <cstdint>
 
 #include <ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/ZKBernstein.h>
+#include <ZKFoundation/Categories/ZKUnitScale.h>
 
 namespace {
 
@@ -166,11 +165,7 @@ NSPoint ZKNearestPointOnCurveRefined(const NSPoint* points, double* t, NSPoint p
     if (!std::isfinite(v.x()) || !std::isfinite(v.y())) return ZKNearestPointOnCurve(points, t, p);
     size = std::max({size, std::abs(v.x()), std::abs(v.y())});
   }
-  // To about 1, so that neither squares nor products leave the range of doubles: by the inverse of
-  // the power of two in the size, up to 2^1000.
-  const auto exponent =
-      std::clamp<std::uint64_t>(std::bit_cast<std::uint64_t>(size) >> 52, 23, 2023);
-  const auto scale = std::bit_cast<double>((2046 - exponent) << 52);
+  const double scale = ZKUnitScale(size);
   for (ZKVector& v : curve) v = v * scale;
 
   const std::array<ZKVector, 3> derivative = {(curve[1] - curve[0]) * 3, (curve[2] - curve[1]) * 3,
