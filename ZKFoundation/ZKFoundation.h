@@ -12,6 +12,7 @@
 #include <ZKFoundation/Categories/NSError+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSFileManager+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSFileWrapper+ZKFoundationExtensions.h>
+#include <ZKFoundation/Categories/NSGeometry+ZKAffineTransform.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKDragging.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKRectangles.h>
