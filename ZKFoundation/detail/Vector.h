@@ -16,9 +16,21 @@ class ZKVector {
   friend ZKVector operator+(ZKVector a, ZKVector b) { return ZKVector(a._lanes + b._lanes); }
   friend ZKVector operator-(ZKVector a, ZKVector b) { return ZKVector(a._lanes - b._lanes); }
   friend ZKVector operator*(ZKVector a, double factor) { return ZKVector(a._lanes * factor); }
+  /// Gives the smaller of each coordinate.
+  [[nodiscard]] friend ZKVector min(ZKVector a, ZKVector b) {
+    return ZKVector(a._lanes < b._lanes ? a._lanes : b._lanes);
+  }
+  /// Gives the larger of each coordinate.
+  [[nodiscard]] friend ZKVector max(ZKVector a, ZKVector b) {
+    return ZKVector(a._lanes > b._lanes ? a._lanes : b._lanes);
+  }
   [[nodiscard]] friend double dot(ZKVector a, ZKVector b) {
     const Lanes products = a._lanes * b._lanes;
     return products[0] + products[1];
+  }
+  /// Gives the third coordinate of their cross product, above 0 when b is to the left of a.
+  [[nodiscard]] friend double cross(ZKVector a, ZKVector b) {
+    return a.x() * b.y() - a.y() * b.x();
   }
 
   using Bits = long long __attribute__((vector_size(16)));

@@ -1,16 +1,10 @@
-#include "tests/Support.h"
+#include "tests/ZKFoundation/CurveCases.h"
 
-#include <array>
-#include <cmath>
 #include <numbers>
-
-#include <ZKFoundation/ZKFoundation.h>
 
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-
-double distance(NSPoint a, NSPoint b) { return std::hypot(a.x - b.x, a.y - b.y); }
 
 TEST(NSAffineTransform, MovesScalesAndTurns) {
   EXPECT_EQ(ZKTransformPoint({3, 4}, ZKMakeTranslation(10, 20)), NSMakePoint(13, 24));
