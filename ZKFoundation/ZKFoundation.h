@@ -13,6 +13,7 @@
 #include <ZKFoundation/Categories/NSFileManager+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSFileWrapper+ZKFoundationExtensions.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKAffineTransform.h>
+#include <ZKFoundation/Categories/NSGeometry+ZKCrossings.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKCurves.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKDragging.h>
 #include <ZKFoundation/Categories/NSGeometry+ZKFoundationExtensions.h>

@@ -1,0 +1,166 @@
+#include "tests/ZKFoundation/CurveCases.h"
+
+#include <algorithm>
+#include <numbers>
+
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr Cubic parabola = {{{-1, 1}, {-1.0 / 3, -1.0 / 3}, {1.0 / 3, -1.0 / 3}, {1, 1}}};
+
+NSPoint anyPoint() {
+  return {static_cast<double>(*rc::gen::inRange(-10, 11)),
+          static_cast<double>(*rc::gen::inRange(-10, 11))};
+}
+
+double anyParameter() { return *rc::gen::inRange(0, 33) / 32.0; }
+
+auto valuesOf(const ZKCrossing& c) { return std::tuple(c.t, c.u, c.point); }
+
+bool hasPoint(const auto& crossings, NSPoint p, double tolerance) {
+  return std::ranges::any_of(
+      crossings, [=](const ZKCrossing& c) { return distance(c.point, p) <= tolerance; });
+}
+
+TEST(NSCrossing, IsWhereACurveAndALineMeet) {
+  const auto three =
+      ZKCrossingsWithLine(Cubic{{{0, -1}, {1, 5}, {2, -5}, {3, 1}}}.data(), {9, 0}, {8, 0});
+  ASSERT_EQ(three.size(), 3U);
+  EXPECT_NEAR(three[0].t, 0.5 - std::sqrt(3) / 4, 1e-15);
+  EXPECT_EQ(valuesOf(three[1]), std::tuple(0.5, 7.5, NSMakePoint(1.5, 0)));
+  // A touch.
+  const auto touch = ZKCrossingsWithLine(parabola.data(), {-5, 0}, {5, 0});
+  ASSERT_EQ(touch.size(), 1U);
+  EXPECT_NEAR(touch[0].t, 0.5, 1e-15);
+  EXPECT_TRUE(ZKCrossingsWithLine(parabola.data(), {2, 2}, {2, 2}).empty());
+  EXPECT_TRUE(ZKCrossingsWithLine(parabola.data(), {2, nan}, {0, 2}).empty());
+  expectProperty("at a point of both, which is found", [] {
+    const Cubic v = anyCubic();
+    const double t = anyParameter();
+    const NSPoint a = anyPoint(), planted = at(v, t);
+    RC_PRE(distance(a, planted) > 0.1);
+    const NSPoint b = ZKInterpolate(a, planted, *rc::gen::element(0.25, 1.0, 2.0));
+    const auto onLine = ZKCrossingsWithLine(v.data(), a, b);
+    const auto onSegment = ZKCrossingsWithSegment(v.data(), a, b);
+    for (const ZKCrossing& c : onLine) {
+      RC_ASSERT(distance(c.point, ZKInterpolate(a, b, c.u)) < 1e-12);
+      RC_ASSERT(distance(c.point, at(v, c.t)) < 1e-12);
+    }
+    RC_ASSERT(onLine.isOverlap() || hasPoint(onLine, planted, 1e-6));
+    const auto countWithin = [&](double slack) {
+      return std::ranges::count_if(
+          onLine, [=](const ZKCrossing& c) { return c.u >= -slack && c.u <= 1 + slack; });
+    };
+    if (!onLine.isOverlap()) {
+      RC_ASSERT(std::ssize(onSegment) >= countWithin(-1e-12));
+      RC_ASSERT(std::ssize(onSegment) <= countWithin(1e-12));
+    }
+    const auto large =
+        ZKCrossingsWithLine(scaled(v, 0x1p900).data(), scaled({{a, b, a, b}}, 0x1p900)[0],
+                            scaled({{a, b, a, b}}, 0x1p900)[1]);
+    RC_ASSERT(std::ranges::equal(large, onLine, {}, &ZKCrossing::t, &ZKCrossing::t));
+  });
+}
+
+TEST(NSCrossing, OfWhatLiesOnALineIsItsEnds) {
+  const Cubic straight = {{{0, 0}, {3, 3}, {6, 6}, {9, 9}}};
+  const auto onLine = ZKCrossingsWithLine(straight.data(), {1, 1}, {2, 2});
+  ASSERT_TRUE(onLine.isOverlap() && onLine.size() == 2);
+  EXPECT_EQ(valuesOf(onLine[0]), std::tuple(0.0, -1.0, NSMakePoint(0, 0)));
+  EXPECT_EQ(valuesOf(onLine[1]), std::tuple(1.0, 8.0, NSMakePoint(9, 9)));
+  const auto onSegment = ZKCrossingsWithSegment(straight.data(), {-3, -3}, {6, 6});
+  ASSERT_TRUE(onSegment.isOverlap() && onSegment.size() == 2);
+  EXPECT_EQ(onSegment[0].point, NSMakePoint(0, 0));
+  EXPECT_EQ(onSegment[1].point, NSMakePoint(6, 6));
+  const auto end = ZKCrossingsWithSegment(straight.data(), {9, 9}, {20, 20});
+  EXPECT_TRUE(!end.isOverlap() && end.size() == 1 && end[0].t == 1 && end[0].u == 0);
+  EXPECT_TRUE(ZKCrossingsWithSegment(straight.data(), {10, 10}, {20, 20}).empty());
+}
+
+// Whether two curves, as 300 chords each, cross only near places that were found.
+bool isComplete(const Cubic& a, const Cubic& b, const ZKCrossingList<9>& found) {
+  constexpr int count = 300;
+  std::array<NSPoint, count + 1> onA, onB;
+  for (int k = 0; k <= count; ++k) onA[std::size_t(k)] = at(a, k / double{count});
+  for (int k = 0; k <= count; ++k) onB[std::size_t(k)] = at(b, k / double{count});
+  for (std::size_t j = 0; j < count; ++j) {
+    for (std::size_t k = 0; k < count; ++k) {
+      const NSPoint p = ZKPointIntersection2(onA[j], onA[j + 1], onB[k], onB[k + 1]);
+      const bool isCrossing =
+          p != ZKNotFoundPoint &&
+          ZKPointIntersection2(onB[k], onB[k + 1], onA[j], onA[j + 1]) != ZKNotFoundPoint;
+      if (isCrossing && !hasPoint(found, p, 0.3)) return false;
+    }
+  }
+  return true;
+}
+
+TEST(NSCrossing, IsWhereTwoCurvesMeet) {
+  expectProperty("at a point of both, which is found, as are all others", [] {
+    const Cubic a = anyCubic();
+    Cubic b = anyCubic();
+    const double t = anyParameter(), u = anyParameter();
+    const NSPoint planted = at(a, t), offset = ZKDiffPoint(planted, at(b, u));
+    ZKTransformPoints(b.data(), 4, ZKMakeTranslation(offset.x, offset.y), b.data());
+    const auto found = ZKCrossingsOfCurves(a.data(), b.data());
+    for (const ZKCrossing& c : found) {
+      RC_ASSERT(distance(c.point, at(a, c.t)) < 1e-12);
+      RC_ASSERT(distance(c.point, at(b, c.u)) < (found.isOverlap() ? 1e-7 : 1e-12));
+    }
+    if (found.isOverlap()) return;
+    RC_ASSERT(hasPoint(found, planted, 1e-6));
+    RC_ASSERT(isComplete(a, b, found));
+    const auto large = ZKCrossingsOfCurves(scaled(a, 0x1p900).data(), scaled(b, 0x1p900).data());
+    RC_ASSERT(std::ranges::equal(large, found, {}, &ZKCrossing::t, &ZKCrossing::t));
+    RC_ASSERT(ZKCrossingsOfCurves(b.data(), a.data()).size() == found.size());
+  });
+  // y = T(x) and x = T(y) for Chebyshev's polynomial of degree 3.
+  const Cubic wave = {{{-1, -1}, {-1.0 / 3, 5}, {1.0 / 3, -5}, {1, 1}}};
+  const Cubic other = {{{-1, -1}, {5, -1.0 / 3}, {-5, 1.0 / 3}, {1, 1}}};
+  const auto nine = ZKCrossingsOfCurves(wave.data(), other.data());
+  EXPECT_EQ(nine.size(), 9U);
+  for (const int parts : {4, 5}) {
+    for (int k = 0; k <= parts; ++k) {
+      const double x = std::cos(k * std::numbers::pi / parts);
+      EXPECT_TRUE(hasPoint(nine, {x, 4 * x * x * x - 3 * x}, 1e-14)) << x;
+    }
+  }
+}
+
+TEST(NSCrossing, CountsTouchesOnceAndFollowsNoOverlap) {
+  Cubic hanging = parabola;
+  ZKTransformPoints(hanging.data(), 4, ZKMakeScaling(1, -1), hanging.data());
+  const auto touch = ZKCrossingsOfCurves(parabola.data(), hanging.data());
+  ASSERT_EQ(touch.size(), 1U);
+  EXPECT_NEAR(touch[0].t, 0.5, 1e-12);
+  EXPECT_LT(distance(touch[0].point, {0, 0}), 1e-12);
+
+  const Cubic curve = {{{0, 0}, {1, 7}, {5, -3}, {9, 2}}};
+  Cubic rest, start, end, middle;
+  ZKBezier(curve.data(), 3, 0.25, start.data(), rest.data());
+  ZKBezier(rest.data(), 3, 2.0 / 3, middle.data(), end.data());
+  const auto join = ZKCrossingsOfCurves(start.data(), rest.data());
+  EXPECT_TRUE(join.size() == 1 && join[0].t == 1 && join[0].u == 0 && !join.isOverlap());
+  EXPECT_TRUE(ZKCrossingsOfCurves(start.data(), end.data()).empty());
+  for (const auto& [part, low, high] :
+       {std::tuple(curve, 0.0, 1.0), {middle, 0.25, 0.75}, {end, 0.75, 1.0}}) {
+    const auto shared = ZKCrossingsOfCurves(curve.data(), part.data());
+    ASSERT_TRUE(shared.isOverlap() && shared.size() == 2) << low;
+    EXPECT_NEAR(shared[0].t, low, 1e-9);
+    EXPECT_NEAR(shared[1].t, high, 1e-9);
+    EXPECT_TRUE(shared[0].u == 0 && shared[1].u == 1);
+  }
+  // Beside each other, at a distance that doubles can tell.
+  Cubic beside = curve;
+  for (NSPoint& p : beside) p.y += 1e-7;
+  EXPECT_TRUE(ZKCrossingsOfCurves(curve.data(), beside.data()).empty());
+  const Cubic dot = {{at(curve, 0.3), at(curve, 0.3), at(curve, 0.3), at(curve, 0.3)}};
+  const auto onDot = ZKCrossingsOfCurves(curve.data(), dot.data());
+  ASSERT_EQ(onDot.size(), 1U);
+  EXPECT_NEAR(onDot[0].t, 0.3, 1e-12);
+  Cubic broken = curve;
+  broken[2].x = nan;
+  EXPECT_TRUE(ZKCrossingsOfCurves(curve.data(), broken.data()).empty());
+}
+
+}  // namespace
