@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <vector>
 
 #include <ZKFoundation/ZKFoundation.h>
 
@@ -66,6 +67,34 @@ Drawing nearestPoints() {
   return drawing;
 }
 
+// Bounds and few chords; crossings with a line; crossings with another curve.
+Drawing crossings() {
+  Drawing drawing({780, 240});
+  drawing.rect(ZKCurveBounds(arch.data()), {.stroke = givenColor, .dash = "3 2"});
+  drawing.cubic(arch, {.stroke = faintColor, .width = 4});
+  const std::vector<NSPoint> chords = ZKFlattenCurve(arch.data(), 2);
+  drawing.polygon(chords, {.stroke = resultColor});
+  for (const NSPoint point : chords) drawing.dot(point, resultColor);
+
+  const Cubic byLine = moved(loop, {260, 0});
+  const NSPoint a = {290, 90};
+  const NSPoint b = {500, 190};
+  drawing.cubic(byLine, {.stroke = givenColor, .width = 2});
+  drawing.line(a, b, {.stroke = otherColor, .width = 2});
+  for (const ZKCrossing& crossing : ZKCrossingsWithSegment(byLine.data(), a, b)) {
+    drawing.dot(crossing.point, resultColor, 4);
+  }
+
+  const Cubic first = {{{550, 40}, {617, 520}, {683, -280}, {750, 200}}};
+  const Cubic second = {{{550, 40}, {1150, 93}, {150, 147}, {750, 200}}};
+  drawing.cubic(first, {.stroke = givenColor, .width = 2});
+  drawing.cubic(second, {.stroke = otherColor, .width = 2});
+  for (const ZKCrossing& crossing : ZKCrossingsOfCurves(first.data(), second.data())) {
+    drawing.dot(crossing.point, resultColor, 4);
+  }
+  return drawing;
+}
+
 // The same drawing at several scales, seen from so far that it looks the same each time.
 Drawing scales() {
   Drawing drawing({1040, 260});
@@ -108,6 +137,10 @@ std::vector<Picture> picturesOfCurves() {
       {"tangents", "Tangent directions at thirteen parameters.", tangents().svg()},
       {"nearest", "The nearest points of an arch, a loop and a cusp from a grid of points.",
        nearestPoints().svg()},
+      {"crossings",
+       "The bounds of a cubic and the chords that are nowhere farther than 2 from it, and where "
+       "cubics cross a line and each other.",
+       crossings().svg()},
       {"scales",
        "The nearest points of one curve at four scales: blue by ZKNearestPointOnCurveRefined, "
        "orange by ZKNearestPointOnCurve, which stops too early in very small and in large "
