@@ -86,12 +86,13 @@ void keepProportions(Direction& x, Direction& y) {
     y.setLength(length);
     return;
   }
-  const auto factorOf = [](const Direction& direction) {
-    return direction.isDragged() && direction.start() != 0 ? direction.length() / direction.start()
-                                                           : 0;
+  const auto isMeasure = [](const Direction& direction) {
+    return direction.isDragged() && direction.start() != 0;
   };
-  const bool isMeasured = (x.isDragged() && x.start() != 0) || (y.isDragged() && y.start() != 0);
-  if (!isMeasured) return;
+  if (!isMeasure(x) && !isMeasure(y)) return;
+  const auto factorOf = [&](const Direction& direction) {
+    return isMeasure(direction) ? direction.length() / direction.start() : 0;
+  };
   const CGFloat factor = std::max(factorOf(x), factorOf(y));
   x.setLength(factor * x.start());
   y.setLength(factor * y.start());

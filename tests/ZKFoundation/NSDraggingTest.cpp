@@ -166,6 +166,8 @@ TEST(ZKDragHandle, HasAnAnswerForDegenerateRectangles) {
             (ZKDraggedRect{{{-5, 0}, {5, 5}}, 7}));
   EXPECT_EQ(ZKDragHandle({{0, 0}, {4, 0}}, 6, {8, 5}, {.keepsProportions = true}),
             (ZKDraggedRect{{{0, 0}, {8, 0}}, 6}));
+  EXPECT_EQ(ZKDragHandle({{0, 0}, {0, 4}}, 3, {2, 9}, {.keepsProportions = true}),
+            (ZKDraggedRect{{{0, 0}, {2, 4}}, 3}));
 }
 
 TEST(NSGeometry, SnapsToAnglesGridsAndGuides) {
