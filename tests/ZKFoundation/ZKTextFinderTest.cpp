@@ -121,7 +121,7 @@ TEST(ZKTextFinder, ReplacesByPatternsAndCarriesTheSelection) {
            {"(?<word>s)", "<${word}>", "mis[s]ing", "mi<s>[<s>]ing"},
            {"^", "> ", "one\ntw[o]", "> one\n> tw[o]"},
            {"o*", "-", "[]foob", "[]-f--b-"},
-           {"(a)|b", "($1)", "a[b]", "(a)[()]"},
+           {"(a)|b", "!$1!", "a[b]", "!a![!!]"},
            {"😀", "x", "😀[😀 ]", "x[x ]"},
            {"(a", "", "[a]", "a parenthesis has no partner (before unit 2)"},
            {"a", "$1", "[a]", "There is no group \"1\""},
