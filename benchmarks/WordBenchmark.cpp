@@ -6,6 +6,10 @@
 #include <unicode/brkiter.h>
 #include <unicode/casemap.h>
 
+#ifdef ZK_HAS_QT
+#include <QString>
+#endif
+
 #include <ZKFoundation/ZKFoundation.h>
 
 using namespace ZKFoundationExtensions;
@@ -64,11 +68,40 @@ void addTitles(const Language& language, const std::string& size, std::size_t le
       [=](const auto& result) { return result.size() >= expected; });
 }
 
+void addUpperCase(const Language& language, const std::string& size, std::size_t length) {
+  const std::u16string text = makeText(length, 90, language.rare, language.letters);
+  const std::string name = "UpperCase/" + std::string(language.name).append("_").append(size);
+  const auto string = NSMake<NSString>(text);
+  const auto expected = string->uppercaseString();
+  addRow(
+      name + "/ZK", [=] { return string->uppercaseString(); },
+      [=](const auto& result) { return result == expected; });
+  addRow(
+      name + "/ICU",
+      [=] {
+        UErrorCode error = U_ZERO_ERROR;
+        std::u16string result(text.size() + text.size() / 4 + 16, u'\0');
+        const auto count = icu::CaseMap::toUpper(
+            "", 0, text.data(), static_cast<std::int32_t>(text.size()), result.data(),
+            static_cast<std::int32_t>(result.size()), nullptr, error);
+        result.resize(static_cast<std::size_t>(count));
+        return result;
+      },
+      [=](const auto& result) { return expected == result; });
+#ifdef ZK_HAS_QT
+  addRow(
+      name + "/Qt", [text = QString::fromStdU16String(text)] { return text.toUpper(); },
+      [=](const QString& result) { return expected == result.toStdU16String(); });
+#endif
+}
+
 const bool registered = [] {
   addWords();
   for (const Language& language : languages) {
     addTitles(language, "line", lineLength);
     addTitles(language, "100Ki", std::size_t{100} * 1024);
+    addUpperCase(language, "line", lineLength);
+    addUpperCase(language, "100Ki", std::size_t{100} * 1024);
   }
   return true;
 }();

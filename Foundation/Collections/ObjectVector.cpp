@@ -34,14 +34,14 @@ NSRef<NSObjectVector::Block> NSObjectVector::makeBlock(std::size_t capacity) {
 NSObjectVector::NSObjectVector(std::span<const NSRef<NSObject>> objects) {
   if (objects.empty()) return;
   _block = makeBlock(objects.size());
-  std::ranges::uninitialized_copy(objects, std::span(_block->slots(), objects.size()));
+  std::ranges::uninitialized_copy(objects, std::span(_block->room(), objects.size()));
   _block->count = objects.size();
 }
 
 NSObjectVector::NSObjectVector(std::vector<NSRef<NSObject>>&& objects) {
   if (objects.empty()) return;
   _block = makeBlock(objects.size());
-  std::ranges::uninitialized_move(objects, std::span(_block->slots(), objects.size()));
+  std::ranges::uninitialized_move(objects, std::span(_block->room(), objects.size()));
   _block->count = objects.size();
 }
 
@@ -74,7 +74,7 @@ void NSObjectVector::reserve(std::size_t count) {
 }
 
 void NSObjectVector::shift(std::size_t from, std::size_t count, std::ptrdiff_t by) noexcept {
-  NSRef<NSObject>* const source = _block->slots() + from;
+  NSRef<NSObject>* const source = _block->room() + from;
   relocate(source + by, source, count);
 }
 

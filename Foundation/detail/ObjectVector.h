@@ -64,8 +64,8 @@ class NS_EXPORT NSObjectVector {
     ~Block() override;
     static void operator delete(void* memory) noexcept { ::operator delete(memory); }
 
-    NSRef<NSObject>* slots() noexcept { return reinterpret_cast<NSRef<NSObject>*>(this + 1); }
-    NSRef<NSObject>* begin() noexcept { return slots() + first; }
+    NSRef<NSObject>* room() noexcept { return reinterpret_cast<NSRef<NSObject>*>(this + 1); }
+    NSRef<NSObject>* begin() noexcept { return room() + first; }
 
     std::size_t first = 0;
     std::size_t count = 0;

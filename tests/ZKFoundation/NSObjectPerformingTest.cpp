@@ -228,7 +228,7 @@ TEST(NSObjectPerforming, HoldsTheReceiverUntilTheBlockHasRun) {
 
 TEST(NSObjectPerforming, DropsRequestsForWeakReceiversThatHaveDied) {
   const LoopThread thread;
-  const auto main = dispatch_get_main_queue();
+  const auto& main = dispatch_get_main_queue();
   const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
   const auto modes = NSMake<NSArray>({NSDefaultRunLoopMode()});
   const auto finish = [&] {
