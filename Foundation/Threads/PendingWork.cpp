@@ -28,6 +28,8 @@ std::string NSPendingWork::textOf(const NSRef<NSArray>& modes) {
 NSRef<NSArray> NSRunLoopCore::pendingWork() {
   NSPendingWork pending;
   collect();
+  // What has been taken from the inbox is still to be done.
+  signal();
   const Time time = now();
   _waiting.forEachWithModes([&](const Waiting& group, const NSRef<NSArray>& modes) {
     const auto where = NSPendingWork::textOf(modes);

@@ -290,6 +290,8 @@ TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
   EXPECT_EQ(passWhenTold(), std::nullopt);
   // From another thread, and from this one between the passes.
   std::jthread([&] { diary->noteOn(NSThread::mainThread(), 1, false); }).join();
+  // Who asks what waits does not answer for the host.
+  EXPECT_EQ(loop->pendingWork()->count(), 1U);
   EXPECT_EQ(passWhenTold(), std::nullopt);
   diary->noteLater(2, 5ms);
   EXPECT_EQ(passWhenTold(), 5ms);
