@@ -1,0 +1,75 @@
+#include "examples/sketchbook/model/Pictures.h"
+
+#include "examples/sketchbook/model/Shape.h"
+
+#include <vector>
+
+using namespace ZKFoundationExtensions;
+
+namespace sketchbook {
+
+namespace {
+
+// Calls the function with each shape; whether it came to the end.
+template <class F>
+bool forEachShape(const NSRef<NSArray>& shapes, const Progress& progress, F function) {
+  const auto count = static_cast<double>(shapes->count());
+  double done = 0;
+  for (const auto& shape : shapes->each<Shape>()) {
+    if (progress && !progress(done++ / count)) return false;
+    function(*shape);
+  }
+  return true;
+}
+
+}  // namespace
+
+NSRect pictureArea(const NSRef<NSArray>& shapes) {
+  std::vector<NSPoint> corners;
+  for (const auto& shape : shapes->each<Shape>()) {
+    corners.push_back(shape->frame.origin);
+    corners.emplace_back(NSMaxX(shape->frame), NSMaxY(shape->frame));
+  }
+  constexpr double margin = 20;
+  return NSIntegralRect(NSInsetRect(ZKRectAroundPoints(corners), -margin, -margin));
+}
+
+NSRef<NSString> svgPicture(const NSRef<NSArray>& shapes, const Progress& progress) {
+  const NSRect area = pictureArea(shapes);
+  const auto text = NSMake<NSMutableString>();
+  text->appendString(NSString::stringWithFormat(
+      u"<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"%@ %@ %@ %@\" width=\"%3$@\" height=\"%4$@\">\n"_ns,
+      NSMake<NSNumber>(area.origin.x), NSMake<NSNumber>(area.origin.y),
+      NSMake<NSNumber>(area.size.width), NSMake<NSNumber>(area.size.height)));
+  const bool isComplete = forEachShape(shapes, progress, [&](const Shape& shape) {
+    const bool isLink = isSafeToOpen(shape.link);
+    appendStrings(text, {u"<g><title>"_ns, svgText(shape.name), u"</title>"_ns});
+    if (isLink) {
+      appendStrings(text, {u"<a href=\""_ns, svgText(shape.link->absoluteString()), u"\">"_ns});
+    }
+    appendStrings(text, {shape.svgElement(), isLink ? u"</a>"_ns : u""_ns, u"</g>\n"_ns});
+  });
+  text->appendUnits(u"</svg>\n");
+  return isComplete ? text->copy() : nullptr;
+}
+
+NSRef<NSArray> wordsOfLabels(const NSRef<NSArray>& shapes, const Progress& progress) {
+  const auto words = NSMake<NSMutableSet>();
+  const auto letters = NSCharacterSet::alphanumericCharacterSet();
+  const bool isComplete = forEachShape(shapes, progress, [&](const Shape& shape) {
+    const auto text = shape.text();
+    NSUInteger index = 0;
+    while (text && index < text->length()) {
+      const auto start =
+          text->rangeOfCharacterFromSet_options_range(letters, 0, {index, text->length() - index});
+      if (start.length == 0) break;
+      const NSRange word = rangeOfWordContainingCharacter(text, start.location);
+      words->addObject(text->substringWithRange(word)->localizedLowercaseString());
+      index = word.location + word.length;
+    }
+  });
+  if (!isComplete) return nullptr;
+  return sortedArrayUsingSelector(words->allObjects(), &NSString::compare);
+}
+
+}  // namespace sketchbook
