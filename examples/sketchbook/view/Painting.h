@@ -1,0 +1,18 @@
+#pragma once
+
+#include "examples/sketchbook/model/Pictures.h"
+#include "examples/sketchbook/model/Shape.h"
+
+#include <QImage>
+#include <QPainter>
+
+namespace sketchbook {
+
+void paintShape(QPainter& painter, const Shape& shape);
+
+/// Draws the shapes on white, in twice their size for sharp screens, or smaller where that
+/// would be too large; a null image when the progress
+/// said to stop. From any thread.
+QImage pictureOfShapes(const NSRef<NSArray>& shapes, const Progress& progress = {});
+
+}  // namespace sketchbook
