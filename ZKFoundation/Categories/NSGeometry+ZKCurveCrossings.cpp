@@ -19,6 +19,8 @@ constexpr double gap = 0x1p-49;
 constexpr double meeting = 0x1p-47;
 // Crossings that are no farther from each other are the same.
 constexpr double likeness = 0x1p-22;
+// So far from a touch may flat curves still be too near to each other to tell.
+constexpr double contact = 0x1p-18;
 // So far apart may parameters of the same crossing be where a curve stands still.
 constexpr double standstill = 0x1p-12;
 
@@ -217,8 +219,7 @@ class CurveCrossings {
     u = std::clamp(u, 0.0, 1.0);
     const Motion onA = at(_first, t);
     const Motion onB = at(_second, u);
-    if (sizeOf(onA.point - a.v[0]) > likeness || sizeOf(onB.point - b.v[0]) > likeness)
-      return false;
+    if (sizeOf(onA.point - a.v[0]) > contact || sizeOf(onB.point - b.v[0]) > contact) return false;
     const bool isParallel =
         std::abs(cross(onA.first, onB.first)) <=
         0x1p-20 * std::sqrt(dot(onA.first, onA.first) * dot(onB.first, onB.first));
@@ -276,9 +277,28 @@ class CurveCrossings {
     }
   }
 
+  // Whether all control points lie on one line, of which both curves cover a stretch.
+  [[nodiscard]] bool areOnOneLine() const {
+    ZKVector way = _first[3] - _first[0];
+    const auto widen = [&](ZKVector v) {
+      if (dot(v - _first[0], v - _first[0]) > dot(way, way)) way = v - _first[0];
+    };
+    const auto isOff = [&](ZKVector v) {
+      return std::abs(cross(way, v - _first[0])) > nearness() * std::sqrt(dot(way, way));
+    };
+    std::ranges::for_each(_first, widen);
+    std::ranges::for_each(_second, widen);
+    if (std::ranges::any_of(_first, isOff) || std::ranges::any_of(_second, isOff)) return false;
+    const NSRect a = ZKCurveBounds(pointsOf(_first).data());
+    const NSRect b = ZKCurveBounds(pointsOf(_second).data());
+    return std::min(NSMaxX(a), NSMaxX(b)) - std::max(NSMinX(a), NSMinX(b)) > likeness ||
+           std::min(NSMaxY(a), NSMaxY(b)) - std::max(NSMinY(a), NSMinY(b)) > likeness;
+  }
+
   // Whether the stretch between ends that lie on the other curve does so too. More than nine points
   // of it tell: different curves have no more in common.
   [[nodiscard]] bool isOverlap() {
+    if (areOnOneLine()) return true;
     const auto known = _meetings;
     const auto knownCount = _count;
     findSharedEnds();
