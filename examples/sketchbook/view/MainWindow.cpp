@@ -66,6 +66,8 @@ void MainWindow::trigger(const NSRef<NSString>& item) {
 }
 
 void MainWindow::showError(QWidget* parent, const NSRef<NSError>& error) {
+  // For who has no screen.
+  NSLog(error->localizedDescription());
   // Nobody waits for it: the window goes on.
   auto* const box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Sketchbook"),
                                     toQt(error->localizedDescription()), QMessageBox::Ok, parent);
