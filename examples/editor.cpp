@@ -166,7 +166,8 @@ class Editor : public NSObject {
   void sum(Text /*none*/) {
     const auto formatter = NSMake<NSNumberFormatter>();
     double result = 0;
-    for (auto rest = _document->selected()->view(); !rest.empty();) {
+    const auto selected = _document->selected();
+    for (auto rest = selected->view(); !rest.empty();) {
       const auto number = formatter->takeNumber(rest);
       result += number.value_or(0);
       if (!number) rest.remove_prefix(1);

@@ -10,6 +10,11 @@ namespace {
 
 class SketchbookDocument : public testing::Test {
  protected:
+  SketchbookDocument() {
+    NSLocale::setCurrentLocale(NSLocale::localeWithLocaleIdentifier(u"en_GB"_ns));
+  }
+  ~SketchbookDocument() override { NSLocale::setCurrentLocale(nullptr); }
+
   static void draw(const NSRef<Document>& document, const char* text) {
     document->drawing()->add(
         u"Add"_ns,
