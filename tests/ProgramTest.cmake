@@ -1,12 +1,12 @@
-# A program must succeed, print what the expression matches, and what a page shows that is named. With a
-# session it runs in a copy of that directory and reads the file "commands" in it.
-set(session)
-if(SESSION)
+# A program must succeed, print what the expression matches, and what a page shows that is named. With an
+# input it runs in a copy of that directory and reads the file "commands" in it.
+set(input)
+if(INPUT)
   file(REMOVE_RECURSE ${SCRATCH})
-  file(COPY ${SESSION}/ DESTINATION ${SCRATCH})
-  set(session WORKING_DIRECTORY ${SCRATCH} INPUT_FILE commands)
+  file(COPY ${INPUT}/ DESTINATION ${SCRATCH})
+  set(input WORKING_DIRECTORY ${SCRATCH} INPUT_FILE commands)
 endif()
-execute_process(COMMAND ${COMMAND} ${session} OUTPUT_VARIABLE output RESULT_VARIABLE result)
+execute_process(COMMAND ${COMMAND} ${input} OUTPUT_VARIABLE output RESULT_VARIABLE result)
 if(NOT result EQUAL 0 OR NOT output MATCHES "${EXPECTED}")
   message(FATAL_ERROR "${COMMAND} ended with ${result} and printed\n${output}")
 endif()
