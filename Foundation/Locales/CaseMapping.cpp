@@ -88,6 +88,7 @@ void appendByTables(std::u16string_view text, Letters letters, NSUnitBuffer& res
 
 // Whether the cases of a letter depend on nothing but the letter, unless it is sigma.
 bool isWithoutHabits(const std::string& identifier) {
+  if (identifier.empty()) return true;
   constexpr std::array<std::string_view, 6> withHabits = {"az", "el", "hy", "hyw", "lt", "tr"};
   std::array<char, ULOC_LANG_CAPACITY> language{};
   UErrorCode ignored = U_ZERO_ERROR;
