@@ -89,7 +89,11 @@ bool isComplete(const Cubic& a, const Cubic& b, const ZKCrossingList<9>& found) 
       const bool isCrossing =
           p != ZKNotFoundPoint &&
           ZKPointIntersection2(onB[k], onB[k + 1], onA[j], onA[j + 1]) != ZKNotFoundPoint;
-      if (isCrossing && !hasPoint(found, p, 0.3)) return false;
+      // Chords that are almost parallel may cross where the curves pass by each other.
+      const NSPoint v = onA[j + 1] - onA[j], w = onB[k + 1] - onB[k];
+      const bool isSteep = std::abs(v.x * w.y - v.y * w.x) >
+                           0.1 * std::sqrt(ZKSquaredLength(v) * ZKSquaredLength(w));
+      if (isCrossing && isSteep && !hasPoint(found, p, 0.3)) return false;
     }
   }
   return true;
@@ -112,7 +116,10 @@ TEST(NSCrossing, IsWhereTwoCurvesMeet) {
     if (*rc::gen::inRange(0, 5) == 0) RC_ASSERT(isComplete(a, b, found));
     const auto large = ZKCrossingsOfCurves(scaled(a, 0x1p900).data(), scaled(b, 0x1p900).data());
     RC_ASSERT(std::ranges::equal(large, found, {}, &ZKCrossing::t, &ZKCrossing::t));
-    RC_ASSERT(ZKCrossingsOfCurves(b.data(), a.data()).size() == found.size());
+    const auto swapped = ZKCrossingsOfCurves(b.data(), a.data());
+    for (const ZKCrossing& c : found) {
+      RC_ASSERT(swapped.isOverlap() || hasPoint(swapped, c.point, 1e-5));
+    }
   });
   // y = T(x) and x = T(y) for Chebyshev's polynomial of degree 3.
   const Cubic wave = {{{-1, -1}, {-1.0 / 3, 5}, {1.0 / 3, -5}, {1, 1}}};
