@@ -71,7 +71,7 @@ std::filesystem::path NSPathOfFile(const NSRef<NSURL>& url, NSFileUse use) {
   refusePath(url->absoluteString(), use);
 }
 
-std::filesystem::path NSPathOfText(const NSRef<NSString>& text, NSFileUse use) {
+std::filesystem::path NSPathOfFile(const NSRef<NSString>& text, NSFileUse use) {
   std::filesystem::path path = NSBytesOfPath(text->view());
   if (path.empty()) refusePath(text, use);
   return path;

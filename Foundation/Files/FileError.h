@@ -21,10 +21,9 @@ struct NSFileRefusal {
   std::string reason;
 };
 
-/// Gives the path of a file URL. Throws for a URL that names no file.
+/// Gives the path that a file URL names, or that a text is. Throws for what names no file.
 [[nodiscard]] std::filesystem::path NSPathOfFile(const NSRef<NSURL>& url, NSFileUse use);
-/// Gives the path that a text is. Throws for a text that is none.
-[[nodiscard]] std::filesystem::path NSPathOfText(const NSRef<NSString>& text, NSFileUse use);
+[[nodiscard]] std::filesystem::path NSPathOfFile(const NSRef<NSString>& text, NSFileUse use);
 
 /// Makes errors of `NSCocoaErrorDomain`, with the path and, from the system, the `errno`.
 [[nodiscard]] NSRef<NSError> NSErrorOf(const NSFileRefusal& refusal);

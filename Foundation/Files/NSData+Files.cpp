@@ -10,8 +10,22 @@
 
 namespace {
 
-NSRef<NSData> read(const std::filesystem::path& path) {
-  return NSWithinMemory(path, [&] { return NSDataOfFile(path); });
+// Files are named by paths and by URLs.
+
+template <class Name>
+NSRef<NSData> read(const NSRef<Name>& file, NSRef<NSError>* error) {
+  return NSReportFailure(error, NSFileUse::reading, [&] {
+    const auto path = NSPathOfFile(file, NSFileUse::reading);
+    return NSWithinMemory(path, [&] { return NSDataOfFile(path); });
+  });
+}
+
+template <class Name>
+bool write(const NSData& data, const NSRef<Name>& file, NSRef<NSError>* error) {
+  return NSReportFailure(error, NSFileUse::writing, [&] {
+    NSWriteFile(NSPathOfFile(file, NSFileUse::writing), data.bytes());
+    return true;
+  });
 }
 
 }  // namespace
@@ -19,33 +33,25 @@ NSRef<NSData> read(const std::filesystem::path& path) {
 NSRef<NSData> NSData::dataWithContentsOfFile_options_error(const NSRef<NSString>& path,
                                                            NSUInteger /*options*/,
                                                            NSRef<NSError>* error) {
-  if (!path) NSRaiseNilArgument("path", "dataWithContentsOfFile:options:error:");
-  return NSReportFailure(error, NSFileUse::reading,
-                         [&] { return read(NSPathOfText(path, NSFileUse::reading)); });
+  NSCheckArgument("dataWithContentsOfFile:options:error:", "path", path);
+  return read(path, error);
 }
 
 NSRef<NSData> NSData::dataWithContentsOfURL_options_error(const NSRef<NSURL>& url,
                                                           NSUInteger /*options*/,
                                                           NSRef<NSError>* error) {
-  if (!url) NSRaiseNilArgument("url", "dataWithContentsOfURL:options:error:");
-  return NSReportFailure(error, NSFileUse::reading,
-                         [&] { return read(NSPathOfFile(url, NSFileUse::reading)); });
+  NSCheckArgument("dataWithContentsOfURL:options:error:", "url", url);
+  return read(url, error);
 }
 
 bool NSData::writeToFile_options_error(const NSRef<NSString>& path, NSUInteger /*options*/,
                                        NSRef<NSError>* error) const {
-  if (!path) NSRaiseNilArgument("path", "writeToFile:options:error:");
-  return NSReportFailure(error, NSFileUse::writing, [&] {
-    NSWriteFile(NSPathOfText(path, NSFileUse::writing), bytes());
-    return true;
-  });
+  NSCheckArgument("writeToFile:options:error:", "path", path);
+  return write(*this, path, error);
 }
 
 bool NSData::writeToURL_options_error(const NSRef<NSURL>& url, NSUInteger /*options*/,
                                       NSRef<NSError>* error) const {
-  if (!url) NSRaiseNilArgument("url", "writeToURL:options:error:");
-  return NSReportFailure(error, NSFileUse::writing, [&] {
-    NSWriteFile(NSPathOfFile(url, NSFileUse::writing), bytes());
-    return true;
-  });
+  NSCheckArgument("writeToURL:options:error:", "url", url);
+  return write(*this, url, error);
 }

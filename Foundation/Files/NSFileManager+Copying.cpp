@@ -138,6 +138,17 @@ class Transfer {
   struct stat _status {};
 };
 
+bool transfer(const NSRef<NSURL>& source, const NSRef<NSURL>& target, NSRef<NSError>* error,
+              const char* operation, void (Transfer::*way)()) {
+  NSCheckArgument(operation, "source", source);
+  NSCheckArgument(operation, "target", target);
+  Transfer items(source, target);
+  return NSReportFailure(error, items.use(), [&] {
+    (items.*way)();
+    return true;
+  });
+}
+
 NSRef<NSURL> urlOf(const fs::directory_entry& entry) {
   return NSURL::fileURLWithPath_isDirectory(entry.path(), fs::is_directory(entry.symlink_status()));
 }
@@ -165,25 +176,13 @@ NSRef<NSArray> NSFileManager::contentsOfDirectoryAtURL_includingPropertiesForKey
 bool NSFileManager::copyItemAtURL_toURL_error(const NSRef<NSURL>& source,
                                               const NSRef<NSURL>& target,
                                               NSRef<NSError>* error) const {
-  if (!source) NSRaiseNilArgument("source", "copyItemAtURL:toURL:error:");
-  if (!target) NSRaiseNilArgument("target", "copyItemAtURL:toURL:error:");
-  Transfer transfer(source, target);
-  return NSReportFailure(error, transfer.use(), [&] {
-    transfer.copy();
-    return true;
-  });
+  return transfer(source, target, error, "copyItemAtURL:toURL:error:", &Transfer::copy);
 }
 
 bool NSFileManager::moveItemAtURL_toURL_error(const NSRef<NSURL>& source,
                                               const NSRef<NSURL>& target,
                                               NSRef<NSError>* error) const {
-  if (!source) NSRaiseNilArgument("source", "moveItemAtURL:toURL:error:");
-  if (!target) NSRaiseNilArgument("target", "moveItemAtURL:toURL:error:");
-  Transfer transfer(source, target);
-  return NSReportFailure(error, transfer.use(), [&] {
-    transfer.move();
-    return true;
-  });
+  return transfer(source, target, error, "moveItemAtURL:toURL:error:", &Transfer::move);
 }
 
 bool NSFileManager::removeItemAtURL_error(const NSRef<NSURL>& url, NSRef<NSError>* error) const {

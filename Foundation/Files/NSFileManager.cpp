@@ -167,7 +167,7 @@ NSRef<NSDictionary> NSFileManager::attributesOfItemAtPath_error(const NSRef<NSSt
                                                                 NSRef<NSError>* error) const {
   if (!path) NSRaiseNilArgument("path", "attributesOfItemAtPath:error:");
   return NSReportFailure(error, NSFileUse::reading, [&] {
-    const struct stat status = NSStatusOf(NSPathOfText(path, NSFileUse::reading));
+    const struct stat status = NSStatusOf(NSPathOfFile(path, NSFileUse::reading));
     return NSMake<NSDictionary>(
         {{NSFileType(), typeOf(status.st_mode)},
          {NSFileSize(), NSMake<NSNumber>(status.st_size)},

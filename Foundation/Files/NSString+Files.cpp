@@ -40,7 +40,8 @@ NSRef<NSString> stringOf(std::string_view bytes, const NSStringEncoding* known,
   return string;
 }
 
-NSRef<NSString> read(const fs::path& path, const NSStringEncoding* known, NSStringEncoding* used) {
+NSRef<NSString> readFile(const fs::path& path, const NSStringEncoding* known,
+                         NSStringEncoding* used) {
   return NSWithinMemory(path, [&] {
     // Unlike a vector it does not fill memory that is about to be written.
     NSUnitBuffer memory;
@@ -53,21 +54,7 @@ NSRef<NSString> read(const fs::path& path, const NSStringEncoding* known, NSStri
   });
 }
 
-NSRef<NSString> readFile(const NSRef<NSString>& path, const NSStringEncoding* known,
-                         NSStringEncoding* used, NSRef<NSError>* error, const char* operation) {
-  if (!path) NSRaiseNilArgument("path", operation);
-  return NSReportFailure(error, NSFileUse::reading,
-                         [&] { return read(NSPathOfText(path, NSFileUse::reading), known, used); });
-}
-
-NSRef<NSString> readURL(const NSRef<NSURL>& url, const NSStringEncoding* known,
-                        NSStringEncoding* used, NSRef<NSError>* error, const char* operation) {
-  if (!url) NSRaiseNilArgument("url", operation);
-  return NSReportFailure(error, NSFileUse::reading,
-                         [&] { return read(NSPathOfFile(url, NSFileUse::reading), known, used); });
-}
-
-void write(const fs::path& path, std::u16string_view text, NSStringEncoding encoding) {
+void writeFile(const fs::path& path, std::u16string_view text, NSStringEncoding encoding) {
   const std::size_t fault = NSCountWellFormedUnits(text);
   if (fault != text.size()) {
     throw NSFileRefusal{NSFileWriteInapplicableStringEncodingError, NSMake<NSString>(path.native()),
@@ -77,30 +64,53 @@ void write(const fs::path& path, std::u16string_view text, NSStringEncoding enco
   NSWriteFile(path, std::as_bytes(std::span(bytes)));
 }
 
+// Files are named by paths and by URLs.
+
+template <class Name>
+NSRef<NSString> read(const NSRef<Name>& file, const NSStringEncoding* known, NSStringEncoding* used,
+                     NSRef<NSError>* error) {
+  return NSReportFailure(error, NSFileUse::reading, [&] {
+    return readFile(NSPathOfFile(file, NSFileUse::reading), known, used);
+  });
+}
+
+template <class Name>
+bool write(const NSString& text, const NSRef<Name>& file, NSStringEncoding encoding,
+           NSRef<NSError>* error) {
+  return NSReportFailure(error, NSFileUse::writing, [&] {
+    writeFile(NSPathOfFile(file, NSFileUse::writing), text.view(), encoding);
+    return true;
+  });
+}
+
 }  // namespace
 
 NSRef<NSString> NSString::stringWithContentsOfFile_usedEncoding_error(const NSRef<NSString>& path,
                                                                       NSStringEncoding* used,
                                                                       NSRef<NSError>* error) {
-  return readFile(path, nullptr, used, error, "stringWithContentsOfFile:usedEncoding:error:");
+  NSCheckArgument("stringWithContentsOfFile:usedEncoding:error:", "path", path);
+  return read(path, nullptr, used, error);
 }
 
 NSRef<NSString> NSString::stringWithContentsOfURL_usedEncoding_error(const NSRef<NSURL>& url,
                                                                      NSStringEncoding* used,
                                                                      NSRef<NSError>* error) {
-  return readURL(url, nullptr, used, error, "stringWithContentsOfURL:usedEncoding:error:");
+  NSCheckArgument("stringWithContentsOfURL:usedEncoding:error:", "url", url);
+  return read(url, nullptr, used, error);
 }
 
 NSRef<NSString> NSString::stringWithContentsOfFile_encoding_error(const NSRef<NSString>& path,
                                                                   NSStringEncoding encoding,
                                                                   NSRef<NSError>* error) {
-  return readFile(path, &encoding, nullptr, error, "stringWithContentsOfFile:encoding:error:");
+  NSCheckArgument("stringWithContentsOfFile:encoding:error:", "path", path);
+  return read(path, &encoding, nullptr, error);
 }
 
 NSRef<NSString> NSString::stringWithContentsOfURL_encoding_error(const NSRef<NSURL>& url,
                                                                  NSStringEncoding encoding,
                                                                  NSRef<NSError>* error) {
-  return readURL(url, &encoding, nullptr, error, "stringWithContentsOfURL:encoding:error:");
+  NSCheckArgument("stringWithContentsOfURL:encoding:error:", "url", url);
+  return read(url, &encoding, nullptr, error);
 }
 
 NSRef<NSString> NSString::stringWithData_usedEncoding_error(const NSRef<NSData>& data,
@@ -114,19 +124,13 @@ NSRef<NSString> NSString::stringWithData_usedEncoding_error(const NSRef<NSData>&
 bool NSString::writeToFile_atomically_encoding_error(const NSRef<NSString>& path,
                                                      bool /*atomically*/, NSStringEncoding encoding,
                                                      NSRef<NSError>* error) const {
-  if (!path) NSRaiseNilArgument("path", "writeToFile:atomically:encoding:error:");
-  return NSReportFailure(error, NSFileUse::writing, [&] {
-    write(NSPathOfText(path, NSFileUse::writing), view(), encoding);
-    return true;
-  });
+  NSCheckArgument("writeToFile:atomically:encoding:error:", "path", path);
+  return write(*this, path, encoding, error);
 }
 
 bool NSString::writeToURL_atomically_encoding_error(const NSRef<NSURL>& url, bool /*atomically*/,
                                                     NSStringEncoding encoding,
                                                     NSRef<NSError>* error) const {
-  if (!url) NSRaiseNilArgument("url", "writeToURL:atomically:encoding:error:");
-  return NSReportFailure(error, NSFileUse::writing, [&] {
-    write(NSPathOfFile(url, NSFileUse::writing), view(), encoding);
-    return true;
-  });
+  NSCheckArgument("writeToURL:atomically:encoding:error:", "url", url);
+  return write(*this, url, encoding, error);
 }

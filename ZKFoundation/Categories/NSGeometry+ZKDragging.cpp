@@ -161,14 +161,3 @@ ZKSnappedPoint ZKSnapRectToGuides(NSRect rect, std::span<const CGFloat> vertical
   return snapped(origin, {snapToGuides(origin.x, size.width, vertical, tolerance),
                           snapToGuides(origin.y, size.height, horizontal, tolerance)});
 }
-
-NSRect ZKRectAroundPoints(std::span<const NSPoint> points) {
-  if (points.empty()) return NSZeroRect;
-  NSPoint min = points.front();
-  NSPoint max = min;
-  for (const NSPoint p : points) {
-    min = {std::min(min.x, p.x), std::min(min.y, p.y)};
-    max = {std::max(max.x, p.x), std::max(max.y, p.y)};
-  }
-  return ZKMakeRectFromTwoPoints(min, max);
-}

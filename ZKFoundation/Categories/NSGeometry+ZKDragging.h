@@ -72,6 +72,3 @@ struct ZKSnappedPoint {
                                                           std::span<const CGFloat> vertical,
                                                           std::span<const CGFloat> horizontal,
                                                           CGFloat tolerance);
-
-/// Makes the smallest rectangle with all the points; `NSZeroRect` without any.
-[[nodiscard]] ZK_EXPORT NSRect ZKRectAroundPoints(std::span<const NSPoint> points);

@@ -140,6 +140,17 @@ NSRect ZKScaleRectToFitInRect(NSUInteger scaling, NSUInteger alignment, NSRect a
   return {ZKAlignRectangles(alignment, {a.origin, size}, b), size};
 }
 
+NSRect ZKRectAroundPoints(std::span<const NSPoint> points) {
+  if (points.empty()) return NSZeroRect;
+  NSPoint min = points.front();
+  NSPoint max = min;
+  for (const NSPoint p : points) {
+    min = {std::min(min.x, p.x), std::min(min.y, p.y)};
+    max = {std::max(max.x, p.x), std::max(max.y, p.y)};
+  }
+  return ZKMakeRectFromTwoPoints(min, max);
+}
+
 bool ZKPointInRects(const NSRef<NSArray>& rects, NSPoint p) {
   if (!rects) return false;
   // Held while it is walked, whoever else lets go of it.

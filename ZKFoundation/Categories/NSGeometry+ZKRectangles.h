@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include <Foundation/NSArray.h>
 #include <Foundation/NSGeometry.h>
 #include <Foundation/NSTypes.h>
@@ -113,6 +115,10 @@ ZK_EXPORT NSUInteger ZKMovePointTo(NSRect* rect, NSUInteger handle, NSPoint p);
                                                       NSRect a, NSRect b);
 
 }  // extern "C"
+
+/// Makes the smallest rectangle with all the points as they are, where `ZKExtendRectByPoint` for
+/// one after the other adds rounding up; `NSZeroRect` without any.
+[[nodiscard]] ZK_EXPORT NSRect ZKRectAroundPoints(std::span<const NSPoint> points);
 
 /// Whether p lies in one of the rectangles, boxed in `NSValue`s; looks no further than the first.
 /// No for nil. An element that holds no rectangle raises `NSInvalidArgumentException`.

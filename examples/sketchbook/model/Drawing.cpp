@@ -40,6 +40,14 @@ NSRef<NSArray> changedShapes(const NSRef<NSArray>& shapes, const NSRef<NSIndexSe
 
 NSRef<NSArray> Drawing::selectedShapes() const { return shapesAt(_state.shapes, _state.selection); }
 
+NSRef<NSMutableArray> Drawing::otherShapes() const {
+  auto result = NSMake<NSMutableArray>();
+  for (NSUInteger index = 0; index < _state.shapes->count(); ++index) {
+    if (!_state.selection->containsIndex(index)) result->addObject(_state.shapes[index]);
+  }
+  return result;
+}
+
 NSUInteger Drawing::indexOfShapeAt(NSPoint point, double tolerance) const {
   for (NSUInteger index = _state.shapes->count(); index-- > 0;) {
     if (_state.shapes[index].as<Shape>()->isHit(point, tolerance)) return index;
@@ -47,14 +55,7 @@ NSUInteger Drawing::indexOfShapeAt(NSPoint point, double tolerance) const {
   return NSNotFound;
 }
 
-NSRect Drawing::selectedFrame() const {
-  std::vector<NSPoint> corners;
-  for (const auto& shape : selectedShapes()->each<Shape>()) {
-    corners.push_back(shape->frame.origin);
-    corners.emplace_back(NSMaxX(shape->frame), NSMaxY(shape->frame));
-  }
-  return ZKRectAroundPoints(corners);
-}
+NSRect Drawing::selectedFrame() const { return frameAround(selectedShapes()); }
 
 void Drawing::select(const NSRef<NSIndexSet>& indexes) {
   _state.selection = indexes->copy();
@@ -131,19 +132,12 @@ void Drawing::rename(const NSRef<NSString>& name) {
 
 void Drawing::removeSelected(const NSRef<NSString>& action) {
   if (_state.selection->count() == 0) return;
-  const auto rest = NSMake<NSMutableArray>();
-  for (NSUInteger index = 0; index < _state.shapes->count(); ++index) {
-    if (!_state.selection->containsIndex(index)) rest->addObject(_state.shapes[index]);
-  }
-  perform(action, rest, NSMake<NSIndexSet>());
+  perform(action, otherShapes(), NSMake<NSIndexSet>());
 }
 
 void Drawing::bringToFront() {
   if (_state.selection->count() == 0) return;
-  const auto all = NSMake<NSMutableArray>();
-  for (NSUInteger index = 0; index < _state.shapes->count(); ++index) {
-    if (!_state.selection->containsIndex(index)) all->addObject(_state.shapes[index]);
-  }
+  const auto all = otherShapes();
   const NSRange front{all->count(), _state.selection->count()};
   all->addObjectsFromArray(selectedShapes());
   perform(u"Bring to Front"_ns, all, NSMake<NSIndexSet>(front));

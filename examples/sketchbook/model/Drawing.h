@@ -76,6 +76,7 @@ class Drawing : public NSObject {
     NSRef<NSString> action;
   };
 
+  NSRef<NSMutableArray> otherShapes() const;
   void step(std::vector<State>& from, std::vector<State>& to);
   void noteChange();
 

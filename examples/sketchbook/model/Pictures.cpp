@@ -1,18 +1,11 @@
 #include "examples/sketchbook/model/Pictures.h"
 
-#include "examples/sketchbook/model/Shape.h"
-
-#include <vector>
-
 using namespace ZKFoundationExtensions;
 
 namespace sketchbook {
 
-namespace {
-
-// Calls the function with each shape; whether it came to the end.
-template <class F>
-bool forEachShape(const NSRef<NSArray>& shapes, const Progress& progress, F function) {
+bool forEachShape(const NSRef<NSArray>& shapes, const Progress& progress,
+                  const std::function<void(const Shape&)>& function) {
   const auto count = static_cast<double>(shapes->count());
   double done = 0;
   for (const auto& shape : shapes->each<Shape>()) {
@@ -22,16 +15,9 @@ bool forEachShape(const NSRef<NSArray>& shapes, const Progress& progress, F func
   return true;
 }
 
-}  // namespace
-
 NSRect pictureArea(const NSRef<NSArray>& shapes) {
-  std::vector<NSPoint> corners;
-  for (const auto& shape : shapes->each<Shape>()) {
-    corners.push_back(shape->frame.origin);
-    corners.emplace_back(NSMaxX(shape->frame), NSMaxY(shape->frame));
-  }
   constexpr double margin = 20;
-  return NSIntegralRect(NSInsetRect(ZKRectAroundPoints(corners), -margin, -margin));
+  return NSIntegralRect(NSInsetRect(frameAround(shapes), -margin, -margin));
 }
 
 NSRef<NSString> svgPicture(const NSRef<NSArray>& shapes, const Progress& progress) {

@@ -1,13 +1,17 @@
 #pragma once
 
-#include <functional>
+#include "examples/sketchbook/model/Shape.h"
 
-#include <ZKFoundation/ZKFoundation.h>
+#include <functional>
 
 namespace sketchbook {
 
 /// Tells how much is done, 0 to 1, and asks whether to go on.
 using Progress = std::function<bool(double)>;
+
+/// Calls the function with each shape. Whether it came to the end, which the progress may not want.
+bool forEachShape(const NSRef<NSArray>& shapes, const Progress& progress,
+                  const std::function<void(const Shape&)>& function);
 
 /// Gives the area that a picture of the shapes shows: their frames and a margin.
 NSRect pictureArea(const NSRef<NSArray>& shapes);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 using namespace ZKFoundationExtensions;
 
@@ -63,6 +64,15 @@ void Shape::refuse(const char* reason) {
 }
 
 NSRef<Shape> copyOf(const NSRef<Shape>& shape) { return copyWithCopySpec(shape, 0).as<Shape>(); }
+
+NSRect frameAround(const NSRef<NSArray>& shapes) {
+  std::vector<NSPoint> corners;
+  for (const auto& shape : shapes->each<Shape>()) {
+    corners.push_back(shape->frame.origin);
+    corners.emplace_back(NSMaxX(shape->frame), NSMaxY(shape->frame));
+  }
+  return ZKRectAroundPoints(corners);
+}
 
 NSRef<NSString> svgColour(NSInteger colour) {
   return NSString::stringWithFormat(u"#%06x"_ns, colour);

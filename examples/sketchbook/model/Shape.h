@@ -52,6 +52,9 @@ class Shape : public NSObject, public NSCoding, public ZKDeepObjectCopyingProtoc
 /// Gives a copy that may be set up.
 NSRef<Shape> copyOf(const NSRef<Shape>& shape);
 
+/// Gives the smallest frame around all the shapes, empty without any.
+NSRect frameAround(const NSRef<NSArray>& shapes);
+
 /// Gives "#rrggbb".
 NSRef<NSString> svgColour(NSInteger colour);
 /// Writes the signs that have a meaning in XML as entities, and leaves out those that it forbids.

@@ -10,8 +10,8 @@
 
 namespace sketchbook {
 
-/// Shows and changes the name, the address and the colour of what is selected, and tells the size
-/// of the document.
+/// Shows and changes the name and the address of what is selected, and tells the size of the
+/// document and its attachments.
 class Inspector : public QWidget {
  public:
   explicit Inspector(const NSRef<Document>& document);

@@ -55,12 +55,9 @@ QImage pictureOfShapes(const NSRef<NSArray>& shapes, const Progress& progress) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.scale(scale, scale);
   painter.translate(-area.topLeft());
-  double done = 0;
-  for (const auto& shape : shapes->each<Shape>()) {
-    if (progress && !progress(done++ / static_cast<double>(shapes->count()))) return {};
-    paintShape(painter, *shape);
-  }
-  return image;
+  const bool isComplete =
+      forEachShape(shapes, progress, [&](const Shape& shape) { paintShape(painter, shape); });
+  return isComplete ? image : QImage();
 }
 
 }  // namespace sketchbook

@@ -106,7 +106,8 @@ TEST(NSTextFile, KeepsTextAndEncoding) {
   });
   for (const auto encoding : encodings) {
     const auto written = u"\uFEFFa\u00E9\u65E5\U0001F600\n"_ns;
-    EXPECT_EQ(write(written, folder / "text", encoding), "");
+    EXPECT_TRUE(written->writeToURL_atomically_encoding_error(fileURL(folder / "text"), true,
+                                                              encoding, nullptr));
     NSStringEncoding used{};
     EXPECT_EQ(NSString::stringWithContentsOfFile_usedEncoding_error(path(folder / "text"), &used,
                                                                     nullptr),
