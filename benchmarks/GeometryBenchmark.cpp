@@ -62,7 +62,7 @@ Scene strokeScene() {
     const NSPoint d = at(end);
     scene.curves.push_back(
         {a, {a.x - a.y * handle, a.y + a.x * handle}, {d.x + d.y * handle, d.y - d.x * handle}, d});
-    if (k % 10 == 0) scene.points.push_back({a.x + 3, a.y - 2});
+    if (k % 10 == 0) scene.points.emplace_back(a.x + 3, a.y - 2);
   }
   return scene;
 }
