@@ -12,6 +12,7 @@
 #include <Foundation/NSCoder.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDate.h>
+#include <Foundation/NSDebugDescription.h>
 #include <Foundation/NSDelay.h>
 #include <Foundation/NSDescriptorSource.h>
 #include <Foundation/NSDictionary.h>

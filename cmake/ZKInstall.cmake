@@ -4,6 +4,9 @@ set(zk_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZKFoundation)
 install(TARGETS zk_platform ZKFoundation EXPORT ZKFoundationTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zkfoundation)
+# Below gdb's own folder where the library is installed with the system's prefix.
+install(FILES ${PROJECT_SOURCE_DIR}/debugging/printers.py RENAME libzkplatform.so.${PROJECT_VERSION}-gdb.py
+  DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}")
 install(EXPORT ZKFoundationTargets NAMESPACE ZKFoundation:: DESTINATION ${zk_package_dir}
   FILE ZKFoundationConfig.cmake)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZKFoundationConfigVersion.cmake

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include <Foundation/NSNeverDestroyed.h>
+#include <Foundation/NSString.h>
 
 namespace {
 
@@ -52,4 +53,10 @@ bool NSWeakAnchor::retainObject() const noexcept {
 bool NSWeakAnchor::isObjectAlive() const noexcept {
   const std::lock_guard lock(_mutex);
   return _object != nullptr && _object->_count.value() != 0;
+}
+
+NSRef<NSString> NSWeakAnchor::description() const {
+  if (!retainObject()) return NSMake<NSString>("nil");
+  // Objects are never defined const.
+  return NSRef<NSObject>::adopt(const_cast<NSObject*>(_object))->description();
 }

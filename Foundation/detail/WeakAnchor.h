@@ -18,6 +18,8 @@ class NS_EXPORT NSWeakAnchor final : public NSObject {
   /// Counts a reference to the object for the caller; false when it has died.
   [[nodiscard]] bool retainObject() const noexcept;
   [[nodiscard]] bool isObjectAlive() const noexcept;
+  /// Describes the object, for debuggers; "nil" when it has died.
+  [[nodiscard]] NSRef<NSString> description() const override;
 
  private:
   mutable std::mutex _mutex;
