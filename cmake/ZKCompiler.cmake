@@ -41,5 +41,7 @@ function(zk_configure_library target)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zk_build_options>)
   # Calls within the library are direct: nobody replaces its functions by their own.
   target_compile_options(${target} PRIVATE -fno-semantic-interposition)
-  target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
+  set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions LINKER:--version-script,${exports})
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
 endfunction()
