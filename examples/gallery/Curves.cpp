@@ -97,33 +97,36 @@ Drawing crossings() {
 
 // The same drawing at several scales, seen from so far that it looks the same each time.
 Drawing scales() {
-  Drawing drawing({1040, 260});
+  constexpr double side = 260;
+  Drawing drawing({2 * side, 2 * side + 45});
+  drawing.text({side, 2 * side + 30}, "blue: ZKNearestPointOnCurveRefined, exact at every scale",
+               resultColor);
+  drawing.text(
+      {side, 2 * side + 12},
+      "orange: ZKNearestPointOnCurve, which stops too early in small and in large drawings",
+      otherColor);
   struct Scale {
     double factor;
+    NSPoint corner;
     std::string_view name;
   };
-  double x = 0;
-  for (const Scale& scale : {Scale{1e-9, "a billionth of it"},
-                             {1, "as drawn"},
-                             {1e4, "10,000 times as large"},
-                             {1e6, "1,000,000 times as large"}}) {
+  for (const Scale& scale :
+       {Scale{1e-9, {0, side}, "a billionth of it"}, Scale{1, {side, side}, "as drawn"},
+        Scale{1e4, {0, 0}, "10,000 times as large"},
+        Scale{1e6, {side, 0}, "1,000,000 times as large"}}) {
     Cubic scaled;
-    for (std::size_t k = 0; k < arch.size(); ++k) {
-      scaled[k] = {arch[k].x * scale.factor, arch[k].y * scale.factor};
-    }
+    for (std::size_t k = 0; k < arch.size(); ++k) scaled[k] = arch[k] * scale.factor;
     const auto nearest = [&](auto find, NSPoint p) {
-      const NSPoint found = find(scaled.data(), nullptr, {p.x * scale.factor, p.y * scale.factor});
-      return NSPoint{x + found.x / scale.factor, found.y / scale.factor};
+      return scale.corner + find(scaled.data(), nullptr, p * scale.factor) / scale.factor;
     };
-    drawing.cubic(moved(arch, {x, 0}), {.stroke = givenColor, .width = 2});
+    drawing.cubic(moved(arch, scale.corner), {.stroke = givenColor, .width = 2});
     for (const NSPoint p : Drawing::grid({{60, 225}, {160, 0}}, 20)) {
-      const NSPoint here = {x + p.x, p.y};
+      const NSPoint here = scale.corner + p;
       drawing.line(here, nearest(&ZKNearestPointOnCurve, p), {.stroke = otherColor, .width = 1.5});
       drawing.line(here, nearest(&ZKNearestPointOnCurveRefined, p), {.stroke = resultColor});
       drawing.dot(here, "black", 1.5);
     }
-    drawing.text({x + 130, 15}, scale.name);
-    x += 260;
+    drawing.text(scale.corner + NSPoint(130, 15), scale.name);
   }
   return drawing;
 }
@@ -141,10 +144,7 @@ std::vector<Picture> picturesOfCurves() {
        "The bounds of a cubic and the chords that are nowhere farther than 2 from it, and where "
        "cubics cross a line and each other.",
        crossings().svg()},
-      {"scales",
-       "The nearest points of one curve at four scales: blue by ZKNearestPointOnCurveRefined, "
-       "orange by ZKNearestPointOnCurve, which stops too early in very small and in large "
-       "drawings.",
+      {"scales", "The nearest points of one curve at four scales, by both functions.",
        scales().svg()},
   };
 }

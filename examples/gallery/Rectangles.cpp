@@ -31,7 +31,7 @@ Drawing handles() {
 
 // A drag of one handle by so much, in a cell of its own.
 void drawDrag(Drawing& drawing, NSPoint corner, NSUInteger handle, NSPoint by) {
-  NSRect rect = {{corner.x + 50, corner.y + 45}, {60, 40}};
+  NSRect rect = {{corner.x + 50, corner.y + 40}, {60, 40}};
   const NSPoint start = ZKGetPointOfRect(handle, rect);
   const NSPoint end = ZKSumPoint(start, by);
   drawing.rect(rect, {.stroke = givenColor, .dash = "3 2"});
@@ -42,30 +42,43 @@ void drawDrag(Drawing& drawing, NSPoint corner, NSUInteger handle, NSPoint by) {
   drawing.rect(ZKNormalizedRect(rect), {.stroke = resultColor, .width = 1.5, .fill = "#1668b818"});
   drawing.arrow(start, end, {.stroke = otherColor});
   const bool isNegative = rect.size.width < 0 || rect.size.height < 0;
-  drawing.text({corner.x + 80, corner.y + 12}, std::to_string(handle) + " becomes " +
-                                                   std::to_string(becomes) +
-                                                   (isNegative ? ", size negative" : ""));
+  drawing.text({corner.x + 80, corner.y + 8},
+               "becomes " + std::to_string(becomes) + (isNegative ? ", size negative" : ""));
 }
 
 Drawing drags() {
-  Drawing drawing({9 * 165, 3 * 135});
-  const std::array<NSPoint, 9> out = {
-      {{5, -20}, {-25, 5}, {5, 20}, {25, 5}, {-20, -15}, {20, -15}, {20, 15}, {-20, 15}, {30, 15}}};
-  const std::array<NSPoint, 9> over = {{{5, 60},
-                                        {85, 5},
-                                        {5, -60},
-                                        {-85, 5},
-                                        {80, 55},
-                                        {-80, 55},
-                                        {-80, -55},
-                                        {80, -55},
-                                        {-30, -15}}};
-  for (NSUInteger handle = 0; handle < 9; ++handle) {
-    const double x = static_cast<double>(handle) * 165;
-    const NSPoint in = {-out[handle].x, -out[handle].y};
-    drawDrag(drawing, {x, 270}, handle, out[handle]);
-    drawDrag(drawing, {x, 135}, handle, in);
-    drawDrag(drawing, {x, 0}, handle, over[handle]);
+  struct Drags {
+    std::string_view handle;
+    NSPoint out;
+    NSPoint over;
+  };
+  constexpr std::array<Drags, 9> rows = {{{"0: min-y edge", {5, -20}, {5, 60}},
+                                          {"1: min-x edge", {-25, 5}, {85, 5}},
+                                          {"2: max-y edge", {5, 20}, {5, -60}},
+                                          {"3: max-x edge", {25, 5}, {-85, 5}},
+                                          {"4: min-x, min-y", {-20, -15}, {80, 55}},
+                                          {"5: max-x, min-y", {20, -15}, {-80, 55}},
+                                          {"6: max-x, max-y", {20, 15}, {-80, -55}},
+                                          {"7: min-x, max-y", {-20, 15}, {80, -55}},
+                                          {"8: centre", {30, 15}, {-30, -15}}}};
+  constexpr double width = 165;
+  constexpr double height = 118;
+  constexpr double label = 110;
+  Drawing drawing({label + 3 * width, rows.size() * height + 60});
+  drawing.text({label / 2, 15}, "before", givenColor);
+  drawing.text({label + 80, 15}, "the drag", otherColor);
+  drawing.text({label + width + 80, 15}, "after", resultColor);
+  constexpr double top = rows.size() * height + 40;
+  drawing.text({label + 80, top}, "away");
+  drawing.text({label + width + 80, top}, "into it");
+  drawing.text({label + 2 * width + 80, top}, "over the opposite edge");
+  for (NSUInteger handle = 0; handle < rows.size(); ++handle) {
+    const auto& [name, out, over] = rows[handle];
+    const double y = static_cast<double>(rows.size() - 1 - handle) * height + 30;
+    drawing.text({label / 2, y + 60}, name);
+    drawDrag(drawing, {label, y}, handle, out);
+    drawDrag(drawing, {label + width, y}, handle, {-out.x, -out.y});
+    drawDrag(drawing, {label + 2 * width, y}, handle, over);
   }
   return drawing;
 }
@@ -116,9 +129,8 @@ std::vector<Picture> picturesOfRectangles() {
   return {
       {"handles", "The nine handles of a rectangle. Corners have orange numbers.", handles().svg()},
       {"drags",
-       "What a drag of each handle does: away from the rectangle, into it, and over the opposite "
-       "edge. Dashed before, blue after; below, the handle that the dragged point becomes. Across "
-       "y most handles are judged by the max-x edge, which shows in some of the answers.",
+       "What a drag of each handle does, and which handle the dragged point becomes. Across y most "
+       "handles are judged by the max-x edge, which shows in some of the answers.",
        drags().svg()},
       {"alignments", "The alignment codes: where a rectangle is placed in another.",
        alignments().svg()},
