@@ -39,8 +39,9 @@ struct ZKTextMatch {
 /// What a find panel holds: what to look for and how. It finds, counts and replaces in any text.
 ///
 ///     auto finder = NSMake<ZKTextFinder>(u"ring"_ns, NSCaseInsensitiveSearch, ZKWordCompareWhole);
-///     finder->nextMatchInString_selectedRange(text, selection);  // the next one, or around the
-///     end finder->replaceAllInString_withString_selectedRange(text, u"bell"_ns, &selection);
+///     // The next one, or around the end.
+///     const auto found = finder->nextMatchInString_selectedRange(text, selection);
+///     finder->replaceAllInString_withString_selectedRange(text, u"bell"_ns, &selection);
 ///
 /// A word condition looks at all words of a match: "New York" is a whole word in "a New York day".
 /// Every match that satisfies it is found, in both directions, also where it overlaps one that does
