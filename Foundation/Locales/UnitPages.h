@@ -17,7 +17,8 @@ class NSUnitPages {
   }
 
  private:
-  static const Page& make(std::atomic<const Page*>& place, char16_t first) {
+  // Never inlined: a loop over units would keep its variables in memory for this rare call.
+  [[gnu::noinline]] static const Page& make(std::atomic<const Page*>& place, char16_t first) {
     auto page = std::make_unique<const Page>(first);
     const Page* made = nullptr;
     if (place.compare_exchange_strong(made, page.get())) made = page.release();
