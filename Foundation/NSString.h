@@ -48,6 +48,7 @@ class NS_EXPORT NSString : public NSObject {
     return result;
   }
   [[nodiscard]] static NSRef<NSString> makeCompact(std::string_view utf8);
+  [[nodiscard]] static NSRef<NSString> makeCompact(NSUnitBuffer&& units);
 
   /// Puts the arguments in the places of the format's conversions, as printf takes them: "%@" is
   /// the description of an object, "(null)" for nil; "%d %i %u %x %X %o %c %C" are integers, of any

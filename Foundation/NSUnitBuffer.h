@@ -31,6 +31,8 @@ class NS_EXPORT NSUnitBuffer {
   [[nodiscard]] char16_t* data() noexcept { return _units; }
   [[nodiscard]] const char16_t* data() const noexcept { return _units; }
   [[nodiscard]] std::size_t size() const noexcept { return _size; }
+  /// Whether the text lies in memory that belongs to somebody else.
+  [[nodiscard]] bool isLent() const noexcept { return _isLent; }
 
   /// Makes room for a text of `capacity` units altogether.
   void reserve(std::size_t capacity);

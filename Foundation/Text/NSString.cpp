@@ -66,6 +66,12 @@ NSRef<NSString> NSString::makeCompact(std::string_view utf8) {
   return result;
 }
 
+NSRef<NSString> NSString::makeCompact(NSUnitBuffer&& units) {
+  // What has to be copied anyway needs no block of its own.
+  if (units.isLent()) return makeCompact(units.view());
+  return NSRef<NSString>::adopt(new NSString(std::move(units)));
+}
+
 NSRef<NSString> NSString::stringWithFormat_arguments(const NSRef<NSString>& format,
                                                      std::span<const NSFormatArgument> arguments) {
   if (!format) NSRaiseNilArgument("format", "stringWithFormat:");
