@@ -46,6 +46,57 @@ struct Page {
   std::array<std::array<char16_t, 256>, 2> cases{};
 };
 
+constexpr std::size_t blockSize = 16;
+// Where the next block is likely to be like the last, so many units go by tables before the next
+// is tried as a whole.
+constexpr std::size_t tableSize = 4 * blockSize;
+
+// Writes the cases of a block, in vectors, if all its units are ASCII or have no cases.
+bool mapSimpleBlock(const char16_t* in, Letters letters, char16_t* out) {
+  struct Range {
+    char16_t first, count;
+  };
+  // From Hebrew to Myanmar, punctuation, from CJK radicals to Vai, Hangul.
+  constexpr std::array<Range, 4> withoutCases = {
+      {{0x0590, 0x0B10}, {0x2000, 0x0100}, {0x2E00, 0x7840}, {0xAC00, 0x2C00}}};
+  const char16_t a = letters == upper ? u'a' : u'A';
+  std::array<char16_t, blockSize> cases;
+  char16_t others = 0;
+  for (std::size_t k = 0; k < blockSize; ++k) {
+    const char16_t unit = in[k];
+    bool isSimple = unit < 0x80;
+    for (const auto& [first, count] : withoutCases) {
+      isSimple |= static_cast<char16_t>(unit - first) < count;
+    }
+    others |= isSimple ? 0U : 1U;
+    cases[k] = static_cast<char16_t>(unit - a) < 26 ? unit ^ 0x20U : unit;
+  }
+  if (others != 0) return false;
+  std::ranges::copy(cases, out);
+  return true;
+}
+
+// Writes the cases of units up to the first that has no table, and gives their number.
+std::size_t mapUnits(std::u16string_view text, Letters letters, char16_t* out) {
+  std::size_t done = 0;
+  while (done < text.size()) {
+    if (text.size() >= blockSize) {
+      // The last block may overlap.
+      const std::size_t at = std::min(done, text.size() - blockSize);
+      if (mapSimpleBlock(text.data() + at, letters, out + at)) {
+        done = at + blockSize;
+        continue;
+      }
+    }
+    for (const std::size_t end = std::min(done + tableSize, text.size()); done < end; ++done) {
+      const char16_t unit = text[done];
+      out[done] = NSUnitPages<Page>::of(unit).cases[letters][unit & 0xFFU];
+      if (out[done] == Page::other) return done;
+    }
+  }
+  return done;
+}
+
 void appendByICU(std::u16string_view text, Letters letters, const char* language,
                  NSUnitBuffer& result) {
   const std::size_t start = result.size();
@@ -64,16 +115,7 @@ void appendByICU(std::u16string_view text, Letters letters, const char* language
 
 void appendByTables(std::u16string_view text, Letters letters, NSUnitBuffer& result) {
   while (!text.empty()) {
-    char16_t* const out = result.extend(text.size());
-    std::size_t done = 0;
-    for (const Page* page = nullptr; done < text.size(); ++done) {
-      const char16_t unit = text[done];
-      if (page == nullptr || (unit & 0xFF00U) != (text[done - 1] & 0xFF00U)) {
-        page = &NSUnitPages<Page>::of(unit);
-      }
-      out[done] = page->cases[letters][unit & 0xFFU];
-      if (out[done] == Page::other && unit != Page::other) break;
-    }
+    const std::size_t done = mapUnits(text, letters, result.extend(text.size()));
     result.truncate(result.size() - (text.size() - done));
     text.remove_prefix(done);
     // Of letters without tables as many as follow each other.
