@@ -28,9 +28,7 @@ Replaced appendReplaced(std::u16string_view text, std::u16string_view target, NS
     const NSRange match = NSSearchUnits(text, target, options, range);
     if (match.length != 0) replace(match);
   } else {
-    NSVisitOccurrences(text, target, options, range, [&](std::span<const NSRange> matches) {
-      for (const NSRange match : matches) replace(match);
-    });
+    NSForEachOccurrence(text, target, options, range, replace);
   }
   return replaced;
 }

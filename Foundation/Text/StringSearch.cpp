@@ -162,28 +162,25 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
 }
 
 void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle, NSUInteger options,
-                        NSRange range, NSBlockRef<void(std::span<const NSRange>)> visit) {
+                        NSRange range,
+                        NSBlockRef<void(std::span<const std::size_t>, std::size_t)> visit) {
   if (needle.empty()) return;
   const bool isLiteral = (options & NSLiteralSearch) != 0;
   const bool folds = (options & NSCaseInsensitiveSearch) != 0;
   if (folds || (!isLiteral && (!isWithoutMarks(needle) || !isWithoutMarks(text)))) {
     constexpr NSUInteger kept = NSCaseInsensitiveSearch | NSLiteralSearch;
     NSSearchUnits(text, needle, options & kept, range, [&](NSRange found) {
-      visit({&found, 1});
+      visit({&found.location, 1}, found.length);
       return false;
     });
     return;
   }
   std::array<std::size_t, 64> places;
-  std::array<NSRange, places.size()> ranges;
   const std::u16string_view searched = text.substr(0, NSMaxRange(range));
   std::size_t from = range.location;
   for (std::size_t count = places.size(); count == places.size();) {
     count = NSFindUnits(searched, needle, from, places);
-    std::ranges::transform(std::span(places).first(count), ranges.begin(), [&](std::size_t place) {
-      return NSRange{place, needle.size()};
-    });
-    visit(std::span(ranges).first(count));
+    visit(std::span(places).first(count), needle.size());
     from = places.back() + needle.size();
   }
 }

@@ -23,19 +23,25 @@ NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view ne
                                 NSUInteger options, NSRange range,
                                 NSBlockRef<bool(NSRange)> accept = nullptr);
 
-/// Calls `visit`, with some at a time, for the occurrences that searches of the range with these
-/// options find from left to right, each starting where the last match ended. Knows no direction
-/// and no anchor.
-NS_EXPORT void NSVisitOccurrences(std::u16string_view text, std::u16string_view needle,
-                                  NSUInteger options, NSRange range,
-                                  NSBlockRef<void(std::span<const NSRange>)> visit);
+/// Calls `visit`, with the places and the length of some at a time, for the occurrences that
+/// searches of the range with these options find from left to right, each starting where the last
+/// match ended. Knows no direction and no anchor.
+NS_EXPORT void NSVisitOccurrences(
+    std::u16string_view text, std::u16string_view needle, NSUInteger options, NSRange range,
+    NSBlockRef<void(std::span<const std::size_t>, std::size_t)> visit);
 
-/// Calls `visit` for each of the occurrences that `NSVisitOccurrences` finds without options.
+/// Calls `visit` for each of these occurrences.
+template <class Visit>
+void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle, NSUInteger options,
+                         NSRange range, Visit visit) {
+  NSVisitOccurrences(text, needle, options, range,
+                     [&](std::span<const std::size_t> places, std::size_t length) {
+                       for (const std::size_t place : places) visit(NSRange{place, length});
+                     });
+}
 template <class Visit>
 void NSForEachOccurrence(std::u16string_view text, std::u16string_view needle, Visit visit) {
-  NSVisitOccurrences(text, needle, 0, {0, text.size()}, [&](std::span<const NSRange> ranges) {
-    for (const NSRange range : ranges) visit(range);
-  });
+  NSForEachOccurrence(text, needle, 0, {0, text.size()}, visit);
 }
 
 class NSCharacterSet;

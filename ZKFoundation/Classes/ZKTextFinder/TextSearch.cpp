@@ -1,7 +1,5 @@
 #include "ZKFoundation/Classes/ZKTextFinder/TextSearch.h"
 
-#include <span>
-
 #include <Foundation/NSUnicode.h>
 
 using ZKFoundationExtensions::rangeOfWordContainingCharacter;
@@ -117,13 +115,10 @@ bool ZKTextSearch::isMatch(NSRange range) {
 
 void ZKTextSearch::forEach(NSBlockRef<void(NSRange)> visit) {
   if (_mayOverlap) return forEachIn({0, text().size()}, visit);
-  const auto visitAccepted = [&](std::span<const NSRange> matches) {
-    for (const NSRange match : matches) {
-      if (accepts(match)) visit(match);
-    }
-  };
-  NSVisitOccurrences(text(), _subject.needle->view(), _subject.options, {0, text().size()},
-                     visitAccepted);
+  NSForEachOccurrence(text(), _subject.needle->view(), _subject.options, {0, text().size()},
+                      [&](NSRange match) {
+                        if (accepts(match)) visit(match);
+                      });
 }
 
 void ZKTextSearch::forEachIn(NSRange range, NSBlockRef<void(NSRange)> visit) {
