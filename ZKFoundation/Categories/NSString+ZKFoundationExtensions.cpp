@@ -218,7 +218,6 @@ NSRef<NSString> stringByRemovingString(const NSRef<NSString>& string,
   });
   if (start == 0) return string;
   result.append(text.substr(start));
-  if (result.data() == line.data()) return NSMake<NSString>(result.view());
   result.shrink();
   return NSMake<NSString>(std::move(result));
 }

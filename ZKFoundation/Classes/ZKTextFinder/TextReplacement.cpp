@@ -1,6 +1,7 @@
 #include "ZKFoundation/Classes/ZKTextFinder/TextReplacement.h"
 
 #include <optional>
+#include <utility>
 
 #include <Foundation/NSUnicode.h>
 #include <ZKFoundation/Classes/ZKTextFinder/TextSearch.h>
@@ -19,7 +20,7 @@ constexpr bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 ZKTextReplacement::ZKTextReplacement(std::u16string_view text, const NSRegularExpression* pattern)
     : _pattern(pattern) {
   if (pattern == nullptr) {
-    _pieces.back().text = text;
+    _end = text;
     return;
   }
   for (std::size_t place = 0; place < text.size(); ++place) {
@@ -28,7 +29,7 @@ ZKTextReplacement::ZKTextReplacement(std::u16string_view text, const NSRegularEx
       continue;
     }
     if (text[place] == u'\\' && place + 1 < text.size()) ++place;
-    _pieces.back().text += text[place];
+    _end += text[place];
   }
 }
 
@@ -53,18 +54,17 @@ std::size_t ZKTextReplacement::readGroup(std::u16string_view text, std::size_t p
     }
     if (!group) refuse(rest.substr(0, 1));
   }
-  _pieces.back().group = *group;
-  _pieces.emplace_back();
+  _pieces.push_back({std::exchange(_end, {}), *group});
   return place + used;
 }
 
 void ZKTextReplacement::appendTo(NSUnitBuffer& result, std::u16string_view text) const {
   for (const Piece& piece : _pieces) {
     result.append(piece.text);
-    if (piece.group < 0) continue;
     const NSRange group = _pattern->group(piece.group);
     if (group != NSNotFoundRange) result.append(text.substr(group.location, group.length));
   }
+  result.append(_end);
 }
 
 void ZKCarriedSelection::moveOver(NSRange before, NSRange after) {

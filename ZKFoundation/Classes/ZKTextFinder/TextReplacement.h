@@ -19,16 +19,18 @@ class ZKTextReplacement {
   void appendTo(NSUnitBuffer& result, std::u16string_view text) const;
 
  private:
-  // Some text and the group that follows it; -1 where none does.
+  // Some text and the group that follows it.
   struct Piece {
     std::u16string text;
-    int group = -1;
+    int group;
   };
 
   std::size_t readGroup(std::u16string_view text, std::size_t place);
 
   const NSRegularExpression* _pattern;
-  std::vector<Piece> _pieces{1};
+  std::vector<Piece> _pieces;
+  // What follows the last group.
+  std::u16string _end;
 };
 
 /// Moves a selection over replacements, told from left to right.

@@ -16,8 +16,8 @@ bool isWithinWord(const NSRef<NSString>& text) {
 ZKTextSearch::ZKTextSearch(const Subject& subject, const NSRef<NSString>& string)
     : _subject(subject),
       _string(string),
+      _options(subject.options & (NSCaseInsensitiveSearch | NSLiteralSearch)),
       _isBackwards((_subject.options & NSBackwardsSearch) != 0) {
-  _subject.options &= NSCaseInsensitiveSearch | NSLiteralSearch;
   if (_subject.pattern != nullptr) {
     _subject.pattern->setText(text());
     _limit = std::chrono::steady_clock::now() + subject.timeLimit.duration();
@@ -59,7 +59,7 @@ bool ZKTextSearch::accepts(NSRange match) {
 // The first match there; one that is accepted, unless one that is not may overlap such a one.
 NSRange ZKTextSearch::find(NSRange range) {
   if (_subject.pattern == nullptr) {
-    return NSSearchUnits(text(), _subject.needle->view(), _subject.options, range,
+    return NSSearchUnits(text(), _subject.needle->view(), _options, range,
                          [this](NSRange match) { return _mayOverlap || accepts(match); });
   }
   const bool isLate = std::chrono::steady_clock::now() > _limit;
@@ -89,7 +89,7 @@ NSRange ZKTextSearch::last(NSRange range) {
     forEachIn(range, [&](NSRange next) { match = next; });
     return match;
   }
-  const NSUInteger options = _subject.options | NSBackwardsSearch;
+  const NSUInteger options = _options | NSBackwardsSearch;
   while (true) {
     match = NSSearchUnits(text(), _subject.needle->view(), options, range);
     if (match == NSNotFoundRange || accepts(match)) return match;
@@ -115,7 +115,7 @@ bool ZKTextSearch::isMatch(NSRange range) {
 
 void ZKTextSearch::forEach(NSBlockRef<void(NSRange)> visit) {
   if (_mayOverlap) return forEachIn({0, text().size()}, visit);
-  NSForEachOccurrence(text(), _subject.needle->view(), _subject.options, {0, text().size()},
+  NSForEachOccurrence(text(), _subject.needle->view(), _options, {0, text().size()},
                       [&](NSRange match) {
                         if (accepts(match)) visit(match);
                       });

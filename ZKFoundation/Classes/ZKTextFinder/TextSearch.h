@@ -28,7 +28,8 @@ class ZKTextSearch {
     ZKWordCompareOption condition;
   };
 
-  /// The needle, not empty, and the text must outlive the search and stay as they are.
+  /// The subject, whose needle is not empty, and the text must outlive the search and stay as they
+  /// are.
   ZKTextSearch(const Subject& subject, const NSRef<NSString>& string);
 
   /// Gives the first match that begins in the range and lies in it, or `NSNotFoundRange`.
@@ -54,8 +55,9 @@ class ZKTextSearch {
   [[nodiscard]] NSRange rest(NSRange range, NSUInteger index) const;
   [[nodiscard]] NSRange wordAt(NSUInteger index);
 
-  Subject _subject;
+  const Subject& _subject;
   const NSRef<NSString>& _string;
+  NSUInteger _options;
   std::chrono::steady_clock::time_point _limit;
   bool _isBackwards;
   // Whether a match that is accepted may overlap one before it that is not.

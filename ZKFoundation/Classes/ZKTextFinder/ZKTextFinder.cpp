@@ -18,7 +18,7 @@ NSRef<NSError> errorOf(const ZKTextFinderFailure& failure) {
 
 // Gives what the operation gives; when it fails nothing, with the error in a given place.
 template <class F>
-auto reportFailure(NSRef<NSError>* error, F operation) -> decltype(operation()) {
+auto reportFailure(NSRef<NSError>* error, const F& operation) -> decltype(operation()) {
   try {
     return operation();
   } catch (const ZKTextFinderFailure& failure) {
@@ -66,11 +66,13 @@ NSRegularExpression* ZKTextFinder::pattern() const {
 
 // Performs an operation with a search of the text; gives nothing for an empty needle.
 template <class F>
-auto ZKTextFinder::search(const NSRef<NSString>& string, NSRef<NSError>* error, F operation) const {
-  using Result = std::invoke_result_t<F, ZKTextSearch&>;
+auto ZKTextFinder::search(const NSRef<NSString>& string, NSRef<NSError>* error,
+                          const F& operation) const {
+  using Result = std::invoke_result_t<const F&, ZKTextSearch&>;
   return reportFailure(error, [&]() -> Result {
     if (_needle->length() == 0) return {};
-    ZKTextSearch search({_needle, pattern(), _timeLimit, _options, _condition}, string);
+    const ZKTextSearch::Subject subject{_needle, pattern(), _timeLimit, _options, _condition};
+    ZKTextSearch search(subject, string);
     return operation(search);
   });
 }
@@ -141,7 +143,8 @@ NSUInteger ZKTextFinder::replaceAllInString_withString_selectedRange(
     NSUnitBuffer result{std::span(room)};
     NSUInteger kept = 0;
     NSUInteger count = 0;
-    search.forEach([&](NSRange match) {
+    // By reference: a copy of what was just stored would wait for the store, at each match.
+    search.forEach([&](const NSRange& match) {
       result.append(text.substr(kept, match.location - kept));
       const NSUInteger start = result.size();
       substitute.appendTo(result, text);

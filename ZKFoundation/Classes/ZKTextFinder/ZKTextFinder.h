@@ -103,7 +103,7 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
  private:
   [[nodiscard]] NSRegularExpression* pattern() const;
   template <class F>
-  auto search(const NSRef<NSString>& string, NSRef<NSError>* error, F operation) const;
+  auto search(const NSRef<NSString>& string, NSRef<NSError>* error, const F& operation) const;
 
   NSRef<NSString> _needle;
   NSUInteger _options;
