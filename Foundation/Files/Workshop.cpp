@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,9 +22,20 @@ namespace {
 constexpr mode_t permissionBits = 0777;
 constexpr mode_t readAndWrite = 0666;
 
+// Whether nobody else can reach into the folder, and the path still leads to it.
+bool isOurs(int folder, const fs::path& path) {
+  struct stat held {};
+  struct stat there {};
+  return fstat(folder, &held) == 0 && lstat(path.c_str(), &there) == 0 &&
+         held.st_dev == there.st_dev && held.st_ino == there.st_ino && held.st_uid == geteuid() &&
+         (held.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+}
+
 }  // namespace
 
-NSWorkshop::NSWorkshop(const fs::path& place) : _place(place) {
+NSWorkshop::NSWorkshop(const fs::path& place)
+    : _place(place), _folder(place.parent_path() / (".saving-" + place.filename().native())) {
+  if (takeFolder()) return;
   std::string pattern = place.parent_path() / ".saving-XXXXXX";
   if (mkdtemp(pattern.data()) == nullptr) NSFailWithPath(place);
   _folder = pattern;
@@ -31,6 +43,25 @@ NSWorkshop::NSWorkshop(const fs::path& place) : _place(place) {
 
 NSWorkshop::~NSWorkshop() {
   if (!_isKept) clear();
+  if (_lock >= 0) close(_lock);
+}
+
+// A process that was killed has left the folder as it was, but not its lock. It has the name of the
+// place, so that the next one who writes there finds it.
+bool NSWorkshop::takeFolder() try {
+  mkdir(_folder.c_str(), S_IRWXU);
+  _lock = open(_folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  // What was taken out of the place may be the only one.
+  if (_lock >= 0 && flock(_lock, LOCK_EX | LOCK_NB) == 0 && isOurs(_lock, _folder) &&
+      !fs::exists(fs::symlink_status(former()))) {
+    empty();
+    return true;
+  }
+  if (_lock >= 0) close(std::exchange(_lock, -1));
+  return false;
+} catch (const fs::filesystem_error&) {
+  close(std::exchange(_lock, -1));
+  return false;
 }
 
 void NSWorkshop::flush() const {
@@ -40,7 +71,7 @@ void NSWorkshop::flush() const {
 
 // Takes folders out of folders before it removes them, so that neither long paths nor deep trees
 // stop it. Where another file system is mounted that does not work, and it must not go on.
-void NSWorkshop::clear() const noexcept try {
+void NSWorkshop::empty() const {
   const dev_t device = NSStatusOf(_folder).st_dev;
   std::size_t count = 0;
   for (std::vector<fs::path> open = {_folder}; !open.empty();) {
@@ -59,6 +90,10 @@ void NSWorkshop::clear() const noexcept try {
     }
     if (folder != _folder) fs::remove(folder);
   }
+}
+
+void NSWorkshop::clear() const noexcept try {
+  empty();
   fs::remove(_folder);
 } catch (const std::exception& exception) {
   NSLog(NSString::stringWithFormat(u"Cannot remove a temporary folder: %s"_ns, exception.what()));

@@ -9,7 +9,8 @@
 #include <Foundation/NSBlock.h>
 
 /// A hidden folder beside a place, which no other user can look into, for what shall go there as a
-/// whole. What is left in it goes with it.
+/// whole. What is left in it goes with it, and what a process has left in its folder that was
+/// killed goes when something is next put in the same place.
 class NSWorkshop {
  public:
   explicit NSWorkshop(const std::filesystem::path& place);
@@ -27,12 +28,15 @@ class NSWorkshop {
   void installNew() const;
 
  private:
+  [[nodiscard]] bool takeFolder();
   void installByHand();
+  void empty() const;
   void clear() const noexcept;
   [[nodiscard]] std::filesystem::path former() const { return _folder / "former"; }
 
   std::filesystem::path _place;
   std::filesystem::path _folder;
+  int _lock = -1;
   bool _isKept = false;
 };
 

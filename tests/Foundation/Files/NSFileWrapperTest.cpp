@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -285,6 +286,27 @@ TEST(NSFileWrapper, ReplacesADocumentWithoutExchange) {
     EXPECT_EQ(namesIn(folder.path()), std::set<std::string>{"document"});
   });
   if (!isTested) GTEST_SKIP() << "may not forbid system calls";
+}
+
+TEST(NSFileWrapper, TakesAwayWhatAKilledProcessHasLeft) {
+  const Rows<const char*, fs::perms, bool, bool> rows = {
+      {"new", fs::perms{0700}, false, false},
+      {"new/deep", fs::perms{0700}, false, false},
+      {"new", fs::perms{0700}, true, true},
+      {"new", fs::perms{0750}, false, true},
+      {"former", fs::perms{0700}, false, true}};
+  for (const auto& [left, mode, isInUse, stays] : rows) {
+    const TestFolder folder;
+    const fs::path hidden = folder / ".saving-document";
+    fs::create_directories(hidden / left);
+    fs::permissions(hidden, mode);
+    const int user = open(hidden.c_str(), O_RDONLY | O_DIRECTORY);
+    if (isInUse) flock(user, LOCK_EX);
+    for (int k = 0; k < 2; ++k) EXPECT_EQ(write(file("all"), folder / "document"), 0);
+    close(user);
+    EXPECT_EQ(fs::exists(hidden / left), stays) << left << isInUse;
+    EXPECT_EQ(namesIn(folder.path()).size(), stays ? 3U : 1U);
+  }
 }
 
 TEST(NSFileWrapper, IsReadWholeWhileItIsWritten) {
