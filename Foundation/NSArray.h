@@ -12,12 +12,13 @@
 #include <Foundation/detail/ObjectVector.h>
 #include <Foundation/detail/TypedWalk.h>
 
+class NSIndexSet;
 class NSMutableArray;
 class NSPredicate;
 class NSString;
 
 /// An ordered sequence of objects. An index that does not fit raises `NSRangeException`, nil as an
-/// element, block or predicate `NSInvalidArgumentException`.
+/// element, block, predicate or index set `NSInvalidArgumentException`.
 class NS_EXPORT NSArray : public NSObject {
  public:
   using Elements = std::initializer_list<NSRef<NSObject>>;
@@ -43,6 +44,9 @@ class NS_EXPORT NSArray : public NSObject {
 
   /// Gives the elements of the range as an array.
   [[nodiscard]] NSRef<NSArray> subarrayWithRange(NSRange range) const;
+
+  /// Gives the elements at the indexes, however many, as an array in their order.
+  [[nodiscard]] NSRef<NSArray> objectsAtIndexes(const NSRef<NSIndexSet>& indexes) const;
 
   /// Finds the first index whose element is equal, or gives `NSNotFound`.
   [[nodiscard]] NSUInteger indexOfObject(const NSRef<NSObject>& object) const;
@@ -124,7 +128,13 @@ class NS_EXPORT NSMutableArray : public NSArray {
   /// Inserts the elements in their order, the first at the index.
   void insertElements_atIndex(NSObjectVector elements, NSUInteger index);
   void replaceObjectAtIndex_withObject(NSUInteger index, const NSRef<NSObject>& anObject);
+  /// Puts the other array's elements in the places of those at the indexes, one for each, else it
+  /// raises `NSInvalidArgumentException`.
+  void replaceObjectsAtIndexes_withObjects(const NSRef<NSIndexSet>& indexes,
+                                           const NSRef<NSArray>& objects);
   void removeObjectAtIndex(NSUInteger index);
+  /// Removes the elements at the indexes, in one pass.
+  void removeObjectsAtIndexes(const NSRef<NSIndexSet>& indexes);
   /// Removes every element that is equal.
   void removeObject(const NSRef<NSObject>& anObject);
   /// Removes the elements for which the callable holds; none when it throws or changes the array.

@@ -6,6 +6,7 @@
 #include <Foundation/Collections/CollectionWalks.h>
 #include <Foundation/Collections/NestedCollections.h>
 #include <Foundation/NSException.h>
+#include <Foundation/NSIndexSet.h>
 #include <Foundation/NSNull.h>
 #include <Foundation/NSPredicate.h>
 #include <Foundation/NSString.h>
@@ -27,6 +28,11 @@ NSUInteger indexWhere(std::span<const NSRef<NSObject>> objects, Predicate predic
   return found == objects.end() ? NSNotFound : static_cast<NSUInteger>(found - objects.begin());
 }
 
+void checkIndexes(const char* operation, const NSRef<NSIndexSet>& indexes, NSUInteger count) {
+  if (!indexes) NSRaiseNilArgument("indexes", operation);
+  if (indexes->count() != 0) NSCheckIndex(operation, indexes->lastIndex(), count);
+}
+
 }  // namespace
 
 NSArray::NSArray(std::span<const NSRef<NSObject>> elements)
@@ -43,6 +49,14 @@ NSRef<NSObject> NSArray::objectAtIndex(NSUInteger index) const {
 NSRef<NSArray> NSArray::subarrayWithRange(NSRange range) const {
   NSCheckRange("subarrayWithRange:", range, count());
   return NSMake<NSArray>(NSObjectVector(objects().subspan(range.location, range.length)));
+}
+
+NSRef<NSArray> NSArray::objectsAtIndexes(const NSRef<NSIndexSet>& indexes) const {
+  checkIndexes("objectsAtIndexes:", indexes, count());
+  NSObjectVector result;
+  result.reserve(indexes->count());
+  for (const NSUInteger index : indexes) result.append(_elements[index]);
+  return NSMake<NSArray>(std::move(result));
 }
 
 NSUInteger NSArray::indexOfObject(const NSRef<NSObject>& object) const {
@@ -138,9 +152,35 @@ void NSMutableArray::replaceObjectAtIndex_withObject(NSUInteger index,
   const auto replaced = changing().replace(index, anObject);
 }
 
+void NSMutableArray::replaceObjectsAtIndexes_withObjects(const NSRef<NSIndexSet>& indexes,
+                                                         const NSRef<NSArray>& objects) {
+  constexpr const char* operation = "replaceObjectsAtIndexes:withObjects:";
+  checkIndexes(operation, indexes, count());
+  if (!objects || objects->count() != indexes->count()) {
+    NSException::raise(
+        NSInvalidArgumentException,
+        std::string("there is not one object for each index (in '") + operation + "')");
+  }
+  // What is replaced dies when all are in their places.
+  const NSObjectVector former = elements();
+  const NSObjectVector others = objects->elements();
+  std::size_t next = 0;
+  for (const NSUInteger index : indexes) {
+    const auto replaced = changing().replace(index, others[next++]);
+  }
+}
+
 void NSMutableArray::removeObjectAtIndex(NSUInteger index) {
   NSCheckIndex("removeObjectAtIndex:", index, count());
   const auto removed = changing().remove(index);
+}
+
+void NSMutableArray::removeObjectsAtIndexes(const NSRef<NSIndexSet>& indexes) {
+  checkIndexes("removeObjectsAtIndexes:", indexes, count());
+  if (indexes->count() == 0) return;
+  std::vector<bool> marks(count());
+  for (const NSUInteger index : indexes) marks[index] = true;
+  const auto removed = changing().removeMarked(marks);
 }
 
 void NSMutableArray::removeObject(const NSRef<NSObject>& anObject) {

@@ -19,6 +19,15 @@ TEST(NSCollection, RaisesForIndexesBeyondBoundsAndChangesNothing) {
       {2, "replaceObjectAtIndex:withObject:",
        [&] { array->replaceObjectAtIndex_withObject(2, u"x"_ns); }},
       {2, "removeObjectAtIndex:", [&] { array->removeObjectAtIndex(2); }},
+      {2, "objectsAtIndexes:", [&] { (void)array->objectsAtIndexes(NSMake<NSIndexSet>(2)); }},
+      {2, "removeObjectsAtIndexes:",
+       [&] {
+         array->removeObjectsAtIndexes(NSMake<NSIndexSet>({0, 2}));
+       }},
+      {2, "replaceObjectsAtIndexes:withObjects:",
+       [&] {
+         array->replaceObjectsAtIndexes_withObjects(NSMake<NSIndexSet>({0, 2}), array);
+       }},
       {2, "removePointerAtIndex:", [&] { pointers->removePointerAtIndex(2); }},
   };
   for (const auto& [index, operation, action] : rows) {
@@ -43,6 +52,7 @@ TEST(NSCollection, RaisesForNil) {
       {"aKey", "setObject:forKey:", [&] { entries->setObject_forKey(u"o"_ns, nullptr); }},
       {"aKey",
        "setObject:forKey:", [] { NSMake<NSMapTable>()->setObject_forKey(u"o"_ns, nullptr); }},
+      {"indexes", "objectsAtIndexes:", [&] { (void)array->objectsAtIndexes(nullptr); }},
       {"predicate", "filterUsingPredicate:", [&] { array->filterUsingPredicate(nullptr); }},
       {"block",
        "predicateWithBlock:", [] { (void)NSPredicate::predicateWithBlock(NSPredicate::Block()); }},
@@ -78,6 +88,16 @@ TEST(NSArray, EditsInPlaceAndFindsByEquality) {
   array->replaceObjectAtIndex_withObject(0, number(3));
   array->removeLastObject();
   EXPECT_EQ(array->description(), u"(3, 2, 2)");
+  const auto changed = array->mutableCopy();
+  const auto outer = NSMake<NSIndexSet>({0, 2});
+  changed->replaceObjectsAtIndexes_withObjects(outer, NSMake<NSArray>({number(7), number(8)}));
+  EXPECT_EQ(changed->description(), u"(7, 2, 8)");
+  EXPECT_EQ(changed->objectsAtIndexes(outer)->description(), u"(7, 8)");
+  expectRaises(NSInvalidArgumentException,
+               "there is not one object for each index (in 'replaceObjectsAtIndexes:withObjects:')",
+               [&] { changed->replaceObjectsAtIndexes_withObjects(outer, array); });
+  changed->removeObjectsAtIndexes(outer);
+  EXPECT_EQ(changed->description(), u"(2)");
   EXPECT_EQ(array->indexOfObject(NSMake<NSNumber>(2.0)), 1U);
   EXPECT_EQ(array->indexOfObject(nullptr), NSNotFound);
   EXPECT_TRUE(array->containsObject(array->lastObject()));
