@@ -72,6 +72,9 @@ class NS_EXPORT NSError : public NSObject {
       const NSRef<NSString>& domain, NSInteger code, const NSRef<NSDictionary>& userInfo) {
     return NSMake<NSError>(domain, code, userInfo);
   }
+  /// Makes an error with a text for people; nil has none.
+  [[nodiscard]] static NSRef<NSError> errorWithDomain_code_description(
+      const NSRef<NSString>& domain, NSInteger code, const NSRef<NSString>& description);
 
   [[nodiscard]] NSRef<NSString> domain() const noexcept { return _domain; }
   [[nodiscard]] NSInteger code() const noexcept { return _code; }

@@ -241,8 +241,9 @@ NSRef<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClass_fromData_error(NSClas
                                                                           NSRef<NSError>* error) {
   if (!data) NSRaiseNilArgument("data", "unarchivedObjectOfClass:fromData:error:");
   const auto failed = [&](NSInteger code, const NSRef<NSString>& reason) {
-    const auto info = NSMake<NSDictionary>({{NSLocalizedDescriptionKey(), reason}});
-    if (error != nullptr) *error = NSMake<NSError>(NSCocoaErrorDomain(), code, info);
+    if (error != nullptr) {
+      *error = NSError::errorWithDomain_code_description(NSCocoaErrorDomain(), code, reason);
+    }
     return nullptr;
   };
   try {

@@ -25,6 +25,14 @@ NSError::NSError(const NSRef<NSString>& domain, NSInteger code, const NSRef<NSDi
   _domain = domain->copy();
 }
 
+NSRef<NSError> NSError::errorWithDomain_code_description(const NSRef<NSString>& domain,
+                                                         NSInteger code,
+                                                         const NSRef<NSString>& description) {
+  const auto info = NSMake<NSMutableDictionary>();
+  if (description) info->setObject_forKey(description, NSLocalizedDescriptionKey());
+  return NSMake<NSError>(domain, code, info);
+}
+
 NSRef<NSString> NSError::localizedDescription() const {
   if (auto text = _userInfo->objectForKey(NSLocalizedDescriptionKey()).as<NSString>()) return text;
   if (const auto error = _userInfo->objectForKey(NSUnderlyingErrorKey()).as<NSError>()) {

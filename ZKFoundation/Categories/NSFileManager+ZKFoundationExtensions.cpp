@@ -94,9 +94,8 @@ NSRef<NSURL> findOrCreateDirectory_inDomain_appendPathComponent_error(
   if (component) url = url->URLByAppendingPathComponent_isDirectory(component, true);
   if (!url) {
     if (error != nullptr) {
-      *error = NSMake<NSError>(
-          NSCocoaErrorDomain(), NSFileWriteInvalidFileNameError,
-          NSMake<NSDictionary>({{NSLocalizedDescriptionKey(), u"No file can have this name"_ns}}));
+      *error = NSError::errorWithDomain_code_description(
+          NSCocoaErrorDomain(), NSFileWriteInvalidFileNameError, u"No file can have this name"_ns);
     }
     return nullptr;
   }

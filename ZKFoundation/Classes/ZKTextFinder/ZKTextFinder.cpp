@@ -11,9 +11,8 @@
 namespace {
 
 NSRef<NSError> errorOf(const ZKTextFinderFailure& failure) {
-  const auto userInfo =
-      NSMake<NSDictionary>({{NSLocalizedDescriptionKey(), NSMake<NSString>(failure.reason)}});
-  return NSMake<NSError>(ZKTextFinderErrorDomain(), failure.code, userInfo);
+  return NSError::errorWithDomain_code_description(ZKTextFinderErrorDomain(), failure.code,
+                                                   NSMake<NSString>(failure.reason));
 }
 
 // Gives what the operation gives; when it fails nothing, with the error in a given place.

@@ -222,6 +222,8 @@ TEST(NSError, IsAValue) {
   EXPECT_FALSE(error(1, info)->isEqual(error(2, info)));
   EXPECT_FALSE(error(1, info)->isEqual(error(1, nullptr)));
   EXPECT_EQ(error(1, info)->description()->utf8(), "mine 1: broken");
+  EXPECT_EQ(error(1, info), NSError::errorWithDomain_code_description(u"mine"_ns, 1, u"broken"_ns));
+  EXPECT_EQ(error(1, nullptr), NSError::errorWithDomain_code_description(u"mine"_ns, 1, nullptr));
   EXPECT_EQ(error(7, nullptr)->localizedDescription()->utf8(), "mine 7");
   EXPECT_EQ(NSMake<NSError>(NSPOSIXErrorDomain(), NSInteger{1} << 32U, nullptr)
                 ->localizedDescription()
