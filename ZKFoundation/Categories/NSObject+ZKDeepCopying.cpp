@@ -2,6 +2,7 @@
 
 #include <array>
 #include <new>
+#include <utility>
 
 #include <Foundation/NSException.h>
 
@@ -27,6 +28,17 @@ NSRef<NSMapTable> referenceTable() {
   }
 }
 
+// The object's own and the one for what it refers to.
+std::pair<ZKCopySpec, ZKCopySpec> specsFor(const NSRef<NSObject>& object,
+                                           const ZKDeepObjectCopyingProtocol& copyable,
+                                           ZKCopySpec copySpec) {
+  ZKCopySpec sub = copySpec;
+  if (copySpec >= 3 && copySpec <= 5) copySpec = copyable.copySpec(copySpec);
+  const ZKCopySpec own =
+      ZKFoundationExtensions::copySpecForCopySpec_subCopySpec(object, copySpec, &sub);
+  return {own, sub};
+}
+
 }  // namespace
 
 ZKDeepObjectCopyingProtocol::~ZKDeepObjectCopyingProtocol() = default;
@@ -38,9 +50,7 @@ NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zon
   NSCheckArgument("copyWithZone:copySpec:", "object", object);
   const auto& copyable =
       checkedDeepCopyable(object, u"Cannot copy object using copyWithZone:copySpec:");
-  ZKCopySpec sub = copySpec;
-  if (copySpec >= 3 && copySpec <= 5) copySpec = copyable.copySpec(copySpec);
-  const ZKCopySpec own = copySpecForCopySpec_subCopySpec(object, copySpec, &sub);
+  const auto [own, sub] = specsFor(object, copyable, copySpec);
   const auto table = referenceTable();
   if (!table) return nullptr;
   return copyable.copyWithZone_refTable_copySpec_subCopySpec(zone, table, own, sub);
@@ -50,6 +60,25 @@ NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object, ZKCopySpec copyS
   NSCheckArgument("copyWithCopySpec:", "object", object);
   checkedDeepCopyable(object, u"Cannot copy object using copyWithCopySpec");
   return copyWithZone_copySpec(object, nullptr, copySpec);
+}
+
+NSRef<NSArray> copyObjectsWithCopySpec(const NSRef<NSArray>& array, ZKCopySpec copySpec) {
+  NSCheckArgument("copyObjectsWithCopySpec:", "array", array);
+  const auto table = referenceTable();
+  if (!table) return nullptr;
+  const auto copies = NSMake<NSMutableArray>();
+  copies->reserve(array->count());
+  for (const auto& object : array) {
+    auto copy = table->objectForKey(object);
+    if (!copy) {
+      const auto& copyable =
+          checkedDeepCopyable(object, u"Cannot copy object using copyWithCopySpec");
+      const auto [own, sub] = specsFor(object, copyable, copySpec);
+      copy = copyable.copyWithZone_refTable_copySpec_subCopySpec(nullptr, table, own, sub);
+    }
+    copies->addObject(copy);
+  }
+  return copies->copy();
 }
 
 ZKCopySpec copySpecForCopySpec_subCopySpec(const NSRef<NSObject>& /*object*/, ZKCopySpec copySpec,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Foundation/NSArray.h>
 #include <Foundation/NSMapTable.h>
 #include <Foundation/NSObject.h>
 #include <ZKFoundation/ZKExport.h>
@@ -49,6 +50,13 @@ namespace ZKFoundationExtensions {
 /// Makes a copy without a zone. The exception then is "Cannot copy object using copyWithCopySpec".
 [[nodiscard]] ZK_EXPORT NSRef<NSObject> copyWithCopySpec(const NSRef<NSObject>& object,
                                                          ZKCopySpec copySpec);
+
+/// Makes copies of an array's objects, in their order, each as `copyWithCopySpec` does but all with
+/// one reference table: what two of them refer to is copied once, and so is an object that occurs
+/// twice. Nil when there is no memory for the table. A nil array or copy raises
+/// `NSInvalidArgumentException`, an object that cannot be copied what it raises there.
+[[nodiscard]] ZK_EXPORT NSRef<NSArray> copyObjectsWithCopySpec(const NSRef<NSArray>& array,
+                                                               ZKCopySpec copySpec);
 
 /// Splits a copy spec: gives the object's own and sets that for what it refers to. 6 is 3 and 1, 7
 /// is 0 and 3, 8 is 0 and 4; any other is given back and sets nothing. The pointer may be null.

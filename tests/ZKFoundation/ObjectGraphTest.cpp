@@ -71,6 +71,8 @@ TEST(DeepCopy, RaisesForWhatCannotBeCopied) {
                [] { return copyWithZone_copySpec(u"text"_ns, nullptr, 3); });
   expectRaises(u"Cannot copy object using copyWithCopySpec", reason,
                [] { return copyWithCopySpec(u"text"_ns, 3); });
+  expectRaises(u"Cannot copy object using copyWithCopySpec", reason,
+               [] { return copyObjectsWithCopySpec(NSMake<NSArray>({u"text"_ns}), 3); });
   refusesNil("object", "copyWithCopySpec:", [] { return copyWithCopySpec(nullptr, 3); });
 }
 
@@ -141,6 +143,14 @@ TEST(DeepCopy, KeepsTheShapeOfAnyGraph) {
         RC_ASSERT(copy->neighbours[k]->name == original->neighbours[k]->name);
       }
     }
+    // As elements of an array: what one of them refers to is the copy of the other.
+    const auto all = NSMake<NSArray>({nodes[1], nodes[0], nodes[1]});
+    const auto copied = copyObjectsWithCopySpec(all, 1);
+    const auto found = reachableFrom(copied[1].as<Node>());
+    RC_ASSERT(found.size() == originals.size() && copied[0].is(copied[2]));
+    for (const auto& copy : found) RC_ASSERT(copy->name != 1 || copy.is(copied[0]));
+    dissolve(reachableFrom(copied[0].as<Node>()));
+    dissolve(found);
     dissolve(copies);
     dissolve(nodes);
   });
