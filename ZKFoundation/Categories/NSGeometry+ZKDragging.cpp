@@ -98,10 +98,15 @@ void keepProportions(Direction& x, Direction& y) {
   y.setLength(factor * y.start());
 }
 
-// Where a side of that size begins when an end or its middle lies on the nearest guide.
-CGFloat snapToGuides(CGFloat origin, CGFloat size, std::span<const CGFloat> guides,
-                     CGFloat tolerance) {
-  CGFloat result = origin;
+// Where a side of that size begins when an end or its middle lies on the nearest guide, and that.
+struct SnappedSide {
+  CGFloat origin;
+  std::optional<CGFloat> guide;
+};
+
+SnappedSide snapToGuides(CGFloat origin, CGFloat size, std::span<const CGFloat> guides,
+                         CGFloat tolerance) {
+  SnappedSide result = {origin, std::nullopt};
   CGFloat least = INFINITY;
   for (const CGFloat guide : guides) {
     for (const CGFloat part : {0.0, 0.5, 1.0}) {
@@ -109,10 +114,21 @@ CGFloat snapToGuides(CGFloat origin, CGFloat size, std::span<const CGFloat> guid
       const CGFloat distance = std::abs(candidate - origin);
       if (!(distance <= tolerance && distance < least)) continue;
       least = distance;
-      result = candidate;
+      result = {candidate, guide};
     }
   }
   return result;
+}
+
+struct Side {
+  CGFloat origin;
+  CGFloat size;
+};
+
+Side mapSide(Side side, Side from, Side to) {
+  if (from.size == 0) return to;
+  return {to.origin + (side.origin - from.origin) / from.size * to.size,
+          side.size / from.size * to.size};
 }
 
 CGFloat nearestMultiple(CGFloat coordinate, CGFloat spacing, CGFloat origin) {
@@ -125,6 +141,14 @@ ZKSnappedPoint snapped(NSPoint from, NSPoint to) {
 }
 
 }  // namespace
+
+NSRect ZKMapRect(NSRect rect, NSRect from, NSRect to) {
+  const Side x = mapSide({rect.origin.x, rect.size.width}, {from.origin.x, from.size.width},
+                         {to.origin.x, to.size.width});
+  const Side y = mapSide({rect.origin.y, rect.size.height}, {from.origin.y, from.size.height},
+                         {to.origin.y, to.size.height});
+  return ZKNormalizedRect({{x.origin, y.origin}, {x.size, y.size}});
+}
 
 ZKDraggedRect ZKDragHandle(NSRect rect, NSUInteger handle, NSPoint p, ZKDragOptions options) {
   if (handle >= placesOfHandles.size()) return {rect, handle};
@@ -158,6 +182,10 @@ ZKSnappedPoint ZKSnapPointToGuides(NSPoint p, std::span<const CGFloat> vertical,
 ZKSnappedPoint ZKSnapRectToGuides(NSRect rect, std::span<const CGFloat> vertical,
                                   std::span<const CGFloat> horizontal, CGFloat tolerance) {
   const auto& [origin, size] = rect;
-  return snapped(origin, {snapToGuides(origin.x, size.width, vertical, tolerance),
-                          snapToGuides(origin.y, size.height, horizontal, tolerance)});
+  const SnappedSide x = snapToGuides(origin.x, size.width, vertical, tolerance);
+  const SnappedSide y = snapToGuides(origin.y, size.height, horizontal, tolerance);
+  auto result = snapped(origin, {x.origin, y.origin});
+  result.verticalGuide = x.guide;
+  result.horizontalGuide = y.guide;
+  return result;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 
 #include <Foundation/NSGeometry.h>
@@ -39,10 +40,18 @@ struct ZKDraggedRect {
 [[nodiscard]] ZK_EXPORT ZKDraggedRect ZKDragHandle(NSRect rect, NSUInteger handle, NSPoint p,
                                                    ZKDragOptions options = {});
 
-/// Where something snapped to, and how far from where it was.
+/// Tells where a rectangle goes when `from`, in which it lies, becomes `to`, as each part of a
+/// group does when the group is resized. A direction in which `to` is negative is mirrored, and one
+/// in which `from` has no size takes all of `to`. The result never has a negative size.
+[[nodiscard]] ZK_EXPORT NSRect ZKMapRect(NSRect rect, NSRect from, NSRect to);
+
+/// Where something snapped to, how far from where it was, and the vertical and the horizontal guide
+/// on which it lies then, by their x and y; none of those that were too far.
 struct ZKSnappedPoint {
   NSPoint point;
   CGFloat distance;
+  std::optional<CGFloat> verticalGuide = {};
+  std::optional<CGFloat> horizontalGuide = {};
 
   friend constexpr bool operator==(const ZKSnappedPoint&, const ZKSnappedPoint&) = default;
 };

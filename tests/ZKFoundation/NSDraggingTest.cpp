@@ -170,13 +170,30 @@ TEST(ZKDragHandle, HasAnAnswerForDegenerateRectangles) {
             (ZKDraggedRect{{{0, 0}, {2, 4}}, 3}));
 }
 
+TEST(ZKMapRect, GoesWithTheRectangleAroundIt) {
+  expectProperty("the parts go where the whole goes, and back", [] {
+    const auto whole = [] { return NSRect(anyPoint(), NSMakeSize(anyInt(1, 9), anyInt(1, 9))); };
+    const NSRect rect = ZKNormalizedRect(anyRect()), from = whole();
+    NSRect to = whole();
+    RC_ASSERT(ZKMapRect(from, from, to) == to);
+    if (*rc::gen::arbitrary<bool>()) to = {{NSMaxX(to), to.origin.y}, {-to.size.width, 5}};
+    RC_ASSERT(ZKMapRect(from, from, to) == ZKNormalizedRect(to));
+    RC_ASSERT(ZKAreSimilarRects(ZKMapRect(ZKMapRect(rect, from, to), to, from), rect, 1e-9));
+  });
+  EXPECT_EQ(ZKMapRect({{1, 1}, {1, 1}}, {{0, 0}, {4, 4}}, {{10, 0}, {-4, 8}}),
+            NSMakeRect(8, 2, 1, 2));
+  EXPECT_EQ(ZKMapRect({{1, 1}, {0, 2}}, {{1, 0}, {0, 4}}, {{1, 0}, {6, 2}}),
+            NSMakeRect(1, 0.5, 6, 1));
+}
+
 TEST(NSGeometry, SnapsToAnglesGridsAndGuides) {
   using std::numbers::pi;
   for (int k = 0; k < 24; ++k) {
     const double angle = k * pi / 12;
     for (const double off : {-0.1, 0.0, 0.1}) {
       const NSPoint v = 10 * NSPoint(std::cos(angle + off), std::sin(angle + off));
-      const auto [point, distance] = ZKSnapVectorToAngle(v, pi / 12);
+      const auto [point, distance, x, y] = ZKSnapVectorToAngle(v, pi / 12);
+      EXPECT_TRUE(!x && !y);
       EXPECT_TRUE(ZKAreSimilarPoints(point, 10 * NSPoint(std::cos(angle), std::sin(angle)), 1e-12));
       EXPECT_NEAR(distance, 20 * std::sin(std::abs(off) / 2), 1e-12);
       EXPECT_TRUE(k % 6 != 0 || point.x == 0 || point.y == 0) << k;
@@ -190,11 +207,14 @@ TEST(NSGeometry, SnapsToAnglesGridsAndGuides) {
   EXPECT_EQ(ZKSnapPointToGrid({2.5, 7}, {5, 0}), (ZKSnappedPoint{{5, 7}, 2.5}));
   const std::array vertical = {10.0, 0.1, 30.0};
   const std::array horizontal = {50.0};
-  EXPECT_EQ(ZKSnapPointToGuides({7, 46}, vertical, horizontal, 4), (ZKSnappedPoint{{10, 50}, 5}));
+  EXPECT_EQ(ZKSnapPointToGuides({7, 46}, vertical, horizontal, 4),
+            (ZKSnappedPoint{{10, 50}, 5, 10, 50}));
   EXPECT_EQ(ZKSnapPointToGuides({5.05, 45.9}, vertical, horizontal, 4),
             (ZKSnappedPoint{{5.05, 45.9}, 0}));
   EXPECT_EQ(ZKSnapRectToGuides({{17, 31}, {12, 40}}, vertical, horizontal, 2),
-            (ZKSnappedPoint{{18, 30}, std::hypot(1, 1)}));
+            (ZKSnappedPoint{{18, 30}, std::hypot(1, 1), 30, 50}));
+  EXPECT_EQ(ZKSnapRectToGuides({{17, 35}, {0, 4}}, vertical, horizontal, 2),
+            (ZKSnappedPoint{{17, 35}, 0}));
 }
 
 }  // namespace
