@@ -9,7 +9,7 @@
 /// Removes an observer from its centre when it goes out of scope; hold it where the observer's
 /// block has its data:
 ///
-///     NSObservation observation(center, center->addObserverForName_object_queue_usingBlock(…));
+///     NSObservation _observation{DocumentDidChange(), document, [this] { update(); }};
 ///
 /// A block that another thread calls meanwhile may still be running afterwards. Holds the observer,
 /// not the centre.
@@ -19,6 +19,15 @@ class NS_EXPORT NSObservation {
   /// Takes what the centre gave for the observer; nil for either observes nothing.
   NSObservation(const NSRef<NSNotificationCenter>& center, NSRef<NSObject> observer)
       : _center(center), _observer(std::move(observer)) {}
+  /// Calls the block with each notification of that name about that very object in the default
+  /// centre, while it is posted; nil is any name or any object. A block takes the notification or
+  /// nothing; a nil block raises `NSInvalidArgumentException`.
+  template <class F>
+  NSObservation(const NSRef<NSString>& name, const NSRef<NSObject>& object, F&& block)
+      : NSObservation(
+            NSNotificationCenter::defaultCenter(),
+            NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
+                name, object, nullptr, std::forward<F>(block))) {}
   NSObservation(NSObservation&& other) noexcept = default;
   /// Removes its own observer and takes over the other's.
   NSObservation& operator=(NSObservation other) noexcept;

@@ -68,11 +68,7 @@ struct Document : NSObject {
 // Performs commands, a line each.
 class Editor : public NSObject {
  public:
-  explicit Editor(const NSRef<NSManualClock>& clock) : _clock(clock) {
-    const auto center = NSNotificationCenter::defaultCenter();
-    _observation = {center, center->addObserverForName_object_queue_usingBlock(
-                                DocumentDidChange(), nullptr, nullptr, [this] { showStatus(); })};
-  }
+  explicit Editor(const NSRef<NSManualClock>& clock) : _clock(clock) {}
 
   void perform(const NSRef<NSString>& line) {
     std::cout << "> " << line << '\n';
@@ -226,7 +222,7 @@ class Editor : public NSObject {
   NSRef<Document> _document;
   NSRef<ZKTextFinder> _finder = NSMake<ZKTextFinder>(nullptr);
   NSRef<NSManualClock> _clock;
-  NSObservation _observation;
+  NSObservation _observation{DocumentDidChange(), nullptr, [this] { showStatus(); }};
 };
 
 int main() {

@@ -18,9 +18,7 @@ struct Window : NSObject {
     center->addObserverForTarget_name_object_queue_usingBlock(NSWeakRef(counter), textDidChange,
                                                               nullptr, nullptr, &Counter::show);
     // The block has our `this`, so the observation must not outlive us.
-    observation = {center, center->addObserverForName_object_queue_usingBlock(
-                               textDidChange, nullptr, nullptr,
-                               [this] { std::cout << "window: " << title << '\n'; })};
+    observation = {textDidChange, nullptr, [this] { std::cout << "window: " << title << '\n'; }};
   }
 
   NSRef<NSString> title = u"letter.txt"_ns;

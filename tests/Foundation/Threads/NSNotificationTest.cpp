@@ -176,6 +176,16 @@ TEST(NSObservation, RemovesItsObserver) {
   moved.remove();
   moved.remove();
   expectCalls("3");
+  // In the default centre.
+  {
+    const NSObservation observation(changed, centre, [&](NSNotification& it) {
+      calls += it.object().is(centre) ? 'd' : '?';
+    });
+    for (const auto& object : {centre, NSNotificationCenter::defaultCenter()}) {
+      NSNotificationCenter::defaultCenter()->postNotificationName_object(changed, object);
+    }
+  }
+  expectCalls("d3");
   // It may outlive its centre.
   moved = observe('5');
   EXPECT_EQ(centre->retainCount(), 1U);
