@@ -14,8 +14,8 @@ void drag() {
     std::cout << rect << " by handle " << handle << '\n';
   }
   const std::array<CGFloat, 2> guides = {0, 100};
-  const auto [place, distance] = ZKSnapPointToGuides({97, 50}, guides, {}, 4);
-  std::cout << place << " is " << distance << " away\n";
+  const auto snapped = ZKSnapPointToGuides({97, 50}, guides, {}, 4);
+  std::cout << snapped.point << " is " << snapped.distance << " away\n";
 }
 
 // What is drawn around (0, 0) is turned and put in its place, and the pointer is taken back.

@@ -12,6 +12,16 @@
 
 namespace {
 
+struct Corners {
+  NSPoint min;
+  NSPoint max;
+
+  void include(NSPoint p) {
+    min = {std::min(min.x, p.x), std::min(min.y, p.y)};
+    max = {std::max(max.x, p.x), std::max(max.y, p.y)};
+  }
+};
+
 void dragMinX(NSRect& rect, CGFloat x) {
   rect.size.width -= x - rect.origin.x;
   rect.origin.x = x;
@@ -142,13 +152,19 @@ NSRect ZKScaleRectToFitInRect(NSUInteger scaling, NSUInteger alignment, NSRect a
 
 NSRect ZKRectAroundPoints(std::span<const NSPoint> points) {
   if (points.empty()) return NSZeroRect;
-  NSPoint min = points.front();
-  NSPoint max = min;
-  for (const NSPoint p : points) {
-    min = {std::min(min.x, p.x), std::min(min.y, p.y)};
-    max = {std::max(max.x, p.x), std::max(max.y, p.y)};
+  Corners corners = {points.front(), points.front()};
+  for (const NSPoint p : points) corners.include(p);
+  return ZKMakeRectFromTwoPoints(corners.min, corners.max);
+}
+
+NSRect ZKRectAroundRects(std::span<const NSRect> rects) {
+  if (rects.empty()) return NSZeroRect;
+  Corners corners = {rects.front().origin, rects.front().origin};
+  for (const NSRect& rect : rects) {
+    corners.include(rect.origin);
+    corners.include({NSMaxX(rect), NSMaxY(rect)});
   }
-  return ZKMakeRectFromTwoPoints(min, max);
+  return ZKMakeRectFromTwoPoints(corners.min, corners.max);
 }
 
 bool ZKPointInRects(const NSRef<NSArray>& rects, NSPoint p) {

@@ -119,6 +119,9 @@ ZK_EXPORT NSUInteger ZKMovePointTo(NSRect* rect, NSUInteger handle, NSPoint p);
 /// Makes the smallest rectangle with all the points as they are, where `ZKExtendRectByPoint` for
 /// one after the other adds rounding up; `NSZeroRect` without any.
 [[nodiscard]] ZK_EXPORT NSRect ZKRectAroundPoints(std::span<const NSPoint> points);
+/// Makes the smallest rectangle with all the rectangles in it, those without an area too, which
+/// `NSUnionRect` ignores; `NSZeroRect` without any.
+[[nodiscard]] ZK_EXPORT NSRect ZKRectAroundRects(std::span<const NSRect> rects);
 
 /// Whether p lies in one of the rectangles, boxed in `NSValue`s; looks no further than the first.
 /// No for nil. An element that holds no rectangle raises `NSInvalidArgumentException`.

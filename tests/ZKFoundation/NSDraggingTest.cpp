@@ -43,6 +43,10 @@ TEST(NSRects, AreSetsOfCells) {
       corners.push_back(NSMakePoint(x + 1, y + 1));
     }
     RC_ASSERT(NSUnionRect(a, b) == ZKRectAroundPoints(corners));
+    const NSRect line = {a.origin, {a.size.width, 0}};
+    RC_ASSERT(ZKRectAroundRects(std::array{line, b}) ==
+              ZKRectAroundPoints(std::array{a.origin, NSPoint(NSMaxX(a), NSMinY(a)), b.origin,
+                                            NSPoint(NSMaxX(b), NSMaxY(b))}));
     RC_ASSERT(NSInsetRect(NSInsetRect(a, -1, -2), 1, 2) == a);
     const NSPoint shift = NSMakePoint(0.25, 0.5);
     RC_ASSERT(NSIntegralRect(NSUnionRect(a, a) + shift) ==
