@@ -120,6 +120,26 @@ TEST(Sketchbook, dragsAPathOverBothEdgesAndBack) {
   EXPECT_PRED2(areSame, drawing->shapes()[0], path) << "the undo has ended the drag";
 }
 
+TEST(Sketchbook, dragsTheEndsOfLinesWithoutWidthOrHeight) {
+  for (const NSPoint end : {NSPoint(10, 50), {50, 10}}) {
+    for (NSUInteger handle = ZKHandleMinXMinY; handle < ZKHandleCenter; ++handle) {
+      for (const NSPoint to : {NSPoint(70, 80), {-30, 80}, {70, -20}, {-30, -20}}) {
+        const NSPoint start = {10, 10};
+        const auto line = NSMake<Path>(u"Path"_ns, std::vector{start, end});
+        const auto drawing = drawingOf(NSMake<NSArray>({line}));
+        drawing->selectAll();
+        const NSPoint from = ZKGetPointOfRect(handle, line->frame);
+        Drag(drawing, handle, from, {}).moveTo(to, false, false);
+        const auto points = drawing->shapes()[0].as<Path>()->points();
+        EXPECT_TRUE(ZKAreSimilarPoints(points.front(), from == start ? to : start, 1e-9))
+            << handle << to << points.front();
+        EXPECT_TRUE(ZKAreSimilarPoints(points.back(), from == end ? to : end, 1e-9))
+            << handle << to << points.back();
+      }
+    }
+  }
+}
+
 TEST(Sketchbook, snaps) {
   const Rows<const char*, Snapping, bool, NSUInteger, NSPoint, NSRect> rows = {
       {"moves freely", {}, false, 8, {103, 204}, {{103, 204}, {40, 20}}},
@@ -144,6 +164,15 @@ TEST(Sketchbook, snaps) {
     Drag(drawing, handle, {7, 7}, snapping).moveTo(NSPoint(7, 7) + vector, isConstrained, false);
     EXPECT_EQ(drawing->shapes()[0].as<Shape>()->frame, expected);
   }
+}
+
+TEST(Sketchbook, pastesAsideAndTogether) {
+  const auto drawing = drawingOf(
+      NSMake<NSArray>({rectangle({{0, 0}, {9, 9}}), arch(), rectangle({{10, 10}, {9, 9}})}));
+  drawing->select(NSMake<NSIndexSet>(NSRange{0, 2}));
+  EXPECT_TRUE(drawing->paste(drawing->copiedData(), nullptr));
+  EXPECT_EQ(drawing->shapes()[3].as<Shape>()->frame, NSMakeRect(20, 20, 9, 9));
+  EXPECT_EQ(drawing->shapes()[4].as<Shape>()->frame, arch()->frame + NSPoint(20, 20));
 }
 
 TEST(Sketchbook, hitsTheShapeInFront) {

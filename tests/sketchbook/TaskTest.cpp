@@ -14,10 +14,8 @@ TEST(SketchbookTask, givesItsResultToTheMainThread) {
         return u"done"_ns;
       },
       [&](const NSRef<NSObject>& result) { given = result; });
-  const NSObservation observation(
-      NSNotificationCenter::defaultCenter(),
-      NSNotificationCenter::defaultCenter()->addObserverForName_object_queue_usingBlock(
-          TaskDidChange(), task, nullptr, [&] { shown.push_back(task->progress()); }));
+  const NSObservation observation(TaskDidChange(), task,
+                                  [&] { shown.push_back(task->progress()); });
   dispatch_sync(queue, [] {});
   EXPECT_TRUE(task->isRunning() && !given);
   makePass();

@@ -19,19 +19,26 @@ struct Format {
 
 NSRef<NSError> failure(DocumentError code, const NSRef<NSString>& sentence, const NSRef<NSURL>& url,
                        const NSRef<NSString>& reason = nullptr) {
-  const auto text =
-      NSString::stringWithFormat(localized(sentence), quoted(url->lastPathComponent()), reason);
-  return NSError::errorWithDomain_code_userInfo(
-      DocumentErrorDomain(), code, NSMake<NSDictionary>({{NSLocalizedDescriptionKey(), text}}));
+  const auto name = quoted(url ? url->lastPathComponent() : localized(u"Untitled"_ns));
+  return NSError::errorWithDomain_code_description(
+      DocumentErrorDomain(), code, NSString::stringWithFormat(localized(sentence), name, reason));
 }
 
 NSRef<NSError> foreign(const NSRef<NSURL>& url) {
   return failure(DocumentIsForeign, u"%@ is no sketchbook."_ns, url);
 }
 
-// Reads the file "format"; nothing when the text is none of ours.
-std::optional<Format> formatOf(const NSRef<NSString>& text) {
+// Whether nothing has failed. What has is told in the place, if there is one.
+bool succeeds(const NSRef<NSError>& failure, NSRef<NSError>* place) {
+  if (failure && place != nullptr) *place = failure;
+  return !failure;
+}
+
+// Reads the file "format"; nothing when there is none of ours.
+std::optional<Format> formatIn(const NSRef<NSData>& file) {
   const auto name = u"Sketchbook "_ns;
+  const auto text =
+      file ? NSString::stringWithData_usedEncoding_error(file, nullptr, nullptr) : nullptr;
   if (!text || !text->hasPrefix(name)) return std::nullopt;
   const auto lines = text->componentsSeparatedByString(u"\n"_ns);
   auto first = lines[0].as<NSString>()->view().substr(name->length());
@@ -41,22 +48,19 @@ std::optional<Format> formatOf(const NSRef<NSString>& text) {
 }
 
 std::optional<Format> formatAt(const NSRef<NSURL>& url) {
-  return formatOf(NSString::stringWithContentsOfURL_usedEncoding_error(
-      url->URLByAppendingPathComponent_isDirectory(u"format"_ns, false), nullptr, nullptr));
+  return formatIn(NSData::dataWithContentsOfURL_options_error(
+      url->URLByAppendingPathComponent_isDirectory(u"format"_ns, false), 0, nullptr));
 }
 
 bool exists(const NSRef<NSURL>& url) {
-  return static_cast<bool>(
-      NSFileManager::defaultManager()->attributesOfItemAtPath_error(url->path(), nullptr));
-}
-
-NSRef<NSFileWrapper> child(const NSRef<NSFileWrapper>& directory, const NSRef<NSString>& name) {
-  return directory->fileWrappers()->objectForKey(name).as<NSFileWrapper>();
+  std::error_code ignored;
+  return std::filesystem::exists(url->fileSystemPath(), ignored);
 }
 
 // The bytes of a file in the directory; nil without such a file.
-NSRef<NSData> bytesOf(const NSRef<NSFileWrapper>& directory, const NSRef<NSString>& name) {
-  const auto file = child(directory, name);
+NSRef<NSData> bytesIn(const NSRef<NSFileWrapper>& files, const NSRef<NSString>& name) {
+  if (!files->isDirectory()) return nullptr;
+  const auto file = files->fileWrappers()->objectForKey(name).as<NSFileWrapper>();
   return file && file->isRegularFile() ? file->regularFileContents() : nullptr;
 }
 
@@ -76,68 +80,58 @@ const NSRef<NSString>& DocumentErrorDomain() {
 Document::Document(const NSRef<NSURL>& recoveryFolder, const NSRef<NSArray>& shapes)
     : _recoveryFolder(recoveryFolder), _savedShapes(shapes->copy()), _copiedShapes(_savedShapes) {
   _drawing->setShapes(_savedShapes);
-  const auto center = NSNotificationCenter::defaultCenter();
-  _observation = {center, center->addObserverForName_object_queue_usingBlock(
-                              DrawingDidChange(), _drawing, nullptr, [this] { noteChange(); })};
 }
 
 NSRef<Document> Document::open(const NSRef<NSURL>& url, const NSRef<NSURL>& recoveryFolder,
                                NSRef<NSError>* error) {
   auto document = NSMake<Document>(recoveryFolder);
-  if (!document->read(url, error)) return nullptr;
   document->_url = url;
-  return document;
+  return succeeds(document->read(url), error) ? document : nullptr;
 }
 
 NSRef<Document> Document::recover(const NSRef<NSURL>& copy, const NSRef<NSURL>& recoveryFolder,
                                   NSRef<NSError>* error) {
-  auto recovery = Recovery::take(copy);
-  if (!recovery) {
-    if (error != nullptr) {
-      *error = failure(DocumentChangedElsewhere, u"%@ is open in another window."_ns, copy);
-    }
-    return nullptr;
-  }
   auto document = NSMake<Document>(recoveryFolder);
-  if (!document->read(copy, error)) return nullptr;
+  auto recovery = Recovery::take(copy);
+  NSRef<NSError> reason;
+  if (recovery) {
+    document->_url = recovery->origin();
+    document->_isEdited = true;
+    reason = document->read(copy);
+  } else {
+    reason = failure(DocumentChangedElsewhere, u"%@ is open in another window."_ns, copy);
+  }
+  const bool isDamaged =
+      reason && reason->domain() == DocumentErrorDomain() &&
+      (reason->code() == DocumentIsForeign || reason->code() == DocumentIsDamaged);
+  if (isDamaged) {
+    reason = failure(DocumentIsDamaged, u"What was not saved of %@ is damaged, and kept in %@."_ns,
+                     document->_url, quoted(recovery->setAside()));
+  }
   document->_recovery = std::move(recovery);
-  document->_isEdited = true;
-  const auto origin = child(document->_files, u"origin"_ns);
-  if (!origin) return document;
-  document->_url = NSURL::URLWithString(
-      NSString::stringWithData_usedEncoding_error(origin->regularFileContents(), nullptr, nullptr));
-  document->_files->removeFileWrapper(origin);
-  return document;
+  return succeeds(reason, error) ? document : nullptr;
 }
 
-bool Document::read(const NSRef<NSURL>& url, NSRef<NSError>* error) {
+NSRef<NSError> Document::read(const NSRef<NSURL>& url) {
   NSRef<NSError> reason;
-  const auto give = [&](const NSRef<NSError>& what) {
-    if (error != nullptr) *error = what;
-    return false;
-  };
   const auto files = NSFileWrapper::initWithURL_options_error(url, 0, &reason);
-  if (!files) return give(reason);
-  const auto head = files->isDirectory() ? bytesOf(files, u"format"_ns) : nullptr;
-  const auto format =
-      head ? formatOf(NSString::stringWithData_usedEncoding_error(head, nullptr, nullptr))
-           : std::nullopt;
-  if (!format) return give(foreign(url));
+  if (!files) return reason;
+  const auto format = formatIn(bytesIn(files, u"format"_ns));
+  if (!format) return foreign(_url);
   if (format->number > currentFormat) {
-    return give(
-        failure(DocumentIsNewer, u"%@ was written by a newer version of this program."_ns, url));
+    return failure(DocumentIsNewer, u"%@ was written by a newer version of this program."_ns, _url);
   }
-  const auto archive = bytesOf(files, u"drawing"_ns);
-  const auto shapes = archive ? shapesWithData(archive, &reason) : nullptr;
+  const auto archive = bytesIn(files, u"drawing"_ns);
+  const auto shapes = shapesWithData(archive ? archive : NSMake<NSData>(), &reason);
   if (!shapes) {
-    const auto why = reason ? reason->localizedDescription() : localized(u"no drawing"_ns);
-    return give(failure(DocumentIsDamaged, u"%@ is damaged (%@)."_ns, url, why));
+    return failure(DocumentIsDamaged, u"%@ is damaged (%@)."_ns, _url,
+                   reason->localizedDescription());
   }
   _files = files;
   _revision = format->revision;
   _savedShapes = _copiedShapes = shapes;
   _drawing->setShapes(shapes);
-  return true;
+  return nullptr;
 }
 
 NSRef<NSString> Document::title() const {
@@ -146,10 +140,9 @@ NSRef<NSString> Document::title() const {
 }
 
 NSRef<NSFileWrapper> Document::contents(const NSRef<NSString>& revision) const {
-  auto files = NSMake<NSFileWrapper>(_files->fileWrappers());
+  const auto files = _files->fileWrappers()->mutableCopy();
   const auto put = [&](const NSRef<NSString>& name, const NSRef<NSData>& data) {
-    if (const auto old = child(files, name)) files->removeFileWrapper(old);
-    files->addRegularFileWithContents_preferredFilename(data, name);
+    files->setObject_forKey(NSMake<NSFileWrapper>(data), name);
   };
   const auto shapes = _drawing->shapes();
   const auto format =
@@ -157,45 +150,38 @@ NSRef<NSFileWrapper> Document::contents(const NSRef<NSString>& revision) const {
   put(u"format"_ns, NSMake<NSData>(format->utf8()));
   put(u"drawing"_ns, dataWithShapes(shapes));
   put(u"preview.svg"_ns, NSMake<NSData>(svgPicture(shapes)->utf8()));
-  return files;
+  return NSMake<NSFileWrapper>(files);
 }
 
 bool Document::write(const NSRef<NSURL>& url, NSRef<NSError>* error) {
-  const auto revision = UUIDString();
+  const auto revision = _recovery ? _recovery->revision() : UUIDString();
   const auto files = contents(revision);
   if (!files->writeToURL_options_originalContentsURL_error(url, 0, nullptr, error)) return false;
-  cancelDelayedBlock(NSWeakRef(share(this)), _autosave);
   _files = files;
   _revision = revision;
   _url = url;
-  _savedShapes = _copiedShapes = _drawing->shapes();
-  _isEdited = false;
-  if (_recovery) _recovery->clear();
+  close();
   return true;
 }
 
 bool Document::save(NSRef<NSError>* error, bool overwrites) {
   // What was moved away or removed is written again.
+  NSRef<NSError> refusal;
   if (!overwrites && exists(_url)) {
     const auto there = formatAt(_url);
-    if (!there || there->revision != _revision) {
-      if (error != nullptr) {
-        *error = there ? failure(DocumentChangedElsewhere,
-                                 u"%@ has been changed elsewhere since it was opened."_ns, _url)
-                       : foreign(_url);
-      }
-      return false;
+    if (!there) {
+      refusal = foreign(_url);
+    } else if (there->revision != _revision) {
+      refusal = failure(DocumentChangedElsewhere,
+                        u"%@ has been changed elsewhere since it was opened."_ns, _url);
     }
   }
-  return write(_url, error);
+  return succeeds(refusal, error) && write(_url, error);
 }
 
 bool Document::saveAs(const NSRef<NSURL>& url, NSRef<NSError>* error) {
-  if (exists(url) && !formatAt(url)) {
-    if (error != nullptr) *error = foreign(url);
-    return false;
-  }
-  return write(url, error);
+  const bool isForeign = exists(url) && !formatAt(url);
+  return succeeds(isForeign ? foreign(url) : nullptr, error) && write(url, error);
 }
 
 void Document::close() {
@@ -215,45 +201,52 @@ void Document::noteChange() {
 }
 
 void Document::writeRecoveryCopy() {
+  if (!isEdited()) return;
   NSRef<NSError> error;
-  if (!_recovery) _recovery = Recovery::create(_recoveryFolder, &error);
-  if (_recovery && isEdited()) {
-    const auto files = contents(_revision ? _revision : UUIDString());
-    if (_url) {
-      files->addRegularFileWithContents_preferredFilename(
-          NSMake<NSData>(_url->absoluteString()->utf8()), u"origin"_ns);
-    }
-    if (files->writeToURL_options_originalContentsURL_error(_recovery->url(), 0, nullptr, &error)) {
-      _copiedShapes = _drawing->shapes();
-    }
+  if (!_recovery) _recovery = Recovery::create(_recoveryFolder, _url, &error);
+  const bool isWritten = _recovery && contents(_revision ? _revision : UUIDString())
+                                          ->writeToURL_options_originalContentsURL_error(
+                                              _recovery->copy(), 0, nullptr, &error);
+  if (isWritten) {
+    _copiedShapes = _drawing->shapes();
+  } else {
+    NSLog(u"No copy for the case of a crash: "_ns + error->description());
   }
-  if (error) NSLog(u"No copy for the case of a crash: "_ns + error->description());
+}
+
+NSRef<NSFileWrapper> Document::attachments() const {
+  const auto folder = _files->fileWrappers()->objectForKey(u"Attachments"_ns).as<NSFileWrapper>();
+  return folder && folder->isDirectory() ? folder : nullptr;
 }
 
 NSRef<NSString> Document::attach(const NSRef<NSURL>& file, NSRef<NSError>* error) {
   const auto attached = NSFileWrapper::initWithURL_options_error(file, 0, error);
   if (!attached) return nullptr;
   attached->setPreferredFilename(file->lastPathComponent());
-  auto folder = child(_files, u"Attachments"_ns);
-  if (!folder || !folder->isDirectory()) {
+  auto folder = attachments();
+  if (!folder) {
     folder = NSMake<NSFileWrapper>(NSMake<NSDictionary>());
     folder->setPreferredFilename(u"Attachments"_ns);
     _files->addFileWrapper(folder);
   }
   _isEdited = true;
-  _copiedShapes = nullptr;
-  enqueueNotificationName_object_postingStyle(NSNotificationQueue::defaultQueue(),
-                                              DrawingDidChange(), _drawing, NSPostASAP);
+  _copiedShapes = _countedShapes = nullptr;
+  _drawing->noteChange();
   return addFileWrapperWithUniqueFileName(folder, attached);
 }
 
 NSRef<NSArray> Document::attachmentNames() const {
-  const auto folder = child(_files, u"Attachments"_ns);
-  if (!folder || !folder->isDirectory()) return NSMake<NSArray>();
-  return sortedArrayUsingSelector(folder->fileWrappers()->allKeys().as<NSArray>(),
-                                  &NSString::compare);
+  const auto folder = attachments();
+  return folder ? sortedArrayUsingSelector(folder->fileWrappers()->allKeys().as<NSArray>(),
+                                           &NSString::compare)
+                : NSMake<NSArray>();
 }
 
-NSUInteger Document::byteCount() const { return sizeOf(*contents(UUIDString())); }
+NSUInteger Document::byteCount() {
+  // Writing all of it takes time, which only changes are worth.
+  if (!_drawing->shapes().is(_countedShapes)) _byteCount = sizeOf(*contents(UUIDString()));
+  _countedShapes = _drawing->shapes();
+  return _byteCount;
+}
 
 }  // namespace sketchbook

@@ -66,12 +66,13 @@ class Document : public NSObject {
   /// Lists the names of the attachments.
   NSRef<NSArray> attachmentNames() const;
   /// Counts the bytes of what would be saved.
-  NSUInteger byteCount() const;
+  NSUInteger byteCount();
 
  private:
   bool write(const NSRef<NSURL>& url, NSRef<NSError>* error);
-  bool read(const NSRef<NSURL>& url, NSRef<NSError>* error);
+  NSRef<NSError> read(const NSRef<NSURL>& url);
   NSRef<NSFileWrapper> contents(const NSRef<NSString>& revision) const;
+  NSRef<NSFileWrapper> attachments() const;
   void noteChange();
   void writeRecoveryCopy();
 
@@ -85,9 +86,12 @@ class Document : public NSObject {
   NSRef<NSFileWrapper> _files = NSMake<NSFileWrapper>(NSMake<NSDictionary>());
   NSRef<NSArray> _savedShapes;
   NSRef<NSArray> _copiedShapes;
+  // Those whose bytes were counted last.
+  NSRef<NSArray> _countedShapes;
+  NSUInteger _byteCount = 0;
   bool _isEdited = false;
   NSRef<NSBlock> _autosave;
-  NSObservation _observation;
+  NSObservation _observation{DrawingDidChange(), _drawing, [this] { noteChange(); }};
 };
 
 }  // namespace sketchbook

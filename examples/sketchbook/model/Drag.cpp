@@ -1,31 +1,17 @@
 #include "examples/sketchbook/model/Drag.h"
 
-#include <algorithm>
-#include <cmath>
-#include <iterator>
 #include <numbers>
 
 namespace sketchbook {
 
 namespace {
 
-// Where a coordinate of a frame goes when the frame becomes another one.
-double mapped(double value, double start, double length, double newStart, double newLength,
-              bool isFlipped) {
-  const double part = length > 0 ? (value - start) / length : 0.5;
-  return newStart + (isFlipped ? 1 - part : part) * newLength;
-}
+// Where the handle is between the edges: -1, 0 or 1.
+NSPoint sideOf(NSUInteger handle) { return ZKGetPointOfRect(handle, {{-1, -1}, {2, 2}}); }
 
-NSRect mapped(NSRect frame, NSRect from, NSRect to, bool flipsX, bool flipsY) {
-  const auto corner = [&](NSPoint point) {
-    return NSPoint(
-        mapped(point.x, NSMinX(from), from.size.width, NSMinX(to), to.size.width, flipsX),
-        mapped(point.y, NSMinY(from), from.size.height, NSMinY(to), to.size.height, flipsY));
-  };
-  return ZKMakeRectFromTwoPoints(corner(frame.origin), corner({NSMaxX(frame), NSMaxY(frame)}));
+std::vector<CGFloat> listOf(std::optional<CGFloat> guide) {
+  return guide ? std::vector{*guide} : std::vector<CGFloat>();
 }
-
-constexpr NSRect unit = {{-1, -1}, {2, 2}};
 
 }  // namespace
 
@@ -40,50 +26,52 @@ Drag::Drag(const NSRef<Drawing>& drawing, NSUInteger handle, NSPoint pointer,
       _frame(drawing->selectedFrame()),
       _now{_frame, handle} {
   if (!snapping.usesGuides) return;
-  for (NSUInteger index = 0; index < _shapes->count(); ++index) {
-    if (drawing->selection()->containsIndex(index)) continue;
-    const NSRect frame = _shapes[index].as<Shape>()->frame;
+  const auto others = _shapes->mutableCopy();
+  others->removeObjectsAtIndexes(drawing->selection());
+  for (const auto& shape : others->each<Shape>()) {
+    const NSRect frame = shape->frame;
     _vertical.insert(_vertical.end(), {NSMinX(frame), NSMidX(frame), NSMaxX(frame)});
     _horizontal.insert(_horizontal.end(), {NSMinY(frame), NSMidY(frame), NSMaxY(frame)});
   }
+  // The middle of an edge moves in one direction alone.
+  if (handle != ZKHandleCenter && sideOf(handle).x == 0) _vertical.clear();
+  if (handle != ZKHandleCenter && sideOf(handle).y == 0) _horizontal.clear();
 }
 
-NSPoint Drag::snapped(NSPoint point) const {
-  const auto onGrid = ZKSnapPointToGrid(point, {_snapping.grid, _snapping.grid}).point;
-  return ZKSnapPointToGuides(onGrid, _vertical, _horizontal, _snapping.tolerance).point;
-}
-
-NSRect Drag::moved(NSPoint vector) const {
-  const NSRect frame = _frame + vector;
-  const auto onGrid = ZKSnapPointToGrid(frame.origin, {_snapping.grid, _snapping.grid}).point;
-  return {
-      ZKSnapRectToGuides({onGrid, frame.size}, _vertical, _horizontal, _snapping.tolerance).point,
-      frame.size};
+NSPoint Drag::snapped(NSRect rect) {
+  rect.origin = ZKSnapPointToGrid(rect.origin, {_snapping.grid, _snapping.grid}).point;
+  _snapped = ZKSnapRectToGuides(rect, _vertical, _horizontal, _snapping.tolerance);
+  return _snapped.point;
 }
 
 void Drag::moveTo(NSPoint pointer, bool isConstrained, bool fixesCenter) {
   const NSPoint vector = pointer - _pointer;
-  if (_handle == ZKHandleCenter) {
-    // Off the angle it would be of no use to lie on a guide.
-    _now.rect = isConstrained ? _frame + ZKSnapVectorToAngle(vector, std::numbers::pi / 4).point
-                              : moved(vector);
-  } else {
-    const NSPoint target = snapped(ZKGetPointOfRect(_handle, _frame) + vector);
-    _now = ZKDragHandle(_frame, _handle, target,
+  if (_handle != ZKHandleCenter) {
+    const NSPoint target = ZKGetPointOfRect(_handle, _frame) + vector;
+    _now = ZKDragHandle(_frame, _handle, snapped(ZKMakeRectFromPoint(target)),
                         {.keepsProportions = isConstrained, .fixesCenter = fixesCenter});
+  } else if (isConstrained) {
+    // Off the angle it would be of no use to lie on a guide.
+    _snapped = ZKSnapVectorToAngle(vector, std::numbers::pi / 4);
+    _now.rect = _frame + _snapped.point;
+  } else {
+    _now.rect.origin = snapped(_frame + vector);
   }
-  showGuides();
   apply();
 }
 
 void Drag::apply() {
   if (_drawing->selection()->count() == 0 || !_drawing->shapes().is(_current)) return;
-  const NSPoint before = ZKGetPointOfRect(_handle, unit);
-  const NSPoint after = ZKGetPointOfRect(_now.handle, unit);
-  const bool flipsX = before.x * after.x < 0;
-  const bool flipsY = before.y * after.y < 0;
+  // A handle on another side than before has turned what is inside. A line without width or height
+  // becomes the diagonal that ends at the handle.
+  const NSPoint before = sideOf(_handle), after = sideOf(_now.handle);
+  const bool flipsX = after.x * (_frame.size.width > 0 ? before.x : before.y) < 0;
+  const bool flipsY = after.y * (_frame.size.height > 0 ? before.y : before.x) < 0;
+  NSRect to = _now.rect;
+  if (flipsX) to = {{NSMaxX(to), to.origin.y}, {-to.size.width, to.size.height}};
+  if (flipsY) to = {{to.origin.x, NSMaxY(to)}, {to.size.width, -to.size.height}};
   const auto shapes = changedShapes(_shapes, _drawing->selection(), [&](Shape& shape) {
-    shape.frame = mapped(shape.frame, _frame, _now.rect, flipsX, flipsY);
+    shape.frame = ZKMapRect(shape.frame, _frame, to);
     shape.flip(flipsX, flipsY);
   });
   const bool hasMoved = !_current.is(_shapes);
@@ -93,19 +81,8 @@ void Drag::apply() {
                     _drawing->selection());
 }
 
-void Drag::showGuides() {
-  const NSRect rect = _now.rect;
-  const auto lying = [](const std::vector<CGFloat>& guides, std::initializer_list<double> places) {
-    std::vector<CGFloat> result;
-    std::ranges::copy_if(guides, std::back_inserter(result), [&](CGFloat guide) {
-      return std::ranges::any_of(places,
-                                 [&](double place) { return std::abs(place - guide) < 1e-6; });
-    });
-    return result;
-  };
-  _shownVertical = lying(_vertical, {NSMinX(rect), NSMidX(rect), NSMaxX(rect)});
-  _shownHorizontal = lying(_horizontal, {NSMinY(rect), NSMidY(rect), NSMaxY(rect)});
-}
+std::vector<CGFloat> Drag::verticalGuides() const { return listOf(_snapped.verticalGuide); }
+std::vector<CGFloat> Drag::horizontalGuides() const { return listOf(_snapped.horizontalGuide); }
 
 void Drag::cancel() {
   if (_current.is(_shapes) || !_drawing->shapes().is(_current)) return;

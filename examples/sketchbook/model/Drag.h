@@ -31,14 +31,12 @@ class Drag {
 
   /// Gives the handle that is under the pointer now.
   NSUInteger handle() const { return _now.handle; }
-  /// Gives the guides on which the frame lies, by their x and y.
-  const std::vector<CGFloat>& verticalGuides() const { return _shownVertical; }
-  const std::vector<CGFloat>& horizontalGuides() const { return _shownHorizontal; }
+  /// Gives the guides to which the last step has jumped, by their x and y.
+  std::vector<CGFloat> verticalGuides() const;
+  std::vector<CGFloat> horizontalGuides() const;
 
  private:
-  NSRect moved(NSPoint vector) const;
-  NSPoint snapped(NSPoint point) const;
-  void showGuides();
+  NSPoint snapped(NSRect rect);
   void apply();
 
   NSRef<Drawing> _drawing;
@@ -50,7 +48,8 @@ class Drag {
   Snapping _snapping;
   NSRect _frame;
   ZKDraggedRect _now;
-  std::vector<CGFloat> _vertical, _horizontal, _shownVertical, _shownHorizontal;
+  std::vector<CGFloat> _vertical, _horizontal;
+  ZKSnappedPoint _snapped{};
 };
 
 }  // namespace sketchbook

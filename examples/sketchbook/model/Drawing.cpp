@@ -3,6 +3,7 @@
 #include "examples/sketchbook/model/Shapes.h"
 
 #include <algorithm>
+#include <array>
 
 using namespace ZKFoundationExtensions;
 
@@ -10,41 +11,29 @@ namespace sketchbook {
 
 namespace {
 
-NSRef<NSArray> shapesAt(const NSRef<NSArray>& shapes, const NSRef<NSIndexSet>& indexes) {
-  const auto result = NSMake<NSMutableArray>();
-  for (const NSUInteger index : indexes) result->addObject(shapes[index]);
-  return result->copy();
+constexpr NSPoint aside = {10, 10};
+
+NSRef<NSMutableArray> namesOf(const NSRef<NSArray>& shapes) {
+  return shapes->valueForKey(u"name"_ns).as<NSArray>()->mutableCopy();
 }
 
-void giveUniqueName(Shape& shape, const NSRef<NSString>& name, const NSRef<NSArray>& others) {
-  shape.name = uniqueStringWithString_forStringArray_options(
-      name, others->valueForKey(u"name"_ns).as<NSArray>(), ZKNamingOptions{});
+// Gives the shape a name that is not taken, and takes it.
+void giveUniqueName(Shape& shape, const NSRef<NSString>& name, const NSRef<NSMutableArray>& taken) {
+  shape.name = uniqueStringWithString_forStringArray_options(name, taken, ZKNamingOptions{});
+  taken->addObject(shape.name);
 }
-
-void moveBy(Shape& shape, NSPoint vector) { shape.frame += vector; }
 
 }  // namespace
 
 const NSRef<NSString>& DrawingDidChange() { return NSConstantString<u"DrawingDidChange">(); }
 
-NSRef<NSArray> changedShapes(const NSRef<NSArray>& shapes, const NSRef<NSIndexSet>& indexes,
-                             const std::function<void(Shape&)>& change) {
-  const auto result = shapes->mutableCopy();
-  for (const NSUInteger index : indexes) {
-    const auto shape = copyOf(shapes[index].as<Shape>());
-    change(*shape);
-    result->replaceObjectAtIndex_withObject(index, shape);
-  }
-  return result->copy();
+NSRef<NSArray> Drawing::selectedShapes() const {
+  return _state.shapes->objectsAtIndexes(_state.selection);
 }
 
-NSRef<NSArray> Drawing::selectedShapes() const { return shapesAt(_state.shapes, _state.selection); }
-
 NSRef<NSMutableArray> Drawing::otherShapes() const {
-  auto result = NSMake<NSMutableArray>();
-  for (NSUInteger index = 0; index < _state.shapes->count(); ++index) {
-    if (!_state.selection->containsIndex(index)) result->addObject(_state.shapes[index]);
-  }
+  auto result = _state.shapes->mutableCopy();
+  result->removeObjectsAtIndexes(_state.selection);
   return result;
 }
 
@@ -109,25 +98,17 @@ void Drawing::changeSelected(const NSRef<NSString>& action,
 }
 
 void Drawing::add(const NSRef<NSString>& action, const NSRef<NSArray>& shapes) {
+  const auto names = namesOf(_state.shapes);
+  for (const auto& shape : shapes->each<Shape>()) giveUniqueName(*shape, shape->name, names);
   const auto all = _state.shapes->mutableCopy();
-  for (const auto& shape : shapes->each<Shape>()) {
-    giveUniqueName(*shape, shape->name, all);
-    all->addObject(shape);
-  }
+  all->addObjectsFromArray(shapes);
   perform(action, all, NSMake<NSIndexSet>(NSRange{_state.shapes->count(), shapes->count()}));
 }
 
 void Drawing::rename(const NSRef<NSString>& name) {
-  if (_state.selection->count() == 0 || isEmptyString(name)) return;
-  const auto all = _state.shapes->mutableCopy();
-  for (const NSUInteger index : _state.selection) {
-    const auto shape = copyOf(all[index].as<Shape>());
-    const auto others = all->mutableCopy();
-    others->removeObjectAtIndex(index);
-    giveUniqueName(*shape, name, others);
-    all->replaceObjectAtIndex_withObject(index, shape);
-  }
-  perform(u"Rename"_ns, all, _state.selection);
+  if (isEmptyString(name)) return;
+  const auto names = namesOf(otherShapes());
+  changeSelected(u"Rename"_ns, [&](Shape& shape) { giveUniqueName(shape, name, names); });
 }
 
 void Drawing::removeSelected(const NSRef<NSString>& action) {
@@ -144,69 +125,46 @@ void Drawing::bringToFront() {
 }
 
 void Drawing::align(Alignment alignment) {
+  // The top of the sheet has the smallest y.
+  constexpr std::array places = {ZKAlignLeft,   ZKAlignCenter, ZKAlignRight,
+                                 ZKAlignBottom, ZKAlignCenter, ZKAlignTop};
+  const auto place = places[static_cast<std::size_t>(alignment)];
   const NSRect around = selectedFrame();
-  changeSelected(u"Align"_ns, [&](Shape& shape) {
-    NSRect& frame = shape.frame;
-    switch (alignment) {
-      case Alignment::left:
-        frame.origin.x = NSMinX(around);
-        break;
-      case Alignment::center:
-        frame.origin.x = NSMidX(around) - frame.size.width / 2;
-        break;
-      case Alignment::right:
-        frame.origin.x = NSMaxX(around) - frame.size.width;
-        break;
-      case Alignment::top:
-        frame.origin.y = NSMinY(around);
-        break;
-      case Alignment::middle:
-        frame.origin.y = NSMidY(around) - frame.size.height / 2;
-        break;
-      case Alignment::bottom:
-        frame.origin.y = NSMaxY(around) - frame.size.height;
-        break;
+  changeSelected(u"Align"_ns, [=](Shape& shape) {
+    const NSPoint origin = ZKAlignRectangles(place, shape.frame, around);
+    if (alignment <= Alignment::right) {
+      shape.frame.origin.x = origin.x;
+    } else {
+      shape.frame.origin.y = origin.y;
     }
   });
 }
 
 void Drawing::distribute(bool vertically) {
-  const NSUInteger count = _state.selection->count();
-  if (count < 3) return;
-  const auto start = [=](const NSRect& frame) {
-    return vertically ? frame.origin.y : frame.origin.x;
-  };
-  const auto length = [=](const NSRect& frame) {
-    return vertically ? frame.size.height : frame.size.width;
-  };
-  // What is selected, in the order in which it stands on the sheet.
-  std::vector<NSUInteger> order(_state.selection->begin(), {});
-  const auto frameOf = [&](NSUInteger index) { return _state.shapes[index].as<Shape>()->frame; };
-  std::ranges::stable_sort(order, {}, [&](NSUInteger index) { return start(frameOf(index)); });
+  if (_state.selection->count() < 3) return;
+  const auto start = vertically ? &NSPoint::y : &NSPoint::x;
+  const auto length = vertically ? &NSSize::height : &NSSize::width;
   const NSRect around = selectedFrame();
-  double gap = length(around);
-  for (const NSUInteger index : order) gap -= length(frameOf(index));
-  gap /= static_cast<double>(count - 1);
-
-  const auto all = _state.shapes->mutableCopy();
-  double next = start(around);
-  for (const NSUInteger index : order) {
-    const auto shape = copyOf(all[index].as<Shape>());
-    (vertically ? shape->frame.origin.y : shape->frame.origin.x) = next;
-    next += length(shape->frame) + gap;
-    all->replaceObjectAtIndex_withObject(index, shape);
+  double gaps = around.size.*length;
+  std::vector<Shape*> order;
+  const auto shapes = changedShapes(_state.shapes, _state.selection, [&](Shape& shape) {
+    gaps -= shape.frame.size.*length;
+    order.push_back(&shape);
+  });
+  std::ranges::stable_sort(order, {}, [=](Shape* shape) { return shape->frame.origin.*start; });
+  double next = around.origin.*start;
+  for (Shape* const shape : order) {
+    shape->frame.origin.*start = next;
+    next += shape->frame.size.*length + gaps / static_cast<double>(order.size() - 1);
   }
-  perform(u"Distribute"_ns, all, _state.selection);
+  perform(u"Distribute"_ns, shapes, _state.selection);
 }
 
 void Drawing::duplicate() {
-  const auto copies = NSMake<NSMutableArray>();
-  for (const auto& shape : selectedShapes()->each<Shape>()) {
-    const auto copy = copyOf(shape);
-    moveBy(*copy, {10, 10});
-    copies->addObject(copy);
-  }
-  if (copies->count() > 0) add(u"Duplicate"_ns, copies);
+  if (_state.selection->count() == 0) return;
+  const auto copies = copyObjectsWithCopySpec(selectedShapes(), 0);
+  for (const auto& copy : copies->each<Shape>()) copy->frame += aside;
+  add(u"Duplicate"_ns, copies);
 }
 
 NSRef<NSData> Drawing::copiedData() const {
@@ -215,14 +173,16 @@ NSRef<NSData> Drawing::copiedData() const {
 
 bool Drawing::paste(const NSRef<NSData>& data, NSRef<NSError>* error) {
   const auto pasted = shapesWithData(data, error);
-  if (!pasted) return false;
-  for (const auto& shape : pasted->each<Shape>()) {
-    // Not exactly over what was copied, or over what was pasted before.
-    const auto lies = [&](const NSRef<NSObject>& other) {
-      return other.cast<Shape>()->frame == shape->frame;
-    };
-    while (std::ranges::any_of(_state.shapes->objects(), lies)) moveBy(*shape, {10, 10});
+  if (!pasted || pasted->count() == 0) return static_cast<bool>(pasted);
+  // Not exactly over what was copied, or over what was pasted before.
+  NSRect place = pasted[0].as<Shape>()->frame;
+  const auto lies = [&](const auto& other) { return other.template cast<Shape>()->frame == place; };
+  NSPoint vector = NSZeroPoint;
+  while (std::ranges::any_of(_state.shapes->objects(), lies)) {
+    place += aside;
+    vector += aside;
   }
+  for (const auto& shape : pasted->each<Shape>()) shape->frame += vector;
   add(u"Paste"_ns, pasted);
   return true;
 }

@@ -2,7 +2,6 @@
 
 #include "examples/sketchbook/model/Shape.h"
 
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -62,6 +61,9 @@ class Drawing : public NSObject {
   /// bytes that hold none.
   bool paste(const NSRef<NSData>& data, NSRef<NSError>* error);
 
+  /// Tells of a change that what goes with the drawing has.
+  void noteChange();
+
   void undo() { step(_past, _future); }
   void redo() { step(_future, _past); }
   /// Names what `undo` and `redo` would do; nil when there is nothing.
@@ -78,15 +80,10 @@ class Drawing : public NSObject {
 
   NSRef<NSMutableArray> otherShapes() const;
   void step(std::vector<State>& from, std::vector<State>& to);
-  void noteChange();
 
   State _state;
   std::vector<State> _past;
   std::vector<State> _future;
 };
-
-/// Gives the array with changed copies in the places of the indexes.
-NSRef<NSArray> changedShapes(const NSRef<NSArray>& shapes, const NSRef<NSIndexSet>& indexes,
-                             const std::function<void(Shape&)>& change);
 
 }  // namespace sketchbook

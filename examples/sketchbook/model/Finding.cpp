@@ -24,28 +24,23 @@ std::optional<LabelMatch> findNext(const NSRef<NSArray>& shapes, const ZKTextFin
 
 NSUInteger replaceAll(Drawing& drawing, const ZKTextFinder& finder,
                       const NSRef<NSString>& replacement, NSRef<NSError>* error) {
-  const auto changed = NSMake<NSMutableIndexSet>();
-  const auto shapes = drawing.shapes()->mutableCopy();
-  NSUInteger count = 0;
+  const auto shapes = drawing.shapes();
+  const auto labels = NSMake<NSMutableIndexSet>();
+  NSRef<NSError> failure;
   for (NSUInteger index = 0; index < shapes->count(); ++index) {
-    const auto shape = shapes[index].as<Shape>();
-    if (!shape->text()) continue;
-    const auto text = shape->text()->mutableCopy();
-    NSRef<NSError> failure;
-    const NSUInteger replaced =
-        finder.replaceAllInString_withString_selectedRange(text, replacement, nullptr, &failure);
-    if (failure) {
-      if (error != nullptr) *error = failure;
-      return 0;
-    }
-    if (replaced == 0) continue;
-    count += replaced;
-    changed->addIndex(index);
-    const auto copy = copyOf(shape);
-    copy->setText(text);
-    shapes->replaceObjectAtIndex_withObject(index, copy);
+    const auto text = shapes[index].as<Shape>()->text();
+    if (text && !finder.matchesInString(text, &failure).empty()) labels->addIndex(index);
   }
-  if (count > 0) drawing.perform(u"Replace All"_ns, shapes, changed);
+  NSUInteger count = 0;
+  const auto changed = changedShapes(shapes, labels, [&](Shape& shape) {
+    const auto text = shape.text()->mutableCopy();
+    count +=
+        finder.replaceAllInString_withString_selectedRange(text, replacement, nullptr, &failure);
+    shape.setText(text);
+  });
+  if (failure && error != nullptr) *error = failure;
+  if (failure || count == 0) return 0;
+  drawing.perform(u"Replace All"_ns, changed, labels);
   return count;
 }
 

@@ -24,9 +24,8 @@ NSRef<NSString> svgPicture(const NSRef<NSArray>& shapes, const Progress& progres
   const NSRect area = pictureArea(shapes);
   const auto text = NSMake<NSMutableString>();
   text->appendString(NSString::stringWithFormat(
-      u"<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"%@ %@ %@ %@\" width=\"%3$@\" height=\"%4$@\">\n"_ns,
-      NSMake<NSNumber>(area.origin.x), NSMake<NSNumber>(area.origin.y),
-      NSMake<NSNumber>(area.size.width), NSMake<NSNumber>(area.size.height)));
+      u"<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"%1$.10g %2$.10g %3$.10g %4$.10g\" width=\"%3$.10g\" height=\"%4$.10g\">\n"_ns,
+      area.origin.x, area.origin.y, area.size.width, area.size.height));
   const bool isComplete = forEachShape(shapes, progress, [&](const Shape& shape) {
     const bool isLink = isSafeToOpen(shape.link);
     appendStrings(text, {u"<g><title>"_ns, svgText(shape.name), u"</title>"_ns});
@@ -41,20 +40,14 @@ NSRef<NSString> svgPicture(const NSRef<NSArray>& shapes, const Progress& progres
 
 NSRef<NSArray> wordsOfLabels(const NSRef<NSArray>& shapes, const Progress& progress) {
   const auto words = NSMake<NSMutableSet>();
-  const auto letters = NSCharacterSet::alphanumericCharacterSet();
   const bool isComplete = forEachShape(shapes, progress, [&](const Shape& shape) {
-    const auto text = shape.text();
-    NSUInteger index = 0;
-    while (text && index < text->length()) {
-      const auto start =
-          text->rangeOfCharacterFromSet_options_range(letters, 0, {index, text->length() - index});
-      if (start.length == 0) break;
-      const NSRange word = rangeOfWordContainingCharacter(text, start.location);
-      words->addObject(text->substringWithRange(word)->localizedLowercaseString());
-      index = word.location + word.length;
-    }
+    if (!shape.text()) return;
+    const auto found = componentsSeparatedByWholeCharactersInSet_trimWhitespace(
+        shape.text()->localizedLowercaseString(), wordBoundariesCharacterSet(), false);
+    for (const auto& word : found) words->addObject(word);
   });
   if (!isComplete) return nullptr;
+  words->removeObject(u""_ns);
   return sortedArrayUsingSelector(words->allObjects(), &NSString::compare);
 }
 

@@ -6,31 +6,42 @@
 
 namespace sketchbook {
 
-/// A place for unsaved work in a folder. It is held by a lock that ends with the process, however
+/// A place for a copy of unsaved work: a directory in a folder, named as the revision that the
+/// document will have when the work is saved. A lock holds it, which ends with the process, however
 /// that ends: what nobody holds has been left behind by a crash.
 class Recovery {
  public:
-  /// Makes a new place; nil, and the reason, when there can be none.
-  static std::unique_ptr<Recovery> create(const NSRef<NSURL>& folder, NSRef<NSError>* error);
-  /// Takes over a place that was left behind; nil when somebody holds it.
-  static std::unique_ptr<Recovery> take(const NSRef<NSURL>& url);
-  /// Lists the places that were left behind with something in them.
+  /// Makes a place for a copy of the document at the origin, which may be nil; nil, and the reason,
+  /// when there can be none.
+  static std::unique_ptr<Recovery> create(const NSRef<NSURL>& folder, const NSRef<NSURL>& origin,
+                                          NSRef<NSError>* error);
+  /// Takes over the place of a copy that was left behind; nil when somebody holds it.
+  static std::unique_ptr<Recovery> take(const NSRef<NSURL>& copy);
+  /// Lists the copies that were left behind. Removes places without a copy, and those whose work
+  /// has been saved.
   static NSRef<NSArray> abandoned(const NSRef<NSURL>& folder);
 
   Recovery(const Recovery&) = delete;
   ~Recovery();
 
-  /// Gives where the document goes.
-  const NSRef<NSURL>& url() const { return _url; }
-  /// Removes what is there; the place is still held.
-  void clear();
-  /// Removes all of it, lock and all.
+  /// Gives where the copy goes.
+  NSRef<NSURL> copy() const { return within(u"copy.sketch"_ns); }
+  /// Gives where the document belongs; nil as long as it was never saved.
+  NSRef<NSURL> origin() const;
+  NSRef<NSString> revision() const { return _place->lastPathComponent(); }
+  /// Removes the place and what is in it.
   void remove();
+  /// Renames the place of a copy that cannot be read, so that it is listed no more, and gives its
+  /// path. Who knows how may read it still.
+  NSRef<NSString> setAside();
 
  private:
-  Recovery(const NSRef<NSURL>& url, int lock) : _url(url), _lock(lock) {}
+  Recovery(const NSRef<NSURL>& place, int lock) : _place(place), _lock(lock) {}
+  static std::unique_ptr<Recovery> hold(const NSRef<NSURL>& place);
+  NSRef<NSURL> within(const NSRef<NSString>& name) const;
+  bool isNeeded() const;
 
-  NSRef<NSURL> _url;
+  NSRef<NSURL> _place;
   int _lock;
 };
 

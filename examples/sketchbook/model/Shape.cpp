@@ -11,17 +11,16 @@ namespace sketchbook {
 Shape::Shape(const NSRef<NSCoder>& coder)
     : name(coder->decodeObjectOfClass<NSString>(u"name"_ns)),
       link(coder->decodeObjectOfClass<NSURL>(u"link"_ns)),
-      frame({coder->decodeDoubleForKey(u"x"_ns), coder->decodeDoubleForKey(u"y"_ns)},
-            {coder->decodeDoubleForKey(u"width"_ns), coder->decodeDoubleForKey(u"height"_ns)}),
       colour(coder->decodeIntegerForKey(u"colour"_ns) & 0xFFFFFF) {
   if (isEmptyString(name)) refuse("a shape without a name");
-  const auto inside = [](CGFloat value, CGFloat least) {
-    constexpr CGFloat limit = 1e9;
+  constexpr double limit = 1e9;
+  const auto number = [&](const NSRef<NSString>& key, double least) {
+    const double value = coder->decodeDoubleForKey(key);
     if (!std::isfinite(value)) refuse("a shape that lies nowhere");
     return std::clamp(value, least, limit);
   };
-  frame = {{inside(frame.origin.x, -1e9), inside(frame.origin.y, -1e9)},
-           {inside(frame.size.width, 0), inside(frame.size.height, 0)}};
+  frame = {{number(u"x"_ns, -limit), number(u"y"_ns, -limit)},
+           {number(u"width"_ns, 0), number(u"height"_ns, 0)}};
 }
 
 void Shape::encodeWithCoder(const NSRef<NSCoder>& coder) const {
@@ -63,31 +62,31 @@ void Shape::refuse(const char* reason) {
   NSException::raise(NSInvalidUnarchiveOperationException, reason);
 }
 
-NSRef<Shape> copyOf(const NSRef<Shape>& shape) { return copyWithCopySpec(shape, 0).as<Shape>(); }
-
-NSRect frameAround(const NSRef<NSArray>& shapes) {
-  std::vector<NSPoint> corners;
-  for (const auto& shape : shapes->each<Shape>()) {
-    corners.push_back(shape->frame.origin);
-    corners.emplace_back(NSMaxX(shape->frame), NSMaxY(shape->frame));
-  }
-  return ZKRectAroundPoints(corners);
+NSRef<NSArray> changedShapes(const NSRef<NSArray>& shapes, const NSRef<NSIndexSet>& indexes,
+                             const std::function<void(Shape&)>& change) {
+  const auto copies = copyObjectsWithCopySpec(shapes->objectsAtIndexes(indexes), 0);
+  for (const auto& copy : copies->each<Shape>()) change(*copy);
+  const auto result = shapes->mutableCopy();
+  result->replaceObjectsAtIndexes_withObjects(indexes, copies);
+  return result->copy();
 }
 
-NSRef<NSString> svgColour(NSInteger colour) {
-  return NSString::stringWithFormat(u"#%06x"_ns, colour);
+NSRect frameAround(const NSRef<NSArray>& shapes) {
+  std::vector<NSRect> frames;
+  frames.reserve(shapes->count());
+  for (const auto& shape : shapes->each<Shape>()) frames.push_back(shape->frame);
+  return ZKRectAroundRects(frames);
 }
 
 NSRef<NSString> svgText(const NSRef<NSString>& text) {
   auto result = text->mutableCopy();
-  const auto replace = [&](const NSRef<NSString>& sign, const NSRef<NSString>& entity) {
+  for (const auto& [sign, entity] : {std::pair(u"&"_ns, u"&amp;"_ns),
+                                     {u"<"_ns, u"&lt;"_ns},
+                                     {u">"_ns, u"&gt;"_ns},
+                                     {u"\""_ns, u"&quot;"_ns}}) {
     result->replaceOccurrencesOfString_withString_options_range(sign, entity, NSLiteralSearch,
                                                                 {0, result->length()});
-  };
-  replace(u"&"_ns, u"&amp;"_ns);
-  replace(u"<"_ns, u"&lt;"_ns);
-  replace(u">"_ns, u"&gt;"_ns);
-  replace(u"\""_ns, u"&quot;"_ns);
+  }
   std::u16string units(result->view());
   std::erase_if(units, [](char16_t unit) {
     return (unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r') || unit >= 0xFFFE;

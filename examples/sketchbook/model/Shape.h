@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <ZKFoundation/ZKFoundation.h>
 
 namespace sketchbook {
@@ -39,24 +41,24 @@ class Shape : public NSObject, public NSCoding, public ZKDeepObjectCopyingProtoc
   /// 0xRRGGBB
   NSInteger colour = 0x2B6CB0;
 
+  /// Raises what an archive raises that cannot be read.
+  [[noreturn]] static void refuse(const char* reason);
+
  protected:
   Shape(const NSRef<NSString>& aName, NSRect aFrame) : name(aName), frame(aFrame) {}
   explicit Shape(const NSRef<NSCoder>& coder);
   Shape(const Shape&) = default;
 
   virtual NSRef<Shape> shallowCopy() const = 0;
-  /// Raises what an archive raises that cannot be read.
-  [[noreturn]] static void refuse(const char* reason);
 };
 
-/// Gives a copy that may be set up.
-NSRef<Shape> copyOf(const NSRef<Shape>& shape);
+/// Gives the array with changed copies in the places of the indexes.
+NSRef<NSArray> changedShapes(const NSRef<NSArray>& shapes, const NSRef<NSIndexSet>& indexes,
+                             const std::function<void(Shape&)>& change);
 
 /// Gives the smallest frame around all the shapes, empty without any.
 NSRect frameAround(const NSRef<NSArray>& shapes);
 
-/// Gives "#rrggbb".
-NSRef<NSString> svgColour(NSInteger colour);
 /// Writes the signs that have a meaning in XML as entities, and leaves out those that it forbids.
 NSRef<NSString> svgText(const NSRef<NSString>& text);
 

@@ -10,11 +10,6 @@ namespace sketchbook {
 
 namespace {
 
-// Straight lines have no width; what lies in it then lies in the middle.
-double fraction(double value, double start, double length) {
-  return length > 0 ? (value - start) / length : 0.5;
-}
-
 // The controls of a smooth line through the points: at each the direction is that from the one
 // before to the one after (Catmull and Rom).
 std::vector<NSPoint> smoothLine(std::span<const NSPoint> points) {
@@ -31,52 +26,60 @@ std::vector<NSPoint> smoothLine(std::span<const NSPoint> points) {
 }
 
 NSRect boundsOf(const std::vector<NSPoint>& controls) {
-  std::vector<NSPoint> corners;
+  std::vector<NSRect> bounds;
   for (std::size_t k = 0; k + 3 < controls.size(); k += 3) {
-    const NSRect bounds = ZKCurveBounds(&controls[k]);
-    corners.insert(corners.end(), {bounds.origin, {NSMaxX(bounds), NSMaxY(bounds)}});
+    bounds.push_back(ZKCurveBounds(&controls[k]));
   }
-  return ZKRectAroundPoints(corners);
+  return ZKRectAroundRects(bounds);
 }
 
-NSRef<NSString> numbers(std::initializer_list<double> values) {
-  const auto text = NSMake<NSMutableString>();
-  for (const double value : values) {
-    if (text->length() > 0) text->appendUnits(u" ");
-    text->appendString(NSMake<NSNumber>(value)->stringValue());
+NSRef<NSArray> linesOf(const NSRef<NSString>& text) {
+  return text->componentsSeparatedByString(u"\n"_ns);
+}
+
+// Also a label without a text can be seen and clicked.
+double widestOf(const NSRef<NSArray>& lines) {
+  double widest = 0.25;
+  for (const auto& line : lines->each<NSString>()) {
+    widest = std::max(widest, Label::widthOfLine(line));
   }
-  return text;
+  return widest;
+}
+
+// Takes a number and the blank after it off the text.
+double takeFraction(std::u16string_view& text) {
+  constexpr double limit = 1e3;
+  const auto number = NSTakeDouble(text);
+  if (!number || !(std::abs(*number) <= limit) || text.empty()) Shape::refuse("a broken path");
+  text.remove_prefix(1);
+  return *number;
 }
 
 }  // namespace
 
 NSRef<NSString> Rectangle::svgElement() const {
-  const auto text = [](double value) { return NSMake<NSNumber>(value)->stringValue(); };
   return NSString::stringWithFormat(
-      u"<rect x=\"%@\" y=\"%@\" width=\"%@\" height=\"%@\" fill=\"%@\" fill-opacity=\"0.25\" stroke=\"%@\" stroke-width=\"%@\"/>"_ns,
-      text(frame.origin.x), text(frame.origin.y), text(frame.size.width), text(frame.size.height),
-      svgColour(colour), svgColour(colour), text(lineWidth));
+      u"<rect x=\"%.10g\" y=\"%.10g\" width=\"%.10g\" height=\"%.10g\" fill=\"#%06x\" fill-opacity=\"0.25\" stroke=\"#%06x\" stroke-width=\"%g\"/>"_ns,
+      frame.origin.x, frame.origin.y, frame.size.width, frame.size.height, colour, colour,
+      lineWidth);
 }
 
 Path::Path(const NSRef<NSString>& aName, std::span<const NSPoint> points)
     : Shape(aName, NSZeroRect), _fractions(smoothLine(points)) {
   frame = boundsOf(_fractions);
+  const auto [width, height] = frame.size;
   for (NSPoint& point : _fractions) {
-    point = {fraction(point.x, NSMinX(frame), frame.size.width),
-             fraction(point.y, NSMinY(frame), frame.size.height)};
+    // A line without width or height lies as on a diagonal, which it becomes when it gets one.
+    const NSPoint at = point - frame.origin;
+    const double x = width > 0 ? at.x / width : height > 0 ? at.y / height : 0;
+    point = {x, height > 0 ? at.y / height : x};
   }
 }
 
 Path::Path(const NSRef<NSCoder>& coder) : Shape(coder) {
   const auto text = coder->decodeObjectOfClass<NSString>(u"fractions"_ns);
   for (auto rest = NSViewOf(text); !rest.empty();) {
-    const auto x = NSTakeDouble(rest);
-    if (rest.starts_with(u' ')) rest.remove_prefix(1);
-    const auto y = NSTakeDouble(rest);
-    if (rest.starts_with(u' ')) rest.remove_prefix(1);
-    constexpr double limit = 1e3;
-    if (!x || !y || !(std::abs(*x) <= limit && std::abs(*y) <= limit)) refuse("a broken path");
-    _fractions.emplace_back(*x, *y);
+    _fractions.push_back({takeFraction(rest), takeFraction(rest)});
   }
   if (_fractions.size() < 4 || _fractions.size() % 3 != 1) refuse("a path without curves");
 }
@@ -84,8 +87,9 @@ Path::Path(const NSRef<NSCoder>& coder) : Shape(coder) {
 void Path::encodeWithCoder(const NSRef<NSCoder>& coder) const {
   Shape::encodeWithCoder(coder);
   const auto text = NSMake<NSMutableString>();
-  for (const NSPoint point : _fractions) {
-    appendStrings(text, {numbers({point.x, point.y}), u" "_ns});
+  for (const auto [x, y] : _fractions) {
+    text->appendString(
+        NSString::stringWithFormat(u"%@ %@ "_ns, NSMake<NSNumber>(x), NSMake<NSNumber>(y)));
   }
   coder->encodeObject_forKey(text->copy(), u"fractions"_ns);
 }
@@ -103,8 +107,7 @@ bool Path::isHit(NSPoint point, double tolerance) const {
   if (!NSPointInRect(point, NSInsetRect(frame, -reach, -reach))) return false;
   const auto controls = points();
   for (std::size_t k = 0; k + 3 < controls.size(); k += 3) {
-    const NSPoint nearest = ZKNearestPointOnCurveRefined(&controls[k], nullptr, point);
-    if (ZKDiffPointSquaredLength(nearest, point) <= reach * reach) return true;
+    if (ZKProjectOnCurve(&controls[k], point).distance <= reach) return true;
   }
   return false;
 }
@@ -120,13 +123,18 @@ NSRef<NSString> Path::svgElement() const {
   const auto data = NSMake<NSMutableString>();
   const auto controls = points();
   for (std::size_t k = 0; k < controls.size(); ++k) {
-    const auto letter = k == 0 ? u"M "_ns : k % 3 == 1 ? u" C "_ns : u" "_ns;
-    appendStrings(data, {letter, numbers({controls[k].x, controls[k].y})});
+    const auto* const letter = k == 0 ? "M" : k % 3 == 1 ? " C" : "";
+    data->appendString(
+        NSString::stringWithFormat(u"%s %.10g %.10g"_ns, letter, controls[k].x, controls[k].y));
   }
   return NSString::stringWithFormat(
-      u"<path d=\"%@\" fill=\"none\" stroke=\"%@\" stroke-width=\"%@\"/>"_ns, data,
-      svgColour(colour), NSMake<NSNumber>(lineWidth));
+      u"<path d=\"%@\" fill=\"none\" stroke=\"#%06x\" stroke-width=\"%g\"/>"_ns, data, colour,
+      lineWidth);
 }
+
+double (*Label::widthOfLine)(const NSRef<NSString>&) = [](const NSRef<NSString>& line) {
+  return 0.42 * static_cast<double>(line->length());
+};
 
 Label::Label(const NSRef<NSString>& aName, NSPoint origin, double lineHeight,
              const NSRef<NSString>& text)
@@ -147,29 +155,34 @@ void Label::encodeWithCoder(const NSRef<NSCoder>& coder) const {
 void Label::setText(const NSRef<NSString>& text) {
   const double height = lineHeight();
   _text = text->copy();
-  NSUInteger longest = 1;
-  for (const auto& line : lines()->each<NSString>()) longest = std::max(longest, line->length());
-  // Letters are about half as wide as they are high; only the window knows fonts.
-  frame.size = {height * 0.42 * static_cast<double>(longest),
-                height * static_cast<double>(lines()->count())};
+  const auto lines = linesOf(_text);
+  frame.size = {height * widestOf(lines), height * static_cast<double>(lines->count())};
 }
 
 double Label::lineHeight() const {
-  return frame.size.height / static_cast<double>(lines()->count());
+  return frame.size.height / static_cast<double>(linesOf(_text)->count());
+}
+
+std::vector<Label::Line> Label::lines() const {
+  const auto texts = linesOf(_text);
+  const double scale = frame.size.width / widestOf(texts);
+  NSPoint baseline = frame.origin + NSPoint(0, fontSize());
+  std::vector<Line> result;
+  for (const auto& text : texts->each<NSString>()) {
+    if (text->length() > 0) result.push_back({text, baseline, widthOfLine(text) * scale});
+    baseline.y += lineHeight();
+  }
+  return result;
 }
 
 NSRef<NSString> Label::svgElement() const {
-  const auto text = NSMake<NSMutableString>();
-  const double size = lineHeight() * 0.75;
-  double baseline = frame.origin.y + size;
-  for (const auto& line : lines()->each<NSString>()) {
-    text->appendString(NSString::stringWithFormat(
-        u"<text x=\"%@\" y=\"%@\" font-family=\"sans-serif\" font-size=\"%@\" fill=\"%@\" xml:space=\"preserve\">%@</text>"_ns,
-        NSMake<NSNumber>(frame.origin.x), NSMake<NSNumber>(baseline), NSMake<NSNumber>(size),
-        svgColour(colour), svgText(line)));
-    baseline += lineHeight();
+  const auto element = NSMake<NSMutableString>();
+  for (const auto& [text, baseline, width] : lines()) {
+    element->appendString(NSString::stringWithFormat(
+        u"<text x=\"%.10g\" y=\"%.10g\" textLength=\"%.10g\" lengthAdjust=\"spacingAndGlyphs\" font-family=\"sans-serif\" font-size=\"%.10g\" fill=\"#%06x\" xml:space=\"preserve\">%@</text>"_ns,
+        baseline.x, baseline.y, width, fontSize(), colour, svgText(text)));
   }
-  return text;
+  return element;
 }
 
 NSRef<NSData> dataWithShapes(const NSRef<NSArray>& shapes) {
@@ -183,14 +196,14 @@ NSRef<NSArray> shapesWithData(const NSRef<NSData>& data, NSRef<NSError>* error) 
   const auto shapes =
       NSKeyedUnarchiver::unarchivedObjectOfClass_fromData_error<NSArray>(data, error);
   if (!shapes) return nullptr;
-  if (arrayWithObjectsKindOfClass(shapes, NSClass::of<Shape>())->count() != shapes->count()) {
-    if (error != nullptr) {
-      *error = NSError::errorWithDomain_code_userInfo(NSCocoaErrorDomain(), NSCoderReadCorruptError,
-                                                      nullptr);
-    }
-    return nullptr;
+  if (arrayWithObjectsKindOfClass(shapes, NSClass::of<Shape>())->count() == shapes->count()) {
+    return shapes->copy();
   }
-  return shapes->copy();
+  if (error != nullptr) {
+    *error = NSError::errorWithDomain_code_description(
+        NSCocoaErrorDomain(), NSCoderReadCorruptError, u"not all are shapes"_ns);
+  }
+  return nullptr;
 }
 
 }  // namespace sketchbook

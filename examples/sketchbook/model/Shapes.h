@@ -40,21 +40,39 @@ class Path : public Shape {
   std::vector<NSPoint> _fractions;
 };
 
+/// A text whose lines fill the frame: each is as high as the others, and the longest is as wide as
+/// it.
 class Label : public Shape {
  public:
+  /// The size of letters, of the height of a line.
+  static constexpr double fontSizeOfHeight = 0.75;
+  /// Measures a line of text, in heights of a line. Guesses, until the window sets it, which knows
+  /// fonts.
+  static double (*widthOfLine)(const NSRef<NSString>& line);
+
   Label(const NSRef<NSString>& aName, NSRect aFrame, const NSRef<NSString>& text)
       : Shape(aName, aFrame), _text(text->copy()) {}
-  /// Makes a label with lines of that height, about as large as its text.
+  /// Makes a label with lines of that height, as large as its text.
   Label(const NSRef<NSString>& aName, NSPoint origin, double lineHeight,
         const NSRef<NSString>& text);
   explicit Label(const NSRef<NSCoder>& coder);
 
   NSRef<NSString> text() const override { return _text; }
-  /// Keeps the height of a line; the frame becomes about as large as the text.
+  /// Keeps the height of a line; the frame becomes as large as the text.
   void setText(const NSRef<NSString>& text) override;
   /// Gives the height of a line: the frame's over the number of lines.
   double lineHeight() const;
-  NSRef<NSArray> lines() const { return _text->componentsSeparatedByString(u"\n"_ns); }
+  double fontSize() const { return lineHeight() * fontSizeOfHeight; }
+
+  struct Line {
+    NSRef<NSString> text;
+    /// Where it starts.
+    NSPoint baseline;
+    /// The text is stretched to it.
+    double width;
+  };
+  /// Gives the lines that have a text.
+  std::vector<Line> lines() const;
 
   NSRef<NSString> svgElement() const override;
   void encodeWithCoder(const NSRef<NSCoder>& coder) const override;
