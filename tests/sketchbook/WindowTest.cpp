@@ -21,7 +21,10 @@ std::unique_ptr<QtHost> host;
 // A window that is used as people use it, by mouse and keys.
 class SketchbookWindow : public testing::Test {
  protected:
-  SketchbookWindow() { window->show(); }
+  SketchbookWindow() {
+    window->show();
+    QApplication::setActiveWindow(window);
+  }
   ~SketchbookWindow() override {
     document->close();
     delete window;
@@ -41,7 +44,7 @@ class SketchbookWindow : public testing::Test {
   void write(NSPoint at, const char* text) {
     canvas.setTool(Tool::label);
     mouse(QEvent::MouseButtonPress, at);
-    auto* const editor = canvas.findChild<QPlainTextEdit*>();
+    auto* const editor = canvas.findChild<QTextEdit*>();
     QTest::keyClicks(editor, text);
     QTest::keyClick(editor, Qt::Key_Escape);
     delete editor;
@@ -140,6 +143,14 @@ TEST_F(SketchbookWindow, looksAsItsShapesSay) {
   EXPECT_EQ(colourAt({100, 100}), QColor(Qt::white));
   EXPECT_EQ(colourAt({200, 300}), colourOf(0xC05621));
   EXPECT_TRUE(pictureOfShapes(sampleShapes(), [](double) { return false; }).isNull());
+
+  for (const auto& text : {u"iiii"_ns, u"WWWW"_ns}) {
+    const auto label = NSMake<Label>(u"Label"_ns, NSZeroPoint, 100, text);
+    const QImage drawn = pictureOfShapes(NSMake<NSArray>({label}));
+    const QImage dark = drawn.createHeuristicMask(false);
+    EXPECT_NEAR(QRegion(QBitmap::fromImage(dark)).boundingRect().width(),
+                2 * label->frame.size.width, 30) << text;
+  }
 }
 
 TEST(QtHost, sleepsWhereNothingIsToBeDone) {
@@ -163,6 +174,7 @@ int main(int argc, char** argv) {
   qputenv("LANGUAGE", "en");
   const QApplication application(argc, argv);
   host = std::make_unique<QtHost>();
+  measureLabels();
   testing::InitGoogleTest(&argc, argv);
   const int result = RUN_ALL_TESTS();
   host = nullptr;

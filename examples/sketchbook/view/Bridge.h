@@ -2,14 +2,11 @@
 
 #include "examples/sketchbook/model/Texts.h"
 
-#include <QColor>
-#include <QPointF>
-#include <QRectF>
-#include <QString>
+#include <QtWidgets>
 
 #include <ZKFoundation/ZKFoundation.h>
 
-// Qt's values for the library's and back.
+// Qt's values for the library's and back, and what all widgets need of it.
 
 namespace sketchbook {
 
@@ -29,11 +26,20 @@ inline NSPoint fromQt(QPointF point) { return {point.x(), point.y()}; }
 
 inline QColor colourOf(NSInteger colour) { return QColor::fromRgb(static_cast<QRgb>(colour)); }
 
+/// Gives a text of the program in the user's language.
+inline QString inLanguage(const NSRef<NSString>& text) { return toQt(localized(text)); }
+
 /// Dies with the widget that holds it. As a weak target it lets delayed blocks have the widget's
 /// `this`.
 struct WidgetLife : NSObject {};
 
-/// Gives a text of the program in the user's language.
-inline QString inLanguage(const NSRef<NSString>& text) { return toQt(localized(text)); }
+/// Calls the block at each notification of that name, of the object or for nil of any, for as long
+/// as the answer is held.
+template <class Block>
+NSObservation observe(const NSRef<NSString>& name, const NSRef<NSObject>& object, Block block) {
+  const auto center = NSNotificationCenter::defaultCenter();
+  return {center, center->addObserverForName_object_queue_usingBlock(name, object, nullptr,
+                                                                     std::move(block))};
+}
 
 }  // namespace sketchbook

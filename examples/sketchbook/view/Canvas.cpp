@@ -1,53 +1,82 @@
 #include "examples/sketchbook/view/Canvas.h"
 
 #include "examples/sketchbook/model/Pictures.h"
-#include "examples/sketchbook/model/Shapes.h"
-#include "examples/sketchbook/view/Bridge.h"
 #include "examples/sketchbook/view/Painting.h"
 
-#include <QPainter>
 #include <cmath>
 
 namespace sketchbook {
 
-Canvas::Canvas(const NSRef<Drawing>& drawing) : _drawing(drawing) {
+namespace {
+
+const QColor gridColour(0xEE, 0xF1, 0xF5);
+const QColor selectionColour(0x3B, 0x82, 0xF6);
+const QColor guideColour(0xE1, 0x1D, 0x48);
+const QColor hintColour(0x6B, 0x72, 0x80);
+
+// A line over all of the area, at an x or y.
+void drawVertical(QPainter& painter, double x, NSRect area) {
+  painter.drawLine(QPointF(x, NSMinY(area)), QPointF(x, NSMaxY(area)));
+}
+void drawHorizontal(QPainter& painter, double y, NSRect area) {
+  painter.drawLine(QPointF(NSMinX(area), y), QPointF(NSMaxX(area), y));
+}
+
+// The first multiple of the step from there on.
+double firstOf(double step, double from) { return std::ceil(from / step) * step; }
+
+}  // namespace
+
+Canvas::Canvas(const NSRef<Drawing>& drawing)
+    : _drawing(drawing), _observation(observe(DrawingDidChange(), drawing, [this] { update(); })) {
   setFocusPolicy(Qt::StrongFocus);
+  setMouseTracking(true);
   setMinimumSize(320, 240);
-  const auto center = NSNotificationCenter::defaultCenter();
-  _observation = {center, center->addObserverForName_object_queue_usingBlock(
-                              DrawingDidChange(), drawing, nullptr, [this] { update(); })};
+  setAccessibleName(inLanguage(u"Drawing"_ns));
 }
 
 void Canvas::setTool(Tool tool) {
   finishEditing();
   _tool = tool;
-  setCursor(tool == Tool::select ? Qt::ArrowCursor : Qt::CrossCursor);
-  if (onToolChange) onToolChange(tool);
+  showCursor(mapFromGlobal(QCursor::pos()));
+  update();
+  onChange();
 }
 
 NSPoint Canvas::fromWidget(QPointF point) const { return fromQt((point - _offset) / _zoom); }
 QPointF Canvas::toWidget(NSPoint point) const { return toQt(point) * _zoom + _offset; }
 
-void Canvas::zoomBy(double factor, QPointF about) {
-  const NSPoint fixed = fromWidget(about);
-  _zoom = std::clamp(_zoom * factor, 0.05, 40.0);
-  _offset += about - toWidget(fixed);
+NSRect Canvas::shownArea() const {
+  return ZKMakeRectFromTwoPoints(fromWidget({}), fromWidget(rect().bottomRight()));
+}
+
+void Canvas::setView(double zoom, QPointF offset) {
+  finishEditing();
+  _zoom = zoom;
+  _offset = offset;
   update();
+  onChange();
+}
+
+void Canvas::zoomBy(double factor, QPointF about) {
+  const double zoom = std::clamp(_zoom * factor, 0.05, 40.0);
+  setView(zoom, about - toQt(fromWidget(about)) * zoom);
 }
 
 void Canvas::zoomToFit() {
-  finishEditing();
-  _zoom = 1;
-  _offset = {};
-  if (_drawing->shapes()->count() > 0) {
-    const NSRect area = pictureArea(_drawing->shapes());
-    const NSRect shown = ZKScaleRectToFitInRect(
-        ZKScaleProportionallyDown, ZKAlignCenter, area,
-        {{0, 0}, {static_cast<CGFloat>(width()), static_cast<CGFloat>(height())}});
-    _zoom = shown.size.width / area.size.width;
-    _offset = toQt(shown.origin - area.origin * _zoom);
-  }
-  update();
+  if (_drawing->shapes()->count() == 0) return showOrigin();
+  const NSRect area = pictureArea(_drawing->shapes());
+  const NSRect shown = ZKScaleRectToFitInRect(ZKScaleProportionallyDown, ZKAlignCenter, area,
+                                              {{0, 0}, {double(width()), double(height())}});
+  const double zoom = shown.size.width / area.size.width;
+  setView(zoom, toQt(shown.origin - area.origin * zoom));
+}
+
+void Canvas::showSelection() {
+  const NSRect frame = _drawing->selectedFrame();
+  if (NSContainsRect(shownArea(), frame)) return;
+  const NSPoint middle = {NSMidX(frame), NSMidY(frame)};
+  setView(_zoom, QPointF(rect().center()) - toQt(middle) * _zoom);
 }
 
 void Canvas::paintEvent(QPaintEvent* /*event*/) {
@@ -55,55 +84,52 @@ void Canvas::paintEvent(QPaintEvent* /*event*/) {
   painter.fillRect(rect(), Qt::white);
   painter.translate(_offset);
   painter.scale(_zoom, _zoom);
-  paintGrid(painter);
+  const NSRect shown = shownArea();
+  if (const double step = snapping.grid; step * _zoom >= 4) {
+    painter.setPen(QPen(gridColour, 0));
+    double x = firstOf(step, NSMinX(shown));
+    for (; x < NSMaxX(shown); x += step) drawVertical(painter, x, shown);
+    double y = firstOf(step, NSMinY(shown));
+    for (; y < NSMaxY(shown); y += step) drawHorizontal(painter, y, shown);
+  }
   painter.setRenderHint(QPainter::Antialiasing);
   const auto shapes = _drawing->shapes();
   for (NSUInteger index = 0; index < shapes->count(); ++index) {
+    const auto& shape = *shapes[index].as<Shape>();
     const bool isCovered = _editor != nullptr && index == _edited;
-    if (!isCovered) paintShape(painter, *shapes[index].as<Shape>());
+    const NSRect area = NSInsetRect(shape.frame, -Shape::lineWidth, -Shape::lineWidth);
+    if (!isCovered && NSIntersectsRect(area, shown)) paintShape(painter, shape);
   }
-  paintSelection(painter);
+  if (_now.sketch) paintShape(painter, *_now.sketch);
+  if (_editor == nullptr) paintSelection(painter);
 }
 
-void Canvas::paintGrid(QPainter& painter) const {
-  const double step = _snapping.grid;
-  if (step * _zoom < 4) return;
-  painter.setPen(QPen(QColor(0xEE, 0xF1, 0xF5), 0));
-  const NSPoint first = fromWidget({0, 0}) / step;
-  const NSPoint last = fromWidget({double(width()), double(height())}) / step;
-  for (int column = static_cast<int>(std::ceil(first.x)); column < last.x; ++column) {
-    const double x = column * step;
-    painter.drawLine(QPointF(x, first.y * step), QPointF(x, last.y * step));
-  }
-  for (int row = static_cast<int>(std::ceil(first.y)); row < last.y; ++row) {
-    const double y = row * step;
-    painter.drawLine(QPointF(first.x * step, y), QPointF(last.x * step, y));
-  }
-}
-
+// In thin lines at any scale.
 void Canvas::paintSelection(QPainter& painter) const {
-  const QPen thin(QColor(0x3B, 0x82, 0xF6), 0);
-  painter.setPen(thin);
+  painter.setRenderHint(QPainter::Antialiasing, false);
   painter.setBrush(Qt::NoBrush);
-  if (_band) painter.drawRect(toQt(*_band));
-  for (std::size_t k = 1; k < _line.size(); ++k) {
-    painter.drawLine(toQt(_line[k - 1]), toQt(_line[k]));
+  painter.setPen(QPen(guideColour, 0));
+  if (_now.drag) {
+    for (const double x : _now.drag->verticalGuides()) drawVertical(painter, x, shownArea());
+    for (const double y : _now.drag->horizontalGuides()) drawHorizontal(painter, y, shownArea());
   }
-  if (_drag) {
-    painter.setPen(QPen(QColor(0xE1, 0x1D, 0x48), 0));
-    constexpr double far = 1e6;
-    for (const double x : _drag->verticalGuides()) painter.drawLine(QPointF(x, -far), {x, far});
-    for (const double y : _drag->horizontalGuides()) painter.drawLine(QPointF(-far, y), {far, y});
-    painter.setPen(thin);
+  painter.setPen(QPen(selectionColour, 0));
+  if (_now.band) painter.drawRect(toQt(*_now.band));
+  const auto places = handles();
+  if (!places.empty()) painter.drawRect(toQt(_drawing->selectedFrame()));
+  painter.setPen(QPen(selectionColour, 0, Qt::DotLine));
+  for (const auto& shape : _drawing->selectedShapes()->each<Shape>()) {
+    painter.drawRect(toQt(shape->frame));
   }
-  if (_drawing->selection()->count() == 0) return;
-  const NSRect frame = _drawing->selectedFrame();
-  painter.drawRect(toQt(frame));
+  painter.resetTransform();
+  painter.setPen(selectionColour);
   painter.setBrush(Qt::white);
-  const double half = 4 / _zoom;
-  for (NSUInteger handle = 0; handle < ZKHandleCenter; ++handle) {
-    const NSPoint at = ZKGetPointOfRect(handle, frame);
-    painter.drawRect(toQt(NSRect(at - NSPoint(half, half), {2 * half, 2 * half})));
+  for (const auto& [handle, at] : places)
+    painter.drawRect(QRectF(at - QPointF(4, 4), QSizeF(8, 8)));
+  if (_drawing->shapes()->count() == 0 && !_now.sketch) {
+    painter.setPen(hintColour);
+    painter.drawText(rect(), Qt::AlignCenter,
+                     inLanguage(u"Take a tool above, or press R, P or T, and draw."_ns));
   }
 }
 

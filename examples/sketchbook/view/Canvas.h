@@ -1,13 +1,8 @@
 #pragma once
 
 #include "examples/sketchbook/model/Drag.h"
-#include "examples/sketchbook/model/Drawing.h"
-
-#include <QPlainTextEdit>
-#include <QWidget>
-#include <functional>
-#include <optional>
-#include <vector>
+#include "examples/sketchbook/model/Shapes.h"
+#include "examples/sketchbook/view/Bridge.h"
 
 namespace sketchbook {
 
@@ -19,26 +14,27 @@ class Canvas : public QWidget {
  public:
   explicit Canvas(const NSRef<Drawing>& drawing);
 
-  void setTool(Tool tool);
-  /// Is told when the canvas has gone back to another tool.
-  std::function<void(Tool)> onToolChange;
-
-  const Snapping& snapping() const { return _snapping; }
-  void setSnapping(const Snapping& snapping) { _snapping = snapping; }
-  /// Gives the colour that new shapes get.
+  /// Is told when the tool or the scale has changed.
+  std::function<void()> onChange = [] {};
+  Snapping snapping{.grid = 10, .usesGuides = true};
+  /// New shapes get it.
   NSInteger colour = 0x2B6CB0;
 
+  Tool tool() const { return _tool; }
+  void setTool(Tool tool);
+  double zoom() const { return _zoom; }
   /// Enlarges about a point of the widget.
   void zoomBy(double factor, QPointF about);
   void zoomBy(double factor) { zoomBy(factor, rect().center()); }
-  /// Shows all of the drawing, or its origin in actual size when there is nothing.
+  /// Shows the origin of the sheet in its actual size.
+  void showOrigin() { setView(1, {}); }
+  /// Shows all of the drawing, or the origin when there is nothing.
   void zoomToFit();
+  /// Brings what is selected into view, where it is not.
+  void showSelection();
 
   /// Tells where a point of the sheet is shown.
   QPointF toWidget(NSPoint point) const;
-
-  /// Edits the text of the label at the index.
-  void editLabel(NSUInteger index);
   void finishEditing();
 
  protected:
@@ -53,32 +49,40 @@ class Canvas : public QWidget {
 
  private:
   NSPoint fromWidget(QPointF point) const;
-  std::optional<NSUInteger> handleAt(QPointF point) const;
-  void pressToSelect(NSPoint point, QPointF at, bool extends);
-  void finishShape();
-  void openEditor(NSPoint origin, const QString& text);
-  void paintGrid(QPainter& painter) const;
+  NSRect shownArea() const;
+  void setView(double zoom, QPointF offset);
   void paintSelection(QPainter& painter) const;
+
+  std::vector<std::pair<NSUInteger, QPointF>> handles() const;
+  std::optional<NSUInteger> handleAt(QPointF point) const;
+  NSUInteger shapeAt(QPointF point) const;
+  void showCursor(QPointF at);
+  void pressToSelect(const QMouseEvent& event);
+  void sketch(NSPoint point, ZKDragOptions keys);
+  void stop();
+  void edit(NSUInteger index, const NSRef<Label>& label);
 
   NSRef<Drawing> _drawing;
   Tool _tool = Tool::select;
-  Snapping _snapping{.grid = 10, .usesGuides = true};
   double _zoom = 1;
   QPointF _offset;
 
-  // While a button is down.
-  QPointF _pressed;
-  QPointF _last;
-  bool _isPanning = false;
-  bool _isDrawing = false;
-  std::optional<NSRect> _band;
-  std::optional<Drag> _drag;
-  std::vector<NSPoint> _line;
+  // While a button is down: what is dragged, or drawn through the points, or the area to select.
+  struct Gesture {
+    QPointF pressed;
+    QPointF last;
+    bool isPanning = false;
+    std::optional<Drag> drag;
+    std::optional<NSRect> band;
+    std::vector<NSPoint> line;
+    NSRef<Shape> sketch;
+  };
+  Gesture _now;
 
-  // The text that is being edited: of the label at the index, or of a new one.
-  QPlainTextEdit* _editor = nullptr;
+  // The label that is being edited, at the index or a new one.
+  QTextEdit* _editor = nullptr;
   NSUInteger _edited = NSNotFound;
-  NSPoint _editedAt = NSZeroPoint;
+  NSRef<Label> _label;
   NSObservation _observation;
 };
 

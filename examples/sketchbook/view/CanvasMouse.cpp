@@ -1,10 +1,8 @@
-#include "examples/sketchbook/model/Shapes.h"
-#include "examples/sketchbook/view/Bridge.h"
 #include "examples/sketchbook/view/Canvas.h"
+#include "examples/sketchbook/view/Painting.h"
 
-#include <QKeyEvent>
-#include <QMouseEvent>
-#include <QWheelEvent>
+#include <map>
+#include <numbers>
 
 namespace sketchbook {
 
@@ -14,189 +12,230 @@ namespace {
 constexpr double reach = 6;
 constexpr double leastDrag = 3;
 constexpr double leastLineStep = 8;
+
 constexpr double newLineHeight = 24;
+
+// Where a handle is as seen from the centre, -1 to 1.
+NSPoint sideOf(NSUInteger handle) { return ZKGetPointOfRect(handle, {{-1, -1}, {2, 2}}); }
+
+Qt::CursorShape cursorOf(NSUInteger handle) {
+  const NSPoint side = sideOf(handle);
+  if (handle == ZKHandleCenter) return Qt::SizeAllCursor;
+  if (side.x == 0) return Qt::SizeVerCursor;
+  if (side.y == 0) return Qt::SizeHorCursor;
+  return side.x == side.y ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor;
+}
 
 }  // namespace
 
-std::optional<NSUInteger> Canvas::handleAt(QPointF point) const {
-  if (_drawing->selection()->count() == 0) return std::nullopt;
+std::vector<std::pair<NSUInteger, QPointF>> Canvas::handles() const {
+  std::vector<std::pair<NSUInteger, QPointF>> result;
+  if (_tool != Tool::select || _drawing->selection()->count() == 0) return result;
   const NSRect frame = _drawing->selectedFrame();
+  const double room = 5 * reach / _zoom;
+  // Those in corners come first, and those between them only where there is room.
   for (NSUInteger handle = ZKHandleCenter; handle-- > 0;) {
-    const QPointF away = toWidget(ZKGetPointOfRect(handle, frame)) - point;
+    const NSPoint side = sideOf(handle);
+    if (side.x == 0 && frame.size.width < room) continue;
+    if (side.y == 0 && frame.size.height < room) continue;
+    result.emplace_back(handle, toWidget(ZKGetPointOfRect(handle, frame)));
+  }
+  return result;
+}
+
+std::optional<NSUInteger> Canvas::handleAt(QPointF point) const {
+  for (const auto& [handle, at] : handles()) {
+    const QPointF away = at - point;
     if (std::abs(away.x()) <= reach && std::abs(away.y()) <= reach) return handle;
   }
   return std::nullopt;
 }
 
-void Canvas::mousePressEvent(QMouseEvent* event) {
-  finishEditing();
-  _pressed = _last = event->position();
-  _isPanning = event->button() == Qt::MiddleButton;
-  if (event->button() != Qt::LeftButton) return;
-  const NSPoint point = fromWidget(_pressed);
-  switch (_tool) {
-    case Tool::select: {
-      const auto extending = Qt::ShiftModifier | Qt::ControlModifier;
-      return pressToSelect(point, _pressed, (event->modifiers() & extending) != 0);
-    }
-    case Tool::path:
-      _isDrawing = true;
-      _line = {point};
-      return;
-    case Tool::rectangle:
-      _isDrawing = true;
-      _band = ZKMakeRectFromPoint(ZKSnapPointToGrid(point, {_snapping.grid, _snapping.grid}).point);
-      return;
-    case Tool::label:
-      _edited = NSNotFound;
-      return openEditor(point, {});
-  }
+NSUInteger Canvas::shapeAt(QPointF point) const {
+  return _drawing->indexOfShapeAt(fromWidget(point), reach / _zoom);
 }
 
-void Canvas::pressToSelect(NSPoint point, QPointF at, bool extends) {
-  Snapping snapping = _snapping;
-  snapping.tolerance = reach / _zoom;
-  if (const auto handle = handleAt(at)) {
-    _drag.emplace(_drawing, *handle, point, snapping);
-    return;
-  }
-  const NSUInteger index = _drawing->indexOfShapeAt(point, reach / _zoom);
-  if (index == NSNotFound) {
-    if (!extends) _drawing->select(NSMake<NSIndexSet>());
-    _band = ZKMakeRectFromPoint(point);
-    return;
-  }
-  const auto selection = _drawing->selection()->mutableCopy();
-  const bool wasSelected = selection->containsIndex(index);
-  if (!extends && !wasSelected) selection->removeAllIndexes();
-  if (extends && wasSelected) {
-    selection->removeIndex(index);
+void Canvas::showCursor(QPointF at) {
+  const auto handle = _now.drag ? _now.drag->handle() : handleAt(at);
+  setCursor(_now.isPanning          ? Qt::ClosedHandCursor
+            : _tool != Tool::select ? Qt::CrossCursor
+            : handle                ? cursorOf(*handle)
+                                    : Qt::ArrowCursor);
+}
+
+void Canvas::mousePressEvent(QMouseEvent* event) {
+  finishEditing();
+  _now.pressed = _now.last = event->position();
+  const NSPoint point = fromWidget(_now.pressed);
+  if (event->button() == Qt::MiddleButton) {
+    _now.isPanning = true;
+  } else if (event->button() == Qt::RightButton) {
+    // The menu is about what is under the pointer.
+    pressToSelect(*event);
+    stop();
+  } else if (_tool == Tool::select) {
+    pressToSelect(*event);
+  } else if (_tool == Tool::label) {
+    const auto label = NSMake<Label>(localized(u"Label"_ns), point, newLineHeight, u""_ns);
+    label->colour = colour;
+    edit(NSNotFound, label);
   } else {
-    selection->addIndex(index);
+    const double grid = _tool == Tool::rectangle ? snapping.grid : 0;
+    _now.line = {ZKSnapPointToGrid(point, {grid, grid}).point};
   }
-  _drawing->select(selection);
-  _drag.emplace(_drawing, ZKHandleCenter, point, snapping);
+  showCursor(_now.pressed);
+}
+
+// With Shift a click adds a shape to the selection, with Ctrl it also takes one out.
+void Canvas::pressToSelect(const QMouseEvent& event) {
+  const bool toggles = (event.modifiers() & Qt::ControlModifier) != 0;
+  const bool extends = toggles || (event.modifiers() & Qt::ShiftModifier) != 0;
+  const auto handle = handleAt(_now.pressed);
+  const NSUInteger index = handle ? NSNotFound : shapeAt(_now.pressed);
+  const auto selection = _drawing->selection()->mutableCopy();
+  const bool wasSelected = index != NSNotFound && selection->containsIndex(index);
+  if (!handle && !extends && !wasSelected) selection->removeAllIndexes();
+  if (index != NSNotFound) selection->addIndex(index);
+  if (toggles && wasSelected) selection->removeIndex(index);
+  if (selection != _drawing->selection()) _drawing->select(selection);
+  if (!handle && index == NSNotFound) {
+    _now.band = ZKMakeRectFromPoint(fromWidget(_now.pressed));
+  } else {
+    Snapping near = snapping;
+    near.tolerance = reach / _zoom;
+    _now.drag.emplace(_drawing, handle.value_or(ZKHandleCenter), fromWidget(_now.pressed), near);
+  }
 }
 
 void Canvas::mouseMoveEvent(QMouseEvent* event) {
   const QPointF at = event->position();
   const NSPoint point = fromWidget(at);
-  const bool isConstrained = (event->modifiers() & Qt::ShiftModifier) != 0;
-  const bool fixesCenter = (event->modifiers() & Qt::AltModifier) != 0;
-  const bool hasMoved = (at - _pressed).manhattanLength() >= leastDrag;
-  if (_isPanning) {
-    _offset += at - _last;
-  } else if (_drag && hasMoved) {
-    _drag->moveTo(point, isConstrained, fixesCenter);
-  } else if (_isDrawing && _tool == Tool::path) {
-    if ((at - toWidget(_line.back())).manhattanLength() >= leastLineStep) _line.push_back(point);
-  } else if (_isDrawing) {
-    const NSSize grid(_snapping.grid, _snapping.grid);
-    const NSPoint start = ZKSnapPointToGrid(fromWidget(_pressed), grid).point;
-    _band = ZKDragHandle(ZKMakeRectFromPoint(start), ZKHandleMaxXMaxY,
-                         ZKSnapPointToGrid(point, grid).point,
-                         {.keepsProportions = isConstrained, .fixesCenter = fixesCenter})
-                .rect;
-  } else if (_band) {
-    _band = ZKMakeRectFromTwoPoints(fromWidget(_pressed), point);
+  const ZKDragOptions keys = {.keepsProportions = (event->modifiers() & Qt::ShiftModifier) != 0,
+                              .fixesCenter = (event->modifiers() & Qt::AltModifier) != 0};
+  const bool hasMoved = (at - _now.pressed).manhattanLength() >= leastDrag;
+  if (_now.isPanning) {
+    setView(_zoom, _offset + at - _now.last);
+  } else if (_now.drag && hasMoved) {
+    _now.drag->moveTo(point, keys.keepsProportions, keys.fixesCenter);
+  } else if (!_now.line.empty() && hasMoved) {
+    sketch(point, keys);
+  } else if (_now.band) {
+    _now.band = ZKMakeRectFromTwoPoints(fromWidget(_now.pressed), point);
+    update();
   }
-  _last = at;
+  _now.last = at;
+  showCursor(at);
+}
+
+void Canvas::sketch(NSPoint point, ZKDragOptions keys) {
+  if (_tool == Tool::rectangle) {
+    const NSPoint corner = ZKSnapPointToGrid(point, {snapping.grid, snapping.grid}).point;
+    const NSRect start = ZKMakeRectFromPoint(_now.line[0]);
+    const NSRect rect = ZKDragHandle(start, ZKHandleMaxXMaxY, corner, keys).rect;
+    _now.sketch =
+        NSIsEmptyRect(rect) ? nullptr : NSMake<Rectangle>(localized(u"Rectangle"_ns), rect);
+  } else {
+    auto points = _now.line;
+    if (keys.keepsProportions) {
+      points.resize(1);
+      point = points[0] + ZKSnapVectorToAngle(point - points[0], std::numbers::pi / 4).point;
+    }
+    points.push_back(point);
+    _now.sketch = NSMake<Path>(localized(u"Path"_ns), points);
+    const QPointF step = toWidget(point) - toWidget(_now.line.back());
+    if (!keys.keepsProportions && step.manhattanLength() >= leastLineStep) _now.line = points;
+  }
+  if (_now.sketch) _now.sketch->colour = colour;
   update();
 }
 
-void Canvas::mouseReleaseEvent(QMouseEvent* /*event*/) {
-  if (_isDrawing) {
-    finishShape();
-  } else if (_band) {
+void Canvas::mouseReleaseEvent(QMouseEvent* event) {
+  if (_now.sketch) {
+    _drawing->add(u"Draw"_ns, NSMake<NSArray>({_now.sketch}));
+    _tool = Tool::select;
+  } else if (_now.band) {
     const auto selection = _drawing->selection()->mutableCopy();
     const auto shapes = _drawing->shapes();
     for (NSUInteger index = 0; index < shapes->count(); ++index) {
       // Straight lines count, which have no area.
       const NSRect frame = NSInsetRect(shapes[index].as<Shape>()->frame, -0.5, -0.5);
-      if (NSIntersectsRect(*_band, frame)) selection->addIndex(index);
+      if (NSIntersectsRect(*_now.band, frame)) selection->addIndex(index);
     }
     _drawing->select(selection);
   }
-  _isPanning = _isDrawing = false;
-  _band.reset();
-  _drag.reset();
-  _line.clear();
-  update();
+  stop();
+  showCursor(event->position());
 }
 
-void Canvas::finishShape() {
-  NSRef<Shape> shape;
-  if (_tool == Tool::path && _line.size() >= 2) {
-    shape = NSMake<Path>(localized(u"Path"_ns), _line);
-  } else if (_tool == Tool::rectangle && !NSIsEmptyRect(*_band)) {
-    shape = NSMake<Rectangle>(localized(u"Rectangle"_ns), *_band);
-  }
-  if (!shape) return;
-  shape->colour = colour;
-  _drawing->add(u"Draw"_ns, NSMake<NSArray>({shape}));
-  setTool(Tool::select);
+void Canvas::stop() {
+  _now = {};
+  update();
+  onChange();
 }
 
 void Canvas::mouseDoubleClickEvent(QMouseEvent* event) {
-  const NSUInteger index = _drawing->indexOfShapeAt(fromWidget(event->position()), reach / _zoom);
-  if (index != NSNotFound) editLabel(index);
+  const NSUInteger index = shapeAt(event->position());
+  if (index == NSNotFound) return;
+  if (const auto label = _drawing->shapes()[index].as<Label>()) edit(index, label);
 }
 
 void Canvas::wheelEvent(QWheelEvent* event) {
   if ((event->modifiers() & Qt::ControlModifier) != 0) {
     zoomBy(std::pow(1.0015, event->angleDelta().y()), event->position());
   } else {
-    _offset += QPointF(event->angleDelta()) / 2;
-    update();
+    setView(_zoom, _offset + QPointF(event->angleDelta()) / 2);
   }
 }
 
 void Canvas::keyPressEvent(QKeyEvent* event) {
-  const double step = _snapping.grid > 0 ? _snapping.grid : 1;
-  const auto nudge = [&](NSPoint vector) {
-    _drawing->changeSelected(u"Move"_ns, [=](Shape& shape) { shape.frame += vector; });
-  };
-  switch (event->key()) {
-    case Qt::Key_Left:
-      return nudge({-step, 0});
-    case Qt::Key_Right:
-      return nudge({step, 0});
-    case Qt::Key_Up:
-      return nudge({0, -step});
-    case Qt::Key_Down:
-      return nudge({0, step});
-    case Qt::Key_Delete:
-    case Qt::Key_Backspace:
-      return _drawing->removeSelected(u"Delete"_ns);
-    case Qt::Key_Escape:
-      if (_drag) _drag->cancel();
-      _drag.reset();
-      _band.reset();
-      _isDrawing = false;
-      _line.clear();
-      return setTool(Tool::select);
-    default:
-      return QWidget::keyPressEvent(event);
+  static const std::map<int, NSPoint> directions = {{Qt::Key_Left, {-1, 0}},
+                                                    {Qt::Key_Right, {1, 0}},
+                                                    {Qt::Key_Up, {0, -1}},
+                                                    {Qt::Key_Down, {0, 1}}};
+  const auto direction = directions.find(event->key());
+  if (direction != directions.end()) {
+    const NSPoint step = direction->second * std::max(snapping.grid, 1.0);
+    _drawing->changeSelected(u"Move"_ns, [=](Shape& shape) { shape.frame += step; });
+  } else if (event->key() == Qt::Key_Backspace) {
+    _drawing->removeSelected(u"Delete"_ns);
+  } else if (event->key() == Qt::Key_Escape) {
+    if (_now.drag) _now.drag->cancel();
+    stop();
+    setTool(Tool::select);
+  } else {
+    QWidget::keyPressEvent(event);
   }
 }
 
-void Canvas::editLabel(NSUInteger index) {
+// Lays an editor over the label that looks as it does.
+void Canvas::edit(NSUInteger index, const NSRef<Label>& label) {
   finishEditing();
-  const auto shape = _drawing->shapes()[index].as<Shape>();
-  if (!shape->text()) return;
   _edited = index;
-  openEditor(shape->frame.origin, toQt(shape->text()));
-}
-
-void Canvas::openEditor(NSPoint origin, const QString& text) {
-  _editedAt = origin;
-  _editor = new QPlainTextEdit(text, this);
-  QFont font = _editor->font();
-  font.setPixelSize(static_cast<int>(newLineHeight * 0.75));
+  _label = label;
+  _editor = new QTextEdit(this);
+  _editor->setAccessibleName(inLanguage(u"Label"_ns));
+  _editor->setAcceptRichText(false);
+  _editor->setLineWrapMode(QTextEdit::NoWrap);
+  _editor->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  _editor->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  _editor->setStyleSheet(QStringLiteral("border: 1px solid #3B82F6; background: white; color: %1")
+                             .arg(colourOf(label->colour).name()));
+  QFont font = labelFont();
+  font.setPixelSize(std::max(1, static_cast<int>(label->fontSize() * _zoom)));
   _editor->setFont(font);
-  _editor->setGeometry(QRect(toWidget(origin).toPoint(), QSize(240, 80)));
-  _editor->installEventFilter(this);
+  _editor->document()->setDocumentMargin(0);
+  QTextBlockFormat format;
+  format.setLineHeight(label->lineHeight() * _zoom, QTextBlockFormat::FixedHeight);
+  _editor->textCursor().setBlockFormat(format);
+  _editor->move(toWidget(label->frame.origin).toPoint() - QPoint(1, 1));
+  const auto fit = [editor = _editor] {
+    editor->resize((editor->document()->size() + QSizeF(40, 2)).toSize());
+  };
+  connect(_editor, &QTextEdit::textChanged, _editor, fit);
+  _editor->insertPlainText(toQt(label->text()));
+  fit();
   _editor->selectAll();
+  _editor->installEventFilter(this);
   _editor->show();
   _editor->setFocus();
   update();
@@ -205,31 +244,28 @@ void Canvas::openEditor(NSPoint origin, const QString& text) {
 bool Canvas::eventFilter(QObject* watched, QEvent* event) {
   const bool isEscape =
       event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
-  if (watched == _editor && (isEscape || event->type() == QEvent::FocusOut)) {
-    finishEditing();
-    return isEscape;
-  }
-  return QWidget::eventFilter(watched, event);
+  const bool isLeft = event->type() == QEvent::FocusOut &&
+                      static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason;
+  if (watched == _editor && (isEscape || isLeft)) finishEditing();
+  return isEscape || QWidget::eventFilter(watched, event);
 }
 
 void Canvas::finishEditing() {
-  if (_editor == nullptr) return;
-  const auto text = fromQt(_editor->toPlainText());
+  // What loses the focus below comes here again.
+  auto* const editor = std::exchange(_editor, nullptr);
+  if (editor == nullptr) return;
+  const auto text = fromQt(editor->toPlainText());
   // Who has clicked elsewhere goes on there.
-  if (_editor->hasFocus()) setFocus();
-  std::exchange(_editor, nullptr)->deleteLater();
-  if (_edited != NSNotFound && _edited < _drawing->shapes()->count()) {
-    if (_drawing->shapes()[_edited].as<Shape>()->text() != text) {
-      _drawing->select(NSMake<NSIndexSet>(_edited));
-      _drawing->changeSelected(u"Edit Text"_ns, [&](Shape& shape) { shape.setText(text); });
-    }
-  } else if (text->length() > 0) {
-    const auto label = NSMake<Label>(localized(u"Label"_ns), _editedAt, newLineHeight, text);
-    label->colour = colour;
-    _drawing->add(u"Draw"_ns, NSMake<NSArray>({label}));
+  if (editor->hasFocus()) setFocus();
+  editor->deleteLater();
+  if (_edited == NSNotFound && text->length() > 0) {
+    _label->setText(text);
+    _drawing->add(u"Draw"_ns, NSMake<NSArray>({_label}));
+  } else if (_edited != NSNotFound && text != _label->text()) {
+    _drawing->select(NSMake<NSIndexSet>(_edited));
+    _drawing->changeSelected(u"Edit Text"_ns, [&](Shape& shape) { shape.setText(text); });
   }
   setTool(Tool::select);
-  update();
 }
 
 }  // namespace sketchbook

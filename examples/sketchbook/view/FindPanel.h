@@ -1,15 +1,8 @@
 #pragma once
 
 #include "examples/sketchbook/model/Finding.h"
-#include "examples/sketchbook/model/Task.h"
-
-#include <QCheckBox>
-#include <QCompleter>
-#include <QLabel>
-#include <QLineEdit>
-#include <QStringListModel>
-#include <QWidget>
-#include <optional>
+#include "examples/sketchbook/view/Canvas.h"
+#include "examples/sketchbook/view/TaskBar.h"
 
 namespace sketchbook {
 
@@ -17,32 +10,97 @@ namespace sketchbook {
 /// in the background.
 class FindPanel : public QWidget {
  public:
-  FindPanel(const NSRef<Drawing>& drawing, const dispatch_queue_t& queue);
-  ~FindPanel() override;
+  FindPanel(const NSRef<Drawing>& drawing, Canvas* canvas, TaskBar* tasks)
+      : _drawing(drawing), _canvas(canvas), _tasks(tasks) {
+    auto* const completer = new QCompleter(_words, this);
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
+    _needle->setCompleter(completer);
+    _needle->setObjectName(QStringLiteral("needle"));
+    _replacement->setObjectName(QStringLiteral("replacement"));
+    _answer->setWordWrap(true);
+    auto* const next = new QPushButton(inLanguage(u"Find Next"_ns));
+    auto* const all = new QPushButton(inLanguage(u"Replace All"_ns));
+    auto* const buttons = new QHBoxLayout;
+    for (auto* const button : {next, all}) buttons->addWidget(button);
+    auto* const form = new QFormLayout(this);
+    form->addRow(inLanguage(u"Find"_ns), _needle);
+    form->addRow(inLanguage(u"Replace by"_ns), _replacement);
+    for (auto* const option : {_respectsCase, _wholeWords, _isPattern}) form->addRow(option);
+    form->addRow(buttons);
+    form->addRow(_answer);
+    connect(_needle, &QLineEdit::returnPressed, this, &FindPanel::findNext);
+    connect(next, &QPushButton::clicked, this, &FindPanel::findNext);
+    connect(all, &QPushButton::clicked, this, &FindPanel::replaceAll);
+  }
 
-  /// Is called with each task that begins.
-  std::function<void(const NSRef<Task>&)> onTask;
-  void takeFocus();
-  void findNext();
-  void replaceAll();
+  void takeFocus() {
+    _needle->setFocus();
+    _needle->selectAll();
+    collectWords();
+  }
+
+  void findNext() {
+    NSRef<NSError> error;
+    _match = sketchbook::findNext(_drawing->shapes(), *finder(), _match, &error);
+    if (!_match) return tell(error, localized(u"Not found."_ns));
+    _drawing->select(NSMake<NSIndexSet>(_match->index));
+    _canvas->showSelection();
+    const auto text = _drawing->shapes()[_match->index].as<Shape>()->text();
+    tell(error, quoted(text->substringWithRange(text->lineRangeForRange(_match->range))));
+  }
 
  private:
-  NSRef<ZKTextFinder> finder() const;
-  void collectWords();
+  void replaceAll() {
+    NSRef<NSError> error;
+    const NSUInteger count =
+        sketchbook::replaceAll(*_drawing, *finder(), fromQt(_replacement->text()), &error);
+    tell(error, NSString::stringWithFormat(localized(u"%u replaced."_ns), count));
+  }
+
+  NSRef<ZKTextFinder> finder() const {
+    NSStringCompareOptions options{};
+    if (!_respectsCase->isChecked()) options |= NSCaseInsensitiveSearch;
+    if (_isPattern->isChecked()) options |= ZKRegularExpressionSearch;
+    return NSMake<ZKTextFinder>(fromQt(_needle->text()), options,
+                                _wholeWords->isChecked() ? ZKWordCompareWhole : ZKWordCompareNone);
+  }
+
+  void tell(const NSRef<NSError>& error, const NSRef<NSString>& answer) {
+    const auto refusal = localized(u"This is no regular expression (%@)."_ns);
+    _answer->setText(
+        toQt(error ? NSString::stringWithFormat(refusal, error->localizedDescription()) : answer));
+  }
+
+  void collectWords() {
+    if (!isVisible() || _drawing->shapes().is(_collected)) return;
+    if (_collecting) _collecting->cancel();
+    _collected = _drawing->shapes();
+    // The shapes of an array stay as they are while people draw on.
+    _collecting = _tasks->start(
+        u"Collecting words"_ns,
+        [shapes = _collected](const Progress& progress) { return wordsOfLabels(shapes, progress); },
+        [this](const NSRef<NSObject>& result) {
+          QStringList words;
+          for (const auto& word : result.as<NSArray>()->each<NSString>()) words.append(toQt(word));
+          _words->setStringList(words);
+        });
+  }
 
   NSRef<Drawing> _drawing;
-  dispatch_queue_t _queue;
+  Canvas* _canvas;
+  TaskBar* _tasks;
   std::optional<LabelMatch> _match;
   NSRef<NSArray> _collected;
   NSRef<Task> _collecting;
   QLineEdit* _needle = new QLineEdit;
   QLineEdit* _replacement = new QLineEdit;
-  QCheckBox* _respectsCase = new QCheckBox;
-  QCheckBox* _wholeWords = new QCheckBox;
-  QCheckBox* _isPattern = new QCheckBox;
+  QCheckBox* _respectsCase = new QCheckBox(inLanguage(u"Match case"_ns));
+  QCheckBox* _wholeWords = new QCheckBox(inLanguage(u"Whole words"_ns));
+  QCheckBox* _isPattern = new QCheckBox(inLanguage(u"Regular expression"_ns));
   QLabel* _answer = new QLabel;
   QStringListModel* _words = new QStringListModel(this);
-  NSObservation _observation;
+  const NSObservation _observation =
+      observe(DrawingDidChange(), _drawing, [this] { collectWords(); });
 };
 
 }  // namespace sketchbook

@@ -1,17 +1,9 @@
 #pragma once
 
 #include "examples/sketchbook/model/Document.h"
-#include "examples/sketchbook/view/Canvas.h"
 #include "examples/sketchbook/view/FindPanel.h"
-#include "examples/sketchbook/view/Inspector.h"
-#include "examples/sketchbook/view/TaskBar.h"
 
-#include <QAction>
-#include <QMainWindow>
-#include <QMenu>
-#include <functional>
-#include <map>
-#include <string>
+#include <unordered_map>
 
 namespace sketchbook {
 
@@ -20,7 +12,6 @@ namespace sketchbook {
 class MainWindow : public QMainWindow {
  public:
   explicit MainWindow(const NSRef<Document>& document);
-  ~MainWindow() override;
 
   /// Gives the folder for copies of unsaved work.
   static NSRef<NSURL> recoveryFolder();
@@ -29,55 +20,55 @@ class MainWindow : public QMainWindow {
   /// Opens the document in a window of its own; null when it cannot be opened, which the parent
   /// tells.
   static MainWindow* openWindow(const NSRef<NSURL>& url, QWidget* parent);
-  /// Asks what to do with work that a crash has left behind.
-  static void offerRecovery();
-  static void showError(QWidget* parent, const NSRef<NSError>& error);
+  /// Asks what to do with work that a crash has left behind, and whether any of it was opened.
+  static bool offerRecovery();
 
   Canvas& canvas() { return *_canvas; }
-  const NSRef<Document>& document() const { return _document; }
   /// Does what the item of a menu does, named by its text in the program.
-  void trigger(const NSRef<NSString>& item);
+  void trigger(const NSRef<NSString>& item) { _items.at(item)->trigger(); }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  using Action = std::function<void()>;
-  // Writes a picture of the shapes; gives what went wrong, if that is an error.
-  using Export = std::function<NSRef<NSObject>(const NSRef<NSURL>&, const NSRef<NSArray>& shapes,
-                                               const Progress&)>;
+  // An item of a menu; one without a text is a line between others.
+  struct Item {
+    NSRef<NSString> text;
+    QKeySequence keys;
+    std::function<void()> action;
+    // So many shapes must be selected.
+    NSUInteger least = 0;
+    // It turns something off, which is on at first, and on again.
+    bool isSwitch = false;
+  };
+  // Gives the bytes of a picture, on any thread; nil when the progress said to stop.
+  using Export = NSRef<NSData> (*)(const NSRef<NSArray>& shapes, const Progress&);
 
-  void makeFileMenu();
-  void makeEditMenu();
-  void makeArrangeMenu();
-  void makeViewMenu();
-  void makeTools();
-  QAction* add(QMenu* menu, const NSRef<NSString>& text, const QKeySequence& keys, Action action);
+  void makeMenus();
+  QMenu* makeMenu(const NSRef<NSString>& title, std::initializer_list<Item> items);
   QDockWidget* addPanel(const NSRef<NSString>& title, QWidget* panel);
+  void makeToolBars();
   void showState();
 
-  bool save();
+  void open();
+  bool save(bool overwrites = false);
   bool saveAs();
   bool report(bool isDone, const NSRef<NSError>& error);
-  bool askToOverwrite(const NSRef<NSError>& error);
+  NSRef<NSURL> askForPlace(const NSRef<NSString>& title, const QString& extension);
+  void attach();
   void copy();
   void paste();
-  void attach();
-  void exportTo(const NSRef<NSString>& title, const QString& extension, Export work);
-  void exportSVG();
-  void exportPNG();
+  void exportTo(const NSRef<NSString>& title, const QString& extension, Export draw);
 
   NSRef<Document> _document;
-  const dispatch_queue_t _queue = dispatch_queue_create("sketchbook", DISPATCH_QUEUE_SERIAL);
+  TaskBar* _tasks = new TaskBar;
   Canvas* _canvas;
   FindPanel* _find;
-  QDockWidget* _findDock;
-  TaskBar* _tasks = new TaskBar;
-  QAction* _undo = nullptr;
-  QAction* _redo = nullptr;
+  QDockWidget* _inspectorPanel;
+  QDockWidget* _findPanel;
+  QLabel* _zoom = new QLabel;
+  std::unordered_map<NSRef<NSString>, QAction*> _items;
   QList<QAction*> _tools;
-  NSRef<Task> _export;
-  std::map<std::u16string, QAction*, std::less<>> _items;
   NSObservation _observation;
 };
 

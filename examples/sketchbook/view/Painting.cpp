@@ -1,13 +1,12 @@
 #include "examples/sketchbook/view/Painting.h"
 
 #include "examples/sketchbook/model/Shapes.h"
-#include "examples/sketchbook/view/Bridge.h"
-
-#include <QPainterPath>
 
 namespace sketchbook {
 
 namespace {
+
+constexpr int measuredSize = 100;
 
 void paintPath(QPainter& painter, const Path& path) {
   const auto points = path.points();
@@ -19,19 +18,34 @@ void paintPath(QPainter& painter, const Path& path) {
 }
 
 void paintLabel(QPainter& painter, const Label& label) {
-  // As the SVG picture has it.
-  const double size = label.lineHeight() * 0.75;
-  QFont font(QStringLiteral("sans-serif"));
-  font.setPixelSize(std::max(1, static_cast<int>(size)));
-  painter.setFont(font);
-  QPointF baseline = toQt(label.frame.origin + NSPoint(0, size));
-  for (const auto& line : label.lines()->each<NSString>()) {
-    painter.drawText(baseline, toQt(line));
-    baseline.ry() += label.lineHeight();
+  painter.setFont(labelFont());
+  for (const auto& line : label.lines()) {
+    const double width = QFontMetricsF(painter.font()).horizontalAdvance(toQt(line.text));
+    if (width == 0) continue;
+    painter.save();
+    painter.translate(toQt(line.baseline));
+    painter.scale(line.width / width, label.fontSize() / measuredSize);
+    painter.drawText(QPointF(), toQt(line.text));
+    painter.restore();
   }
 }
 
 }  // namespace
+
+QFont labelFont() {
+  QFont font(QStringLiteral("sans-serif"));
+  font.setPixelSize(measuredSize);
+  // As wide in every size.
+  font.setHintingPreference(QFont::PreferNoHinting);
+  return font;
+}
+
+void measureLabels() {
+  Label::widthOfLine = [](const NSRef<NSString>& line) {
+    const double height = measuredSize / Label::fontSizeOfHeight;
+    return QFontMetricsF(labelFont()).horizontalAdvance(toQt(line)) / height;
+  };
+}
 
 void paintShape(QPainter& painter, const Shape& shape) {
   const QColor colour = colourOf(shape.colour);

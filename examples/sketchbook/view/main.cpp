@@ -1,10 +1,7 @@
 #include "examples/hosts/qt.h"
 #include "examples/sketchbook/model/Sample.h"
-#include "examples/sketchbook/view/Bridge.h"
 #include "examples/sketchbook/view/MainWindow.h"
-
-#include <QApplication>
-#include <iostream>
+#include "examples/sketchbook/view/Painting.h"
 
 using namespace sketchbook;
 
@@ -20,31 +17,30 @@ MainWindow* open(const QString& place) {
   return MainWindow::showWindow(document);
 }
 
-// Writes what the window shows, for who has no screen.
-int writePicture(MainWindow& window, const QString& file) {
-  // The size of the document comes a little later.
-  QTimer::singleShot(500, [] { QApplication::exit(); });
-  QApplication::exec();
-  if (!window.grab().save(file)) return 1;
-  std::cout << file.toStdString() << '\n';
-  return 0;
-}
-
 }  // namespace
 
 // usage: sketchbook [--picture FILE] [DOCUMENT]
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   const QtHost host;
+  // What Qt's own dialogs say.
+  QTranslator dialogs;
+  if (dialogs.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                   QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    QApplication::installTranslator(&dialogs);
+  }
+  measureLabels();
+  QApplication::setWindowIcon(QPixmap::fromImage(pictureOfShapes(sampleShapes())));
   QStringList words = QApplication::arguments().mid(1);
   QString picture;
   if (words.size() >= 2 && words[0] == QStringLiteral("--picture")) {
     picture = words[1];
     words = words.mid(2);
-  } else {
-    MainWindow::offerRecovery();
+  } else if (MainWindow::offerRecovery() && words.isEmpty()) {
+    return QApplication::exec();
   }
   MainWindow* const window = open(words.value(0));
-  if (!picture.isEmpty()) return window == nullptr ? 1 : writePicture(*window, picture);
+  // For who has no screen.
+  if (!picture.isEmpty()) return window != nullptr && window->grab().save(picture) ? 0 : 1;
   return QApplication::exec();
 }
