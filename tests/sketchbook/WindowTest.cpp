@@ -149,7 +149,8 @@ TEST_F(SketchbookWindow, looksAsItsShapesSay) {
     const QImage drawn = pictureOfShapes(NSMake<NSArray>({label}));
     const QImage dark = drawn.createHeuristicMask(false);
     EXPECT_NEAR(QRegion(QBitmap::fromImage(dark)).boundingRect().width(),
-                2 * label->frame.size.width, 30) << text;
+                2 * label->frame.size.width, 30)
+        << text;
   }
 }
 

@@ -178,9 +178,8 @@ TEST(NSObservation, RemovesItsObserver) {
   expectCalls("3");
   // In the default centre.
   {
-    const NSObservation observation(changed, centre, [&](NSNotification& it) {
-      calls += it.object().is(centre) ? 'd' : '?';
-    });
+    const NSObservation observation(
+        changed, centre, [&](NSNotification& it) { calls += it.object().is(centre) ? 'd' : '?'; });
     for (const auto& object : {centre, NSNotificationCenter::defaultCenter()}) {
       NSNotificationCenter::defaultCenter()->postNotificationName_object(changed, object);
     }
