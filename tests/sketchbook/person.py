@@ -13,6 +13,10 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 
+# Busy programs answer late, and are looked at again.
+Atspi.set_timeout(5000, 5000)
+
+
 class Missed(Exception):
     """Something was not there in time."""
 

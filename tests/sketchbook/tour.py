@@ -3,83 +3,14 @@ program dies, or when something is not there that a step should have brought.
 usage: tour.py PROGRAM PICTURES"""
 import pathlib
 import plistlib
-import re
 import sys
 import tempfile
 import time
 import xml.etree.ElementTree as xml
 
-from person import Missed, Person, until
+from artist import Artist, expect, names, shapes
+from person import Missed, until
 
-
-class Tour(Person):
-    """Somebody who knows where things are on the sheet when it is shown in its actual size."""
-
-    def __init__(self, program, pictures, home):
-        super().__init__(pictures, {
-            "HOME": str(home), "XDG_DATA_HOME": str(home / "data"),
-            "XDG_CONFIG_HOME": str(home / "config"), "XDG_RUNTIME_DIR": str(home / "run"),
-            "LANGUAGE": "en", "LC_ALL": "C.UTF-8",
-            "QT_ACCESSIBILITY": "1", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"})
-        (home / "run").mkdir(mode=0o700)
-        self.home = home
-        self.sketchbook = program
-
-    def opens(self, *arguments, drawing="Drawing", **environment):
-        process = self.starts(self.sketchbook, *map(str, arguments), **environment)
-        self.drawing = drawing
-        self.sees(drawing)
-        self.presses("ctrl+1")
-        self.sees("100 %")
-        return process
-
-    def at(self, *points):
-        """Tells where points of the sheet are on the screen."""
-        left, top, *_ = self.place(self.drawing)
-        return [(left + x, top + y) for x, y in points]
-
-    def clicks_at(self, x, y, *keys):
-        self.drags(self.at((x, y)), keys)
-
-    def draws(self, tool, points, **options):
-        self.presses(tool)
-        self.drags(self.at(*points), **options)
-
-    def sees_frame(self, x, y, width, height):
-        """Sees that the inspector says so, “.” for what does not matter."""
-        pattern = re.compile(f"{x}, {y} · {width} × {height}")
-        until(lambda: any(pattern.fullmatch(text) for text in self.texts()),
-              lambda: f"{pattern.pattern} among {self.texts()}")
-
-    def saves_as(self, name):
-        self.chooses("File", "Save As…")
-        self.fills("File name:", name)
-        self.presses("Return")
-        self.sees(f"{name} — Sketchbook", "frame")
-
-    def saves(self, name):
-        self.presses("ctrl+s")
-        self.sees(f"{name} — Sketchbook", "frame")
-
-
-def shapes(document):
-    """Lists the names and the texts or positions of what the document's preview shows."""
-    def told(group):
-        title, *elements = group
-        return title.text, [element.text or element.attrib for element in elements]
-    return [told(group) for group in xml.parse(document / "preview.svg").getroot()]
-
-
-def names(document):
-    return [name for name, _ in shapes(document)]
-
-
-def expect(condition, what):
-    if not condition:
-        raise Missed(what)
-
-
-# The steps
 
 def draws(self):
     self.opens()
@@ -168,8 +99,8 @@ def undoes(self):
 
 def zooms(self):
     self.clicks_at(230, 445)
-    self.presses(*["ctrl+plus"] * 6)
-    self.picture("zoomed in")
+    self.hands("keydown", "ctrl", "click", "--repeat", 8, 4, "keyup", "ctrl")
+    self.picture("zoomed in about the pointer")
     self.presses(*["ctrl+minus"] * 16)
     self.picture("zoomed out")
     self.presses("ctrl+0")
@@ -248,10 +179,11 @@ def exports(self):
     (large / "format").write_bytes((self.home / "Plan.sketch/format").read_bytes())
     archive = plistlib.loads((self.home / "Plan.sketch/drawing").read_bytes())
     root = archive["$objects"][archive["$top"]["root"].data]
-    root["NS.objects"] *= 12000
+    root["NS.objects"] *= 8000
     (large / "drawing").write_bytes(plistlib.dumps(archive, fmt=plistlib.FMT_BINARY))
     self.opens(large)
     self.chooses("File", "Export PNG…")
+    self.sees("File name:", "text")
     self.picture("where to export")
     self.fills("File name:", "Large.png")
     self.presses("Return")
@@ -405,15 +337,16 @@ STEPS = [draws, drags, arranges, undoes, zooms, finds, addresses, closes_and_ope
 
 def main(program, pictures):
     with tempfile.TemporaryDirectory() as home:
-        tour = Tour(program, pictures, pathlib.Path(home))
+        artist = Artist(program, pictures, pathlib.Path(home))
         for step in STEPS:
+            print(step.__name__, flush=True)
             try:
-                step(tour)
+                step(artist)
             except Missed as missed:
-                tour.picture("missed", still=False)
-                sys.exit(f"{step.__name__}: missed {missed}")
-            print(f"{step.__name__}: done", file=sys.stderr)
-    print(f"{tour.taken} pictures are in {pictures}")
+                artist.picture("missed", still=False)
+                print("missed", missed)
+                sys.exit(1)
+    print(f"{artist.taken} pictures are in {pictures}")
 
 
 main(*sys.argv[1:])

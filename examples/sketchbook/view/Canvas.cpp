@@ -116,10 +116,12 @@ void Canvas::paintSelection(QPainter& painter) const {
   painter.setPen(QPen(selectionColour, 0));
   if (_now.band) painter.drawRect(toQt(*_now.band));
   const auto places = handles();
-  if (!places.empty()) painter.drawRect(toQt(_drawing->selectedFrame()));
-  painter.setPen(QPen(selectionColour, 0, Qt::DotLine));
-  for (const auto& shape : _drawing->selectedShapes()->each<Shape>()) {
-    painter.drawRect(toQt(shape->frame));
+  if (!places.empty()) {
+    painter.drawRect(toQt(_drawing->selectedFrame()));
+    painter.setPen(QPen(selectionColour, 0, Qt::DotLine));
+    for (const auto& shape : _drawing->selectedShapes()->each<Shape>()) {
+      painter.drawRect(toQt(NSInsetRect(shape->frame, -3 / _zoom, -3 / _zoom)));
+    }
   }
   painter.resetTransform();
   painter.setPen(selectionColour);

@@ -56,6 +56,7 @@ class Canvas : public QWidget {
   std::vector<std::pair<NSUInteger, QPointF>> handles() const;
   std::optional<NSUInteger> handleAt(QPointF point) const;
   NSUInteger shapeAt(QPointF point) const;
+  bool hasMoved(QPointF to) const;
   void showCursor(QPointF at);
   void pressToSelect(const QMouseEvent& event);
   void sketch(NSPoint point, ZKDragOptions keys);

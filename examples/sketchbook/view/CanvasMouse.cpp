@@ -55,6 +55,10 @@ NSUInteger Canvas::shapeAt(QPointF point) const {
   return _drawing->indexOfShapeAt(fromWidget(point), reach / _zoom);
 }
 
+bool Canvas::hasMoved(QPointF to) const {
+  return (to - _now.pressed).manhattanLength() >= leastDrag;
+}
+
 void Canvas::showCursor(QPointF at) {
   const auto handle = _now.drag ? _now.drag->handle() : handleAt(at);
   setCursor(_now.isPanning          ? Qt::ClosedHandCursor
@@ -112,12 +116,11 @@ void Canvas::mouseMoveEvent(QMouseEvent* event) {
   const NSPoint point = fromWidget(at);
   const ZKDragOptions keys = {.keepsProportions = (event->modifiers() & Qt::ShiftModifier) != 0,
                               .fixesCenter = (event->modifiers() & Qt::AltModifier) != 0};
-  const bool hasMoved = (at - _now.pressed).manhattanLength() >= leastDrag;
   if (_now.isPanning) {
     setView(_zoom, _offset + at - _now.last);
-  } else if (_now.drag && hasMoved) {
+  } else if (_now.drag && hasMoved(at)) {
     _now.drag->moveTo(point, keys.keepsProportions, keys.fixesCenter);
-  } else if (!_now.line.empty() && hasMoved) {
+  } else if (!_now.line.empty() && hasMoved(at)) {
     sketch(point, keys);
   } else if (_now.band) {
     _now.band = ZKMakeRectFromTwoPoints(fromWidget(_now.pressed), point);
@@ -162,6 +165,10 @@ void Canvas::mouseReleaseEvent(QMouseEvent* event) {
       if (NSIntersectsRect(*_now.band, frame)) selection->addIndex(index);
     }
     _drawing->select(selection);
+  } else if (_now.drag && !hasMoved(event->position()) && event->modifiers() == Qt::NoModifier &&
+             !handleAt(event->position())) {
+    // A click on one of many that is no drag means this one.
+    _drawing->select(NSMake<NSIndexSet>(shapeAt(event->position())));
   }
   stop();
   showCursor(event->position());

@@ -18,6 +18,8 @@ class FindPanel : public QWidget {
     _needle->setObjectName(QStringLiteral("needle"));
     _replacement->setObjectName(QStringLiteral("replacement"));
     _answer->setWordWrap(true);
+    _answer->setMinimumHeight(3 * fontMetrics().lineSpacing());
+    _answer->setAlignment(Qt::AlignTop);
     auto* const next = new QPushButton(inLanguage(u"Find Next"_ns));
     auto* const all = new QPushButton(inLanguage(u"Replace All"_ns));
     auto* const buttons = new QHBoxLayout;
