@@ -15,10 +15,6 @@
 #ifdef ZK_HAS_2GEOM
 #include <2geom/bezier-curve.h>
 #endif
-#ifdef ZK_HAS_SKETCHBOOK
-#include "examples/sketchbook/model/Drag.h"
-#include "examples/sketchbook/model/Shapes.h"
-#endif
 
 // What a drawing does while the mouse moves: it finds the curve under the pointer, and resizes what
 // is dragged.
@@ -94,12 +90,14 @@ void addHitTests() {
   addHitRow("ZK", curves, points, isHit, expected);
 #ifdef ZK_HAS_QT_GUI
   std::vector<QPainterPath> paths;
+  paths.reserve(curves.size());
   for (const Cubic& v : curves) {
     QPainterPath path({v[0].x, v[0].y});
     path.cubicTo({v[1].x, v[1].y}, {v[2].x, v[2].y}, {v[3].x, v[3].y});
     paths.push_back(path);
   }
   std::vector<QPointF> places;
+  places.reserve(points.size());
   for (const NSPoint p : points) places.emplace_back(p.x, p.y);
   addHitRow(
       "Qt", paths, places,
@@ -117,9 +115,11 @@ void addHitTests() {
 #ifdef ZK_HAS_2GEOM
   const auto geom = [](NSPoint p) { return Geom::Point(p.x, p.y); };
   std::vector<Geom::CubicBezier> beziers;
+  beziers.reserve(curves.size());
   for (const Cubic& v : curves)
     beziers.emplace_back(geom(v[0]), geom(v[1]), geom(v[2]), geom(v[3]));
   std::vector<Geom::Point> spots;
+  spots.reserve(points.size());
   for (const NSPoint p : points) spots.push_back(geom(p));
   addHitRow(
       "2geom", beziers, spots,
@@ -182,73 +182,9 @@ void addDragging() {
   add("byHand", dragByHand);
 }
 
-#ifdef ZK_HAS_SKETCHBOOK
-using namespace sketchbook;
-
-// A third each of rectangles, lines of ten curves drawn by hand, and labels.
-NSRef<Drawing> randomDrawing() {
-  const auto shapes = NSMake<NSMutableArray>();
-  for (std::size_t k = 0; k < curveCount; ++k) {
-    const NSPoint place(anyNumber(sheet), anyNumber(sheet));
-    const auto name = NSString::stringWithFormat(u"Shape %lu"_ns, k);
-    std::vector<NSPoint> line(11);
-    for (NSPoint& p : line) p = place + NSPoint(anyNumber(150), anyNumber(150));
-    shapes->addObject(k % 3 == 0   ? NSRef<Shape>(NSMake<Rectangle>(name, ZKRectAroundPoints(line)))
-                      : k % 3 == 1 ? NSRef<Shape>(NSMake<Path>(name, line))
-                                   : NSRef<Shape>(NSMake<Label>(name, place, 24, name)));
-  }
-  auto drawing = NSMake<Drawing>();
-  drawing->setShapes(shapes);
-  return drawing;
-}
-
-void addSketchbook() {
-  const auto drawing = randomDrawing();
-  const auto data = dataWithShapes(drawing->shapes());
-  const auto isDone = [](bool done) { return done; };
-  addRow(
-      "Sketchbook/Miss10000/ZK",
-      [=] {
-        return drawing->indexOfShapeAt({-100, anyNumber(sheet)}, reach) == NSNotFound;
-      },
-      isDone);
-  addRow(
-      "Sketchbook/HitTest10000/ZK",
-      [=] {
-        return drawing->indexOfShapeAt({anyNumber(sheet), anyNumber(sheet)}, reach) != 0;
-      },
-      isDone);
-  for (const auto& [name, count] : {std::pair("DragOneOf10000", 1), {"DragAll10000", 10'000}}) {
-    const auto own = NSMake<Drawing>();
-    own->setShapes(drawing->shapes());
-    own->select(NSMake<NSIndexSet>(NSRange{0, static_cast<NSUInteger>(count)}));
-    const auto drag = std::make_shared<Drag>(own, ZKHandleMaxXMaxY, NSZeroPoint,
-                                             Snapping{.grid = 20, .usesGuides = true});
-    addRow(
-        "Sketchbook/" + std::string(name) + "/ZK",
-        [=, steps = std::make_shared<int>(0)] {
-          const auto before = own->shapes();
-          const double distance = 3 * ++*steps;
-          drag->moveTo({distance, distance}, false, false);
-          return !own->shapes().is(before);
-        },
-        isDone);
-  }
-  addRow(
-      "Sketchbook/Archive10000/ZK",
-      [=] { return dataWithShapes(drawing->shapes())->length() > 1'000'000; }, isDone);
-  addRow(
-      "Sketchbook/Open10000/ZK",
-      [=] { return shapesWithData(data, nullptr)->count() == curveCount; }, isDone);
-}
-#endif
-
 const bool registered = [] {
   addHitTests();
   addDragging();
-#ifdef ZK_HAS_SKETCHBOOK
-  addSketchbook();
-#endif
   return true;
 }();
 
