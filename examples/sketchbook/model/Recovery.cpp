@@ -92,7 +92,7 @@ void Recovery::remove() {
 }
 
 NSRef<NSString> Recovery::setAside() {
-  const auto aside = _place->path()->stringByAppendingPathExtension(u"damaged"_ns);
+  auto aside = _place->path()->stringByAppendingPathExtension(u"damaged"_ns);
   NSFileManager::defaultManager()->moveItemAtURL_toURL_error(
       _place, NSURL::fileURLWithPath_isDirectory(aside, true), nullptr);
   return aside;

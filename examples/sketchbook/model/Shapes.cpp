@@ -79,7 +79,8 @@ Path::Path(const NSRef<NSString>& aName, std::span<const NSPoint> points)
 Path::Path(const NSRef<NSCoder>& coder) : Shape(coder) {
   const auto text = coder->decodeObjectOfClass<NSString>(u"fractions"_ns);
   for (auto rest = NSViewOf(text); !rest.empty();) {
-    _fractions.push_back({takeFraction(rest), takeFraction(rest)});
+    const double x = takeFraction(rest);
+    _fractions.emplace_back(x, takeFraction(rest));
   }
   if (_fractions.size() < 4 || _fractions.size() % 3 != 1) refuse("a path without curves");
 }

@@ -3,7 +3,9 @@
 #include "examples/sketchbook/model/Pictures.h"
 #include "examples/sketchbook/view/Painting.h"
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace sketchbook {
 
@@ -22,8 +24,14 @@ void drawHorizontal(QPainter& painter, double y, NSRect area) {
   painter.drawLine(QPointF(NSMinX(area), y), QPointF(NSMaxX(area), y));
 }
 
-// The first multiple of the step from there on.
-double firstOf(double step, double from) { return std::ceil(from / step) * step; }
+// The multiples of the step between two coordinates.
+std::vector<double> gridLines(double step, double from, double to) {
+  const double first = std::ceil(from / step) * step;
+  std::vector<double> lines(
+      static_cast<std::size_t>(std::max(0.0, std::ceil((to - first) / step))));
+  for (std::size_t k = 0; k < lines.size(); ++k) lines[k] = first + static_cast<double>(k) * step;
+  return lines;
+}
 
 }  // namespace
 
@@ -87,10 +95,12 @@ void Canvas::paintEvent(QPaintEvent* /*event*/) {
   const NSRect shown = shownArea();
   if (const double step = snapping.grid; step * _zoom >= 4) {
     painter.setPen(QPen(gridColour, 0));
-    double x = firstOf(step, NSMinX(shown));
-    for (; x < NSMaxX(shown); x += step) drawVertical(painter, x, shown);
-    double y = firstOf(step, NSMinY(shown));
-    for (; y < NSMaxY(shown); y += step) drawHorizontal(painter, y, shown);
+    for (const double x : gridLines(step, NSMinX(shown), NSMaxX(shown))) {
+      drawVertical(painter, x, shown);
+    }
+    for (const double y : gridLines(step, NSMinY(shown), NSMaxY(shown))) {
+      drawHorizontal(painter, y, shown);
+    }
   }
   painter.setRenderHint(QPainter::Antialiasing);
   const auto shapes = _drawing->shapes();

@@ -51,7 +51,7 @@ class SaveDialog : public QFileDialog {
     if (!isDocument) return QFileDialog::accept();
     const auto answer =
         ask(this, u"Replace %@?"_ns, fromQt(place.fileName()), QMessageBox::Yes | QMessageBox::No);
-    if (answer == QMessageBox::Yes) QDialog::accept();
+    if (answer == QMessageBox::Yes) done(Accepted);
   }
 };
 
