@@ -3,6 +3,7 @@
 #include "tests/Files.h"
 #include "tests/RunLoops.h"
 
+#include <array>
 #include <csignal>
 #include <random>
 
@@ -70,8 +71,8 @@ TEST_F(SketchbookKill, losesAtMostTheLastChange) {
   int last = 0;
   int before = 0;
   for (int k = 0; k < kills; ++k) {
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
     const pid_t child = fork();
     if (child == 0) work(ends[1]);
     close(ends[1]);
