@@ -75,7 +75,8 @@ class NS_EXPORT NSURL : public NSObject {
 
   /// Whether the scheme is "file", in any letter case.
   [[nodiscard]] bool isFileURL() const noexcept;
-  /// Gives the path of a file URL, byte for byte; empty for all others.
+  /// Gives the path of a file URL, byte for byte; empty for all others. That of a directory ends
+  /// with "/" if the URL does: it has no `filename()` then.
   [[nodiscard]] std::filesystem::path fileSystemPath() const;
 
   /// Whether the texts are the same.

@@ -113,7 +113,9 @@ TEST_F(SketchbookDocument, tellsWhatCannotBeOpened) {
   const auto framed = [&](double x, double width) {
     return archive(NSMake<Rectangle>(u"A"_ns, NSRect({x, 0}, {width, 1})));
   };
-  const std::u16string longName(100'000, u'ß');
+  const auto longText = [](char16_t unit) {
+    return NSMake<NSString>(std::u16string(100'000, unit));
+  };
   const Rows<const char*, std::string, NSInteger> rows = {
       {"format", "Sketchbook 2\nA\n", DocumentIsNewer},
       {"format", "Sketchbook 1\nA\n", 0},
@@ -126,8 +128,7 @@ TEST_F(SketchbookDocument, tellsWhatCannotBeOpened) {
       {"drawing", framed(0, INFINITY), DocumentIsDamaged},
       {"drawing", framed(1e300, 1e300), 0},
       {"drawing", framed(-1e300, -1e300), 0},
-      {"drawing",
-       archive(NSMake<Label>(NSMake<NSString>(longName), NSZeroRect, NSMake<NSString>(longName))),
+      {"drawing", archive(NSMake<Label>(longText(u'ß'), NSMakeRect(0, 0, 9, 9), longText(u'\n'))),
        0},
       {"drawing", archive(NSMake<Path>(u"A"_ns, std::vector<NSPoint>{{0, -1e300}, {0, 1e300}})), 0},
       {"drawing", archive(NSMake<Label>(u"A"_ns, NSZeroRect, u"B"_ns), 1'000'000), 0},

@@ -33,10 +33,6 @@ NSRect boundsOf(const std::vector<NSPoint>& controls) {
   return ZKRectAroundRects(bounds);
 }
 
-NSRef<NSArray> linesOf(const NSRef<NSString>& text) {
-  return text->componentsSeparatedByString(u"\n"_ns);
-}
-
 // Also a label without a text can be seen and clicked.
 double widestOf(const NSRef<NSArray>& lines) {
   double widest = 0.25;
@@ -146,6 +142,7 @@ Label::Label(const NSRef<NSString>& aName, NSPoint origin, double lineHeight,
 Label::Label(const NSRef<NSCoder>& coder)
     : Shape(coder), _text(coder->decodeObjectOfClass<NSString>(u"text"_ns)) {
   if (!_text) refuse("a label without a text");
+  _lines = linesOf(_text);
 }
 
 void Label::encodeWithCoder(const NSRef<NSCoder>& coder) const {
@@ -156,20 +153,15 @@ void Label::encodeWithCoder(const NSRef<NSCoder>& coder) const {
 void Label::setText(const NSRef<NSString>& text) {
   const double height = lineHeight();
   _text = text->copy();
-  const auto lines = linesOf(_text);
-  frame.size = {height * widestOf(lines), height * static_cast<double>(lines->count())};
-}
-
-double Label::lineHeight() const {
-  return frame.size.height / static_cast<double>(linesOf(_text)->count());
+  _lines = linesOf(_text);
+  frame.size = {height * widestOf(_lines), height * static_cast<double>(_lines->count())};
 }
 
 std::vector<Label::Line> Label::lines() const {
-  const auto texts = linesOf(_text);
-  const double scale = frame.size.width / widestOf(texts);
+  const double scale = frame.size.width / widestOf(_lines);
   NSPoint baseline = frame.origin + NSPoint(0, fontSize());
   std::vector<Line> result;
-  for (const auto& text : texts->each<NSString>()) {
+  for (const auto& text : _lines->each<NSString>()) {
     if (text->length() > 0) result.push_back({text, baseline, widthOfLine(text) * scale});
     baseline.y += lineHeight();
   }

@@ -51,7 +51,7 @@ class Label : public Shape {
   static double (*widthOfLine)(const NSRef<NSString>& line);
 
   Label(const NSRef<NSString>& aName, NSRect aFrame, const NSRef<NSString>& text)
-      : Shape(aName, aFrame), _text(text->copy()) {}
+      : Shape(aName, aFrame), _text(text->copy()), _lines(linesOf(_text)) {}
   /// Makes a label with lines of that height, as large as its text.
   Label(const NSRef<NSString>& aName, NSPoint origin, double lineHeight,
         const NSRef<NSString>& text);
@@ -61,7 +61,7 @@ class Label : public Shape {
   /// Keeps the height of a line; the frame becomes as large as the text.
   void setText(const NSRef<NSString>& text) override;
   /// Gives the height of a line: the frame's over the number of lines.
-  double lineHeight() const;
+  double lineHeight() const { return frame.size.height / static_cast<double>(_lines->count()); }
   double fontSize() const { return lineHeight() * fontSizeOfHeight; }
 
   struct Line {
@@ -81,7 +81,12 @@ class Label : public Shape {
   NSRef<Shape> shallowCopy() const override { return NSMake<Label>(*this); }
 
  private:
+  static NSRef<NSArray> linesOf(const NSRef<NSString>& text) {
+    return text->componentsSeparatedByString(u"\n"_ns);
+  }
+
   NSRef<NSString> _text;
+  NSRef<NSArray> _lines;
 };
 
 /// Archives shapes as one object.
