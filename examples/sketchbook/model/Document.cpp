@@ -122,11 +122,8 @@ NSRef<NSError> Document::read(const NSRef<NSURL>& url) {
     return failure(DocumentIsNewer, u"%@ was written by a newer version of this program."_ns, _url);
   }
   const auto archive = bytesIn(files, u"drawing"_ns);
-  const auto shapes = shapesWithData(archive ? archive : NSMake<NSData>(), &reason);
-  if (!shapes) {
-    return failure(DocumentIsDamaged, u"%@ is damaged (%@)."_ns, _url,
-                   reason->localizedDescription());
-  }
+  const auto shapes = shapesWithData(archive ? archive : NSMake<NSData>(), nullptr);
+  if (!shapes) return failure(DocumentIsDamaged, u"%@ is damaged."_ns, _url);
   _files = files;
   _revision = format->revision;
   _savedShapes = _copiedShapes = shapes;

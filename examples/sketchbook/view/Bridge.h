@@ -33,13 +33,4 @@ inline QString inLanguage(const NSRef<NSString>& text) { return toQt(localized(t
 /// `this`.
 struct WidgetLife : NSObject {};
 
-/// Calls the block at each notification of that name, of the object or for nil of any, for as long
-/// as the answer is held.
-template <class Block>
-NSObservation observe(const NSRef<NSString>& name, const NSRef<NSObject>& object, Block block) {
-  const auto center = NSNotificationCenter::defaultCenter();
-  return {center, center->addObserverForName_object_queue_usingBlock(name, object, nullptr,
-                                                                     std::move(block))};
-}
-
 }  // namespace sketchbook

@@ -35,8 +35,7 @@ std::vector<double> gridLines(double step, double from, double to) {
 
 }  // namespace
 
-Canvas::Canvas(const NSRef<Drawing>& drawing)
-    : _drawing(drawing), _observation(observe(DrawingDidChange(), drawing, [this] { update(); })) {
+Canvas::Canvas(const NSRef<Drawing>& drawing) : _drawing(drawing) {
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setMinimumSize(320, 240);

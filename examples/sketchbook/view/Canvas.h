@@ -84,7 +84,7 @@ class Canvas : public QWidget {
   QTextEdit* _editor = nullptr;
   NSUInteger _edited = NSNotFound;
   NSRef<Label> _label;
-  NSObservation _observation;
+  const NSObservation _observation{DrawingDidChange(), _drawing, [this] { update(); }};
 };
 
 }  // namespace sketchbook

@@ -101,8 +101,7 @@ class FindPanel : public QWidget {
   QCheckBox* _isPattern = new QCheckBox(inLanguage(u"Regular expression"_ns));
   QLabel* _answer = new QLabel;
   QStringListModel* _words = new QStringListModel(this);
-  const NSObservation _observation =
-      observe(DrawingDidChange(), _drawing, [this] { collectWords(); });
+  const NSObservation _observation{DrawingDidChange(), _drawing, [this] { collectWords(); }};
 };
 
 }  // namespace sketchbook

@@ -138,8 +138,8 @@ class Inspector : public QWidget {
   NSRef<NSArray> _attached;
   const NSRef<WidgetLife> _life = NSMake<WidgetLife>();
   NSRef<NSBlock> _laterSize;
-  const NSObservation _observation =
-      observe(DrawingDidChange(), _document->drawing(), [this] { showSelection(); });
+  const NSObservation _observation{DrawingDidChange(), _document->drawing(),
+                                   [this] { showSelection(); }};
 };
 
 }  // namespace

@@ -62,8 +62,7 @@ MainWindow::MainWindow(const NSRef<Document>& document)
       _canvas(new Canvas(document->drawing())),
       _find(new FindPanel(document->drawing(), _canvas, _tasks)),
       _inspectorPanel(addPanel(u"Inspector"_ns, makeInspector(document))),
-      _findPanel(addPanel(u"Find"_ns, _find)),
-      _observation(observe(DrawingDidChange(), document->drawing(), [this] { showState(); })) {
+      _findPanel(addPanel(u"Find"_ns, _find)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setCentralWidget(_canvas);
   _findPanel->hide();

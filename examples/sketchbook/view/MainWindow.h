@@ -69,7 +69,8 @@ class MainWindow : public QMainWindow {
   QLabel* _zoom = new QLabel;
   std::unordered_map<NSRef<NSString>, QAction*> _items;
   QList<QAction*> _tools;
-  NSObservation _observation;
+  const NSObservation _observation{DrawingDidChange(), _document->drawing(),
+                                   [this] { showState(); }};
 };
 
 }  // namespace sketchbook

@@ -63,7 +63,9 @@ QImage pictureOfShapes(const NSRef<NSArray>& shapes, const Progress& progress) {
   const QRectF area = toQt(pictureArea(shapes));
   constexpr double largest = 8192;
   const double scale = std::min(2.0, largest / std::max(area.width(), area.height()));
-  QImage image((area.size() * scale).toSize(), QImage::Format_RGB32);
+  // A picture of a long line may be as thin as one.
+  const QSize size = (area.size() * scale).toSize().expandedTo({1, 1});
+  QImage image(size, QImage::Format_RGB32);
   image.fill(Qt::white);
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);

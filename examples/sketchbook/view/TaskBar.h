@@ -46,7 +46,7 @@ class TaskBar : public QWidget {
   QLabel* _title = new QLabel;
   QProgressBar* _progress = new QProgressBar;
   const NSRef<WidgetLife> _life = NSMake<WidgetLife>();
-  const NSObservation _observation = observe(TaskDidChange(), nullptr, [this] { showTasks(); });
+  const NSObservation _observation{TaskDidChange(), nullptr, [this] { showTasks(); }};
 };
 
 }  // namespace sketchbook
