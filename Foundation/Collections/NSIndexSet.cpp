@@ -17,7 +17,15 @@ void checkRange(const char* operation, NSRange range) {
 // Gives the end of a range, at most the first number after the largest index.
 NSUInteger endOf(NSRange range) { return std::min(NSClampedMaxRange(range), NSNotFound); }
 
-// Makes runs of ranges that ascend: none empty, with gaps between them.
+// Whether ranges are runs: they ascend, none is empty, and there are gaps between them.
+bool areRuns(std::span<const NSRange> ranges) {
+  if (!ranges.empty() && ranges.front().length == 0) return false;
+  return std::ranges::adjacent_find(ranges, [](const NSRange& run, const NSRange& next) {
+           return next.location <= NSMaxRange(run) || next.length == 0;
+         }) == ranges.end();
+}
+
+// Makes runs of ranges that ascend.
 void join(std::vector<NSRange>& ranges) {
   std::size_t count = 0;
   for (const NSRange& range : ranges) {
@@ -41,10 +49,10 @@ NSUInteger countOf(std::span<const NSRange> ranges) {
 
 NSIndexSet::NSIndexSet(std::vector<NSRange> ranges) {
   for (const NSRange& range : ranges) checkRange("initWithRanges:", range);
-  if (!std::ranges::is_sorted(ranges, {}, &NSRange::location)) {
+  if (!areRuns(ranges)) {
     std::ranges::sort(ranges, {}, &NSRange::location);
+    join(ranges);
   }
-  join(ranges);
   setRanges(std::move(ranges));
 }
 
