@@ -1,5 +1,7 @@
 #include "Foundation/NSDictionary.h"
 
+#include <utility>
+
 #include <Foundation/Collections/CollectionWalks.h>
 #include <Foundation/Collections/NestedCollections.h>
 #include <Foundation/NSArray.h>
@@ -20,12 +22,12 @@ void NSDictionary::setEntry(const char* operation, const NSRef<NSObject>& anObje
   const NSUInteger hash = _entries.hashOf(aKey);
   if (_entries.replace(aKey, hash, anObject)) return;
   const NSUInteger before = _entries.mutations().value();
-  const auto key = aKey->copy();
+  auto key = aKey->copy();
   const NSUInteger keyHash = key.is(aKey) ? hash : _entries.hashOf(key);
   // A key that enters itself while it is copied is there now.
   const bool isNew =
       _entries.mutations().value() == before || !_entries.replace(key, keyHash, anObject);
-  if (isNew) _entries.append(key, keyHash, anObject);
+  if (isNew) _entries.append(std::move(key), keyHash, anObject);
 }
 
 NSRef<NSArray> NSDictionary::allKeys() const { return NSMake<NSArray>(_entries.keys()); }

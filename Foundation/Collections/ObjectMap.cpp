@@ -16,10 +16,9 @@ bool NSObjectMap::replace(const NSRef<NSObject>& key, NSUInteger hash,
   return true;
 }
 
-void NSObjectMap::append(const NSRef<NSObject>& key, NSUInteger hash,
-                         const NSRef<NSObject>& object) {
+void NSObjectMap::append(NSRef<NSObject> key, NSUInteger hash, const NSRef<NSObject>& object) {
   _objects.reserve(size() + 1);
-  _keys.appendNew(key, hash);
+  _keys.appendNew(std::move(key), hash);
   _objects.append(object);
 }
 

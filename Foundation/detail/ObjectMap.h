@@ -36,7 +36,7 @@ class NS_EXPORT NSObjectMap {
   /// Replaces the object of a key with this hash, and tells whether there was one.
   bool replace(const NSRef<NSObject>& key, NSUInteger hash, const NSRef<NSObject>& object);
   /// Adds an entry for a key with this hash that is known to have none.
-  void append(const NSRef<NSObject>& key, NSUInteger hash, const NSRef<NSObject>& object);
+  void append(NSRef<NSObject> key, NSUInteger hash, const NSRef<NSObject>& object);
   void remove(const NSRef<NSObject>& key);
   void removeAll() noexcept;
 

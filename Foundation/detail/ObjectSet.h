@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 
 #include <Foundation/NSExport.h>
 #include <Foundation/detail/HashIndex.h>
@@ -41,8 +42,8 @@ class NS_EXPORT NSObjectSet {
   void insert(std::size_t position, const NSRef<NSObject>& object);
   void append(const NSRef<NSObject>& object) { insert(size(), object); }
   /// Appends an object with this hash that is known not to be there.
-  void appendNew(const NSRef<NSObject>& object, NSUInteger hash) {
-    insertNew(size(), object, hash);
+  void appendNew(NSRef<NSObject> object, NSUInteger hash) {
+    insertNew(size(), std::move(object), hash);
   }
   /// Counts a change of what belongs to a present element.
   void noteMutation() noexcept { ++_mutations; }
