@@ -236,17 +236,16 @@ HWY_ATTR void encodeLong(Tag tag, Vector units, Vector others, Vector keptOfOthe
       hn::IfThenElse(isLong, constant(0xFFFFFF), kept), out);
 }
 
-// Each unit of a block makes its own bytes, of a pair each half two. Reads the neighbours of the
-// block too.
-template <class Tag>
-HWY_ATTR void encodeBlock(Tag tag, const std::uint16_t* in, std::uint8_t*& out) {
+// Each unit of a block makes its own bytes, of a pair each half two. Where there are halves, it
+// asks `withNeighbours` for the block with what is beside it.
+template <class Tag, class Vector, class WithNeighbours>
+HWY_ATTR void encodeBlock(Tag tag, Vector unit, WithNeighbours withNeighbours, std::uint8_t*& out) {
   const auto constant = [&](int value)
                             HWY_ATTR { return hn::Set(tag, static_cast<std::uint16_t>(value)); };
   const auto bits = [&](auto value, int mask) HWY_ATTR { return hn::And(value, constant(mask)); };
   const auto isPartOf = [&](auto value, int mask, int start)
                             HWY_ATTR { return hn::Eq(bits(value, mask), constant(start)); };
 
-  auto unit = hn::LoadU(tag, in);
   const auto isShort = hn::Lt(unit, constant(0x80));
   if (hn::AllTrue(tag, isShort)) {
     const hn::Rebind<std::uint8_t, Tag> narrow;
@@ -261,6 +260,7 @@ HWY_ATTR void encodeBlock(Tag tag, const std::uint16_t* in, std::uint8_t*& out) 
   auto two = hn::Or(hn::Or(hn::ShiftRight<6>(unit), last), constant(0x80C0));
   const auto isHalf = isPartOf(unit, 0xF800, 0xD800);
   if (!hn::AllFalse(tag, isHalf)) {
+    const std::uint16_t* const in = withNeighbours();
     const auto before = hn::LoadU(tag, in - 1);
     const auto isHigh = isPartOf(unit, 0xFC00, 0xD800);
     const auto opens = hn::And(isHigh, isPartOf(hn::LoadU(tag, in + 1), 0xFC00, 0xDC00));
@@ -295,18 +295,30 @@ HWY_ATTR NSTranscoded encode(const std::uint16_t* in, std::size_t size, std::siz
   std::uint8_t* at = out;
   const std::uint8_t* const end = out + room;
   std::array<std::uint16_t, 1 + maxUnits + 1> units;
-  for (std::size_t count = lanes; position < size && at < end; position += count) {
-    const std::uint16_t* block = in + position;
-    if (position == 0 || position + lanes >= size) {
-      // The first block and the last one stand in a copy with zeros around the text.
-      count = std::min(lanes, size - position);
+  for (std::size_t count = 0; position < size && at < end; position += count) {
+    count = std::min(lanes, size - position);
+    const std::size_t missing = lanes - count;
+    if (missing != 0 && size >= lanes && static_cast<std::size_t>(at - out) >= missing &&
+        hn::AllTrue(tag, hn::Lt(hn::LoadU(tag, in + size - lanes), hn::Set(tag, 0x80)))) {
+      // ASCII at the end: a part of it once more, to the same bytes, instead of a copy.
+      position = size - lanes;
+      count = lanes;
+      at -= missing;
+    }
+    const auto copied = [&]() -> const std::uint16_t* {
+      // With zeros around the text.
       const std::size_t before = std::min<std::size_t>(position, 1);
       units.fill(0);
-      std::copy(block - before, in + std::min(size, position + lanes + 1),
+      std::copy(in + position - before, in + std::min(size, position + lanes + 1),
                 units.data() + 1 - before);
-      block = units.data() + 1;
-    }
-    encodeBlock(tag, block, at);
+      return units.data() + 1;
+    };
+    const std::uint16_t* const block = count < lanes ? copied() : in + position;
+    const auto withNeighbours = [&] {
+      const bool isAtEdge = position == 0 || position + lanes == size;
+      return count == lanes && isAtEdge ? copied() : block;
+    };
+    encodeBlock(tag, hn::LoadU(tag, block), withNeighbours, at);
     at -= lanes - count;
   }
   return {position, static_cast<std::size_t>(at - out)};
