@@ -53,5 +53,5 @@ set(zk_doc ${CMAKE_INSTALL_DATADIR}/doc/libzkfoundation-doc)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${zk_doc}/guides
   COMPONENT documentation EXCLUDE_FROM_ALL FILES_MATCHING PATTERN *.md PATTERN *.svg PATTERN *.png)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/html DESTINATION ${zk_doc}
-  COMPONENT documentation EXCLUDE_FROM_ALL OPTIONAL)
+  COMPONENT documentation EXCLUDE_FROM_ALL)
 include(CPack)
