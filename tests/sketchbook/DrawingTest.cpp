@@ -59,7 +59,8 @@ void act(const NSRef<Drawing>& drawing, int action) {
     }
     default: {
       Drag drag(drawing, NSUInteger(action % 9), {at, at}, {.grid = 5, .usesGuides = true});
-      for (const double x : {50.0, -70.0, 130.0}) drag.moveTo({x, at}, action % 2 == 0, false);
+      for (const double x : {50.0, -70.0, 130.0})
+        drag.moveTo({x, at}, {.keepsProportions = action % 2 == 0});
       if (action % 5 == 0) drag.cancel();
     }
   }
@@ -106,17 +107,17 @@ TEST(Sketchbook, dragsAPathOverBothEdgesAndBack) {
   const auto drawing = drawingOf(NSMake<NSArray>({path}));
   drawing->selectAll();
   Drag drag(drawing, ZKHandleMaxXMaxY, {NSMaxX(frame), NSMaxY(frame)}, {});
-  drag.moveTo({-NSMaxX(frame), -NSMaxY(frame)}, false, false);
+  drag.moveTo({-NSMaxX(frame), -NSMaxY(frame)});
   EXPECT_EQ(drag.handle(), ZKHandleMinXMinY);
   const auto turned = drawing->shapes()[0].as<Path>()->points();
   const auto points = path->points();
   for (std::size_t k = 0; k < points.size(); ++k) {
     EXPECT_TRUE(ZKAreSimilarPoints(turned[k], -points[k], 1e-9)) << turned[k] << points[k];
   }
-  drag.moveTo({NSMaxX(frame), NSMaxY(frame)}, false, false);
+  drag.moveTo({NSMaxX(frame), NSMaxY(frame)});
   EXPECT_EQ(drawing->shapes(), NSMake<NSArray>({path}));
   drawing->undo();
-  drag.moveTo({0, 0}, false, false);
+  drag.moveTo({0, 0});
   EXPECT_PRED2(areSame, drawing->shapes()[0], path) << "the undo has ended the drag";
 }
 
@@ -129,7 +130,7 @@ TEST(Sketchbook, dragsTheEndsOfLinesWithoutWidthOrHeight) {
         const auto drawing = drawingOf(NSMake<NSArray>({line}));
         drawing->selectAll();
         const NSPoint from = ZKGetPointOfRect(handle, line->frame);
-        Drag(drawing, handle, from, {}).moveTo(to, false, false);
+        Drag(drawing, handle, from, {}).moveTo(to);
         const auto points = drawing->shapes()[0].as<Path>()->points();
         EXPECT_TRUE(ZKAreSimilarPoints(points.front(), from == start ? to : start, 1e-9))
             << handle << to << points.front();
@@ -161,7 +162,8 @@ TEST(Sketchbook, snaps) {
     const auto drawing = drawingOf(
         NSMake<NSArray>({rectangle({{0, 0}, {40, 20}}), rectangle({{300, 1000}, {100, 1000}})}));
     drawing->select(NSMake<NSIndexSet>(0));
-    Drag(drawing, handle, {7, 7}, snapping).moveTo(NSPoint(7, 7) + vector, isConstrained, false);
+    Drag(drawing, handle, {7, 7}, snapping)
+        .moveTo(NSPoint(7, 7) + vector, {.keepsProportions = isConstrained});
     EXPECT_EQ(drawing->shapes()[0].as<Shape>()->frame, expected);
   }
 }

@@ -4,16 +4,7 @@
 
 namespace sketchbook {
 
-namespace {
-
-// Where the handle is between the edges: -1, 0 or 1.
 NSPoint sideOf(NSUInteger handle) { return ZKGetPointOfRect(handle, {{-1, -1}, {2, 2}}); }
-
-std::vector<CGFloat> listOf(std::optional<CGFloat> guide) {
-  return guide ? std::vector{*guide} : std::vector<CGFloat>();
-}
-
-}  // namespace
 
 Drag::Drag(const NSRef<Drawing>& drawing, NSUInteger handle, NSPoint pointer,
            const Snapping& snapping)
@@ -26,9 +17,7 @@ Drag::Drag(const NSRef<Drawing>& drawing, NSUInteger handle, NSPoint pointer,
       _frame(drawing->selectedFrame()),
       _now{_frame, handle} {
   if (!snapping.usesGuides) return;
-  const auto others = _shapes->mutableCopy();
-  others->removeObjectsAtIndexes(drawing->selection());
-  for (const auto& shape : others->each<Shape>()) {
+  for (const auto& shape : drawing->otherShapes()->each<Shape>()) {
     const NSRect frame = shape->frame;
     _vertical.insert(_vertical.end(), {NSMinX(frame), NSMidX(frame), NSMaxX(frame)});
     _horizontal.insert(_horizontal.end(), {NSMinY(frame), NSMidY(frame), NSMaxY(frame)});
@@ -38,24 +27,23 @@ Drag::Drag(const NSRef<Drawing>& drawing, NSUInteger handle, NSPoint pointer,
   if (handle != ZKHandleCenter && sideOf(handle).y == 0) _horizontal.clear();
 }
 
-NSPoint Drag::snapped(NSRect rect) {
+NSPoint Drag::snap(NSRect rect) {
   rect.origin = ZKSnapPointToGrid(rect.origin, {_snapping.grid, _snapping.grid}).point;
   _snapped = ZKSnapRectToGuides(rect, _vertical, _horizontal, _snapping.tolerance);
   return _snapped.point;
 }
 
-void Drag::moveTo(NSPoint pointer, bool isConstrained, bool fixesCenter) {
+void Drag::moveTo(NSPoint pointer, ZKDragOptions options) {
   const NSPoint vector = pointer - _pointer;
   if (_handle != ZKHandleCenter) {
     const NSPoint target = ZKGetPointOfRect(_handle, _frame) + vector;
-    _now = ZKDragHandle(_frame, _handle, snapped(ZKMakeRectFromPoint(target)),
-                        {.keepsProportions = isConstrained, .fixesCenter = fixesCenter});
-  } else if (isConstrained) {
+    _now = ZKDragHandle(_frame, _handle, snap(ZKMakeRectFromPoint(target)), options);
+  } else if (options.keepsProportions) {
     // Off the angle it would be of no use to lie on a guide.
     _snapped = ZKSnapVectorToAngle(vector, std::numbers::pi / 4);
     _now.rect = _frame + _snapped.point;
   } else {
-    _now.rect.origin = snapped(_frame + vector);
+    _now.rect.origin = snap(_frame + vector);
   }
   apply();
 }
@@ -80,9 +68,6 @@ void Drag::apply() {
   _drawing->perform(_handle == ZKHandleCenter ? u"Move"_ns : u"Resize"_ns, shapes,
                     _drawing->selection());
 }
-
-std::vector<CGFloat> Drag::verticalGuides() const { return listOf(_snapped.verticalGuide); }
-std::vector<CGFloat> Drag::horizontalGuides() const { return listOf(_snapped.horizontalGuide); }
 
 void Drag::cancel() {
   if (_current.is(_shapes) || !_drawing->shapes().is(_current)) return;

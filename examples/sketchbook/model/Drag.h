@@ -16,27 +16,28 @@ struct Snapping {
   double tolerance = 6;
 };
 
+/// Tells where a handle (`ZKRectHandle`) is between the edges: -1, 0 or 1 in each direction.
+NSPoint sideOf(NSUInteger handle);
+
 /// Moves or resizes the selected shapes while the mouse is down. All steps are one change.
 class Drag {
  public:
-  /// Begins at the pointer, on a handle (`ZKRectHandle`) of the frame around the selection.
+  /// Begins at the pointer, on a handle of the frame around the selection.
   Drag(const NSRef<Drawing>& drawing, NSUInteger handle, NSPoint pointer, const Snapping& snapping);
 
-  /// Goes on at the pointer. A move with `isConstrained` keeps to angles of 45 degrees, a resizing
-  /// keeps the proportions; with `fixesCenter` it resizes about the centre. Ends when the drawing
-  /// is changed by something else, such as an undo.
-  void moveTo(NSPoint pointer, bool isConstrained, bool fixesCenter);
+  /// Goes on at the pointer. A move that keeps proportions keeps to angles of 45 degrees. Ends when
+  /// the drawing is changed by something else, such as an undo.
+  void moveTo(NSPoint pointer, ZKDragOptions options = {});
   /// Leaves all as it was before.
   void cancel();
 
   /// Gives the handle that is under the pointer now.
   NSUInteger handle() const { return _now.handle; }
-  /// Gives the guides to which the last step has jumped, by their x and y.
-  std::vector<CGFloat> verticalGuides() const;
-  std::vector<CGFloat> horizontalGuides() const;
+  /// Tells where the last step has snapped to, and to which guides.
+  const ZKSnappedPoint& snapped() const { return _snapped; }
 
  private:
-  NSPoint snapped(NSRect rect);
+  NSPoint snap(NSRect rect);
   void apply();
 
   NSRef<Drawing> _drawing;

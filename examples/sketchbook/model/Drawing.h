@@ -24,6 +24,8 @@ class Drawing : public NSObject {
   NSRef<NSArray> shapes() const { return _state.shapes; }
   NSRef<NSIndexSet> selection() const { return _state.selection; }
   NSRef<NSArray> selectedShapes() const;
+  /// Gives an array of its own of those that are not selected.
+  NSRef<NSMutableArray> otherShapes() const;
   /// Gives the index of the shape in front at the point, or `NSNotFound`.
   NSUInteger indexOfShapeAt(NSPoint point, double tolerance) const;
   /// Gives the frame around all selected shapes.
@@ -78,7 +80,6 @@ class Drawing : public NSObject {
     NSRef<NSString> action;
   };
 
-  NSRef<NSMutableArray> otherShapes() const;
   void step(std::vector<State>& from, std::vector<State>& to);
 
   State _state;

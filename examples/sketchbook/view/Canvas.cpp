@@ -119,8 +119,9 @@ void Canvas::paintSelection(QPainter& painter) const {
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(guideColour, 0));
   if (_now.drag) {
-    for (const double x : _now.drag->verticalGuides()) drawVertical(painter, x, shownArea());
-    for (const double y : _now.drag->horizontalGuides()) drawHorizontal(painter, y, shownArea());
+    const auto& [point, distance, x, y] = _now.drag->snapped();
+    if (x) drawVertical(painter, *x, shownArea());
+    if (y) drawHorizontal(painter, *y, shownArea());
   }
   painter.setPen(QPen(selectionColour, 0));
   if (_now.band) painter.drawRect(toQt(*_now.band));

@@ -15,9 +15,6 @@ constexpr double leastLineStep = 8;
 
 constexpr double newLineHeight = 24;
 
-// Where a handle is as seen from the centre, -1 to 1.
-NSPoint sideOf(NSUInteger handle) { return ZKGetPointOfRect(handle, {{-1, -1}, {2, 2}}); }
-
 Qt::CursorShape cursorOf(NSUInteger handle) {
   const NSPoint side = sideOf(handle);
   if (handle == ZKHandleCenter) return Qt::SizeAllCursor;
@@ -119,7 +116,7 @@ void Canvas::mouseMoveEvent(QMouseEvent* event) {
   if (_now.isPanning) {
     setView(_zoom, _offset + at - _now.last);
   } else if (_now.drag && hasMoved(at)) {
-    _now.drag->moveTo(point, keys.keepsProportions, keys.fixesCenter);
+    _now.drag->moveTo(point, keys);
   } else if (!_now.line.empty() && hasMoved(at)) {
     sketch(point, keys);
   } else if (_now.band) {
@@ -234,13 +231,15 @@ void Canvas::edit(NSUInteger index, const NSRef<Label>& label) {
   QTextBlockFormat format;
   format.setLineHeight(label->lineHeight() * _zoom, QTextBlockFormat::FixedHeight);
   _editor->textCursor().setBlockFormat(format);
-  _editor->move(toWidget(label->frame.origin).toPoint() - QPoint(1, 1));
   const auto fit = [editor = _editor] {
     editor->resize((editor->document()->size() + QSizeF(40, 2)).toSize());
   };
   connect(_editor, &QTextEdit::textChanged, _editor, fit);
   _editor->insertPlainText(toQt(label->text()));
   fit();
+  const QTextLine line = _editor->document()->firstBlock().layout()->lineAt(0);
+  const QPointF above(1, 1 + line.y() + line.ascent() - label->fontSize() * _zoom);
+  _editor->move((toWidget(label->frame.origin) - above).toPoint());
   _editor->selectAll();
   _editor->installEventFilter(this);
   _editor->show();
