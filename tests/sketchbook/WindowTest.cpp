@@ -130,6 +130,10 @@ TEST_F(SketchbookWindow, tellsWhyAnAddressIsRefused) {
   type("address", "example.org/a");
   EXPECT_TRUE(window->findChild<QLabel*>("refusal")->text().isEmpty());
   EXPECT_EQ(shown(shape()->link), "http://example.org/a");
+  window->findChild<QListView*>("shapes")->setCurrentIndex({});
+  EXPECT_EQ(drawing->selection()->count(), 0U);
+  window->findChild<QListView*>("shapes")->selectAll();
+  ASSERT_TRUE(settle());
   type("name", "House");
   EXPECT_EQ(shown(shape()->name), "House");
 }

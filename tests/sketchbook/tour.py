@@ -106,6 +106,9 @@ def zooms(self):
     self.presses("ctrl+0")
     self.picture("all in the window")
     self.presses("ctrl+1")
+    self.clicks("Smoke", "list item")
+    until(lambda: self.reads("Name") == "Smoke", "the smoke")
+    self.picture("selected in the list")
 
 
 def finds(self):
@@ -115,7 +118,8 @@ def finds(self):
     self.presses("Escape", "Return")
     self.sees("“Our house”")
     self.picture("found")
-    self.clicks("Whole words", "check box")
+    self.clicks("Any part", "combo box")
+    self.clicks("Whole words", "list item")
     self.fills("Replace by", "their")
     self.clicks("Replace All", "push button")
     self.sees("2 replaced.")
@@ -167,6 +171,7 @@ def closes_and_opens(self):
     self.picture("opening")
     self.presses("Return")
     self.sees("Plan — Sketchbook", "frame")
+    self.sees_no("Untitled — Sketchbook", "frame")
     self.picture("opened")
     self.presses("ctrl+q")
     self.leaves()

@@ -227,7 +227,7 @@ NSRef<NSString> Document::attach(const NSRef<NSURL>& file, NSRef<NSError>* error
     _files->addFileWrapper(folder);
   }
   _isEdited = true;
-  _copiedShapes = _countedShapes = nullptr;
+  _copiedShapes = nullptr;
   _drawing->noteChange();
   return addFileWrapperWithUniqueFileName(folder, attached);
 }
@@ -239,11 +239,6 @@ NSRef<NSArray> Document::attachmentNames() const {
                 : NSMake<NSArray>();
 }
 
-NSUInteger Document::byteCount() {
-  // Writing all of it takes time, which only changes are worth.
-  if (!_drawing->shapes().is(_countedShapes)) _byteCount = sizeOf(*contents(UUIDString()));
-  _countedShapes = _drawing->shapes();
-  return _byteCount;
-}
+NSUInteger Document::byteCount() const { return sizeOf(*contents(UUIDString())); }
 
 }  // namespace sketchbook

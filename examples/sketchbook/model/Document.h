@@ -65,8 +65,8 @@ class Document : public NSObject {
   NSRef<NSString> attach(const NSRef<NSURL>& file, NSRef<NSError>* error);
   /// Lists the names of the attachments.
   NSRef<NSArray> attachmentNames() const;
-  /// Counts the bytes of what would be saved.
-  NSUInteger byteCount();
+  /// Counts the bytes of what would be saved, for which all of it is written.
+  NSUInteger byteCount() const;
 
  private:
   bool write(const NSRef<NSURL>& url, NSRef<NSError>* error);
@@ -86,9 +86,6 @@ class Document : public NSObject {
   NSRef<NSFileWrapper> _files = NSMake<NSFileWrapper>(NSMake<NSDictionary>());
   NSRef<NSArray> _savedShapes;
   NSRef<NSArray> _copiedShapes;
-  // Those whose bytes were counted last.
-  NSRef<NSArray> _countedShapes;
-  NSUInteger _byteCount = 0;
   bool _isEdited = false;
   NSRef<NSBlock> _autosave;
   NSObservation _observation{DrawingDidChange(), _drawing, [this] { noteChange(); }};

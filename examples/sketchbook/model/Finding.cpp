@@ -19,7 +19,7 @@ std::optional<LabelMatch> findNext(const NSRef<NSArray>& shapes, const ZKTextFin
     }
     if (error != nullptr && *error) return std::nullopt;
   }
-  return first;
+  return finder.wraps() ? first : std::nullopt;
 }
 
 NSUInteger replaceAll(Drawing& drawing, const ZKTextFinder& finder,

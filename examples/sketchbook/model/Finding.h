@@ -15,7 +15,7 @@ struct LabelMatch {
 };
 
 /// Finds the match after `previous`, or the first one, in the labels from the back to the front;
-/// goes around at the end.
+/// goes around at the end if the finder wraps.
 std::optional<LabelMatch> findNext(const NSRef<NSArray>& shapes, const ZKTextFinder& finder,
                                    std::optional<LabelMatch> previous, NSRef<NSError>* error);
 

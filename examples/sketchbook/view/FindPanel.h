@@ -12,7 +12,7 @@ class FindPanel : public QWidget {
  public:
   FindPanel(const NSRef<Drawing>& drawing, Canvas* canvas, TaskBar* tasks)
       : _drawing(drawing), _canvas(canvas), _tasks(tasks) {
-    auto* const completer = new QCompleter(_words, this);
+    auto* const completer = new QCompleter(_collectedWords, this);
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     _needle->setCompleter(completer);
     _needle->setObjectName(QStringLiteral("needle"));
@@ -27,7 +27,14 @@ class FindPanel : public QWidget {
     auto* const form = new QFormLayout(this);
     form->addRow(inLanguage(u"Find"_ns), _needle);
     form->addRow(inLanguage(u"Replace by"_ns), _replacement);
-    for (auto* const option : {_respectsCase, _wholeWords, _isPattern}) form->addRow(option);
+    form->addRow(inLanguage(u"Words"_ns), _words);
+    // In the order of ZKWordCompareOption.
+    for (const auto& words :
+         {u"Any part"_ns, u"Whole words"_ns, u"Start of words"_ns, u"End of words"_ns}) {
+      _words->addItem(inLanguage(words));
+    }
+    for (auto* const option : {_respectsCase, _isPattern, _wraps}) form->addRow(option);
+    _wraps->setChecked(true);
     form->addRow(buttons);
     form->addRow(_answer);
     connect(_needle, &QLineEdit::returnPressed, this, &FindPanel::findNext);
@@ -63,14 +70,14 @@ class FindPanel : public QWidget {
     NSStringCompareOptions options{};
     if (!_respectsCase->isChecked()) options |= NSCaseInsensitiveSearch;
     if (_isPattern->isChecked()) options |= ZKRegularExpressionSearch;
-    return NSMake<ZKTextFinder>(fromQt(_needle->text()), options,
-                                _wholeWords->isChecked() ? ZKWordCompareWhole : ZKWordCompareNone);
+    auto finder = NSMake<ZKTextFinder>(fromQt(_needle->text()), options,
+                                       static_cast<ZKWordCompareOption>(_words->currentIndex()));
+    finder->setWraps(_wraps->isChecked());
+    return finder;
   }
 
   void tell(const NSRef<NSError>& error, const NSRef<NSString>& answer) {
-    const auto refusal = localized(u"This is no regular expression (%@)."_ns);
-    _answer->setText(
-        toQt(error ? NSString::stringWithFormat(refusal, error->localizedDescription()) : answer));
+    _answer->setText(toQt(error ? localized(u"This is no regular expression."_ns) : answer));
   }
 
   void collectWords() {
@@ -84,7 +91,7 @@ class FindPanel : public QWidget {
         [this](const NSRef<NSObject>& result) {
           QStringList words;
           for (const auto& word : result.as<NSArray>()->each<NSString>()) words.append(toQt(word));
-          _words->setStringList(words);
+          _collectedWords->setStringList(words);
         });
   }
 
@@ -97,10 +104,11 @@ class FindPanel : public QWidget {
   QLineEdit* _needle = new QLineEdit;
   QLineEdit* _replacement = new QLineEdit;
   QCheckBox* _respectsCase = new QCheckBox(inLanguage(u"Match case"_ns));
-  QCheckBox* _wholeWords = new QCheckBox(inLanguage(u"Whole words"_ns));
+  QComboBox* _words = new QComboBox;
   QCheckBox* _isPattern = new QCheckBox(inLanguage(u"Regular expression"_ns));
+  QCheckBox* _wraps = new QCheckBox(inLanguage(u"Wrap around"_ns));
   QLabel* _answer = new QLabel;
-  QStringListModel* _words = new QStringListModel(this);
+  QStringListModel* _collectedWords = new QStringListModel(this);
   const NSObservation _observation{DrawingDidChange(), _drawing, [this] { collectWords(); }};
 };
 

@@ -138,8 +138,9 @@ void MainWindow::makeMenus() {
           {u"Snap to Shapes"_ns, {}, [this] { _canvas->snapping.usesGuides ^= true; }, 0, true},
           {},
       });
-  view->addAction(_inspectorPanel->toggleViewAction());
-  view->addAction(_findPanel->toggleViewAction());
+  for (auto* const panel : {_inspectorPanel, _shapesPanel, _findPanel}) {
+    view->addAction(panel->toggleViewAction());
+  }
 }
 
 void MainWindow::makeToolBars() {

@@ -2,6 +2,7 @@
 
 #include "examples/sketchbook/view/Inspector.h"
 #include "examples/sketchbook/view/Painting.h"
+#include "examples/sketchbook/view/ShapeList.h"
 
 using namespace ZKFoundationExtensions;
 
@@ -61,7 +62,8 @@ MainWindow::MainWindow(const NSRef<Document>& document)
     : _document(document),
       _canvas(new Canvas(document->drawing())),
       _find(new FindPanel(document->drawing(), _canvas, _tasks)),
-      _inspectorPanel(addPanel(u"Inspector"_ns, makeInspector(document))),
+      _inspectorPanel(addPanel(u"Inspector"_ns, new Inspector(document))),
+      _shapesPanel(addPanel(u"Shapes"_ns, new ShapeList(document->drawing()))),
       _findPanel(addPanel(u"Find"_ns, _find)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setCentralWidget(_canvas);
@@ -173,7 +175,8 @@ NSRef<NSURL> MainWindow::askForPlace(const NSRef<NSString>& title, const QString
 
 void MainWindow::open() {
   const auto url = urlOf(QFileDialog::getExistingDirectory(this, inLanguage(u"Open"_ns)));
-  if (url) openWindow(url, this);
+  const bool isUnused = !_document->url() && !_document->isEdited();
+  if (url && openWindow(url, this) && isUnused) close();
 }
 
 bool MainWindow::save(bool overwrites) {

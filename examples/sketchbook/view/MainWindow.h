@@ -65,6 +65,7 @@ class MainWindow : public QMainWindow {
   Canvas* _canvas;
   FindPanel* _find;
   QDockWidget* _inspectorPanel;
+  QDockWidget* _shapesPanel;
   QDockWidget* _findPanel;
   QLabel* _zoom = new QLabel;
   std::unordered_map<NSRef<NSString>, QAction*> _items;
