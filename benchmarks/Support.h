@@ -13,6 +13,8 @@ struct RowDetails {
   benchmark::IterationCount calls = 1;
   /// The largest error of its answers, where it has any.
   double error = -1;
+  /// How large what it makes is, where that matters.
+  double bytes = -1;
   /// Whether other threads do the work; the time is then what passes, not what the caller computes.
   bool isElsewhere = false;
 };
@@ -27,6 +29,7 @@ void addRow(const std::string& name, Work work, Check isRight, RowDetails detail
       return;
     }
     if (details.error >= 0) state.counters["error"] = details.error;
+    if (details.bytes >= 0) state.counters["bytes"] = details.bytes;
     while (state.KeepRunningBatch(details.calls)) benchmark::DoNotOptimize(work());
   });
   if (details.isElsewhere) row->UseRealTime();
