@@ -21,7 +21,7 @@ class Missed(Exception):
     """Something was not there in time."""
 
 
-def until(condition, what, limit=30):
+def until(condition, what, limit=60):
     """Gives what the condition gives, as soon as that is something."""
     end = time.monotonic() + limit
     while True:
@@ -79,7 +79,7 @@ class Person:
 
     def _below(self, node):
         # Nobody reads all of a long list.
-        for k in range(min(node.get_child_count(), 100)):
+        for k in range(min(node.get_child_count(), 30)):
             child = node.get_child_at_index(k)
             if child is None:
                 continue
