@@ -141,9 +141,20 @@ TEST(Archiving, RefusesWhatTheFormCannotHold) {
 TEST(Archiving, GoesInOneDirection) {
   const auto archiver = NSMake<NSKeyedArchiver>();
   refusesNil("key", "encodeBool:forKey:", [&] { archiver->encodeBool_forKey(true, nullptr); });
-  EXPECT_THROW((void)archiver->decodeBoolForKey(u"a"_ns), NSException);
-  EXPECT_THROW(NSMake<NSKeyedUnarchiver>(archived(nullptr))->encodeBool_forKey(true, u"a"_ns),
-               NSException);
+  const auto reader = NSMake<NSKeyedUnarchiver>(archived(nullptr));
+  const auto key = u"a"_ns;
+  const std::vector<std::function<void()>> wrong = {
+      [&] { reader->encodeBool_forKey(true, key); },
+      [&] { reader->encodeInteger_forKey(1, key); },
+      [&] { reader->encodeDouble_forKey(1, key); },
+      [&] { reader->encodeObject_forKey(key, key); },
+      [&] { (void)archiver->containsValueForKey(key); },
+      [&] { (void)archiver->decodeBoolForKey(key); },
+      [&] { (void)archiver->decodeIntegerForKey(key); },
+      [&] { (void)archiver->decodeDoubleForKey(key); },
+      [&] { (void)archiver->decodeObjectForKey(key); },
+  };
+  for (const auto& call : wrong) EXPECT_THROW(call(), NSException);
 }
 
 TEST(Archiving, RefusesValuesOfTheWrongKind) {

@@ -48,6 +48,7 @@ TEST(NSKeyValueCoding, ReadsPublishedMembersAndBoxesThem) {
   EXPECT_EQ(value("sections"), nullptr);
   EXPECT_EQ(value("self"), chapter);
   EXPECT_EQ(value("hash"), NSMake<NSNumber>(chapter->hash()));
+  EXPECT_EQ(NSMake<NSData>("two")->valueForKey(u"length"_ns), number(3));
 }
 
 TEST(NSKeyValueCoding, FollowsPathsThroughCollections) {

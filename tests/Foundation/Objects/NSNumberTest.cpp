@@ -105,6 +105,23 @@ TEST(NSValue, KeepsItsKindAndMembers) {
   EXPECT_NE(point(1, 1)->hash(), point(2, 2)->hash());
 }
 
+TEST(NSValue, IsEqualToItsLikeAlone) {
+  const auto make = [] {
+    return NSMake<NSArray>(
+        {NSMake<NSValue>(NSMakeSize(1, 2)), NSMake<NSValue>(NSMakeRect(1, 2, 3, 4)),
+         NSMake<NSValue>(NSRange{1, 2}), NSMake<NSData>("1"), NSMake<NSData>("2"), u"1"_ns,
+         NSDate::distantPast(), NSMake<NSDate>(std::chrono::system_clock::time_point())});
+  };
+  const auto ones = make();
+  const auto others = make();
+  for (NSUInteger a = 0; a < ones->count(); ++a) {
+    EXPECT_EQ(ones[a]->hash(), others[a]->hash()) << ones[a];
+    for (NSUInteger b = 0; b < ones->count(); ++b) {
+      EXPECT_EQ(ones[a]->isEqual(others[b]), a == b) << ones[a] << " and " << others[b];
+    }
+  }
+}
+
 TEST(NSRange, ComputesWithoutOverflow) {
   EXPECT_TRUE(NSRangeFits({3, 2}, 5));
   EXPECT_FALSE(NSRangeFits({3, 3}, 5));
