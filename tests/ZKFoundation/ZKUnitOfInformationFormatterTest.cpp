@@ -280,6 +280,7 @@ TEST(ZKUnitOfInformationFormatter, ReadsAnArchiveWithoutItsKeys) {
   };
   const auto name = NSClass::of<Plain>().name();
   NSKeyedUnarchiver::setClass_forClassName<ZKUnitOfInformationFormatter>(name);
+  const Habits habits("en");
   const auto sizes = unarchived<ZKUnitOfInformationFormatter>(NSMake<Plain>());
   EXPECT_FALSE(sizes->displaysInTermsOfBytes());
   EXPECT_FALSE(sizes->usesIECBinaryPrefixesForCalculation());
