@@ -24,8 +24,8 @@ struct NSPrintedFormatter : std::formatter<std::string_view> {
   }
 };
 
-/// Lets `std::format` write descriptions of objects as UTF-8, "(null)" for nil, where the compiler's
-/// library has it: `std::format("{:>20}", title)`.
+/// Lets `std::format` write descriptions of objects as UTF-8, "(null)" for nil, where the
+/// compiler's library has it: `std::format("{:>20}", title)`.
 template <class T>
 struct std::formatter<NSRef<T>> : NSPrintedFormatter {};
 template <>
