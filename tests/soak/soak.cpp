@@ -38,10 +38,10 @@ enum Fault { noFault, shortFile, fullDisk, goneFolder, killedProcess, faultCount
 
 // A document all of whose parts tell the number of its version.
 struct Document {
-  bool save(int version) const {
-    const auto text = NSMake<NSData>(std::to_string(version));
+  bool save(int number) const {
+    const auto text = NSMake<NSData>(std::to_string(number));
     const auto list = NSMake<NSMutableArray>();
-    for (int k = 0; k <= version % 1000; ++k) list->addObject(NSMake<NSNumber>(version - k));
+    for (int k = 0; k <= number % 1000; ++k) list->addObject(NSMake<NSNumber>(number - k));
     const auto wrapper = NSMake<NSFileWrapper>(NSRef<NSDictionary>());
     wrapper->addRegularFileWithContents_preferredFilename(text, u"text"_ns);
     wrapper->addRegularFileWithContents_preferredFilename(
@@ -55,15 +55,15 @@ struct Document {
     const auto contents = [&](const NSRef<NSString>& name) {
       return wrapper->fileWrappers()->objectForKey(name).as<NSFileWrapper>()->regularFileContents();
     };
-    const int version = std::stoi(std::string(contents(u"text"_ns)->view()));
+    const int number = std::stoi(std::string(contents(u"text"_ns)->view()));
     const auto list = NSKeyedUnarchiver::unarchivedObjectOfClass<NSArray>(contents(u"list"_ns));
     const auto last = list->lastObject().as<NSNumber>()->integerValue();
-    require(last == version - version % 1000, "versions of a document are mixed");
-    return version;
+    require(last == number - number % 1000, "versions of a document are mixed");
+    return number;
   }
 
   // Saves the next version while that happens; gives whether it is there now.
-  bool saveUnder(Fault fault, unsigned chance) {
+  bool saveUnder(Fault fault, std::uint_fast32_t chance) {
     if (fault == killedProcess) return saveInKilledProcess(chance % 20'000);
     const rlimit limit = {chance % 4096, RLIM_INFINITY};
     const rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
@@ -86,7 +86,7 @@ struct Document {
   }
 
   // The process tells its number, and each version before it saves it.
-  bool saveInKilledProcess(unsigned microseconds) {
+  bool saveInKilledProcess(std::uint_fast32_t microseconds) {
     const std::string program = fs::read_symlink("/proc/self/exe");
     std::FILE* const told =
         popen(("exec '" + program + "' '" + folder.native() + "'").c_str(), "r");
@@ -134,7 +134,7 @@ void useQueuesAndDelays(std::mt19937& random) {
   const auto counter = NSMake<Counter>();
   auto shortLived = NSMake<Counter>();
   for (int k = 0; k < 100; ++k) {
-    dispatch_group_async(group, queues.at(k % 2), [=, serial = queues[0]] {
+    dispatch_group_async(group, queues.at(k % 2 == 0 ? 0 : 1), [=, serial = queues[0]] {
       if (k % 50 == 1) dispatch_sync(serial, [=] { ++counter->count; });
       performBlockOnMainThread_waitUntilDone(counter, count, false);
     });
