@@ -204,6 +204,7 @@ TEST(ZKUnitOfInformationFormatter, ReadsSizes) {
            {"en", u"1,5 KB", "stopped at 1"},
            {"en", u"1.5 KiB", "stopped at 4"},
            {"en", u"1.5 KBs", "stopped at 6"},
+           {"en", std::u16string(300, u'9') + u" EB", "stopped at 303"},
            {"fr", u"12,3 Mo", "103179878"},
            {"fr", u"12,3\u00A0MB", "103179878"},
            {"fr", u"1 023 octets", "8184"},

@@ -249,7 +249,8 @@ std::optional<double> ZKUnitOfInformationFormatter::takeBits(std::u16string_view
     }
   }
   if (!number || !bitsPerUnit || !text.empty()) return std::nullopt;
-  return std::round(*number * *bitsPerUnit);
+  const double bits = std::round(*number * *bitsPerUnit);
+  return std::isfinite(bits) ? std::optional(bits) : std::nullopt;
 }
 
 NSRef<NSNumber> ZKUnitOfInformationFormatter::numberOfBitsFromString_stoppedAt(

@@ -96,7 +96,8 @@ class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
   /// Reads a size of the pattern and a unit that this formatter writes, under its present switches:
   /// "1.5 KB", and "12,3 Mo" in French where the table calls megabytes so. Gives the number of
   /// bits, rounded to a whole one: what is not scaled comes back as it was, all else to the
-  /// precision that was written. Nil for any other text, nil too.
+  /// precision that was written. Nil for any other text, nil too, and for more bits than a double
+  /// can count.
   ///
   /// Units are read by their name in the table or by its key, letter by letter, numbers as
   /// `NSNumberFormatter::takeNumber` does; blanks may be more, fewer or of another kind. Where it
