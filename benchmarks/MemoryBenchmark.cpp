@@ -1,6 +1,7 @@
 #include "benchmarks/Support.h"
 
 #include <deque>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <queue>
@@ -14,10 +15,13 @@
 #include <ZKFoundation/ZKFoundation.h>
 
 #ifdef ZK_HAS_QT
+#include <QDataStream>
 #include <QHash>
+#include <QIODevice>
 #include <QList>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 #endif
 
 namespace {
@@ -29,21 +33,77 @@ std::size_t bytesInUse() {
   return info.uordblks + info.hblkhd;
 }
 
-// A row that tells how many bytes each of the things takes that one call makes, and what holds it.
-template <class Make>
-void addMemoryRow(const std::string& name, Make make) {
+// A row that tells how many bytes a measurement counts for each of the things.
+template <class Measure>
+void addBytesRow(const std::string& name, Measure measure) {
   auto* const row =
       benchmark::RegisterBenchmark(("Memory/" + name).c_str(), [=](benchmark::State& state) {
         std::size_t bytes = 0;
-        for ([[maybe_unused]] auto turn : state) {
-          const std::size_t before = bytesInUse();
-          const auto made = make();
-          bytes = bytesInUse() - before;
-          benchmark::DoNotOptimize(made);
-        }
+        for ([[maybe_unused]] auto turn : state) bytes = measure();
         state.counters["bytes"] = static_cast<double>(bytes) / count;
       });
   row->Iterations(1);
+}
+
+// Those of the things that one call makes, and of what holds them.
+template <class Make>
+void addMemoryRow(const std::string& name, Make make) {
+  addBytesRow(name, [=] {
+    const std::size_t before = bytesInUse();
+    const auto made = make();
+    benchmark::DoNotOptimize(made);
+    return bytesInUse() - before;
+  });
+}
+
+// How much memory the process has in use, in bytes, and how much it ever had since it was asked to
+// forget.
+std::size_t residentBytes(const std::string& key) {
+  std::ifstream status("/proc/self/status");
+  for (std::string word; status >> word;) {
+    if (std::size_t kibibytes = 0; word == key && status >> kibibytes) return kibibytes * 1024;
+  }
+  return 0;
+}
+
+// Those that a call takes at its worst.
+template <class Make>
+void addPeakRow(const std::string& name, Make make) {
+  addBytesRow(name, [=] {
+    malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << 5;
+    const std::size_t before = residentBytes("VmRSS:");
+    const auto made = make();
+    benchmark::DoNotOptimize(made);
+    return residentBytes("VmHWM:") - before;
+  });
+}
+
+// Reading a list of texts, as each writes it.
+void addReading() {
+  const auto texts = NSMake<NSMutableArray>();
+  for (std::size_t k = 0; k < count; ++k) {
+    texts->addObject(NSMake<NSString>("the text of number " + std::to_string(k)));
+  }
+  const auto archive = NSKeyedArchiver::archivedDataWithRootObject(texts);
+  addPeakRow("ReadArchive/ZK", [=] { return NSKeyedUnarchiver::unarchiveObjectWithData(archive); });
+#ifdef ZK_HAS_QT
+  QByteArray bytes;
+  {
+    QStringList list;
+    for (const auto& text : texts->each<NSString>()) {
+      list.append(QString::fromStdU16String(std::u16string(text->view())));
+    }
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream << list;
+  }
+  addPeakRow("ReadArchive/Qt", [=] {
+    QStringList list;
+    QDataStream stream(bytes);
+    stream >> list;
+    return list;
+  });
+#endif
 }
 
 void addStrings(std::size_t length) {
@@ -171,6 +231,7 @@ void addWaiting() {
 const bool registered = [] {
   for (const std::size_t length : {5U, 20U, 60U}) addStrings(length);
   addCollections();
+  addReading();
   addWaiting();
   return true;
 }();

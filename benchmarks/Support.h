@@ -29,7 +29,7 @@ void addRow(const std::string& name, Work work, Check isRight, RowDetails detail
       return;
     }
     if (details.error >= 0) state.counters["error"] = details.error;
-    if (details.bytes >= 0) state.counters["bytes"] = details.bytes;
+    if (details.bytes >= 0) state.counters["size"] = details.bytes;
     while (state.KeepRunningBatch(details.calls)) benchmark::DoNotOptimize(work());
   });
   if (details.isElsewhere) row->UseRealTime();

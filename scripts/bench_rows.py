@@ -15,6 +15,7 @@ class Case:
     inBytes: bool = False
     amounts: dict = field(default_factory=dict)
     errors: dict = field(default_factory=dict)
+    sizes: dict = field(default_factory=dict)
 
     def peers(self):
         return {who: amount for who, amount in self.amounts.items()
@@ -25,6 +26,12 @@ class Case:
         """To the fastest peer; nothing where there is none."""
         peers = self.peers()
         return self.amounts[who] / min(peers.values()) if peers and who in self.amounts else None
+
+    def note(self, who):
+        """What is told beside the amount."""
+        error = f"error {self.errors[who]:.1e}" if who in self.errors else ""
+        size = f"{self.sizes[who] / 1e6:.2f} MB" if who in self.sizes else ""
+        return error or size
 
     def text(self, who):
         amount = self.amounts[who]
@@ -55,4 +62,6 @@ def read(path):
             case.amounts[who] = row["bytes" if case.inBytes else measure]
             if "error" in row:
                 case.errors[who] = row["error"]
+            if "size" in row:
+                case.sizes[who] = row["size"]
     return cases, failures, document["context"]
