@@ -34,8 +34,10 @@ void addNotifications() {
   const auto isRight = [](std::size_t posted) { return posted == nameCount; };
   addRow("Notifications/Coalesced/ZK",
          [=] {
-           *count = 0;
            const auto queue = NSNotificationQueue::defaultQueue();
+           // What other rows have left.
+           firePendingNotifications(queue);
+           *count = 0;
            for (std::size_t k = 0; k < notificationCount; ++k) {
              enqueueNotificationName_object_postingStyle(queue, names[k * 7 % nameCount], nullptr,
                                                          NSPostASAP);
