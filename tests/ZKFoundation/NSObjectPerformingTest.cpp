@@ -1,3 +1,4 @@
+#include "tests/Files.h"
 #include "tests/RunLoops.h"
 
 #include <sys/resource.h>
@@ -378,7 +379,7 @@ TEST(NSObjectPerformingDeathTest, KeepsNothingOfWhatIsRefused) {
       done.wait();
     }
     EXPECT_EQ(editor->edits, 0);
-    std::_Exit(testing::Test::HasFailure() ? 1 : 0);
+    leave(testing::Test::HasFailure() ? 1 : 0);
   };
   EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }

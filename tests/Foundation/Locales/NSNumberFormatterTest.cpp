@@ -1,4 +1,4 @@
-#include "tests/Support.h"
+#include "tests/Files.h"
 
 #include <charconv>
 
@@ -272,7 +272,7 @@ TEST(NSLocale, ComesFromTheEnvironment) {
       NSLocale::setPreferredLanguages(nullptr);
       std::cerr << NSLocale::currentLocale()->localeIdentifier() << ": "
                 << NSLocale::preferredLanguages()->componentsJoinedByString(u", "_ns);
-      std::_Exit(0);
+      leave(0);
     };
     std::string expected = identifier;
     EXPECT_EXIT(check(), testing::ExitedWithCode(0),

@@ -99,10 +99,15 @@ TEST(NSString, FindsInTextsThatAlmostMatchEverywhere) {
     const NSRange rest = {20'001, around.size() - 20'001};
     EXPECT_EQ(string->rangeOfString_options_range(wanted, options, rest), NSNotFoundRange);
   }
-  std::vector<std::size_t> places(5);
-  const std::u16string end = needle + needle + u"a" + needle;
-  EXPECT_EQ(NSFindUnits(text + end, needle, 0, places), 3U);
-  EXPECT_EQ(places, (std::vector<std::size_t>{20'000, 22'000, 24'001, 0, 0}));
+  // In the second no unit is rarer than the others.
+  std::u16string turned = text.substr(0, 2'000);
+  std::swap(turned[998], turned[999]);
+  for (const std::u16string& wanted : {needle, turned}) {
+    std::vector<std::size_t> places(5);
+    const std::u16string end = wanted + wanted + u"a" + wanted;
+    EXPECT_EQ(NSFindUnits(text + end, wanted, 0, places), 3U);
+    EXPECT_EQ(places, (std::vector<std::size_t>{20'000, 22'000, 24'001, 0, 0}));
+  }
 }
 
 TEST(NSString, ComparesByTheOptions) {
