@@ -104,8 +104,9 @@ TEST(NSString, FindsInTextsThatAlmostMatchEverywhere) {
   std::swap(turned[998], turned[999]);
   for (const std::u16string& wanted : {needle, turned}) {
     std::vector<std::size_t> places(5);
-    const std::u16string end = wanted + wanted + u"a" + wanted;
-    EXPECT_EQ(NSFindUnits(text + end, wanted, 0, places), 3U);
+    std::u16string all = text;
+    all.append(wanted).append(wanted).append(u"a").append(wanted);
+    EXPECT_EQ(NSFindUnits(all, wanted, 0, places), 3U);
     EXPECT_EQ(places, (std::vector<std::size_t>{20'000, 22'000, 24'001, 0, 0}));
   }
 }
