@@ -207,13 +207,15 @@ TEST(Sketchbook, alignsAndDistributes) {
 
 TEST(Sketchbook, findsAndReplacesInAllLabels) {
   const auto drawing = drawingOf(NSMake<NSArray>({label("ring, Ring"), arch(), label("a string")}));
-  const ZKTextFinder finder(u"ring"_ns, NSCaseInsensitiveSearch);
+  ZKTextFinder finder(u"ring"_ns, NSCaseInsensitiveSearch);
   std::optional<LabelMatch> at;
   for (const LabelMatch& expected :
        {LabelMatch{0, {0, 4}}, {0, {6, 4}}, {2, {4, 4}}, {0, {0, 4}}}) {
     at = findNext(drawing->shapes(), finder, at, nullptr);
     EXPECT_TRUE(at == expected);
   }
+  finder.setWraps(false);
+  EXPECT_FALSE(findNext(drawing->shapes(), finder, LabelMatch{2, {4, 4}}, nullptr));
   EXPECT_EQ(replaceAll(*drawing, finder, u"bell"_ns, nullptr), 3U);
   EXPECT_EQ(texts(*drawing), "(bell, bell, <null>, a stbell)");
   drawing->undo();
