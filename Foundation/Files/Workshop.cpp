@@ -35,13 +35,21 @@ bool isOurs(int folder, const fs::path& path) {
 
 NSWorkshop::NSWorkshop(const fs::path& place)
     : _place(place), _folder(place.parent_path() / (".saving-" + place.filename().native())) {
-  if (takeFolder()) return;
-  std::string pattern = place.parent_path() / ".saving-XXXXXX";
-  if (mkdtemp(pattern.data()) == nullptr) NSFailWithPath(place);
-  _folder = pattern;
+  if (!takeFolder()) {
+    std::string pattern = place.parent_path() / ".saving-XXXXXX";
+    if (mkdtemp(pattern.data()) == nullptr) NSFailWithPath(place);
+    _folder = pattern;
+  }
+  _spare = open(_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (_spare >= 0) return;
+  const int code = errno;
+  rmdir(_folder.c_str());
+  if (_lock >= 0) close(_lock);
+  NSFailWithPath(place, code);
 }
 
 NSWorkshop::~NSWorkshop() {
+  if (_spare >= 0) close(_spare);
   if (!_isKept) clear();
   if (_lock >= 0) close(_lock);
 }
@@ -49,13 +57,18 @@ NSWorkshop::~NSWorkshop() {
 // A process that was killed has left the folder as it was, but not its lock. It has the name of the
 // place, so that the next one who writes there finds it.
 bool NSWorkshop::takeFolder() try {
-  mkdir(_folder.c_str(), S_IRWXU);
+  const bool isNew = mkdir(_folder.c_str(), S_IRWXU) == 0;
   _lock = open(_folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  // What was taken out of the place may be the only one.
-  if (_lock >= 0 && flock(_lock, LOCK_EX | LOCK_NB) == 0 && isOurs(_lock, _folder) &&
-      !fs::exists(fs::symlink_status(former()))) {
-    empty();
-    return true;
+  if (_lock < 0 && isNew) rmdir(_folder.c_str());
+  if (_lock >= 0 && flock(_lock, LOCK_EX | LOCK_NB) == 0 && isOurs(_lock, _folder)) {
+    const auto exists = [](const fs::path& path) { return fs::exists(fs::symlink_status(path)); };
+    // What was taken out of the place goes back, unless something is there: then it may be the only
+    // one of its kind, and stays.
+    if (exists(former()) && !exists(_place)) fs::rename(former(), _place);
+    if (!exists(former())) {
+      empty();
+      return true;
+    }
   }
   if (_lock >= 0) close(std::exchange(_lock, -1));
   return false;

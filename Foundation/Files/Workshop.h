@@ -37,6 +37,8 @@ class NSWorkshop {
   std::filesystem::path _place;
   std::filesystem::path _folder;
   int _lock = -1;
+  // Lets the folder be emptied when there are no more descriptors.
+  int _spare = -1;
   bool _isKept = false;
 };
 

@@ -7,6 +7,7 @@
 #include <linux/seccomp.h>
 #include <sys/file.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 
@@ -210,6 +211,31 @@ TEST(NSFileWrapper, LeavesTheOldDocumentWhenTheNewOneCannotBeWritten) {
   EXPECT_EQ(write(old, place), 0);
   fs::permissions(folder.path(), fs::perms{0555});
   EXPECT_TRUE(asNobody([&] { expectOld(NSFileWriteNoPermissionError); }));
+  fs::permissions(folder.path(), fs::perms{0755});
+  // With too few descriptors, also beside another who is saving.
+  EXPECT_TRUE(inChild([&] {
+    for (rlim_t few = 0; few < 10; ++few) {
+      const fs::path other = folder / ".saving-document";
+      if (few == 5) fs::create_directory(other);
+      const int user = open(other.c_str(), O_RDONLY | O_DIRECTORY);
+      if (user >= 0) flock(user, LOCK_EX);
+      const int first = dup(0);
+      close(first);
+      rlimit limit{};
+      getrlimit(RLIMIT_NOFILE, &limit);
+      const rlimit tight = {static_cast<rlim_t>(first) + few % 5, limit.rlim_max};
+      setrlimit(RLIMIT_NOFILE, &tight);
+      const bool isSaved = write(large, place) == 0;
+      setrlimit(RLIMIT_NOFILE, &limit);
+      EXPECT_EQ(isSaved, few % 5 > (few < 5 ? 2U : 1U));
+      EXPECT_TRUE(areSame(isSaved ? large : old, read(place))) << few;
+      EXPECT_EQ(write(old, place), 0);
+      EXPECT_EQ(namesIn(folder.path()).size(), few < 5 ? 4U : 5U) << few;
+      close(user);
+    }
+    fs::remove(folder / ".saving-document");
+  }));
+  fs::permissions(folder.path(), fs::perms{0555});
   const bool isMounted = onDisk(folder.path(), "size=256k", [&] {
     EXPECT_EQ(write(old, place), 0);
     expectOld(NSFileWriteOutOfSpaceError);
@@ -289,14 +315,16 @@ TEST(NSFileWrapper, ReplacesADocumentWithoutExchange) {
 }
 
 TEST(NSFileWrapper, TakesAwayWhatAKilledProcessHasLeft) {
-  const Rows<const char*, fs::perms, bool, bool> rows = {
-      {"new", fs::perms{0700}, false, false},
-      {"new/deep", fs::perms{0700}, false, false},
-      {"new", fs::perms{0700}, true, true},
-      {"new", fs::perms{0750}, false, true},
-      {"former", fs::perms{0700}, false, true}};
-  for (const auto& [left, mode, isInUse, stays] : rows) {
+  const Rows<const char*, fs::perms, bool, bool, bool> rows = {
+      {"new", fs::perms{0700}, false, false, false},
+      {"new/deep", fs::perms{0700}, false, false, false},
+      {"new", fs::perms{0700}, true, false, true},
+      {"new", fs::perms{0750}, false, false, true},
+      {"former", fs::perms{0700}, false, false, false},
+      {"former", fs::perms{0700}, false, true, true}};
+  for (const auto& [left, mode, isInUse, hasOther, stays] : rows) {
     const TestFolder folder;
+    if (hasOther) write(file("other"), folder / "document");
     const fs::path hidden = folder / ".saving-document";
     fs::create_directories(hidden / left);
     fs::permissions(hidden, mode);
@@ -305,8 +333,18 @@ TEST(NSFileWrapper, TakesAwayWhatAKilledProcessHasLeft) {
     for (int k = 0; k < 2; ++k) EXPECT_EQ(write(file("all"), folder / "document"), 0);
     close(user);
     EXPECT_EQ(fs::exists(hidden / left), stays) << left << isInUse;
-    EXPECT_EQ(namesIn(folder.path()).size(), stays ? 3U : 1U);
+    EXPECT_EQ(namesIn(folder.path()).size(), stays ? 3U : 1U) << left << isInUse;
   }
+}
+
+TEST(NSFileWrapper, PutsBackWhatAKilledProcessHasTakenOut) {
+  const TestFolder folder;
+  fs::create_directories(folder / ".saving-document/former/part");
+  fs::permissions(folder / ".saving-document", fs::perms::owner_all);
+  // This cannot replace the directory.
+  EXPECT_FALSE(NSMake<NSData>()->writeToURL_options_error(
+      NSURL::fileURLWithPath(folder / "document"), 0, nullptr));
+  EXPECT_EQ(namesIn(folder.path()), (std::set<std::string>{"document", "document/part"}));
 }
 
 TEST(NSFileWrapper, IsReadWholeWhileItIsWritten) {
