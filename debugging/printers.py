@@ -10,7 +10,11 @@ import gdb
 import gdb.printing
 import gdb.types
 
-ESCAPES = str.maketrans({'"': r"\"", "\\": r"\\", "\n": r"\n", "\t": r"\t"})
+ESCAPES = {code: f"\\{code:03o}" for code in range(32)} | str.maketrans(
+    {'"': r"\"", "\\": r"\\", "\n": r"\n", "\t": r"\t"})
+WORD = 8
+PAGE = 4096
+LONGEST_NAME = 1000
 
 
 class NotAnObject(Exception):
@@ -34,22 +38,30 @@ def mangled_class(address):
 
 def class_of(address):
     name = mangled_class(address)
-    answer = gdb.execute(f"demangle -- _ZTI{name}", to_string=True).strip()
+    answer = gdb.execute(f"demangle -l c++ -- _ZTI{name}", to_string=True).strip()
     return answer.removeprefix("typeinfo for ")
 
 
 def call(function, address, result):
-    """Calls a function of the library with the object; None where that cannot be done."""
+    """Calls a function of the library with the object; None where that cannot be done.
+
+    Other threads stand still meanwhile.
+    """
     if not gdb.selected_inferior().threads():
         return None
-    unwinds = gdb.parameter("unwindonsignal")
-    gdb.execute("set unwindonsignal on")
+    changed = []
     try:
+        for setting in ("unwindonsignal", "scheduler-locking"):
+            # A core file has no scheduler.
+            former = gdb.parameter(setting)
+            gdb.execute(f"set {setting} on")
+            changed.append((setting, former))
         return gdb.parse_and_eval(f"(({result} (*)(void *)) {function})((void *) {address:#x})")
     except gdb.error:
         return None
     finally:
-        gdb.execute(f"set unwindonsignal {'on' if unwinds else 'off'}")
+        for setting, former in changed:
+            gdb.execute(f"set {setting} {former if isinstance(former, str) else 'on' if former else 'off'}")
 
 
 def block_place(block_class):
@@ -110,16 +122,20 @@ def elements_of(address):
     first = call("NSDebugElements", address, "void **")
     if first is None or int(first) == 0:
         return None
-    elements = []
-    while int(first.dereference()) != 0:
-        elements.append(int(first.dereference()))
-        first += 1
-    return elements
+    # In pages, as how many there are is not known before the null after the last.
+    place, elements = int(first), []
+    while True:
+        size = PAGE - place % PAGE
+        for word in gdb.selected_inferior().read_memory(place, size).cast("B").cast("Q"):
+            if word == 0:
+                return elements
+            elements.append(word)
+        place += size
 
 
 def is_own(kind):
     """Whether a class is the program's, not the library's."""
-    return not re.match(r"(NS|ZK)[A-Z]", kind.strip_typedefs().name or "")
+    return not re.match(r"(NS|ZK)[A-Z]|dispatch_", kind.strip_typedefs().name or "")
 
 
 def object_address(pointer):
@@ -135,8 +151,9 @@ def object_address(pointer):
 class ObjectPrinter:
     """A collection shows its elements, any other object its description."""
 
-    def __init__(self, address, pointer=None):
+    def __init__(self, address, reference, pointer=None):
         self._address = address
+        self._reference = reference
         self._pointer = pointer
         self._elements = elements_of(address)
         self._is_map = self._elements is not None and "Dictionary" in class_of(address)
@@ -154,18 +171,27 @@ class ObjectPrinter:
 
     def children(self):
         if self._elements is not None:
-            kind = gdb.lookup_type("NSRef<NSObject>")
             for index, element in enumerate(self._elements):
-                yield f"[{index}]", gdb.Value(element.to_bytes(kind.sizeof, "little"), kind)
+                yield f"[{index}]", gdb.Value(element.to_bytes(WORD, "little"), self._reference)
         elif self._pointer is not None:
             yield "get()", self._pointer
+
+
+def any_reference(reference):
+    """The type of references to objects of any class; all have one form."""
+    try:
+        kind = gdb.lookup_type("NSRef<NSObject>")
+        return kind if kind.fields() else reference
+    except gdb.error:
+        return reference
 
 
 def print_reference(value):
     pointer = value["_object"]
     # Of a class of the program's own the members are of interest.
     shows_members = is_own(pointer.type.target()) and int(pointer) != 0
-    return ObjectPrinter(object_address(pointer), pointer if shows_members else None)
+    return ObjectPrinter(
+        object_address(pointer), any_reference(value.type), pointer if shows_members else None)
 
 
 class TextPrinter:
@@ -181,12 +207,26 @@ def print_weak_reference(value):
 
 
 def print_selector(value):
-    name = value["_definition"].dereference()["name"]
-    return TextPrinter(name["_M_str"].string("utf-8", length=int(name["_M_len"])))
+    try:
+        name = value["_definition"].dereference()["name"]
+        size = int(name["_M_len"])
+        if size > LONGEST_NAME:
+            raise NotAnObject
+        return TextPrinter(name["_M_str"].string("utf-8", length=size))
+    except (gdb.error, NotAnObject, UnicodeDecodeError):
+        return TextPrinter("(no selector)")
+
+
+def print_exception(value):
+    # The class is complete only where the library has debug information, but std::runtime_error keeps
+    # its text behind the table of virtual functions.
+    text = gdb.lookup_type("char").pointer().pointer()
+    text = gdb.Value(int(value.address) + WORD).cast(text).dereference().string("utf-8", "replace")
+    return TextPrinter(f'"{text.translate(ESCAPES)}"')
 
 
 def numbers(*values):
-    return "{" + ", ".join(f"{float(value):g}" for value in values) + "}"
+    return "{" + ", ".join(repr(float(value)).removesuffix(".0") for value in values) + "}"
 
 
 def print_point(value):
@@ -207,6 +247,7 @@ class Printers(gdb.printing.PrettyPrinter):
     """Finds the printer for a value by its type."""
 
     values = {
+        "NSException": print_exception,
         "NSSelector": print_selector,
         "NSPoint": print_point,
         "NSSize": print_size,
