@@ -1,6 +1,7 @@
-// soak FOLDER SECONDS: does what applications do all day, while files cannot be written and
-// processes are killed, and fails when something is lost or when the process holds more at its end
-// than after its first minute. With the folder alone it saves documents until it is killed.
+// soak FOLDER SECONDS [SEED]: does what applications do all day, while files cannot be read or
+// written and processes are killed, and fails when something is lost or when the process holds more
+// at its end than after its first minute. With the folder alone it saves documents until it is
+// killed.
 #include <array>
 #include <atomic>
 #include <csignal>
@@ -13,6 +14,7 @@
 
 #include <malloc.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <ZKFoundation/ZKFoundation.h>
@@ -34,7 +36,7 @@ std::int64_t entriesIn(const fs::path& folder) {
   return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
 }
 
-enum Fault { noFault, shortFile, fullDisk, goneFolder, killedProcess, faultCount };
+enum Fault { noFault, shortFile, fullDisk, goneFolder, noDescriptors, killedProcess, faultCount };
 
 // A document all of whose parts tell the number of its version.
 struct Document {
@@ -52,13 +54,18 @@ struct Document {
   int open() const {
     const auto wrapper = NSFileWrapper::initWithURL_options_error(place, 0, nullptr);
     require(wrapper.get() != nullptr, "a document cannot be opened");
+    return versionOf(wrapper);
+  }
+
+  static int versionOf(const NSRef<NSFileWrapper>& wrapper) {
     const auto contents = [&](const NSRef<NSString>& name) {
       return wrapper->fileWrappers()->objectForKey(name).as<NSFileWrapper>()->regularFileContents();
     };
     const int number = std::stoi(std::string(contents(u"text"_ns)->view()));
     const auto list = NSKeyedUnarchiver::unarchivedObjectOfClass<NSArray>(contents(u"list"_ns));
-    const auto last = list->lastObject().as<NSNumber>()->integerValue();
-    require(last == number - number % 1000, "versions of a document are mixed");
+    require(list->count() == static_cast<NSUInteger>(number % 1000) + 1 &&
+                list->firstObject().as<NSNumber>()->integerValue() == number,
+            "versions of a document are mixed");
     return number;
   }
 
@@ -67,6 +74,9 @@ struct Document {
     if (fault == killedProcess) return saveInKilledProcess(chance % 20'000);
     const rlimit limit = {chance % 4096, RLIM_INFINITY};
     const rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
+    rlimit descriptors{};
+    getrlimit(RLIMIT_NOFILE, &descriptors);
+    const rlimit few = {chance % 16, descriptors.rlim_max};
     const fs::path gone = folder.native() + " gone";
     const fs::path filler = folder / "filler";
     if (fault == shortFile) setrlimit(RLIMIT_FSIZE, &limit);
@@ -76,10 +86,23 @@ struct Document {
       std::ofstream(filler) << std::string(free - std::min<std::uintmax_t>(free, chance % 65536),
                                            0);
     }
+    if (fault == noDescriptors) setrlimit(RLIMIT_NOFILE, &few);
+    // Who reads meanwhile has the version before or the next one, or none and the reason.
+    std::thread reader([this] {
+      NSRef<NSError> error;
+      const auto wrapper = NSFileWrapper::initWithURL_options_error(place, 0, &error);
+      const int found = wrapper ? versionOf(wrapper) : version;
+      require(found == version || found == version + 1, "another version is read");
+      require(wrapper || error, "a document cannot be opened for no reason");
+    });
     const bool isSaved = save(version + 1);
+    reader.join();
+    setrlimit(RLIMIT_NOFILE, &descriptors);
     if (fault == goneFolder) fs::rename(gone, folder);
     setrlimit(RLIMIT_FSIZE, &none);
     fs::remove(filler);
+    require(isSaved || fault != noFault, "a version cannot be saved");
+    require(!isSaved || fault != goneFolder, "a version is saved nowhere");
     version += isSaved ? 1 : 0;
     require(open() == version, "a version is lost");
     return isSaved;
@@ -101,7 +124,8 @@ struct Document {
     int last = before;
     while (next(last)) {
     }
-    pclose(told);
+    const int status = pclose(told);
+    require(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL, "a process cannot save");
     version = open();
     require(version == last || version == last - 1, "a killed process lost more than a version");
     return version > before;
@@ -142,9 +166,14 @@ void useQueuesAndDelays(std::mt19937& random) {
     if (k % 4 == 0) cancelPreviousPerformRequestsWithTarget_block(counter, request);
     performBlock_afterDelay(NSWeakRef(shortLived), count, 1ms);
   }
+  const NSWeakRef gone = shortLived;
   shortLived = nullptr;
   await(counter, 100 + 2 + 75);
   dispatch_group_wait(group);
+  // Nothing is left that could count again, and of the dead receiver's nothing has.
+  NSRunLoop::mainRunLoop()->performPass();
+  require(counter->count == 177, "a request is performed twice");
+  require(gone.isNil(), "a receiver is held that nobody holds");
 }
 
 // A thread changes something many times, and ends.
@@ -195,8 +224,9 @@ Figures figures() {
   return figures;
 }
 
-void soak(Document document, std::chrono::milliseconds duration) {
-  std::mt19937 random;
+void soak(Document document, std::chrono::milliseconds duration, std::uint_fast32_t seed) {
+  std::cout << "seed " << seed << std::endl;
+  std::mt19937 random(seed);
   require(document.save(0), "the first version cannot be saved");
   const auto start = Clock::now();
   const auto warmUp = std::min<std::chrono::milliseconds>(60s, duration / 4);
@@ -230,7 +260,8 @@ int main(int argc, char** argv) {
   const Document document{argc > 1 ? argv[1] : "."};
   if (argc > 2) {
     NSObject::setCountsLiveObjects(true);
-    soak(document, std::chrono::seconds(std::stoi(argv[2])));
+    soak(document, std::chrono::seconds(std::stoi(argv[2])),
+         argc > 3 ? std::stoul(argv[3]) : std::random_device()());
     return 0;
   }
   const auto tell = [](int number) { return write(STDOUT_FILENO, &number, sizeof number) > 0; };
