@@ -34,14 +34,16 @@ void readIdentifier(const NSRef<NSString>& text) {
 
 // Any text as the list of the user's directories.
 void readList(std::string_view bytes) {
-  static const fs::path folder = [] {
+  struct Folder {
+    Folder() {
+      fs::create_directory(path);
+      setenv("XDG_CONFIG_HOME", path.c_str(), 1);
+    }
+    ~Folder() { fs::remove_all(path); }
     fs::path path = fs::temp_directory_path() / ("fuzz locales " + std::to_string(getpid()));
-    fs::create_directory(path);
-    setenv("XDG_CONFIG_HOME", path.c_str(), 1);
-    std::atexit([] { fs::remove_all(folder); });
-    return path;
-  }();
-  std::ofstream(folder / "user-dirs.dirs", std::ios::binary) << bytes;
+  };
+  static const Folder folder;
+  std::ofstream(folder.path / "user-dirs.dirs", std::ios::binary) << bytes;
   for (const auto directory : {NSDocumentDirectory, NSMusicDirectory}) {
     const auto url =
         NSFileManager::defaultManager()->URLForDirectory_inDomain_appropriateForURL_create_error(

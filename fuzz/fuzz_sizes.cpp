@@ -1,11 +1,13 @@
 #include "fuzz/Support.h"
 
 #include <array>
+#include <cmath>
 
 #include <ZKFoundation/ZKFoundation.h>
 
 // Any text as a size, in a locale and under switches that its first byte chooses: what is read lies
-// within the text, and what is written of it can be read again.
+// within the text, and what is written of it, to a hundredth of its unit, is read as that size
+// again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::array<const char*, 4> locales = {"en", "fr", "ar_EG", "hi"};
   if (size == 0) return 0;
@@ -23,7 +25,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!bits) return 0;
   require(index == text->length());
   const auto written = formatter->stringFromNumberOfBits(bits);
-  require(formatter->numberOfBitsFromString_stoppedAt(written, &index) != nullptr);
+  const auto again = formatter->numberOfBitsFromString_stoppedAt(written, &index);
+  require(again != nullptr);
   require(index == written->length());
+  // Prefixes follow the bits, so that at least an eighth of the unit is written, in hundredths; and
+  // they are chosen for integers of 64 bits.
+  const double wanted = bits->doubleValue();
+  const double difference = std::abs(again->doubleValue() - wanted);
+  require(difference <= 0.05 * std::abs(wanted) + 0.1 || std::abs(wanted) >= 0x1p62);
   return 0;
 }

@@ -1,0 +1,55 @@
+#include "fuzz/Support.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include <ZKFoundation/ZKFoundation.h>
+
+namespace {
+
+using Cubic = std::array<NSPoint, 4>;
+
+double sizeOf(const Cubic& cubic) {
+  const NSRect bounds = ZKRectAroundPoints(cubic);
+  return std::max(bounds.size.width, bounds.size.height);
+}
+
+void measure(const Cubic& cubic, double size) {
+  const NSRect bounds = ZKCurveBounds(cubic.data());
+  const auto points = ZKFlattenCurve(cubic.data(), size / 1000);
+  require(points.front() == cubic.front() && points.back() == cubic.back());
+  for (const NSPoint p : points) {
+    require(p.x >= bounds.origin.x - size * 1e-9 && p.y >= bounds.origin.y - size * 1e-9);
+    require(p.x <= NSMaxX(bounds) + size * 1e-9 && p.y <= NSMaxY(bounds) + size * 1e-9);
+  }
+  const double length = ZKCurveLength(cubic.data(), size / 1000);
+  require(length >= 0 && length <= 6 * size);
+  const double t = ZKCurveParameterAtLength(cubic.data(), length / 2, size / 1000);
+  require(t >= 0 && t <= 1);
+}
+
+template <std::size_t capacity>
+void check(const ZKCrossingList<capacity>& crossings, double lowest, double highest) {
+  for (const ZKCrossing& crossing : crossings) {
+    require(crossing.t >= 0 && crossing.t <= 1);
+    require(crossing.u >= lowest && crossing.u <= highest);
+  }
+}
+
+}  // namespace
+
+// Any eight points: two cubics, whose measures and crossings lie where they must.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::array<Cubic, 2> cubics{};
+  std::memcpy(cubics.data(), data, std::min(size, sizeof(cubics)));
+  const auto& [first, second] = cubics;
+  check(ZKCrossingsOfCurves(first.data(), second.data()), 0, 1);
+  check(ZKCrossingsWithSegment(first.data(), second[0], second[3]), 0, 1);
+  check(ZKCrossingsWithLine(first.data(), second[0], second[3]), -HUGE_VAL, HUGE_VAL);
+  for (const Cubic& cubic : cubics) {
+    const double extent = sizeOf(cubic);
+    if (extent > 1e-270 && extent < 1e270) measure(cubic, extent);
+  }
+  return 0;
+}
