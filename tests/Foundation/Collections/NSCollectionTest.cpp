@@ -36,6 +36,7 @@ TEST(NSCollection, RaisesForIndexesBeyondBoundsAndChangesNothing) {
     expectRaises(NSRangeException, reason.view(), action);
   }
   EXPECT_EQ(array->description(), u"(a, b)");
+  EXPECT_EQ(pointers->count(), 2U);
 }
 
 TEST(NSCollection, RaisesForNil) {

@@ -16,10 +16,12 @@ TEST(NSRef, DestroysTheObjectWithItsLastReference) {
   NSRef<NSObject> base = second;
   EXPECT_EQ(first->retainCount(), 3U);
   first = nullptr;
-  const auto moved = std::move(second);
+  auto moved = std::move(second);
   base = {};
   EXPECT_EQ(alive, 1);
   EXPECT_EQ(moved->retainCount(), 1U);
+  moved = nullptr;
+  EXPECT_EQ(alive, 0);
 }
 
 TEST(NSRef, SurvivesAssignmentOfItselfAndOfItsOwnMember) {
