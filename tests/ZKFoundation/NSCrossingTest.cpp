@@ -56,8 +56,8 @@ TEST(NSCrossing, IsWhereACurveAndALineMeet) {
       RC_ASSERT(std::ssize(onSegment) <= countWithin(1e-12));
     }
     const auto large =
-        ZKCrossingsWithLine(scaled(v, 0x1p900).data(), scaled({{a, b, a, b}}, 0x1p900)[0],
-                            scaled({{a, b, a, b}}, 0x1p900)[1]);
+        ZKCrossingsWithLine(scaled(v, 0x1p1018).data(), scaled({{a, b, a, b}}, 0x1p1018)[0],
+                            scaled({{a, b, a, b}}, 0x1p1018)[1]);
     RC_ASSERT(std::ranges::equal(large, onLine, {}, &ZKCrossing::t, &ZKCrossing::t));
   });
 }
@@ -114,7 +114,7 @@ TEST(NSCrossing, IsWhereTwoCurvesMeet) {
     if (found.isOverlap()) return;
     RC_ASSERT(hasPoint(found, planted, 1e-6));
     if (*rc::gen::inRange(0, 5) == 0) RC_ASSERT(isComplete(a, b, found));
-    const auto large = ZKCrossingsOfCurves(scaled(a, 0x1p900).data(), scaled(b, 0x1p900).data());
+    const auto large = ZKCrossingsOfCurves(scaled(a, 0x1p1018).data(), scaled(b, 0x1p1018).data());
     RC_ASSERT(std::ranges::equal(large, found, {}, &ZKCrossing::t, &ZKCrossing::t));
     const auto swapped = ZKCrossingsOfCurves(b.data(), a.data());
     for (const ZKCrossing& c : found) {
