@@ -226,6 +226,7 @@ TEST(NSDictionary, BehavesAsAMap) {
     }
     const auto copy = dictionary->copy();
     RC_ASSERT(copy->isEqual(dictionary) && copy->hash() == dictionary->hash());
+    RC_ASSERT(copy->mutableCopy()->isEqual(dictionary->mutableCopy()));
     const NSRef<NSObject> first = model.empty() ? u"key"_ns : copy->allKeys()->objectAtIndex(0);
     dictionary->setObject_forKey(u"new"_ns, first);
     RC_ASSERT(!copy->isEqual(dictionary));
@@ -239,6 +240,7 @@ TEST(NSDictionary, CopiesItsKeys) {
   EXPECT_EQ(dictionary->description(), u"{k = w}");
   EXPECT_EQ(dictionary->objectForKey(key), nullptr);
   EXPECT_EQ(dictionary->objectForKey(nullptr), nullptr);
+  EXPECT_EQ(dictionary->valueForKey(u"k"_ns), u"w"_ns);
 }
 
 TEST(NSDictionary, HasOneEntryForAKeyThatEntersItselfWhileItIsCopied) {
@@ -277,6 +279,7 @@ TEST(NSSet, BehavesAsASet) {
     RC_ASSERT(set->isSubsetOfSet(upper) == (model.lower_bound(4) == model.begin()));
     RC_ASSERT(set->isEqual(NSMake<NSSet>(set->allObjects())));
     RC_ASSERT(set->copy()->isEqual(set) && set->copy()->hash() == set->hash());
+    RC_ASSERT(set->mutableCopy()->isEqual(set));
     set->unionSet(upper);
     model.insert({4, 5, 6, 7});
     RC_ASSERT(set->count() == model.size());
@@ -298,6 +301,9 @@ TEST(NSSet, LosesNoMemberWhoseHashHasChanged) {
   for (NSUInteger k = 90; k < 100; ++k) members[k]->name = 1000 + k;
   for (NSUInteger k = 0; k < 90; ++k) set->removeObject(members[k]);
   EXPECT_EQ(set->count(), 10U);
+  std::set<NSUInteger> names;
+  for (const auto& member : *set) names.insert(member.as<Named>()->name);
+  EXPECT_TRUE(names.size() == 10 && *names.begin() == 1090);
 }
 
 TEST(NSMapTable, HoldsItsKeysAsTheyAre) {

@@ -189,6 +189,9 @@ TEST(NSFileManager, KnowsTheStandardDirectories) {
       EXPECT_EQ(path(directory, NSUserDomainMask), expected);
     }
     EXPECT_EQ(path(NSDocumentDirectory, NSUserDomainMask | NSLocalDomainMask), "");
+    EXPECT_EQ(path(NSCachesDirectory, NSLocalDomainMask), "/var/cache/");
+    EXPECT_EQ(path(NSApplicationSupportDirectory, NSLocalDomainMask), "/usr/local/share/");
+    EXPECT_EQ(path(NSDocumentDirectory, NSLocalDomainMask), "");
     set("XDG_DATA_HOME", "/data");
     EXPECT_EQ(path(NSApplicationSupportDirectory, NSUserDomainMask), "/data/");
     set("HOME", "/");

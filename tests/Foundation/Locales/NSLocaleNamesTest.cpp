@@ -81,6 +81,12 @@ TEST(NSLocaleNames, NamesForPeople) {
            {"en", string("no key"), "de", "nil"},
            {"en", NSLocaleIdentifier(), "", "nil"},
            {"en", NSLocaleIdentifier(), "a b", "nil"},
+           {"en", NSLocaleIdentifier(),
+            "zh_Hant_TW@calendar=buddhist;colalternate=shifted;colcasefirst=upper;collation=pinyin;"
+            "currency=EUR;numbers=latn",
+            "Chinese (Traditional, Taiwan, Buddhist Calendar, colalternate=shifted, "
+            "colcasefirst=upper, "
+            "Pinyin Sort Order, Euro, Western Digits)"},
        }) {
     EXPECT_EQ(shown(locale(user)->displayNameForKey_value(key, string(value))), name);
   }

@@ -1,5 +1,7 @@
 #include "tests/Support.h"
 
+#include <Foundation/NSStandardFormat.h>
+
 namespace {
 
 template <class... Arguments>
@@ -69,5 +71,13 @@ TEST(NSFormat, WritesNumbersAsPrintfDoes) {
             "-inf|-inf|      -inf|-inf        |        -inf|-inf|-inf|-INF|-INF|-inf|-INF|-INF| "
             "-inf|-inf");
 }
+
+#ifdef __cpp_lib_format
+TEST(NSFormat, StandardFormattingWritesWhatStreamsDo) {
+  EXPECT_EQ(std::format("{:>5}|{}|{:.3}|{}|{}", NSMake<NSNumber>(1.5), NSRef<NSString>(),
+                        u"words"_ns, NSRect{{1, 2}, {3, 4}}, NSRange{5, 6}),
+            "  1.5|(null)|wor|{{1, 2}, {3, 4}}|{5, 6}");
+}
+#endif
 
 }  // namespace
