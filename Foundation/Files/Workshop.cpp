@@ -64,7 +64,7 @@ bool NSWorkshop::takeFolder() try {
     const auto exists = [](const fs::path& path) { return fs::exists(fs::symlink_status(path)); };
     // What was taken out of the place goes back, unless something is there: then it may be the only
     // one of its kind, and stays.
-    if (exists(former()) && !exists(_place)) fs::rename(former(), _place);
+    if (exists(former()) && !exists(_place)) NSMoveToFreePlace(former(), _place);
     if (!exists(former())) {
       empty();
       return true;
