@@ -34,6 +34,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       require(!url->host()->view().empty());
     }
   }
+  if (const auto url = NSURL::URLWithString(text)) {
+    require(NSURL::URLWithString(url->absoluteString())->isEqual(url));
+    (void)url->pathComponents();
+    (void)url->URLByAppendingPathComponent_isDirectory(text, size % 2 == 0);
+  }
   const auto standardized = text->stringByStandardizingPath();
   require(standardized->stringByStandardizingPath()->isEqual(standardized));
   return 0;
