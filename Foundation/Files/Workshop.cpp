@@ -66,7 +66,7 @@ bool NSWorkshop::takeFolder() try {
     // one of its kind, and stays.
     if (exists(former()) && !exists(_place)) NSMoveToFreePlace(former(), _place);
     if (!exists(former())) {
-      empty();
+      if (!isNew) empty();
       return true;
     }
   }

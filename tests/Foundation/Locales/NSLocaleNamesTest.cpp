@@ -85,8 +85,7 @@ TEST(NSLocaleNames, NamesForPeople) {
             "zh_Hant_TW@calendar=buddhist;colalternate=shifted;colcasefirst=upper;collation=pinyin;"
             "currency=EUR;numbers=latn",
             "Chinese (Traditional, Taiwan, Buddhist Calendar, colalternate=shifted, "
-            "colcasefirst=upper, "
-            "Pinyin Sort Order, Euro, Western Digits)"},
+            "colcasefirst=upper, Pinyin Sort Order, Euro, Western Digits)"},
        }) {
     EXPECT_EQ(shown(locale(user)->displayNameForKey_value(key, string(value))), name);
   }
