@@ -4,6 +4,23 @@
 
 #include <ZKFoundation/ZKFoundation.h>
 
+using namespace ZKFoundationExtensions;
+
+namespace {
+
+// What may be handed on has one of four schemes and no host that is not asked for; what is stripped
+// is a file's path alone.
+void requireSafety(const NSRef<NSURL>& url) {
+  const auto scheme = url->scheme() ? url->scheme()->lowercaseString() : u""_ns;
+  const bool isWeb = scheme == u"http" || scheme == u"https";
+  require(!isSafeToOpen(url) || isWeb || scheme == u"mailto" || url->isFileURL());
+  require(!isSafeToOpen(url) || !isWeb || url->host()->length() != 0);
+  const auto stripped = strippedSecurityScopedURL(url);
+  require(!stripped || stripped == url || (stripped->isFileURL() && !stripped->query()));
+}
+
+}  // namespace
+
 // Any text as a typed address: the answer is one of those that are documented, and an accepted URL
 // is accepted again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -38,6 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(NSURL::URLWithString(url->absoluteString())->isEqual(url));
     (void)url->pathComponents();
     (void)url->URLByAppendingPathComponent_isDirectory(text, size % 2 == 0);
+    requireSafety(url);
   }
   const auto standardized = text->stringByStandardizingPath();
   require(standardized->stringByStandardizingPath()->isEqual(standardized));
