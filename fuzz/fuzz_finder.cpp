@@ -14,7 +14,7 @@ namespace {
 // Takes the text up to the first NUL off its start.
 NSRef<NSString> takeText(std::u16string& units) {
   const std::size_t end = std::min(units.find(u'\0'), units.size());
-  const auto text = NSMake<NSString>(units.substr(0, end));
+  auto text = NSMake<NSString>(units.substr(0, end));
   units.erase(0, end + 1);
   return text;
 }
