@@ -31,10 +31,12 @@ class NS_EXPORT NSCoding {
 };
 
 /// The archive that objects write themselves to or read themselves from, value by value under keys
-/// that are unique in their class and its bases. Nil as a key raises `NSInvalidArgumentException`.
+/// that are unique in their class and its bases: a second value for a key raises
+/// `NSInvalidArchiveOperationException`. Nil as a key raises `NSInvalidArgumentException`.
 ///
 /// A key that was not written reads as false, 0 or nil. A value of another kind than is asked for
-/// raises `NSInvalidUnarchiveOperationException`. Asking an archiver to decode, or an unarchiver to
+/// raises `NSInvalidUnarchiveOperationException`; kinds are not converted, but for integers that are
+/// read as doubles, so a flag that becomes a number needs another key. Asking an archiver to decode, or an unarchiver to
 /// encode, raises `NSInvalidArgumentException`.
 class NS_EXPORT NSCoder : public NSObject {
  public:

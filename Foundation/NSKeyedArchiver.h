@@ -18,12 +18,15 @@
 ///
 /// These can be archived: strings, numbers, data, `NSNull`, arrays, sets, dictionaries, `NSURL`,
 /// `NSLocale`, the contents of other subclasses of these, and what derives from `NSCoding`. All
-/// else raises `NSInvalidArchiveOperationException`, and so does a graph of more than 500 objects
-/// in each other. A collection that is changed while its elements are encoded raises
-/// `NSGenericException`. An archiver that has raised cannot be used further.
+/// else raises `NSInvalidArchiveOperationException`, and so does what could not be read again: a
+/// graph of more than 500 objects in each other, an object that contains itself, such as a part
+/// that writes its owner, and a second value for one key of an object. A collection that is changed
+/// while its elements are encoded raises `NSGenericException`. An archiver that has raised cannot
+/// be used further.
 class NS_EXPORT NSKeyedArchiver : public NSCoder {
  public:
-  /// Archives one object, under the key "root". Nil is archived as nil.
+  /// Archives one object, under the key "root". Nil is archived as nil. There is no form with an
+  /// error: what cannot be archived raises, so that nothing is saved over a sound document.
   [[nodiscard]] static NSRef<NSData> archivedDataWithRootObject(const NSRef<NSObject>& root);
 
   /// Gives the class another name in all archives that are written from now on than its C++ name,

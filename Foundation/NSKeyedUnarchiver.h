@@ -20,7 +20,9 @@
 ///
 /// Memory and time are proportional to the bytes, memory for the platform's classes some hundred
 /// times at most; time but for keys and members of sets with equal hashes, which are compared with
-/// each other, and for URLs of one long text, each of which parses it. 512 KiB of stack are enough.
+/// each other, and for URLs of one long text, each of which parses it. A long text that cannot
+/// change is hashed once. Others that keys, members of sets and classes of the program hash may add
+/// up to 64 MiB and 256 times the bytes of the archive; more raise. 512 KiB of stack are enough.
 class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
  public:
   /// Reads the object under the key "root"; gives nil when there is none.
@@ -33,8 +35,10 @@ class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
 
   /// Reads the object under the key "root". Gives nil, with an `NSError` of `NSCocoaErrorDomain`
   /// whose text is the reason, when there is none (`NSCoderValueNotFoundError`), it is of another
-  /// class or reading raises an `NSException` (`NSCoderReadCorruptError`). The place for the error
-  /// may be null. Nil as data raises `NSInvalidArgumentException`.
+  /// class or reading throws a `std::exception` other than for want of memory, as `NSException` is
+  /// (`NSCoderReadCorruptError`). The elements of a collection may be of any class that archives
+  /// can make. The place for the error may be null. Nil as data raises
+  /// `NSInvalidArgumentException`.
   [[nodiscard]] static NSRef<NSObject> unarchivedObjectOfClass_fromData_error(
       NSClass aClass, const NSRef<NSData>& data, NSRef<NSError>* error);
   /// Reads the object under the key "root" as a `T`, with an error where it gives nil.

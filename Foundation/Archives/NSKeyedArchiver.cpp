@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -27,6 +28,14 @@ constexpr std::size_t longestSharedText = 64;
 
 [[noreturn]] void raiseCannotArchive(const std::string& what) {
   NSException::raise(NSInvalidArchiveOperationException, what + " cannot be archived");
+}
+
+// Whether a class of the program, whatever it derives from, writes its objects.
+bool writesItself(const NSObject& object) {
+  const std::type_info& kind = typeid(object);
+  // Most objects are of these, which need no search through their bases.
+  if (kind == typeid(NSString) || kind == typeid(NSNumber) || kind == typeid(NSData)) return false;
+  return dynamic_cast<const NSCoding*>(&object) != nullptr;
 }
 
 struct ClassNames {
@@ -61,20 +70,26 @@ struct NSKeyedArchiver::Archive {
   Reference table = list.array(16);
   // The dictionary that values are entered into: that of the object at hand.
   Reference current = list.dictionary();
-  unsigned depth = 0;
 
   Archive() {
-    set(root, u"$version", list.integer(100000));
-    set(root, u"$archiver", list.text(u"NSKeyedArchiver"));
-    set(root, u"$top", current);
-    set(root, u"$objects", table);
+    add(root, u"$version", list.integer(100000));
+    add(root, u"$archiver", list.text(u"NSKeyedArchiver"));
+    add(root, u"$top", current);
+    add(root, u"$objects", table);
     append(list.text(u"$null"), nullptr);
   }
 
-  Reference key(const NSRef<NSString>& key, const char* operation) {
+  // Enters what `write` gives under the key, into the record that is at hand before and afterwards.
+  template <class Write>
+  Reference enter(const NSRef<NSString>& key, const char* operation, Write write) {
     if (!key) NSRaiseNilArgument("key", operation);
     const std::u16string_view text = key->view();
-    return list.text(text.starts_with(u'$') ? u'$' + std::u16string(text) : text);
+    const Reference name = list.text(text.starts_with(u'$') ? u'$' + std::u16string(text) : text);
+    const Reference value = write();
+    if (!list.add(current, name, value)) {
+      raiseCannotArchive("a second value for the key '" + key->utf8() + "' of an object");
+    }
+    return value;
   }
 
   Reference referenceTo(const NSRef<NSObject>& object, NSKeyedArchiver& coder) {
@@ -82,8 +97,8 @@ struct NSKeyedArchiver::Archive {
   }
 
  private:
-  void set(Reference dictionary, std::u16string_view key, Reference value) {
-    list.set(dictionary, list.text(key), value);
+  void add(Reference dictionary, std::u16string_view key, Reference value) {
+    (void)list.add(dictionary, list.text(key), value);
   }
 
   // Puts it into the table of objects.
@@ -91,6 +106,7 @@ struct NSKeyedArchiver::Archive {
     const std::size_t number = objects.size();
     list.append(table, reference);
     objects.push_back(object);
+    heights.push_back(0);
     numbers.insert(number, std::hash<const void*>{}(object.get()));
     return number;
   }
@@ -99,16 +115,39 @@ struct NSKeyedArchiver::Archive {
     const std::size_t known =
         numbers.find(std::hash<const void*>{}(object.get()),
                      [&](std::size_t number) { return objects[number].get() == object.get(); });
-    if (known != NSHashIndex::notFound) return known;
+    if (known != NSHashIndex::notFound) {
+      noteHeight(heights[known], *object);
+      return known;
+    }
     if (const auto plain = plainValue(object)) return append(*plain, object);
     const Reference record = list.dictionary();
     const std::size_t number = append(record, object);
+    heights[number] = isBeingWritten;
+    const unsigned outer = std::exchange(tallest, 0);
     encodeRecord(NSRef<NSObject>(object), record, coder);
+    heights[number] = static_cast<std::uint16_t>(tallest + 1);
+    tallest = outer;
+    noteHeight(heights[number], *object);
     return number;
+  }
+
+  // Refuses what could not be read: reading makes an object when all that is in it is there.
+  void noteHeight(std::uint16_t height, const NSObject& object) {
+    if (height == isBeingWritten) {
+      raiseCannotArchive("an object of class " + object.objectClass().name()->utf8() +
+                         " that contains itself");
+    }
+    tallest = std::max(tallest, unsigned{height});
+    if (depth + height > NSMostNestedObjects) raiseTooDeep();
+  }
+  [[noreturn]] static void raiseTooDeep() {
+    raiseCannotArchive("a graph of more than " + std::to_string(NSMostNestedObjects) +
+                       " objects in each other");
   }
 
   // Values that stand in the table of objects without a record.
   std::optional<Reference> plainValue(const NSRef<NSObject>& object) {
+    if (writesItself(*object)) return std::nullopt;
     if (const auto* const string = object.cast<NSString>()) {
       if (object.cast<NSMutableString>() != nullptr) return std::nullopt;
       return list.text(string->view());
@@ -125,10 +164,7 @@ struct NSKeyedArchiver::Archive {
   }
 
   void encodeRecord(const NSRef<NSObject>& object, Reference record, NSKeyedArchiver& coder) {
-    if (++depth > NSMostNestedObjects) {
-      raiseCannotArchive("a graph of more than " + std::to_string(NSMostNestedObjects) +
-                         " objects in each other");
-    }
+    if (++depth > NSMostNestedObjects) raiseTooDeep();
     const Reference outer = std::exchange(current, record);
     NSClass itself = object->objectClass();
     if (const auto* const coding = object.cast<NSCoding>()) {
@@ -139,7 +175,7 @@ struct NSKeyedArchiver::Archive {
     } else {
       raiseCannotArchive("an object of class " + itself.name()->utf8());
     }
-    set(record, u"$class", list.uid(numberOfClass(itself)));
+    add(record, u"$class", list.uid(numberOfClass(itself)));
     current = outer;
     --depth;
   }
@@ -149,8 +185,8 @@ struct NSKeyedArchiver::Archive {
     if (known != classes.end()) return known->second;
     const Reference names = list.array(4);
     const Reference record = list.dictionary();
-    set(record, u"$classes", names);
-    set(record, u"$classname", list.text(nameOf(itself)->view()));
+    add(record, u"$classes", names);
+    add(record, u"$classname", list.text(nameOf(itself)->view()));
     for (std::optional<NSClass> each = itself; each; each = each->superclass()) {
       list.append(names, list.text(nameOf(*each)->view()));
     }
@@ -160,6 +196,11 @@ struct NSKeyedArchiver::Archive {
   // By their numbers; nil stands for records of classes too.
   std::vector<NSRef<NSObject>> objects;
   NSHashIndex numbers;
+  // How many records are in each other below and with each object.
+  static constexpr std::uint16_t isBeingWritten = UINT16_MAX;
+  std::vector<std::uint16_t> heights;
+  unsigned tallest = 0;  // The greatest height of the objects in the one at hand.
+  unsigned depth = 0;
   std::unordered_map<NSClass, std::size_t> classes;
 };
 
@@ -184,39 +225,31 @@ NSKeyedArchiver::NSKeyedArchiver() : _archive(std::make_unique<Archive>()) {}
 NSKeyedArchiver::~NSKeyedArchiver() = default;
 
 void NSKeyedArchiver::encodeBool_forKey(bool value, const NSRef<NSString>& key) {
-  const Reference name = _archive->key(key, "encodeBool:forKey:");
-  _archive->list.set(_archive->current, name, _archive->list.boolean(value));
+  _archive->enter(key, "encodeBool:forKey:", [&] { return _archive->list.boolean(value); });
 }
 
 void NSKeyedArchiver::encodeInteger_forKey(NSInteger value, const NSRef<NSString>& key) {
-  const Reference name = _archive->key(key, "encodeInteger:forKey:");
-  _archive->list.set(_archive->current, name, _archive->list.integer(value));
+  _archive->enter(key, "encodeInteger:forKey:", [&] { return _archive->list.integer(value); });
 }
 
 void NSKeyedArchiver::encodeDouble_forKey(double value, const NSRef<NSString>& key) {
-  const Reference name = _archive->key(key, "encodeDouble:forKey:");
-  _archive->list.set(_archive->current, name, _archive->list.real(value));
+  _archive->enter(key, "encodeDouble:forKey:", [&] { return _archive->list.real(value); });
 }
 
 void NSKeyedArchiver::encodeObject_forKey(const NSRef<NSObject>& object,
                                           const NSRef<NSString>& key) {
-  const Reference name = _archive->key(key, "encodeObject:forKey:");
-  const Reference reference = _archive->referenceTo(object, *this);
-  _archive->list.set(_archive->current, name, reference);
+  _archive->enter(key,
+                  "encodeObject:forKey:", [&] { return _archive->referenceTo(object, *this); });
 }
 
 void NSKeyedArchiver::encodeText_forKey(const NSString& text, const NSRef<NSString>& key) {
-  const Reference name = _archive->key(key, "encodeText:forKey:");
-  auto& list = _archive->list;
   const bool isShared = text.length() <= longestSharedText;
-  list.set(_archive->current, name, list.text(text.view(), isShared));
+  _archive->enter(key,
+                  "encodeText:forKey:", [&] { return _archive->list.text(text.view(), isShared); });
 }
 
 std::uint32_t NSKeyedArchiver::beginList(const NSRef<NSString>& key) {
-  const Reference name = _archive->key(key, "encodeObjects:forKey:");
-  const Reference list = _archive->list.array(0);
-  _archive->list.set(_archive->current, name, list);
-  return list;
+  return _archive->enter(key, "encodeObjects:forKey:", [&] { return _archive->list.array(0); });
 }
 
 void NSKeyedArchiver::appendToList(std::uint32_t list, const NSRef<NSObject>& object) {

@@ -17,6 +17,7 @@
 #include <Foundation/NSNeverDestroyed.h>
 #include <Foundation/NSNumber.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Objects/HashMemo.h>
 
 namespace {
 
@@ -39,6 +40,9 @@ constexpr std::int64_t version = 100000;
 // worth a thought. The archiver shares no text that could need more.
 constexpr std::size_t copiesPerByte = 32;
 constexpr std::size_t copiesAlways = std::size_t{1} << 20U;
+// So may long texts that are hashed, besides those of the archive, which are hashed once.
+constexpr std::size_t hashedPerByte = 256;
+constexpr std::size_t hashedAlways = std::size_t{1} << 26U;
 
 NSPropertyListReader opened(const NSData& data) {
   auto list = NSPropertyListReader::open(data.bytes());
@@ -49,7 +53,8 @@ NSPropertyListReader opened(const NSData& data) {
 }  // namespace
 
 struct NSKeyedUnarchiver::Archive {
-  explicit Archive(const NSRef<NSData>& archived) : data(archived), list(opened(*data)) {
+  explicit Archive(const NSRef<NSData>& archived)
+      : data(archived), list(opened(*data)), hashes(hashedAlways + hashedPerByte * list.size()) {
     const auto top = list.find(list.top(), u"$top");
     const auto objects = list.find(list.top(), u"$objects");
     const auto archiver = list.find(list.top(), u"$archiver");
@@ -60,7 +65,7 @@ struct NSKeyedUnarchiver::Archive {
         list.object(*number).integer() != version) {
       raiseNoArchive();
     }
-    frame.record = *top;
+    frame.keys = NSPropertyListKeys(list, *top);
     table = list.object(*objects);
     slots.resize(list.count());
   }
@@ -69,8 +74,7 @@ struct NSKeyedUnarchiver::Archive {
   std::optional<Index> value(const NSRef<NSString>& key, const char* operation) {
     if (!key) NSRaiseNilArgument("key", operation);
     const std::u16string_view text = key->view();
-    if (!text.starts_with(u'$')) return list.find(frame.record, text, frame.place);
-    return list.find(frame.record, u'$' + std::u16string(text), frame.place);
+    return frame.keys.find(text.starts_with(u'$') ? u'$' + std::u16string(text) : text);
   }
   [[noreturn]] static void raiseWrongKind(const NSRef<NSString>& key, const char* kind) {
     raiseBroken("value for key '" + key->utf8() + "' is not " + kind);
@@ -130,9 +134,8 @@ struct NSKeyedUnarchiver::Archive {
 
   // The object at hand.
   struct Frame {
-    Index record = 0;
-    std::size_t place = 0;  // After the value that was found last.
-    unsigned tallest = 0;   // The greatest height of the objects that it has asked for.
+    NSPropertyListKeys keys;
+    unsigned tallest = 0;  // The greatest height of the objects that it has asked for.
   };
 
   // The number of the object that a reference means; nothing for what is no reference.
@@ -147,7 +150,9 @@ struct NSKeyedUnarchiver::Archive {
   // Made once, so that what is shared in the archive is shared in memory.
   NSRef<NSObject> plain(Index index, const Value& value) {
     auto& object = slots[index].object;
-    if (!object) object = madeOf(value);
+    if (object) return object;
+    object = madeOf(value);
+    if (value.bytes.size() >= NSHashMemo::shortest / sizeof(char16_t)) hashes.add(*object);
     return object;
   }
 
@@ -166,16 +171,17 @@ struct NSKeyedUnarchiver::Archive {
     struct Reading {
       ~Reading() {
         if (slot.state == State::isBeingRead) slot.state = State::unread;
-        archive.frame = outer;
+        archive.frame = std::move(outer);
         --archive.depth;
       }
       Archive& archive;
       Slot& slot;
-      const Frame outer;
+      Frame outer;
     };
     slot.state = State::isBeingRead;
     ++depth;
-    const Reading reading{*this, slot, std::exchange(frame, {record})};
+    const Reading reading{*this, slot, std::exchange(frame, {NSPropertyListKeys(list, record)})};
+    const NSHashMemo::Use use(hashes);
     const std::u16string& name = className(record);
     if (depth > NSMostNestedObjects) raiseTooDeep();
     slot.object = make(name, coder);
@@ -223,6 +229,7 @@ struct NSKeyedUnarchiver::Archive {
   Frame frame;
   unsigned depth = 0;
   std::size_t copied = 0;
+  NSHashMemo hashes;
 };
 
 void NSKeyedUnarchiver::setReader(const NSRef<NSString>& name, Reader reader) {
@@ -253,6 +260,10 @@ NSRef<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClass_fromData_error(NSClas
     return object;
   } catch (const NSException& exception) {
     return failed(NSCoderReadCorruptError, exception.reason());
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& exception) {
+    return failed(NSCoderReadCorruptError, NSMake<NSString>(exception.what()));
   }
 }
 

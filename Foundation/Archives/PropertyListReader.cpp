@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include <Foundation/Objects/ContentHash.h>
+
 namespace {
 
 using Bytes = std::span<const std::byte>;
@@ -14,6 +16,7 @@ using Kind = NSPropertyListKind;
 using Object = NSPropertyListObject;
 
 constexpr std::size_t deepest = 64;
+constexpr std::size_t longestStart = 64;
 
 std::uint64_t bigEndian(Bytes bytes) noexcept {
   std::uint64_t value = 0;
@@ -149,6 +152,17 @@ bool NSPropertyListObject::isText(std::u16string_view text) const noexcept {
   return true;
 }
 
+std::uint64_t NSPropertyListObject::hashOfStart(std::u16string_view text) noexcept {
+  return NSHashWith(text.size(), NSHashText(text.substr(0, longestStart)));
+}
+
+std::uint64_t NSPropertyListObject::hashOfStart() const noexcept {
+  std::array<char16_t, longestStart> start;
+  const std::size_t taken = std::min(unitCount(), start.size());
+  for (std::size_t k = 0; k < taken; ++k) start[k] = unitAt(*this, k);
+  return NSHashWith(unitCount(), NSHashText(std::u16string_view(start.data(), taken)));
+}
+
 std::optional<NSPropertyListReader> NSPropertyListReader::open(Bytes bytes) {
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   if (bytes.size() < Form::magic.size() + Form::trailerSize || !text.starts_with(Form::magic)) {
@@ -235,18 +249,48 @@ NSPropertyListReader::Index NSPropertyListReader::reference(const Object& contai
       bigEndian(container.bytes.subspan(at * _referenceSize, _referenceSize)));
 }
 
-std::optional<NSPropertyListReader::Index> NSPropertyListReader::find(Index dictionary,
-                                                                      std::u16string_view key,
-                                                                      std::size_t& place) const {
-  const Object object = this->object(dictionary);
-  if (!object.is(Kind::dictionary)) return std::nullopt;
-  const std::size_t count = references(object) / 2;
-  for (std::size_t step = 0; step < count; ++step, ++place) {
-    if (place >= count) place = 0;
-    const std::size_t at = place;
-    if (!this->object(reference(object, at)).isText(key)) continue;
-    ++place;
-    return reference(object, count + at);
+std::optional<NSPropertyListReader::Index> NSPropertyListReader::find(
+    Index dictionary, std::u16string_view key) const {
+  return NSPropertyListKeys(*this, dictionary).find(key);
+}
+
+NSPropertyListKeys::NSPropertyListKeys(const NSPropertyListReader& list, Index dictionary)
+    : _list(&list), _dictionary(list.object(dictionary)) {
+  if (_dictionary.is(Kind::dictionary)) _count = list.references(_dictionary) / 2;
+}
+
+std::optional<NSPropertyListKeys::Index> NSPropertyListKeys::find(std::u16string_view key) {
+  const std::size_t at = _count <= mostSearched ? search(key) : lookUp(key);
+  if (at == _count) return std::nullopt;
+  _place = at + 1;
+  return _list->reference(_dictionary, _count + at);
+}
+
+bool NSPropertyListKeys::isAt(std::size_t place, std::u16string_view key) const {
+  return place < _count && keyAt(place).isText(key);
+}
+
+std::size_t NSPropertyListKeys::search(std::u16string_view key) const {
+  for (std::size_t step = 0; step < _count; ++step) {
+    const std::size_t at = (_place + step) % _count;
+    if (isAt(at, key)) return at;
   }
-  return std::nullopt;
+  return _count;
+}
+
+std::size_t NSPropertyListKeys::lookUp(std::u16string_view key) {
+  if (isAt(_place, key)) return _place;
+  if (_index.empty()) {
+    _index.reserve(_count);
+    for (std::size_t at = 0; at < _count; ++at) {
+      _index.emplace_back(keyAt(at).hashOfStart(), static_cast<Index>(at));
+    }
+    std::ranges::sort(_index);
+  }
+  const std::uint64_t hash = Object::hashOfStart(key);
+  auto entry = std::ranges::lower_bound(_index, std::pair(hash, Index{0}));
+  for (; entry != _index.end() && entry->first == hash; ++entry) {
+    if (isAt(entry->second, key)) return entry->second;
+  }
+  return _count;
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <Foundation/NSString.h>
@@ -61,6 +62,9 @@ struct NSPropertyListObject {
   [[nodiscard]] std::size_t unitCount() const noexcept;
   [[nodiscard]] NSRef<NSString> text() const;
   [[nodiscard]] bool isText(std::u16string_view text) const noexcept;
+  /// Hashes the beginning of a text: one text may be the key of any number of dictionaries.
+  [[nodiscard]] std::uint64_t hashOfStart() const noexcept;
+  [[nodiscard]] static std::uint64_t hashOfStart(std::u16string_view text) noexcept;
 };
 
 /// Reads a binary property list in place: it keeps nothing but the places of its parts.
@@ -88,14 +92,8 @@ class NSPropertyListReader {
   }
   [[nodiscard]] Index reference(const NSPropertyListObject& container,
                                 std::size_t at) const noexcept;
-  /// Finds the value under the key; gives nothing for what is no dictionary. Looks from the place
-  /// on, which then is the one after the found one, as keys are mostly asked for in their order.
-  [[nodiscard]] std::optional<Index> find(Index dictionary, std::u16string_view key,
-                                          std::size_t& place) const;
-  [[nodiscard]] std::optional<Index> find(Index dictionary, std::u16string_view key) const {
-    std::size_t place = 0;
-    return find(dictionary, key, place);
-  }
+  /// Finds the value under the key; gives nothing for what is no dictionary.
+  [[nodiscard]] std::optional<Index> find(Index dictionary, std::u16string_view key) const;
 
  private:
   NSPropertyListReader() noexcept = default;
@@ -110,4 +108,37 @@ class NSPropertyListReader {
   std::size_t _referenceSize = 0;
   Index _count = 0;
   Index _top = 0;
+};
+
+/// The keys of a dictionary, looked for from the one after that which was found last, as they are
+/// mostly asked for in their order. A large dictionary gets an index when one is elsewhere.
+class NSPropertyListKeys {
+ public:
+  using Index = NSPropertyListReader::Index;
+
+  /// Has no keys.
+  NSPropertyListKeys() noexcept = default;
+  /// Has no keys of what is no dictionary. The list must outlive this.
+  NSPropertyListKeys(const NSPropertyListReader& list, Index dictionary);
+
+  /// Finds the value under the key.
+  [[nodiscard]] std::optional<Index> find(std::u16string_view key);
+
+ private:
+  static constexpr std::size_t mostSearched = 32;
+
+  [[nodiscard]] NSPropertyListObject keyAt(std::size_t place) const {
+    return _list->object(_list->reference(_dictionary, place));
+  }
+  [[nodiscard]] bool isAt(std::size_t place, std::u16string_view key) const;
+  // These give the place of a key, or the number of keys for one that is not there.
+  [[nodiscard]] std::size_t search(std::u16string_view key) const;
+  [[nodiscard]] std::size_t lookUp(std::u16string_view key);
+
+  const NSPropertyListReader* _list = nullptr;
+  NSPropertyListObject _dictionary{};
+  std::size_t _count = 0;
+  std::size_t _place = 0;
+  // Places by the hashes of their keys.
+  std::vector<std::pair<std::uint64_t, Index>> _index;
 };

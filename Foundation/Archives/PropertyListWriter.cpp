@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <bit>
-#include <functional>
 #include <stdexcept>
 
 #include <Foundation/Archives/PropertyListReader.h>
+#include <Foundation/Objects/ContentHash.h>
 #include <Foundation/Text/ASCII.h>
 
 namespace {
@@ -49,7 +49,7 @@ void appendHead(std::string& bytes, Kind kind, std::size_t count) {
 
 Reference NSPropertyListWriter::value(std::size_t start, bool isShared) {
   const std::string_view bytes = std::string_view(_values).substr(start);
-  const NSUInteger hash = std::hash<std::string_view>{}(bytes);
+  const NSUInteger hash = NSHashText(bytes);
   const auto isSame = [&](std::size_t position) {
     const std::size_t end = position + 1 < _starts.size() ? _starts[position + 1] : start;
     return std::string_view(_values).substr(_starts[position], end - _starts[position]) == bytes;
@@ -132,14 +132,13 @@ void NSPropertyListWriter::append(Reference array, Reference element) {
   _containers[array ^ containerBit].references.push_back(element);
 }
 
-void NSPropertyListWriter::set(Reference dictionary, Reference key, Reference value) {
+bool NSPropertyListWriter::add(Reference dictionary, Reference key, Reference value) {
   auto& entries = _containers[dictionary ^ containerBit].references;
   for (std::size_t at = 0; at < entries.size(); at += 2) {
-    if (entries[at] != key) continue;
-    entries[at + 1] = value;
-    return;
+    if (entries[at] == key) return false;
   }
   entries.insert(entries.end(), {key, value});
+  return true;
 }
 
 std::size_t NSPropertyListWriter::indexOf(Reference reference) const noexcept {

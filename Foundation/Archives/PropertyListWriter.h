@@ -30,8 +30,8 @@ class NSPropertyListWriter {
   /// Begins an empty dictionary. Most get one or two values and a class.
   Reference dictionary() { return container(true, 6); }
   void append(Reference array, Reference element);
-  /// Enters the value for the key, in place of the one that the key had.
-  void set(Reference dictionary, Reference key, Reference value);
+  /// Enters the value for the key; gives false when the key has one.
+  [[nodiscard]] bool add(Reference dictionary, Reference key, Reference value);
 
   [[nodiscard]] std::vector<std::byte> bytes(Reference top) const;
 

@@ -5,6 +5,7 @@
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Objects/ContentHash.h>
 
 namespace {
 
@@ -230,7 +231,13 @@ bool NSIndexSet::isEqual(const NSRef<NSObject>& other) const {
   return isEqualToIndexSet(other.as<NSIndexSet>());
 }
 
-NSUInteger NSIndexSet::hash() const { return _count + 31 * (firstIndex() + 31 * lastIndex()); }
+NSUInteger NSIndexSet::hash() const {
+  NSUInteger hash = _count;
+  for (const NSRange& range : _ranges) {
+    hash = NSHashWith(NSHashWith(hash, range.location), range.length);
+  }
+  return hash;
+}
 
 NSRef<NSString> NSIndexSet::description() const {
   NSUnitBuffer text(u"(");

@@ -10,7 +10,7 @@
 #include <Foundation/NSOrderedSet.h>
 #include <Foundation/NSSet.h>
 #include <Foundation/NSString.h>
-#include <Foundation/detail/GoldenRatio.h>
+#include <Foundation/Objects/ContentHash.h>
 
 namespace {
 
@@ -39,10 +39,7 @@ NSUInteger hashOf(const NSRef<NSObject>& object, std::size_t most) {
 }
 
 // Hashes that are added must differ in more than their sum.
-NSUInteger mixed(NSUInteger hash) {
-  hash *= NSGoldenRatio;
-  return (hash ^ (hash >> 32U)) * NSGoldenRatio;
-}
+NSUInteger mixed(NSUInteger hash) { return NSHashWith(0, hash); }
 
 // The answers of one outermost comparison. They hold the pairs, so that no address is used again.
 struct Comparison {
@@ -84,7 +81,7 @@ NSUInteger NSHashSequence(const NSObjectVector& elements, std::size_t most) {
   NSUInteger hash = elements.size();
   for (std::size_t k = 0; k < taken; ++k) {
     const std::size_t at = k == 0 ? 0 : k * (elements.size() - 1) / (taken - 1);
-    hash = 31 * hash + hashOf(elements[at], shareOf(most, taken));
+    hash = NSHashWith(hash, hashOf(elements[at], shareOf(most, taken)));
   }
   return hash;
 }
@@ -105,7 +102,7 @@ NSUInteger NSHashEntries(const NSEntryList& entries, std::size_t most) {
   for (std::size_t k = 0; k < entries.size(); ++k) {
     const auto [key, object] = entries[k];
     const std::size_t share = shareOf(most, count);
-    hash += mixed(mixed(hashOf(key, share)) + hashOf(object, share));
+    hash += NSHashWith(mixed(hashOf(key, share)), hashOf(object, share));
   }
   return hash;
 }

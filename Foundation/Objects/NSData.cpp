@@ -1,9 +1,9 @@
 #include "Foundation/NSData.h"
 
-#include <functional>
-
 #include <Foundation/NSKeyValueCoding.h>
 #include <Foundation/NSString.h>
+#include <Foundation/Objects/ContentHash.h>
+#include <Foundation/Objects/HashMemo.h>
 
 bool NSData::isEqualToData(const NSRef<NSData>& other) const noexcept {
   return other && view() == other.get()->view();
@@ -14,7 +14,9 @@ bool NSData::isEqual(const NSRef<NSObject>& other) const {
   return data != nullptr && view() == data->view();
 }
 
-NSUInteger NSData::hash() const { return std::hash<std::string_view>()(view()); }
+NSUInteger NSData::hash() const {
+  return NSHashMemo::hash(*this, length(), [&] { return NSHashText(view()); });
+}
 
 NSRef<NSString> NSData::description() const {
   auto text = NSMake<NSMutableString>(u"NSData of "_ns->view());

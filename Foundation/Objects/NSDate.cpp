@@ -53,7 +53,7 @@ NSComparisonResult NSDate::compare(const NSRef<NSDate>& other) const {
 
 bool NSDate::isEqual(const NSRef<NSObject>& other) const {
   const auto* const date = other.cast<NSDate>();
-  return date != nullptr && date->_time == _time;
+  return date != nullptr && (date == this || date->_time == _time);
 }
 
 NSUInteger NSDate::hash() const { return std::hash<double>()(_time); }

@@ -4,20 +4,15 @@
 
 #include <Foundation/NSException.h>
 #include <Foundation/NSString.h>
-#include <Foundation/detail/GoldenRatio.h>
+#include <Foundation/Objects/ContentHash.h>
 
 namespace {
 
-NSUInteger mix(NSUInteger seed, NSUInteger value) {
-  // Two that are the same do not cancel each other out.
-  return (seed * NSGoldenRatio + value) * NSGoldenRatio;
-}
-
 NSUInteger hashOf(double value) { return std::hash<double>{}(value); }
-NSUInteger hashOf(NSPoint point) { return mix(hashOf(point.x), hashOf(point.y)); }
-NSUInteger hashOf(NSSize size) { return mix(hashOf(size.width), hashOf(size.height)); }
-NSUInteger hashOf(NSRect rect) { return mix(hashOf(rect.origin), hashOf(rect.size)); }
-NSUInteger hashOf(NSRange range) { return mix(range.location, range.length); }
+NSUInteger hashOf(NSPoint point) { return NSHashWith(hashOf(point.x), hashOf(point.y)); }
+NSUInteger hashOf(NSSize size) { return NSHashWith(hashOf(size.width), hashOf(size.height)); }
+NSUInteger hashOf(NSRect rect) { return NSHashWith(hashOf(rect.origin), hashOf(rect.size)); }
+NSUInteger hashOf(NSRange range) { return NSHashWith(range.location, range.length); }
 
 }  // namespace
 

@@ -7,8 +7,9 @@
 #include <Foundation/NSException.h>
 #include <Foundation/NSKeyValueCoding.h>
 #include <Foundation/NSStringComparison.h>
+#include <Foundation/Objects/ContentHash.h>
+#include <Foundation/Objects/HashMemo.h>
 #include <Foundation/Text/StringSearch.h>
-#include <Foundation/Text/UnitHash.h>
 
 NSRef<NSString> operator""_ns(const char16_t* units, std::size_t length) {
   return NSMake<NSString>(std::u16string_view(units, length));
@@ -98,7 +99,9 @@ bool NSString::isEqual(const NSRef<NSObject>& other) const {
   return string != nullptr && haveSameUnits(string->view(), view());
 }
 
-NSUInteger NSString::hash() const { return NSHashUnits(view()); }
+NSUInteger NSString::hash() const {
+  return NSHashMemo::hash(*this, length() * sizeof(char16_t), [&] { return NSHashText(view()); });
+}
 
 NSRef<NSString> NSString::description() const { return copy(); }
 

@@ -45,6 +45,28 @@ struct Stranger : NSObject, NSCoding {
   Encode encode;
 };
 
+// A text of the program's own.
+struct Note : NSString, NSCoding {
+  Note() : NSString(u"note") {}
+  explicit Note(const NSRef<NSCoder>& coder)
+      : NSString(coder->decodeObjectOfClass<NSString>(u"text"_ns)->view()),
+        priority(std::stoi(coder->decodeObjectOfClass<NSString>(u"priority"_ns)->utf8())) {}
+  void encodeWithCoder(const NSRef<NSCoder>& coder) const override {
+    coder->encodeObject_forKey(NSMake<NSString>(view()), u"text"_ns);
+    coder->encodeObject_forKey(
+        priority < 0 ? u"low"_ns : NSMake<NSString>(std::to_string(priority)), u"priority"_ns);
+  }
+  int priority = 7;
+};
+
+// An archive of arrays, in which these are sets.
+NSRef<NSData> archivedAsSets(const NSRef<NSArray>& array) {
+  NSKeyedArchiver::setClassName_forClass(u"NSSet"_ns, NSClass::of<NSMutableArray>());
+  const auto data = archived(array);
+  NSKeyedArchiver::setClassName_forClass(nullptr, NSClass::of<NSMutableArray>());
+  return data;
+}
+
 NSRef<NSMutableArray> everything() {
   const auto shared = NSMake<NSMutableString>("geändert 😀");
   auto all = NSMake<NSMutableArray>(
@@ -94,6 +116,23 @@ TEST(Archiving, KeepsObjectsOfTheProgram) {
   EXPECT_EQ(copy->number, NSIntegerMin);
   EXPECT_EQ(copy->scale, 0.1);
   EXPECT_EQ(copy->next.as<Page>()->next, nullptr);
+  NSKeyedUnarchiver::registerClass<Note>();
+  const auto note = roundTrip(NSMake<Note>()).as<Note>();
+  EXPECT_EQ(note, u"note");
+  EXPECT_EQ(note->priority, 7);
+}
+
+TEST(Archiving, KeepsAnyNumberOfKeys) {
+  const auto coder = NSMake<NSKeyedArchiver>();
+  // Some differ far from their beginning alone.
+  const auto key = [](int k) {
+    return NSMake<NSString>(std::string(k % 3 == 0 ? 100 : 1, 'k') + std::to_string(k));
+  };
+  for (int k = 0; k < 500; ++k) coder->encodeInteger_forKey(k, key(k));
+  const auto reader = NSMake<NSKeyedUnarchiver>(coder->encodedData());
+  for (int k = 499; k >= 0; --k) EXPECT_EQ(reader->decodeIntegerForKey(key(k)), k);
+  EXPECT_FALSE(reader->containsValueForKey(key(501)));
+  EXPECT_EQ(reader->decodeIntegerForKey(key(250)), 250);
 }
 
 TEST(Archiving, KnowsClassesByOtherNames) {
@@ -136,6 +175,19 @@ TEST(Archiving, RefusesWhatTheFormCannotHold) {
   for (int k = 1; k < 500; ++k) nested = NSMake<NSArray>({nested});
   EXPECT_EQ(roundTrip(nested), nested);
   refusal(NSMake<NSArray>({nested}), "a graph of more than 500 objects in each other");
+  // Each is written before the one that it is in.
+  const auto links = NSMake<NSMutableArray>({NSMake<NSArray>()});
+  for (int k = 0; k < 600; ++k) links->addObject(NSMake<NSArray>({links->lastObject()}));
+  refusal(links, "a graph of more than 500 objects in each other");
+  const auto page = NSMake<Page>();
+  page->next = NSMake<NSArray>({page});
+  refusal(page, "an object of class (anonymous namespace)::Page that contains itself");
+  page->next = nullptr;
+  refusal(NSMake<Stranger>([](auto& coder) {
+            coder.encodeBool_forKey(true, u"k"_ns);
+            coder.encodeObject_forKey(nullptr, u"k"_ns);
+          }),
+          "a second value for the key 'k' of an object");
 }
 
 TEST(Archiving, GoesInOneDirection) {
@@ -226,6 +278,11 @@ TEST(Archiving, GivesDamageBackAsAnError) {
     const bool wasRead = isRead(broken);
     EXPECT_NE(wasRead, static_cast<bool>(error)) << bit;
   }
+  NSKeyedUnarchiver::registerClass<Note>();
+  const auto note = NSMake<Note>();
+  note->priority = -1;
+  EXPECT_FALSE(isRead(archived(note)->view()));
+  EXPECT_EQ(error->localizedDescription(), u"stoi");
   EXPECT_FALSE(isRead(archived(NSNull::null())->view()));
   EXPECT_EQ(error->code(), NSCoderReadCorruptError);
   EXPECT_FALSE(isRead(archived(nullptr)->view()));
@@ -274,6 +331,18 @@ TEST(Archiving, RefusesTextsThatAreCopiedTooOften) {
   NSKeyedArchiver::setClassName_forClass(nullptr, NSClass::of<Stranger>());
   expectRaises(NSInvalidUnarchiveOperationException, "texts are repeated too often",
                [&] { read(data); });
+
+  const auto inSets = [](const NSRef<NSObject>& member) {
+    const auto sets = NSMake<NSMutableArray>();
+    for (int k = 0; k < 100'000; ++k) sets->addObject(NSMake<NSMutableArray>({member}));
+    const auto all = NSMake<NSArray>({sets->firstObject(), sets->copy()});
+    return read(archivedAsSets(all));
+  };
+  const auto hashed = NSMake<NSString>(std::string(10'000'000, 'x'));
+  const auto nested = NSMake<NSArray>({hashed, NSMake<NSArray>({hashed, hashed})});
+  EXPECT_EQ(inSets(nested).as<NSArray>()->lastObject().as<NSArray>()->count(), 100'000);
+  expectRaises(NSInvalidUnarchiveOperationException, "long texts are hashed too often",
+               [&] { inSets(hashed->mutableCopy()); });
 }
 
 // The bytes in another format, by the tool of libplist's: "xml" or "bin".
@@ -424,9 +493,8 @@ TEST(Archiving, ComparesWhatIsSharedOnce) {
       return chain;
     };
     EXPECT_FALSE(nested("a")->isEqual(nested("b")));
-    NSKeyedArchiver::setClassName_forClass(u"NSSet"_ns, NSClass::of<NSMutableArray>());
-    const auto data = archived(NSMake<NSMutableArray>({nested("a"), nested("a"), nested("b")}));
-    NSKeyedArchiver::setClassName_forClass(nullptr, NSClass::of<NSMutableArray>());
+    const auto data =
+        archivedAsSets(NSMake<NSMutableArray>({nested("a"), nested("a"), nested("b")}));
     EXPECT_EQ(read(data).as<NSSet>()->count(), 2);
   }
 }

@@ -77,6 +77,21 @@ TEST(NSNumber, IsFoundAmongOthersThatWereChosen) {
   EXPECT_GT(numbers->count(), 3 * count);
   EXPECT_TRUE(numbers->containsObject(NSMake<NSNumber>(count * inverse)));
   EXPECT_EQ(texts->count(), count);
+
+  // Hashes that are not mixed with random numbers give each of these the hash of its neighbour.
+  const auto row = [](int a, int b) { return NSMake<NSArray>({number(a), number(b)}); };
+  const auto span = [](NSUInteger k) { return NSRange{k, 0 - k * 0x9E3779B97F4A7C15}; };
+  const auto data = NSMake<NSData>(std::string_view("sixteen bytes it"));
+  EXPECT_NE(data->hash(), std::hash<std::string_view>()(data->view()));
+  EXPECT_NE(row(1, -31)->hash(), row(2, -62)->hash());
+  EXPECT_NE(NSMake<NSSet>({row(1, -31)})->hash(), NSMake<NSSet>({row(2, -62)})->hash());
+  EXPECT_NE(NSMake<NSValue>(span(1))->hash(), NSMake<NSValue>(span(2))->hash());
+  const auto indexes = NSMake<NSMutableIndexSet>(NSRange{1, 1});
+  indexes->addIndex(5);
+  const auto others = indexes->mutableCopy();
+  indexes->addIndex(2);
+  others->addIndex(3);
+  EXPECT_NE(indexes->hash(), others->hash());
 }
 
 TEST(NSNumber, WritesItsValue) {
