@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include <Foundation/NSArray.h>
 #include <Foundation/NSDictionary.h>
@@ -54,10 +55,60 @@ struct Comparison {
     std::pair<NSRef<NSObject>, NSRef<NSObject>> held;
     // What contains itself is as equal as the rest of it.
     bool isEqual = true;
+    // How many comparisons it is within, counted from 1; 0 once it holds whatever these give.
+    std::size_t depth = 0;
   };
 
   std::size_t count = 0;
   std::unordered_map<Pair, Answer, Hash> answers;
+  std::size_t depth = 0;
+  // The outermost comparison whose answer has been taken for true before it was there.
+  std::size_t assumed = SIZE_MAX;
+  // The pairs that are equal if it is.
+  std::vector<Pair> provisional;
+};
+
+// The comparison of a pair while it goes on.
+class Comparing {
+ public:
+  explicit Comparing(Comparison& comparison)
+      : _comparison(comparison),
+        _depth(++comparison.depth),
+        _mark(comparison.provisional.size()),
+        _assumed(std::exchange(comparison.assumed, SIZE_MAX)) {}
+  Comparing(const Comparing&) = delete;
+  ~Comparing() {
+    --_comparison.depth;
+    _comparison.assumed = _assumed;
+  }
+
+  [[nodiscard]] std::size_t depth() const noexcept { return _depth; }
+
+  // Notes the answer; what was found equal as this pair was taken for equal goes if it is not.
+  void end(const Comparison::Pair& pair, bool isEqual) {
+    auto& [count, answers, depth, assumed, provisional] = _comparison;
+    const bool dependsOnOuter = isEqual && assumed < _depth;
+    for (std::size_t k = dependsOnOuter ? provisional.size() : _mark; k < provisional.size(); ++k) {
+      if (isEqual) {
+        answers.at(provisional[k]).depth = 0;
+      } else {
+        answers.erase(provisional[k]);
+      }
+    }
+    if (!dependsOnOuter) provisional.resize(_mark);
+    Comparison::Answer& answer = answers.at(pair);
+    answer.isEqual = isEqual;
+    answer.depth = dependsOnOuter ? 1 : 0;
+    if (!dependsOnOuter) return;
+    provisional.push_back(pair);
+    _assumed = std::min(_assumed, assumed);
+  }
+
+ private:
+  Comparison& _comparison;
+  const std::size_t _depth;
+  const std::size_t _mark;
+  std::size_t _assumed;
 };
 
 thread_local Comparison* current = nullptr;
@@ -119,13 +170,21 @@ bool NSCompareCollections(const NSObject& a, const NSRef<NSObject>& b,
   const Comparison::Pair pair(&a, b.get());
   const auto [place, isNew] = comparison.answers.try_emplace(pair);
   Comparison::Answer& answer = place->second;
-  if (!isNew) return answer.isEqual;
+  if (!isNew) {
+    if (answer.depth != 0) comparison.assumed = std::min(comparison.assumed, answer.depth);
+    return answer.isEqual;
+  }
+  Comparing comparing(comparison);
   answer.held = {a.self(), b};
+  answer.depth = comparing.depth();
+  bool isEqual = false;
   try {
-    answer.isEqual = isEqualTo(b);
+    isEqual = isEqualTo(b);
   } catch (...) {
+    comparing.end(pair, false);
     comparison.answers.erase(pair);
     throw;
   }
-  return answer.isEqual;
+  comparing.end(pair, isEqual);
+  return isEqual;
 }

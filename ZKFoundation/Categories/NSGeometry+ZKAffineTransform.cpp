@@ -15,17 +15,19 @@ ZKAffineTransform ZKMakeRotation(double angle) {
 }
 
 std::optional<ZKAffineTransform> ZKInverseTransform(ZKAffineTransform transform) {
-  const double scale = ZKUnitScale(std::max({std::abs(transform.a), std::abs(transform.b),
-                                             std::abs(transform.c), std::abs(transform.d)}));
-  const double a = transform.a * scale;
-  const double b = transform.b * scale;
-  const double c = transform.c * scale;
-  const double d = transform.d * scale;
+  // Each axis of its own size: one may be many orders of magnitude longer than the other.
+  const double scaleX = ZKUnitScale(std::max(std::abs(transform.a), std::abs(transform.b)));
+  const double scaleY = ZKUnitScale(std::max(std::abs(transform.c), std::abs(transform.d)));
+  const double a = transform.a * scaleX;
+  const double b = transform.b * scaleX;
+  const double c = transform.c * scaleY;
+  const double d = transform.d * scaleY;
   const double determinant = a * d - b * c;
   const double rounding = 0x1p-52 * (std::abs(a * d) + std::abs(b * c));
   if (!(std::abs(determinant) > rounding)) return std::nullopt;
-  const double factor = scale / determinant;
-  ZKAffineTransform inverse = {d * factor, -b * factor, -c * factor, a * factor, 0, 0};
+  const double factorX = scaleX / determinant;
+  const double factorY = scaleY / determinant;
+  ZKAffineTransform inverse = {d * factorX, -b * factorY, -c * factorX, a * factorY, 0, 0};
   const NSPoint origin = ZKTransformVector({transform.tx, transform.ty}, inverse);
   inverse.tx = -origin.x;
   inverse.ty = -origin.y;

@@ -86,6 +86,7 @@ class Roots {
 };
 
 // A cubic seen from the start of a line, both at a size of about 1.
+template <std::size_t capacity>
 class LineCrossings {
  public:
   LineCrossings(const NSPoint* points, NSPoint a, NSPoint b, bool isSegment)
@@ -119,7 +120,7 @@ class LineCrossings {
     }
   }
 
-  ZKCrossingList<3> crossings;
+  ZKCrossingList<capacity> crossings;
 
  private:
   void add(double t) {
@@ -145,14 +146,15 @@ class LineCrossings {
     }
     crossings.setOverlap(high - low > rounding);
     add(0);
-    if (crossings.isOverlap()) add(1);
+    // Both ends of the curve are one, if it is a point.
+    if (range.size.width > rounding) add(1);
     if (!_isSegment) return;
     for (const NSPoint end : {a, b}) {
       const double along = end == a ? 0 : _end;
       if (along < NSMinX(range) - rounding || along > NSMaxX(range) + rounding) continue;
       const double t = ZKProjectOnCurve(_points, end).t;
-      const bool isKnown =
-          std::ranges::any_of(crossings, [=](const ZKCrossing& c) { return c.t == t; });
+      const bool isKnown = std::ranges::any_of(
+          crossings, [=](const ZKCrossing& c) { return std::abs(c.t - t) <= rounding; });
       if (!isKnown) add(t);
     }
   }
@@ -168,9 +170,9 @@ class LineCrossings {
 }  // namespace
 
 ZKCrossingList<3> ZKCrossingsWithLine(const NSPoint* points, NSPoint a, NSPoint b) {
-  return LineCrossings(points, a, b, false).crossings;
+  return LineCrossings<3>(points, a, b, false).crossings;
 }
 
-ZKCrossingList<3> ZKCrossingsWithSegment(const NSPoint* points, NSPoint a, NSPoint b) {
-  return LineCrossings(points, a, b, true).crossings;
+ZKCrossingList<4> ZKCrossingsWithSegment(const NSPoint* points, NSPoint a, NSPoint b) {
+  return LineCrossings<4>(points, a, b, true).crossings;
 }

@@ -61,9 +61,9 @@ class ZKCrossingList {
 [[nodiscard]] ZK_EXPORT ZKCrossingList<3> ZKCrossingsWithLine(const NSPoint* points, NSPoint a,
                                                               NSPoint b);
 
-/// Finds where a cubic crosses the segment from a to b, its ends included: at most three places.
-/// None when a and b are the same.
-[[nodiscard]] ZK_EXPORT ZKCrossingList<3> ZKCrossingsWithSegment(const NSPoint* points, NSPoint a,
+/// Finds where a cubic crosses the segment from a to b, its ends included: at most three places,
+/// or the four ends of an overlap. None when a and b are the same.
+[[nodiscard]] ZK_EXPORT ZKCrossingList<4> ZKCrossingsWithSegment(const NSPoint* points, NSPoint a,
                                                                  NSPoint b);
 
 /// Finds where two cubics cross: at most nine places, each with its parameters on both. Crossings

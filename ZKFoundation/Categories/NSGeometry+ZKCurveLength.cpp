@@ -74,7 +74,7 @@ class Speed {
     if (dot(root, _b) < 0) root = root * -1;
     const ZKVector q = (_b + root) * -1;
     _standstills = {quotient(q, _a), quotient(_c, q)};
-    _rounding = 0x1p-51 * size * scale;
+    _rounding = 0x1p-51 * (size * scale);
   }
 
   [[nodiscard]] double at(double t) const { return lengthOf(derivative(t)); }

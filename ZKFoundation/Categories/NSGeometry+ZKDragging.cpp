@@ -39,7 +39,7 @@ NSUInteger handleAt(Places places) {
 class Direction {
  public:
   Direction(CGFloat origin, CGFloat size, Place place, CGFloat target, bool fixesCenter)
-      : _place(place), _start(std::abs(size)) {
+      : _place(place), _start(std::abs(size)), _origin(std::min(origin, origin + size)) {
     const CGFloat middle = origin + size * 0.5;
     const CGFloat dragged = place == Place::min ? origin : origin + size;
     _isCentered = fixesCenter || place == Place::middle;
@@ -66,6 +66,7 @@ class Direction {
   }
 
   [[nodiscard]] CGFloat min() const {
+    if (!isDragged() && _length == _start) return _origin;
     if (_isCentered) return _anchor - _length * 0.5;
     return _place == Place::min ? _target : _anchor;
   }
@@ -73,6 +74,7 @@ class Direction {
  private:
   Place _place;
   CGFloat _start;
+  CGFloat _origin;
   CGFloat _anchor = 0;
   CGFloat _target = 0;
   CGFloat _length = 0;
@@ -132,8 +134,12 @@ Side mapSide(Side side, Side from, Side to) {
 }
 
 CGFloat nearestMultiple(CGFloat coordinate, CGFloat spacing, CGFloat origin) {
-  if (!(spacing > 0)) return coordinate;
-  return origin + std::floor((coordinate - origin) / spacing + 0.5) * spacing;
+  if (!(spacing > 0) || !std::isfinite(spacing)) return coordinate;
+  const CGFloat count = (coordinate - origin) / spacing;
+  // From here on the grid is finer than the coordinates.
+  if (!(std::abs(count) < 0x1p52)) return coordinate;
+  const CGFloat whole = std::floor(count);
+  return origin + (count - whole < 0.5 ? whole : whole + 1) * spacing;
 }
 
 ZKSnappedPoint snapped(NSPoint from, NSPoint to) {
@@ -163,7 +169,9 @@ ZKDraggedRect ZKDragHandle(NSRect rect, NSUInteger handle, NSPoint p, ZKDragOpti
 ZKSnappedPoint ZKSnapVectorToAngle(NSPoint vector, double angle) {
   if (!(angle > 0) || !std::isfinite(angle)) return {vector, 0};
   const double length = std::hypot(vector.x, vector.y);
-  const double turned = std::round(std::atan2(vector.y, vector.x) / angle) * angle;
+  const double count = std::round(std::atan2(vector.y, vector.x) / angle);
+  if (!std::isfinite(count) || !std::isfinite(length)) return {vector, 0};
+  const double turned = count * angle;
   // What rounding leaves of a right angle is no direction.
   const auto clean = [](double value) { return std::abs(value) < 1e-15 ? 0 : value; };
   return snapped(vector, length * NSPoint(clean(std::cos(turned)), clean(std::sin(turned))));

@@ -57,12 +57,13 @@ struct ZKSnappedPoint {
 };
 
 /// Turns a vector to the nearest multiple of an angle in radians and keeps its length; on an axis
-/// the other coordinate is exactly 0. An angle that is not positive, or not finite, leaves the
-/// vector as it is.
+/// the other coordinate is exactly 0. An angle that is not positive, not finite or less than
+/// 1e-307, and a vector whose length is beyond all doubles, leave the vector as it is.
 [[nodiscard]] ZK_EXPORT ZKSnappedPoint ZKSnapVectorToAngle(NSPoint vector, double angle);
 
 /// Moves p to the nearest point of a grid with that spacing, of which `origin` is one; half way to
-/// the larger coordinate. A direction without a positive spacing has no grid.
+/// the larger coordinate. A direction without a positive, finite spacing has no grid, and where the
+/// grid is finer than the coordinates themselves p stays.
 [[nodiscard]] ZK_EXPORT ZKSnappedPoint ZKSnapPointToGrid(NSPoint p, NSSize spacing,
                                                          NSPoint origin = NSZeroPoint);
 

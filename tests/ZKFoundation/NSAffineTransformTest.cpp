@@ -35,6 +35,12 @@ TEST(NSAffineTransform, IsUndoneByItsInverse) {
     ZKTransformPoints(points.data(), 2, ZKConcatTransforms(transform, *inverse), back.data());
     for (std::size_t k = 0; k < 2; ++k) RC_ASSERT(distance(points[k], back[k]) < 1e-12);
   });
+  for (const double k : {1e155, 1e160, 1e300}) {
+    const auto inverse = ZKInverseTransform(ZKMakeScaling(k, 1 / k));
+    ASSERT_TRUE(inverse);
+    EXPECT_DOUBLE_EQ(inverse->a, 1 / k);
+    EXPECT_DOUBLE_EQ(inverse->d, k);
+  }
   EXPECT_FALSE(ZKInverseTransform(ZKMakeTranslation(infinity, 0)));
   EXPECT_FALSE(ZKInverseTransform(ZKMakeScaling(infinity, 1)));
 }

@@ -72,6 +72,13 @@ TEST(NSCrossing, OfWhatLiesOnALineIsItsEnds) {
   ASSERT_TRUE(onSegment.isOverlap() && onSegment.size() == 2);
   EXPECT_EQ(onSegment[0].point, NSMakePoint(0, 0));
   EXPECT_EQ(onSegment[1].point, NSMakePoint(6, 6));
+  const Cubic folded = {{{0, 0}, {-2, 0}, {3, 0}, {1, 0}}};
+  const auto ends = ZKCrossingsWithSegment(folded.data(), {-0.2, 0}, {1.2, 0});
+  ASSERT_TRUE(ends.isOverlap() && ends.size() == 4);
+  EXPECT_TRUE(ends[0].t == 0 && ends[1].u == 0 && ends[2].u == 1 && ends[3].t == 1);
+  const Cubic closed = {{{0, 0}, {1, 0}, {2, 0}, {0, 0}}};
+  const auto both = ZKCrossingsWithSegment(closed.data(), {-0.04, 0}, {0, 0});
+  EXPECT_TRUE(!both.isOverlap() && both.size() == 2 && both[0].t == 0 && both[1].t == 1);
   const auto end = ZKCrossingsWithSegment(straight.data(), {9, 9}, {20, 20});
   EXPECT_TRUE(!end.isOverlap() && end.size() == 1 && end[0].t == 1 && end[0].u == 0);
   EXPECT_TRUE(ZKCrossingsWithSegment(straight.data(), {10, 10}, {20, 20}).empty());

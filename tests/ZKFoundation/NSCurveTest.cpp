@@ -44,6 +44,7 @@ TEST(NSCurve, HasALength) {
   EXPECT_NEAR(ZKCurveLength(quarterCircle.data(), 0), 50 * std::numbers::pi, 0.01);
   EXPECT_EQ(ZKCurveLength(Cubic{{{0, 0}, {3, 4}, {6, 8}, {9, 12}}}.data(), nan), 15);
   EXPECT_EQ(ZKCurveLength(Cubic{{{2, 3}, {2, 3}, {2, 3}, {2, 3}}}.data(), 0), 0);
+  EXPECT_GT(ZKCurveLength(scaled(parabola, 1e-310).data(), 0), 1e-310);
   EXPECT_TRUE(std::isnan(ZKCurveLength(Cubic{{{0, 0}, {nan, 4}, {6, 8}, {9, 12}}}.data(), 0)));
   expectProperty("as chords and its parts tell, within the tolerance", [] {
     const Cubic v = anyCubic();

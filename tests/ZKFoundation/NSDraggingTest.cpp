@@ -165,6 +165,8 @@ TEST(ZKDragHandle, HasAnAnswerForDegenerateRectangles) {
   EXPECT_EQ(ZKDragHandle(rect, 6, {200, 100}), (ZKDraggedRect{{{200, 100}, {0, 0}}, 6}));
   EXPECT_EQ(ZKDragHandle(rect, 6, {190, 90}), (ZKDraggedRect{{{190, 90}, {10, 10}}, 4}));
   EXPECT_EQ(ZKDragHandle(rect, 9, {0, 0}), (ZKDraggedRect{rect, 9}));
+  EXPECT_EQ(ZKDragHandle({{0.1, 0}, {0.7, 10}}, 2, {0, 20}),
+            (ZKDraggedRect{{{0.1, 0}, {0.7, 20}}, 2}));
   // A point becomes a square, a line stays one.
   EXPECT_EQ(ZKDragHandle({}, 6, {-3, 5}, {.keepsProportions = true}),
             (ZKDraggedRect{{{-5, 0}, {5, 5}}, 7}));
@@ -203,12 +205,17 @@ TEST(NSGeometry, SnapsToAnglesGridsAndGuides) {
       EXPECT_TRUE(k % 6 != 0 || point.x == 0 || point.y == 0) << k;
     }
   }
-  for (const double angle : {0.0, -1.0, nan, HUGE_VAL}) {
+  for (const double angle : {0.0, -1.0, nan, HUGE_VAL, 1e-310}) {
     EXPECT_EQ(ZKSnapVectorToAngle({3, 4}, angle), (ZKSnappedPoint{{3, 4}, 0}));
   }
   EXPECT_EQ(ZKSnapPointToGrid({13, -4}, {5, 4}, {1, 1}),
             (ZKSnappedPoint{{11, -3}, std::hypot(2, 1)}));
   EXPECT_EQ(ZKSnapPointToGrid({2.5, 7}, {5, 0}), (ZKSnappedPoint{{5, 7}, 2.5}));
+  for (const auto& [x, spacing] :
+       Rows<double, double>{{0x1p52 + 1, 1}, {1, 1e-310}, {1e300, 1e-10}, {3, HUGE_VAL}}) {
+    EXPECT_EQ(ZKSnapPointToGrid({x, 0}, {spacing, 0}), (ZKSnappedPoint{{x, 0}, 0})) << x;
+  }
+  EXPECT_EQ(ZKSnapPointToGrid({0.49999999999999994, 0}, {1, 0}).point.x, 0);
   const std::array vertical = {10.0, 0.1, 30.0};
   const std::array horizontal = {50.0};
   EXPECT_EQ(ZKSnapPointToGuides({7, 46}, vertical, horizontal, 4),

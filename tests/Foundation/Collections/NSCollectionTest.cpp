@@ -286,6 +286,29 @@ TEST(NSSet, BehavesAsASet) {
   });
 }
 
+// Two that hold each other are compared while one of them counts as equal, which it is not.
+TEST(NSSet, ComparesMembersThatContainThemselves) {
+  const auto filled = [](int first) {
+    const auto array = NSMake<NSMutableArray>();
+    for (int k = 0; k < 40; ++k) array->addObject(number(first + k));
+    return array;
+  };
+  const auto a = filled(0), b = filled(0), c = filled(100), d = filled(100);
+  for (const auto& [outer, inner] : {std::pair(a, c), {b, d}, {c, a}, {d, b}}) {
+    outer->replaceObjectAtIndex_withObject(20, inner);
+  }
+  const auto members = [](std::initializer_list<NSRef<NSMutableArray>> last) {
+    const auto set = NSMake<NSMutableSet>();
+    for (int k = 0; k < 20; ++k) set->addObject(NSMake<NSArray>({number(k)}));
+    for (const auto& each : last) set->addObject(each);
+    return set;
+  };
+  EXPECT_EQ(members({a, c}), members({b, d}));
+  b->replaceObjectAtIndex_withObject(30, number(-1));
+  EXPECT_FALSE(members({a, b, c})->isEqual(members({b, a, d})));
+  for (const auto& each : {a, b}) each->removeAllObjects();
+}
+
 TEST(NSSet, LosesNoMemberWhoseHashHasChanged) {
   struct Named : NSObject {
     explicit Named(NSUInteger number) : name(number) {}
