@@ -289,7 +289,7 @@ TEST(NSSet, BehavesAsASet) {
 // Two that hold each other are compared while one of them counts as equal, which it is not.
 TEST(NSSet, ComparesMembersThatContainThemselves) {
   const auto filled = [](int first) {
-    const auto array = NSMake<NSMutableArray>();
+    auto array = NSMake<NSMutableArray>();
     for (int k = 0; k < 40; ++k) array->addObject(number(first + k));
     return array;
   };
@@ -298,7 +298,7 @@ TEST(NSSet, ComparesMembersThatContainThemselves) {
     outer->replaceObjectAtIndex_withObject(20, inner);
   }
   const auto members = [](std::initializer_list<NSRef<NSMutableArray>> last) {
-    const auto set = NSMake<NSMutableSet>();
+    auto set = NSMake<NSMutableSet>();
     for (int k = 0; k < 20; ++k) set->addObject(NSMake<NSArray>({number(k)}));
     for (const auto& each : last) set->addObject(each);
     return set;
