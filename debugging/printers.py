@@ -9,6 +9,7 @@ import re
 import gdb
 import gdb.printing
 import gdb.types
+import gdb.xmethod
 
 ESCAPES = {code: f"\\{code:03o}" for code in range(32)} | str.maketrans(
     {'"': r"\"", "\\": r"\\", "\n": r"\n", "\t": r"\t"})
@@ -225,6 +226,34 @@ def print_exception(value):
     return TextPrinter(f'"{text.translate(ESCAPES)}"')
 
 
+class Follow(gdb.xmethod.XMethodWorker):
+    """Follows a reference by `*` or `->` without a call in the program."""
+
+    def __init__(self, method):
+        self._gives_object = method == "operator*"
+
+    def get_arg_types(self):
+        return None
+
+    def get_result_type(self, reference):
+        return self(reference).type
+
+    def __call__(self, reference):
+        pointer = reference["_object"]
+        return pointer.dereference() if self._gives_object else pointer
+
+
+class References(gdb.xmethod.XMethodMatcher):
+    """Finds what follows references."""
+
+    def __init__(self):
+        super().__init__("NSRef")
+
+    def match(self, kind, method):
+        is_known = method in ("operator*", "operator->") and (kind.tag or "").startswith("NSRef<")
+        return Follow(method) if is_known else None
+
+
 def numbers(*values):
     return "{" + ", ".join(repr(float(value)).removesuffix(".0") for value in values) + "}"
 
@@ -267,3 +296,4 @@ class Printers(gdb.printing.PrettyPrinter):
 
 
 gdb.printing.register_pretty_printer(gdb.current_objfile(), Printers("ZKFoundation"), replace=True)
+gdb.xmethod.register_xmethod_matcher(gdb.current_objfile(), References(), replace=True)
