@@ -4,7 +4,7 @@
 
 using namespace ZKFoundationExtensions;
 
-const auto textDidChange = u"TextDidChange"_ns;
+const NSRef<NSString>& TextDidChange() { return NSConstantString<u"TextDidChange">(); }
 
 // Shows how long a text is. Nobody but its window holds it.
 struct Counter : NSObject {
@@ -15,10 +15,10 @@ struct Counter : NSObject {
 struct Window : NSObject {
   Window() {
     const auto center = NSNotificationCenter::defaultCenter();
-    center->addObserverForTarget_name_object_queue_usingBlock(NSWeakRef(counter), textDidChange,
+    center->addObserverForTarget_name_object_queue_usingBlock(NSWeakRef(counter), TextDidChange(),
                                                               nullptr, nullptr, &Counter::show);
     // The block has our `this`, so the observation must not outlive us.
-    observation = {textDidChange, nullptr, [this] { std::cout << "window: " << title << '\n'; }};
+    observation = {TextDidChange(), nullptr, [this] { std::cout << "window: " << title << '\n'; }};
   }
 
   NSRef<NSString> title = u"letter.txt"_ns;
@@ -32,7 +32,7 @@ int main() {
   const NSWeakRef weak = window;
 
   const auto post = [] {
-    NSNotificationCenter::defaultCenter()->postNotificationName_object(textDidChange, nullptr);
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(TextDidChange(), nullptr);
   };
   post();
   performBlock_afterDelay(
