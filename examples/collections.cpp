@@ -11,10 +11,13 @@ class Chapter : public NSObject {
   NSInteger compare(const Chapter& other) const { return pages - other.pages; }
 
   const NSPropertyTable& propertyTable() const override {
-    static const NSPropertyTable table({{u"title", &Chapter::title}, {u"pages", &Chapter::pages}},
-                                       NSObject::propertyTable());
+    static const NSPropertyTable table(
+        {{u"title", &Chapter::title}, {u"pages", &Chapter::pages}, {u"place", &Chapter::place}},
+        NSObject::propertyTable());
     return table;
   }
+  // Where people look for the title.
+  NSRef<NSData> place() const { return NSLocale::currentLocale()->collationKeyForString(title); }
 
   NSRef<NSString> title;
   int pages;
@@ -30,9 +33,10 @@ static NSRef<NSString> titles(const NSRef<NSArray>& chapters) {
 }
 
 int main() {
+  NSLocale::setCurrentLocale(NSLocale::localeWithLocaleIdentifier(u"en"_ns));
   const auto chapters = NSMake<NSMutableArray>(
       {NSMake<Chapter>(u"A chapter"_ns, 30), NSMake<Chapter>(u"The end"_ns, 2),
-       NSMake<Chapter>(u"Das Ende"_ns, 2), NSMake<Chapter>(u"La fin"_ns, 9)});
+       NSMake<Chapter>(u"das Ende"_ns, 2), NSMake<Chapter>(u"La fin"_ns, 9)});
 
   // By a method of the objects, then looked up and inserted by it.
   sortUsingSelector(chapters, &Chapter::compare);
@@ -46,6 +50,10 @@ int main() {
 
   // By the values for a key path, each read once, and by any callable.
   std::cout << titles(sortedArrayUsingKeyPath(chapters, u"title"_ns)) << '\n';
+  const auto byBytes = [](const NSRef<NSObject>& a, const NSRef<NSObject>& b) {
+    return a.cast<NSData>()->view() <=> b.cast<NSData>()->view();
+  };
+  std::cout << titles(sortedArrayUsingKeyPath_function(chapters, u"place"_ns, byBytes)) << '\n';
   const auto byLength = [](const NSRef<NSObject>& a, const NSRef<NSObject>& b) {
     return a.cast<Chapter>()->title->length() <=> b.cast<Chapter>()->title->length();
   };
