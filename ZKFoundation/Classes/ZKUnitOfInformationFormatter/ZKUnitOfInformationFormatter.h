@@ -38,8 +38,13 @@ enum ZKUnitOfInformationPrefix : NSInteger {
 /// ends in "(null)". Nor is there a singular ("1 bytes").
 ///
 /// The names of the units and the pattern "%@ %@", under the key "Unit of Information Format
-/// String", are looked up in the table "ZKUnitOfInformationFormatter" of the main bundle; a pattern
-/// may exchange its arguments ("%2$@ %1$@").
+/// String", are looked up in the table "ZKUnitOfInformationFormatter" of the main bundle. The keys
+/// of the names are the English ones:
+///
+///     bytes  KB   MB   GB   TB   PB   EB       bits  kbit  Mbit  Gbit  Tbit  Pbit
+///            KiB  MiB  GiB  TiB  PiB  EiB            Kibit Mibit Gibit Tibit Pibit
+///
+/// In the pattern "%1$@" is the number and "%2$@" the name; it may exchange them ("%2$@ %1$@").
 class ZK_EXPORT ZKUnitOfInformationFormatter : public NSFormatter {
  public:
   /// Shows bytes, in powers of 1,024 under the short names, with numbers in the decimal style of
