@@ -179,7 +179,7 @@ class Editor : public NSObject {
   // Lets that many seconds pass.
   void wait(Text seconds) {
     auto rest = seconds->view();
-    _clock->advance(NSNumberFormatter().takeNumber(rest).value_or(0));
+    _clock->advance(NSMake<NSNumberFormatter>()->takeNumber(rest).value_or(0));
   }
 
   // Puts a copy beside the file, which is never an existing one.
