@@ -30,6 +30,9 @@ void texts() {
            u"\U0001F600"_ns, NSCharacterSet::whitespaceCharacterSet()->invertedSet(), u"?"_ns));
   show("title", titlecaseString(u"the lord of the rings"_ns));
   show("title of an acronym", titlecaseString(u"NASA and the moon"_ns));
+  show("title of two lines",
+       titlecaseString(u"lord of\nthe rings"_ns)
+           ->stringByReplacingOccurrencesOfString_withString(u"\n"_ns, u" | "_ns));
   const auto comma = NSCharacterSet::characterSetWithCharactersInString(u","_ns);
   show("split at commas",
        componentsSeparatedByCharactersInSet_trimWhitespace(u",a, ,,b,"_ns, comma, true)
