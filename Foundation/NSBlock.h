@@ -100,7 +100,8 @@ void NSInvokeWithTarget(F& callable, const NSRef<Target>& target) {
     std::invoke(callable);
   } else {
     static_assert(NSIsNever<F>,
-                  "the block takes neither its target, as a reference or an NSRef, nor nothing");
+                  "the block takes neither what it is called with, as a reference or an NSRef, "
+                  "nor nothing");
   }
 }
 
@@ -109,7 +110,10 @@ template <class Target, class Callable>
 class NSCallableBlock final : public NSBlock {
  public:
   template <class F>
-  explicit NSCallableBlock(F&& callable) : _callable(std::forward<F>(callable)) {}
+  explicit NSCallableBlock(F&& callable) : _callable(std::forward<F>(callable)) {
+    // Instantiated for the line that makes the block; of a virtual function g++ names none.
+    static_cast<void>(&NSInvokeWithTarget<Target, Callable>);
+  }
   void invoke(const NSRef<NSObject>& target) override {
     NSInvokeWithTarget<Target>(_callable, target.template as<Target>());
   }

@@ -43,8 +43,8 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
   }
   /// Calls the block with the target, and the notification if it takes that, as long as the target
   /// lives, which the centre does not hold: `[](Editor& editor, const NSRef<NSNotification>&) {…}`.
-  /// The first post that finds the target dead removes the observer. Else it is as without a
-  /// target.
+  /// A block that takes nothing will do. The first post that finds the target dead removes the
+  /// observer. Else it is as without a target.
   template <class Target, class F>
   NSRef<NSObject> addObserverForTarget_name_object_queue_usingBlock(
       const NSWeakRef<Target>& target, const NSRef<NSString>& name, const NSRef<NSObject>& object,
@@ -59,7 +59,7 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
       if constexpr (std::is_invocable_v<F&, Target&, const NSRef<NSNotification>&>) {
         std::invoke(call, *held, notification);
       } else {
-        std::invoke(call, *held);
+        NSInvokeWithTarget(call, held);
       }
     };
     return addObserver(name, object, queue, NSMakeBlock<NSNotification>(std::move(made)), target);

@@ -151,7 +151,7 @@ template <class T>
 template <class T, class... Arguments>
 [[nodiscard]] NSRef<T> NSMake(Arguments&&... arguments) {
   static_assert(std::derived_from<T, NSObject>,
-                "NSMake makes objects: classes that derive from NSObject");
+                "NSMake makes objects: classes that derive publicly from NSObject");
   if constexpr (requires {
                   {
                     T::makeCompact(std::forward<Arguments>(arguments)...)

@@ -130,8 +130,8 @@ TEST(NSNotificationCenter, HoldsNoTargets) {
         EXPECT_EQ(&self, target.get());
         posted.push_back(notification);
       });
-  const auto removed = add(nullptr, [&](Counted& self) { calls += self.alive; });
-  add(NSOperationQueue::mainQueue(), [&](Counted& self) { calls += self.alive; });
+  const auto removed = add(nullptr, [&] { calls += alive; });
+  add(NSOperationQueue::mainQueue(), [&](const NSRef<Counted>& self) { calls += self->alive; });
   const auto notification = about(changed);
   centre->postNotification(notification);
   centre->removeObserver(removed);
