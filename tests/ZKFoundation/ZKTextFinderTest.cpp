@@ -51,7 +51,8 @@ std::string replaced(const char* needle, const char* replacement, const char* ma
   text->deleteCharactersInRange({selection.location, 1});
   selection.length = text->rangeOfString(u"]"_ns).location - selection.location;
   text->deleteCharactersInRange({NSMaxRange(selection), 1});
-  NSRef<NSError> error;
+  auto error =
+      NSError::errorWithDomain_code_description(ZKTextFinderErrorDomain(), 0, u"an older error"_ns);
   const auto finder = NSMake<ZKTextFinder>(string(needle), options);
   (void)finder->replaceAllInString_withString_selectedRange(text, string(replacement), &selection,
                                                             &error);
@@ -123,6 +124,8 @@ TEST(ZKTextFinder, ReplacesByPatternsAndCarriesTheSelection) {
            {"o*", "-", "[]foob", "[]-f--b-"},
            {"(a)|b", "!$1!", "a[b]", "!a![!!]"},
            {"😀", "x", "😀[😀 ]", "x[x ]"},
+           {"b", "-", "[a]", "[a]"},
+           {"", "-", "[a]", "[a]"},
            {"(a", "", "[a]", "a parenthesis has no partner (before unit 2)"},
            {"a", "$1", "[a]", "There is no group \"1\""},
            {"(a)", "${b", "[a]", "There is no group \"{b\""},

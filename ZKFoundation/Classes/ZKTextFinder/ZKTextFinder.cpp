@@ -15,9 +15,10 @@ NSRef<NSError> errorOf(const ZKTextFinderFailure& failure) {
                                                    NSMake<NSString>(failure.reason));
 }
 
-// Gives what the operation gives; when it fails nothing, with the error in a given place.
+// Gives what the operation gives; when it fails nothing, with the error in a given place, else nil.
 template <class F>
 auto reportFailure(NSRef<NSError>* error, const F& operation) -> decltype(operation()) {
+  if (error != nullptr) *error = nullptr;
   try {
     return operation();
   } catch (const ZKTextFinderFailure& failure) {

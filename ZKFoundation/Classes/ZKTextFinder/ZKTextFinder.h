@@ -43,11 +43,14 @@ struct ZKTextMatch {
 ///     const auto found = finder->nextMatchInString_selectedRange(text, selection);
 ///     finder->replaceAllInString_withString_selectedRange(text, u"bell"_ns, &selection);
 ///
-/// A word condition looks at all words of a match: "New York" is a whole word in "a New York day".
-/// Every match that satisfies it is found, in both directions, also where it overlaps one that does
-/// not. A nil or empty needle is found nowhere. What fails finds and replaces nothing and sets the
-/// error, where one is asked for. A nil text raises `NSInvalidArgumentException`, a selection that
-/// does not fit it `NSRangeException`. A finder belongs to one thread at a time.
+/// A word is a run of letters, marks and digits, or of what is between such runs, as
+/// `rangeOfWordContainingCharacter` (NSString+ZKSearching.h) gives it. A word condition looks at
+/// all words of a match: "New York" is a whole word in "a New York day". Every match that satisfies
+/// it is found, in both directions, also where it overlaps one that does not. A nil or empty needle
+/// is found nowhere. What fails finds and replaces nothing and sets the error, where one is asked
+/// for; what does not fail sets it to nil, also where nothing is found. A nil text raises
+/// `NSInvalidArgumentException`, a selection that does not fit it `NSRangeException`. A finder
+/// belongs to one thread at a time.
 class ZK_EXPORT ZKTextFinder : public NSObject {
  public:
   /// Takes `NSStringCompareOptions` and `ZKRegularExpressionSearch`. `NSBackwardsSearch` is the
@@ -68,7 +71,8 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
   /// Whether the search goes on at the other end of the text; at first it does.
   [[nodiscard]] bool wraps() const noexcept { return _wraps; }
   void setWraps(bool wraps) noexcept { _wraps = wraps; }
-  /// How long one operation may search for a regular expression: a second at first.
+  /// How long one operation may take with a regular expression: a second at first. To replace all
+  /// in a text is one operation: a second is enough for some ten million units by a simple pattern.
   void setTimeLimit(NSDelay limit) noexcept { _timeLimit = limit; }
 
   /// Gives what is wrong with the needle, nil when it can be searched for.
