@@ -30,14 +30,6 @@ constexpr std::size_t longestSharedText = 64;
   NSException::raise(NSInvalidArchiveOperationException, what + " cannot be archived");
 }
 
-// Whether a class of the program, whatever it derives from, writes its objects.
-bool writesItself(const NSObject& object) {
-  const std::type_info& kind = typeid(object);
-  // Most objects are of these, which need no search through their bases.
-  if (kind == typeid(NSString) || kind == typeid(NSNumber) || kind == typeid(NSData)) return false;
-  return dynamic_cast<const NSCoding*>(&object) != nullptr;
-}
-
 struct ClassNames {
   std::mutex mutex;
   std::unordered_map<NSClass, NSRef<NSString>> byClass;
@@ -119,12 +111,19 @@ struct NSKeyedArchiver::Archive {
       noteHeight(heights[known], *object);
       return known;
     }
-    if (const auto plain = plainValue(object)) return append(*plain, object);
+    // Most objects are of these, which need no search through their bases.
+    const std::type_info& kind = typeid(*object.get());
+    const bool isPlain =
+        kind == typeid(NSString) || kind == typeid(NSNumber) || kind == typeid(NSData);
+    const auto* const coding = isPlain ? nullptr : object.cast<NSCoding>();
+    // Whatever a class of the program derives from, it writes itself.
+    const auto plain = coding == nullptr ? plainValue(object) : std::nullopt;
+    if (plain) return append(*plain, object);
     const Reference record = list.dictionary();
     const std::size_t number = append(record, object);
     heights[number] = isBeingWritten;
     const unsigned outer = std::exchange(tallest, 0);
-    encodeRecord(NSRef<NSObject>(object), record, coder);
+    encodeRecord(NSRef<NSObject>(object), coding, record, coder);
     heights[number] = static_cast<std::uint16_t>(tallest + 1);
     tallest = outer;
     noteHeight(heights[number], *object);
@@ -147,7 +146,6 @@ struct NSKeyedArchiver::Archive {
 
   // Values that stand in the table of objects without a record.
   std::optional<Reference> plainValue(const NSRef<NSObject>& object) {
-    if (writesItself(*object)) return std::nullopt;
     if (const auto* const string = object.cast<NSString>()) {
       if (object.cast<NSMutableString>() != nullptr) return std::nullopt;
       return list.text(string->view());
@@ -163,11 +161,12 @@ struct NSKeyedArchiver::Archive {
     return data != nullptr ? std::optional(list.data(data->bytes())) : std::nullopt;
   }
 
-  void encodeRecord(const NSRef<NSObject>& object, Reference record, NSKeyedArchiver& coder) {
+  void encodeRecord(const NSRef<NSObject>& object, const NSCoding* coding, Reference record,
+                    NSKeyedArchiver& coder) {
     if (++depth > NSMostNestedObjects) raiseTooDeep();
     const Reference outer = std::exchange(current, record);
     NSClass itself = object->objectClass();
-    if (const auto* const coding = object.cast<NSCoding>()) {
+    if (coding != nullptr) {
       coding->encodeWithCoder(share(&coder));
     } else if (const NSArchivedClass* const known = platformClass(*object)) {
       known->encode(*object, coder);
