@@ -110,17 +110,18 @@ class NS_EXPORT NSFileManager : public NSObject {
   /// Copies a file, a symbolic link or a directory with all that is in it, with permissions and
   /// times. The copy is made in a hidden folder beside the target and appears there as a whole.
   /// Whatever stands at the target is `NSFileWriteFileExistsError`; devices, pipes and a target
-  /// within the directory itself are refused.
+  /// within the directory itself are refused, and a source or target that is the root of all or
+  /// ends with "." or "..".
   bool copyItemAtURL_toURL_error(const NSRef<NSURL>& source, const NSRef<NSURL>& target,
                                  NSRef<NSError>* error) const;
 
-  /// Moves a file, symbolic link or directory; what stands at the target is refused. On another
-  /// file system it copies and then removes: if the removal fails, the copy stays.
+  /// Moves a file, symbolic link or directory; refuses what copying does. On another file system it
+  /// copies and then removes: if the removal fails, the copy stays.
   bool moveItemAtURL_toURL_error(const NSRef<NSURL>& source, const NSRef<NSURL>& target,
                                  NSRef<NSError>* error) const;
 
-  /// Removes a file, a symbolic link itself or a directory with all that is in it. What fails
-  /// leaves the rest where it is.
+  /// Removes a file, a symbolic link itself or a directory with all that is in it; nothing by a URL
+  /// that is the root of all or ends with "." or "..". What fails leaves the rest where it is.
   bool removeItemAtURL_error(const NSRef<NSURL>& url, NSRef<NSError>* error) const;
 
   /// Tells type, size and permissions of what stands at the path; a symbolic link is not followed.

@@ -21,10 +21,13 @@ namespace {
 constexpr mode_t ownerOnly = 0700;
 constexpr mode_t permissionBits = 0777;
 
-// The item at a path of a URL. The root of all has no name and cannot be replaced.
+// The item at a path of a URL. Not the root of all, which has no name, nor what "." and ".." lead
+// to, which may be far more than was meant.
 fs::path itemAt(const NSRef<NSURL>& url, NSFileUse use) {
-  fs::path path = NSWithoutEnd(NSPathOfFile(url, use));
+  fs::path path = NSPathOfFile(url, use);
+  if (!path.has_filename()) path = path.parent_path();
   if (!path.has_filename()) NSFailWithPath(path, EBUSY);
+  if (NSIsDots(path.filename())) NSFailWithPath(path, EINVAL);
   return path;
 }
 

@@ -94,6 +94,8 @@ std::vector<fs::path> NSPathsIn(const fs::path& folder) {
   return paths;
 }
 
+bool NSIsDots(const fs::path& name) { return name == "." || name == ".."; }
+
 fs::path NSWithoutEnd(fs::path path) {
   while (path.has_parent_path() && path != "/" &&
          (!path.has_filename() || path.filename() == ".")) {
@@ -105,8 +107,8 @@ fs::path NSWithoutEnd(fs::path path) {
 fs::path NSPlaceOf(const fs::path& path) {
   fs::path place = path.has_filename() ? path : path.parent_path();
   if (!place.has_filename()) NSFailWithPath(path, EBUSY);
-  const bool leadsElsewhere = place.filename() == "." || place.filename() == ".." ||
-                              fs::is_symlink(fs::symlink_status(place));
+  const bool leadsElsewhere =
+      NSIsDots(place.filename()) || fs::is_symlink(fs::symlink_status(place));
   return leadsElsewhere ? fs::canonical(place) : place;
 }
 

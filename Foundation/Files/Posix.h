@@ -64,6 +64,9 @@ auto NSWithinMemory(const std::filesystem::path& path, F operation) -> decltype(
 /// Lists what is in a folder, at once: a walk of a deep tree needs no descriptor for each level.
 [[nodiscard]] std::vector<std::filesystem::path> NSPathsIn(const std::filesystem::path& folder);
 
+/// Whether it is "." or "..", names that every directory has besides its own.
+[[nodiscard]] bool NSIsDots(const std::filesystem::path& name);
+
 /// Gives the path without "/" and "." at the end.
 [[nodiscard]] std::filesystem::path NSWithoutEnd(std::filesystem::path path);
 

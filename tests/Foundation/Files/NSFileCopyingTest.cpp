@@ -114,6 +114,10 @@ TEST(NSFileCopying, RefusesAndLeavesEverything) {
              {"tree", "tree/locked/in", "512 Invalid argument: in"},
              {"file", "none/a", "4 No such file or directory: a"},
              {"tree", "none/a", "4 No such file or directory: a"},
+             {"tree/locked/..", "a", "256 Invalid argument: .."},
+             {"tree/.", "a", "256 Invalid argument: ."},
+             {"file", "tree/..", "512 Invalid argument: .."},
+             {"tree", "none/./", "512 Invalid argument: ."},
          }) {
       EXPECT_EQ(transfer(operation, folder / from, folder / to), expected) << from;
     }
@@ -129,6 +133,10 @@ TEST(NSFileCopying, RefusesAndLeavesEverything) {
   }));
   EXPECT_EQ(erase(folder / "none"), "4 No such file or directory: none");
   EXPECT_EQ(erase("/"), "512 Device or resource busy: /");
+  for (const char* const name :
+       {"tree/.", "tree/..", "tree/locked/../", "tree/link/../.", "none/.."}) {
+    EXPECT_TRUE(erase(folder / name).starts_with("512 Invalid argument: .")) << name;
+  }
   EXPECT_EQ(namesIn(folder.path()), before);
 }
 
