@@ -52,6 +52,14 @@ inline std::string contentsOf(const fs::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+/// "516 File exists: name", or nothing.
+inline std::string shownFailure(const NSRef<NSError>& error) {
+  if (!error) return "";
+  const auto path = error->userInfo()->objectForKey(NSFilePathErrorKey()).as<NSString>();
+  return std::to_string(error->code()) + ' ' + error->localizedDescription()->utf8() + ": " +
+         path->lastPathComponent()->utf8();
+}
+
 /// The paths of all that is in a folder, relative to it.
 inline std::set<std::string> namesIn(const fs::path& folder) {
   std::set<std::string> names;

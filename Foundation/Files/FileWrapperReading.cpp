@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 
+#include <Foundation/Files/FileError.h>
 #include <Foundation/Files/Posix.h>
 #include <Foundation/NSData.h>
 #include <Foundation/NSDictionary.h>
@@ -36,8 +37,11 @@ NSRef<NSFileWrapper> readTree(const fs::path& path) {
       children->setObject_forKey(readTree(child), nameOf(child));
     }
     wrapper = NSMake<NSFileWrapper>(children);
+  } else if (S_ISLNK(status.st_mode)) {
+    throw NSFileRefusal{NSFileReadUnknownError, NSMake<NSString>(path.native()),
+                        "A document cannot hold a symbolic link"};
   } else {
-    NSFailWithPath(path, S_ISLNK(status.st_mode) ? ELOOP : ENOTSUP);
+    NSFailWithPath(path, ENOTSUP);
   }
   const auto name = nameOf(path);
   wrapper->setPreferredFilename(name);
@@ -61,7 +65,7 @@ NSRef<NSFileWrapper> readDocument(const fs::path& place) {
     try {
       auto wrapper = readTree(place);
       if (identityOf(place) == before) return wrapper;
-    } catch (const fs::filesystem_error&) {
+    } catch (...) {
       if (identityOf(place) == before) throw;
     }
   }

@@ -9,27 +9,19 @@ using Operation = bool (NSFileManager::*)(const NSRef<NSURL>&, const NSRef<NSURL
 constexpr Operation copy = &NSFileManager::copyItemAtURL_toURL_error;
 constexpr Operation move = &NSFileManager::moveItemAtURL_toURL_error;
 
-// "516 File exists: name", or nothing.
-std::string shown(const NSRef<NSError>& error) {
-  if (!error) return "";
-  const auto path = error->userInfo()->objectForKey(NSFilePathErrorKey()).as<NSString>();
-  return std::to_string(error->code()) + ' ' + error->localizedDescription()->utf8() + ": " +
-         path->lastPathComponent()->utf8();
-}
-
 std::string transfer(Operation operation, const fs::path& from, const fs::path& to) {
   NSRef<NSError> error;
   const bool isDone =
       ((*NSFileManager::defaultManager()).*operation)(fileURL(from), fileURL(to), &error);
   EXPECT_EQ(isDone, !error);
-  return shown(error);
+  return shownFailure(error);
 }
 
 std::string erase(const fs::path& path) {
   NSRef<NSError> error;
   const bool isDone = NSFileManager::defaultManager()->removeItemAtURL_error(fileURL(path), &error);
   EXPECT_EQ(isDone, !error);
-  return shown(error);
+  return shownFailure(error);
 }
 
 std::string list(const fs::path& folder, NSUInteger options = 0) {
@@ -37,7 +29,7 @@ std::string list(const fs::path& folder, NSUInteger options = 0) {
   const auto urls = NSFileManager::defaultManager()
                         ->contentsOfDirectoryAtURL_includingPropertiesForKeys_options_error(
                             fileURL(folder), nullptr, options, &error);
-  if (!urls) return shown(error);
+  if (!urls) return shownFailure(error);
   std::string names;
   for (const auto& url : urls->each<NSURL>()) {
     names += url->lastPathComponent()->utf8() + (url->hasDirectoryPath() ? "/ " : " ");

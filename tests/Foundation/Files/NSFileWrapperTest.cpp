@@ -110,20 +110,20 @@ TEST(NSFileWrapper, RefusesWhatNoFileCanBe) {
   EXPECT_EQ(write(file("x"), "/"), NSFileWriteUnknownError);
   EXPECT_TRUE(namesIn(folder.path()).empty());
 
-  const auto refuses = [](const fs::path& path, NSInteger expected) {
-    NSInteger code = 0;
-    EXPECT_FALSE(read(path, &code));
-    EXPECT_EQ(code, expected);
+  const auto refuses = [](const fs::path& path, const char* expected) {
+    NSRef<NSError> error;
+    EXPECT_FALSE(NSFileWrapper::initWithURL_options_error(fileURL(path), 0, &error));
+    EXPECT_EQ(shownFailure(error), expected);
   };
-  refuses(folder / "none", NSFileReadNoSuchFileError);
+  refuses(folder / "none", "260 No such file or directory: none");
   for (const char* const name : {"pipe", "link", "\xFF", "empty"})
     fs::create_directory(folder / name);
   mkfifo((folder / "pipe/in").c_str(), 0600);
   fs::create_symlink(".", folder / "link/in");
   writeFile(folder / "\xFF" / "in", "");
-  refuses(folder / "pipe", NSFileReadUnknownError);
-  refuses(folder / "link", NSFileReadUnknownError);
-  refuses(folder / "\xFF", NSFileReadInvalidFileNameError);
+  refuses(folder / "pipe", "256 Operation not supported: in");
+  refuses(folder / "link", "256 A document cannot hold a symbolic link: in");
+  refuses(folder / "\xFF", "258 Invalid or incomplete multibyte or wide character: \uFFFD");
   EXPECT_EQ(read("/proc/version")->regularFileContents()->view(), contentsOf("/proc/version"));
   EXPECT_EQ(read("/proc/self/../version")->filename()->utf8(), "version");
   EXPECT_EQ(read(folder / "empty/.")->filename()->utf8(), "empty");
