@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,8 @@ namespace {
 
 constexpr mode_t permissionBits = 0777;
 constexpr mode_t readAndWrite = 0666;
+// What folders are called that are taken out of others, with a number.
+constexpr std::string_view aside = "old";
 
 // Whether nobody else can reach into the folder, and the path still leads to it.
 bool isOurs(int folder, const fs::path& path) {
@@ -30,6 +33,8 @@ bool isOurs(int folder, const fs::path& path) {
          held.st_dev == there.st_dev && held.st_ino == there.st_ino && held.st_uid == geteuid() &&
          (held.st_mode & (S_IRWXG | S_IRWXO)) == 0;
 }
+
+bool isThere(const fs::path& path) { return fs::exists(fs::symlink_status(path)); }
 
 }  // namespace
 
@@ -97,7 +102,10 @@ void NSWorkshop::empty() const {
       }
       if (NSStatusOf(path).st_dev != device) NSFailWithPath(path, EBUSY);
       fs::permissions(path, fs::perms::owner_all);
-      const fs::path outside = _folder / ("old" + std::to_string(++count));
+      fs::path outside;
+      do {
+        outside = _folder / std::string(aside).append(std::to_string(++count));
+      } while (isThere(outside));
       fs::rename(path, outside);
       open.push_back(outside);
     }
@@ -152,7 +160,7 @@ void NSMoveToFreePlace(const fs::path& from, const fs::path& place) {
   // Where the file system does not know the flag, somebody may be faster.
   const bool knowsFlag = errno != EINVAL && errno != ENOSYS;
   if (knowsFlag) NSFailWithPath(place);
-  if (fs::exists(fs::symlink_status(place))) NSFailWithPath(place, EEXIST);
+  if (isThere(place)) NSFailWithPath(place, EEXIST);
   if (rename(from.c_str(), place.c_str()) != 0) NSFailWithPath(place);
 }
 

@@ -156,6 +156,17 @@ TEST(NSFileWrapper, TakesAwayWhatAKilledProcessHasLeft) {
   }
 }
 
+TEST(NSFileWrapper, TakesAwayWhatWasBeingTakenAway) {
+  const TestFolder folder;
+  const fs::path hidden = folder / ".saving-document";
+  for (const char* const left : {"old1/a", "old2/b", "old3/c", "new/d"}) {
+    fs::create_directories(hidden / left);
+  }
+  fs::permissions(hidden, fs::perms::owner_all);
+  EXPECT_EQ(write(file("all"), folder / "document"), 0);
+  EXPECT_EQ(namesIn(folder.path()), std::set<std::string>{"document"});
+}
+
 TEST(NSFileWrapper, PutsBackWhatAKilledProcessHasTakenOut) {
   const TestFolder folder;
   fs::create_directories(folder / ".saving-document/former/part");
