@@ -49,10 +49,12 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   ///
   /// It is atomic: a hidden folder beside the place takes all of it first, and only when it is on
   /// the disk it changes places with what was there. (On a file system without such an exchange
-  /// there is nothing at the place of a directory for a moment.) A name that no file can have
-  /// ("a/b", "..") is refused. What has permissions keeps them; a document without has those of the
-  /// one before, if that is of the same kind. `NSFileWrapperWritingWithNameUpdating` is the only
-  /// option with a meaning. The URL of the original means nothing.
+  /// there is nothing at the place of a directory for a moment.) A directory also replaces a
+  /// regular file, as a document may become one. A regular file in the place of a directory is
+  /// refused, and both are in that of a pipe, device or socket. So is a name that no file can have
+  /// ("a/b", ".."). What has permissions keeps them; a document without has those of the one
+  /// before, if that is of the same kind. `NSFileWrapperWritingWithNameUpdating` is the only option
+  /// with a meaning. The URL of the original means nothing.
   bool writeToURL_options_originalContentsURL_error(const NSRef<NSURL>& url, NSUInteger options,
                                                     const NSRef<NSURL>& original,
                                                     NSRef<NSError>* error);

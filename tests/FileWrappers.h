@@ -18,13 +18,19 @@ inline NSRef<NSFileWrapper> directory(std::initializer_list<NSRef<NSFileWrapper>
   return wrapper;
 }
 
-/// The code of the error, 0 for success.
-inline NSInteger write(const NSRef<NSFileWrapper>& wrapper, const fs::path& path,
-                       NSUInteger options = 0) {
+inline NSRef<NSError> errorOfWriting(const NSRef<NSFileWrapper>& wrapper, const fs::path& path,
+                                     NSUInteger options = 0) {
   NSRef<NSError> error;
   const bool isWritten = wrapper->writeToURL_options_originalContentsURL_error(
       fileURL(path), options, nullptr, &error);
   EXPECT_EQ(isWritten, !error);
+  return error;
+}
+
+/// The code of the error, 0 for success.
+inline NSInteger write(const NSRef<NSFileWrapper>& wrapper, const fs::path& path,
+                       NSUInteger options = 0) {
+  const auto error = errorOfWriting(wrapper, path, options);
   return error ? error->code() : 0;
 }
 

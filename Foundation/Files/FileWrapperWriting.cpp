@@ -58,22 +58,18 @@ void writeTree(const NSFileWrapper& wrapper, const fs::path& path) {
   if (const auto mode = NSPermissionsIn(wrapper.fileAttributes())) NSSetMode(path, *mode);
 }
 
-void replace(const NSFileWrapper& wrapper, const fs::path& place) {
-  struct stat former {};
-  const bool hasFormer = lstat(place.c_str(), &former) == 0;
-  const mode_t kind = wrapper.isDirectory() ? S_IFDIR : S_IFREG;
+void replaceByDirectory(const fs::path& place, const NSFileWrapper& wrapper) {
+  const mode_t former = NSModeToReplace(place, S_IFDIR);
   auto mode = NSPermissionsIn(wrapper.fileAttributes());
-  if (!mode && hasFormer && (former.st_mode & S_IFMT) == kind) {
-    mode = former.st_mode & permissionBits;
-  }
+  if (!mode && S_ISDIR(former)) mode = former & permissionBits;
 
   NSWorkshop workshop(place);
   const fs::path piece = workshop.piece();
   writeContents(wrapper, piece);
   if (mode) NSSetMode(piece, *mode);
   workshop.flush();
-  NSUnlocked unlockedPiece(piece, kind | mode.value_or(permissionBits));
-  NSUnlocked unlockedFormer(place, hasFormer ? former.st_mode : 0);
+  NSUnlocked unlockedPiece(piece, S_IFDIR | mode.value_or(permissionBits));
+  NSUnlocked unlockedFormer(place, former);
   workshop.install();
   unlockedFormer.movedTo(piece);
   unlockedPiece.movedTo(place);
@@ -88,5 +84,9 @@ void NSWriteFileTree(const NSFileWrapper& wrapper, const fs::path& path) {
                         NSMake<NSString>((path / *unusable).native()),
                         "No file can have this name"};
   }
-  NSAtPlace(path, [&](const fs::path& place) { replace(wrapper, place); });
+  if (!wrapper.isDirectory()) {
+    return NSWriteFile(path, wrapper.regularFileContents()->bytes(),
+                       NSPermissionsIn(wrapper.fileAttributes()));
+  }
+  NSAtPlace(path, [&](const fs::path& place) { replaceByDirectory(place, wrapper); });
 }

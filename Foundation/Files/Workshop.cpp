@@ -120,12 +120,9 @@ void NSWorkshop::clear() const noexcept try {
   NSLog(NSString::stringWithFormat(u"Cannot remove a temporary folder: %s"_ns, exception.what()));
 }
 
-// Where the file system cannot exchange: it can replace a file, but where a directory is concerned
-// nothing stands at the place for a moment.
+// Where the file system cannot exchange, nothing stands at the place for a moment.
 void NSWorkshop::installByHand() {
-  const fs::file_status status = fs::symlink_status(_place);
-  const bool isDirectory = fs::is_directory(piece()) || fs::is_directory(status);
-  if (!isDirectory || !fs::exists(status)) return fs::rename(piece(), _place);
+  if (!isThere(_place)) return fs::rename(piece(), _place);
   fs::rename(_place, former());
   try {
     fs::rename(piece(), _place);
@@ -185,19 +182,23 @@ void NSSetMode(const fs::path& path, mode_t mode) {
   if (chmod(path.c_str(), mode) != 0) NSFailWithPath(path);
 }
 
-void NSWriteFile(const fs::path& path, std::span<const std::byte> bytes) {
+mode_t NSModeToReplace(const fs::path& place, mode_t kind) {
+  struct stat former {};
+  if (lstat(place.c_str(), &former) != 0) return 0;
+  if (S_ISDIR(former.st_mode) && !S_ISDIR(kind)) NSFailWithPath(place, EISDIR);
+  if (!S_ISDIR(former.st_mode) && !S_ISREG(former.st_mode)) NSFailWithPath(place, ENOTSUP);
+  return former.st_mode;
+}
+
+void NSWriteFile(const fs::path& path, std::span<const std::byte> bytes,
+                 std::optional<mode_t> mode) {
   NSAtPlace(path, [&](const fs::path& place) {
-    struct stat former {};
-    const bool hasFormer = lstat(place.c_str(), &former) == 0;
-    if (hasFormer && !S_ISREG(former.st_mode)) {
-      NSFailWithPath(place, S_ISDIR(former.st_mode) ? EISDIR : ENOTSUP);
-    }
+    const mode_t former = NSModeToReplace(place, S_IFREG);
+    if (!mode && former != 0) mode = former & permissionBits;
     const NSWorkshop workshop(place);
     NSFileDescriptor file(workshop.piece(), O_WRONLY | O_CREAT | O_EXCL, readAndWrite);
     file.writeAll(bytes);
-    if (hasFormer && fchmod(file.number(), former.st_mode & permissionBits) != 0) {
-      NSFailWithPath(place);
-    }
+    if (mode && fchmod(file.number(), *mode) != 0) NSFailWithPath(place);
     if (fsync(file.number()) != 0) NSFailWithPath(place);
     file.close();
     // Unlike an exchange it refuses a directory that has come meanwhile.

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <span>
 
 #include <sys/types.h>
@@ -65,9 +66,15 @@ class NSUnlocked {
 
 void NSSetMode(const std::filesystem::path& path, mode_t mode);
 
-/// Replaces a regular file, or makes one: at once and with the permissions of the one before, after
-/// all bytes are on the disk. Of a symbolic link what it refers to is replaced.
-void NSWriteFile(const std::filesystem::path& path, std::span<const std::byte> bytes);
+/// Gives the mode of what stands at a place and will be replaced by a file or directory; 0 of
+/// nothing. Throws EISDIR for a directory and a file, and ENOTSUP for a pipe, device or socket.
+[[nodiscard]] mode_t NSModeToReplace(const std::filesystem::path& place, mode_t kind);
+
+/// Replaces a regular file, or makes one: at once and, unless others are given, with the
+/// permissions of the one before, after all bytes are on the disk. Of a symbolic link what it
+/// refers to is replaced.
+void NSWriteFile(const std::filesystem::path& path, std::span<const std::byte> bytes,
+                 std::optional<mode_t> mode = std::nullopt);
 
 /// Runs the operation with the place of a path. What fails within names the path, as nobody else
 /// knows the temporary places.

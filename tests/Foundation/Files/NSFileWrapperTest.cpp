@@ -76,12 +76,13 @@ TEST(NSFileWrapper, SavesAndLoadsADocument) {
   EXPECT_TRUE(haveSameContents(loaded, read(place)));
   EXPECT_EQ(namesIn(folder.path()).size(), 913U);
 
-  // Through a link, from directory to file and back.
+  // Through a link, and a directory in the place of a file.
   fs::create_symlink(place, folder / "link");
   fs::permissions(place, fs::perms{0705});
   EXPECT_EQ(write(directory({}), folder / "link"), 0);
   EXPECT_TRUE(fs::is_symlink(folder / "link") && fs::is_empty(place));
   EXPECT_EQ(fs::status(place).permissions(), fs::perms{0705});
+  fs::remove(place);
   const auto secret = file("all");
   secret->setFileAttributes(permissions(number(0600)));
   // Its own permissions, and then those of the file before.
@@ -127,6 +128,24 @@ TEST(NSFileWrapper, RefusesWhatNoFileCanBe) {
   EXPECT_EQ(read("/proc/version")->regularFileContents()->view(), contentsOf("/proc/version"));
   EXPECT_EQ(read("/proc/self/../version")->filename()->utf8(), "version");
   EXPECT_EQ(read(folder / "empty/.")->filename()->utf8(), "empty");
+}
+
+TEST(NSFileWrapper, RefusesToReplaceWhatItCannotBe) {
+  const TestFolder folder;
+  fs::create_directories(folder / "folder/in");
+  mkfifo((folder / "pipe").c_str(), 0600);
+  fs::create_symlink("pipe", folder / "link");
+  const auto before = namesIn(folder.path());
+  EXPECT_EQ(shownFailure(errorOfWriting(file("x"), folder / "folder")),
+            "512 Is a directory: folder");
+  for (const auto& wrapper : {file("x"), directory({})}) {
+    for (const std::string name : {"pipe", "link"}) {
+      EXPECT_EQ(shownFailure(errorOfWriting(wrapper, folder / name)),
+                "512 Operation not supported: " + name);
+    }
+  }
+  EXPECT_TRUE(fs::is_fifo(folder / "pipe"));
+  EXPECT_EQ(namesIn(folder.path()), before);
 }
 
 TEST(NSFileWrapper, RefusesWhatDoesNotFitIntoMemory) {
