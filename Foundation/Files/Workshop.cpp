@@ -1,5 +1,6 @@
 #include "Foundation/Files/Workshop.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
@@ -25,12 +26,17 @@ constexpr mode_t readAndWrite = 0666;
 // What folders are called that are taken out of others, with a number.
 constexpr std::string_view aside = "old";
 
-// Whether nobody else can reach into the folder, and the path still leads to it.
-bool isOurs(int folder, const fs::path& path) {
+bool isAt(const fs::path& path, int folder) {
   struct stat held {};
   struct stat there {};
   return fstat(folder, &held) == 0 && lstat(path.c_str(), &there) == 0 &&
-         held.st_dev == there.st_dev && held.st_ino == there.st_ino && held.st_uid == geteuid() &&
+         held.st_dev == there.st_dev && held.st_ino == there.st_ino;
+}
+
+// Whether nobody else can reach into the folder.
+bool isPrivate(int folder) {
+  struct stat held {};
+  return fstat(folder, &held) == 0 && held.st_uid == geteuid() &&
          (held.st_mode & (S_IRWXG | S_IRWXO)) == 0;
 }
 
@@ -64,22 +70,37 @@ NSWorkshop::~NSWorkshop() {
 bool NSWorkshop::takeFolder() try {
   const bool isNew = mkdir(_folder.c_str(), S_IRWXU) == 0;
   _lock = open(_folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  if (_lock < 0 && isNew) rmdir(_folder.c_str());
-  if (_lock >= 0 && flock(_lock, LOCK_EX | LOCK_NB) == 0 && isOurs(_lock, _folder)) {
-    const auto exists = [](const fs::path& path) { return fs::exists(fs::symlink_status(path)); };
-    // What was taken out of the place goes back, unless something is there: then it may be the only
-    // one of its kind, and stays.
-    if (exists(former()) && !exists(_place)) NSMoveToFreePlace(former(), _place);
-    if (!exists(former())) {
-      if (!isNew) empty();
-      return true;
-    }
-  }
+  const bool isLocked = _lock >= 0 && flock(_lock, LOCK_EX | LOCK_NB) == 0;
+  // Nobody else takes it where there are no locks.
+  const bool isOurs = isLocked ? isAt(_folder, _lock) : errno != EWOULDBLOCK;
+  if (isLocked && isOurs && isPrivate(_lock) && (isNew || takeOver())) return true;
+  if (isNew && isOurs) rmdir(_folder.c_str());
   if (_lock >= 0) close(std::exchange(_lock, -1));
   return false;
 } catch (const fs::filesystem_error&) {
   close(std::exchange(_lock, -1));
   return false;
+}
+
+// A folder with anything else is somebody's own, whatever it is called.
+bool NSWorkshop::holdsOwnAlone() const {
+  return std::ranges::all_of(NSPathsIn(_folder), [&](const fs::path& path) {
+    const std::string name = path.filename();
+    const bool isAside = name.starts_with(aside) && name.size() > aside.size() &&
+                         name.find_first_not_of("0123456789", aside.size()) == std::string::npos;
+    return isAside || path == piece() || path == former();
+  });
+}
+
+// Leaves the folder empty, or as it is.
+bool NSWorkshop::takeOver() const {
+  if (!holdsOwnAlone()) return false;
+  // What was taken out of the place goes back, unless something is there: then it may be the only
+  // one of its kind, and stays.
+  if (isThere(former()) && !isThere(_place)) NSMoveToFreePlace(former(), _place);
+  if (isThere(former())) return false;
+  empty();
+  return true;
 }
 
 void NSWorkshop::flush() const {

@@ -11,7 +11,7 @@
 
 /// A hidden folder beside a place, which no other user can look into, for what shall go there as a
 /// whole. What is left in it goes with it, and what a process has left in its folder that was
-/// killed goes when something is next put in the same place.
+/// killed goes when something is next put in the same place, if nothing else is in there.
 class NSWorkshop {
  public:
   explicit NSWorkshop(const std::filesystem::path& place);
@@ -30,6 +30,8 @@ class NSWorkshop {
 
  private:
   [[nodiscard]] bool takeFolder();
+  [[nodiscard]] bool holdsOwnAlone() const;
+  [[nodiscard]] bool takeOver() const;
   void installByHand();
   void empty() const;
   void clear() const noexcept;

@@ -6,6 +6,7 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/file.h>
+#include <sys/fsuid.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -138,10 +139,31 @@ TEST(NSFileWrapper, ReplacesADocumentWithoutExchange) {
   if (!isTested) GTEST_SKIP() << "may not forbid system calls";
 }
 
+TEST(NSFileWrapper, LeavesNothingWhereItsFolderCannotBeItsOwn) {
+  const TestFolder folder;
+  for (const bool hasLocks : {false, true}) {
+    const bool isTested = inChild([&] {
+      // What root makes belongs to nobody on some file systems.
+      if (hasLocks) {
+        setfsuid(65534);
+      } else {
+        forbid(SYS_flock, EOPNOTSUPP);
+      }
+      for (int k = 0; k < 2; ++k) EXPECT_EQ(write(directory({}), folder / "document"), 0);
+      EXPECT_EQ(namesIn(folder.path()), std::set<std::string>{"document"}) << hasLocks;
+      fs::remove(folder / "document");
+    });
+    if (!isTested) GTEST_SKIP() << "may not forbid system calls";
+  }
+}
+
 TEST(NSFileWrapper, TakesAwayWhatAKilledProcessHasLeft) {
   const Rows<const char*, fs::perms, bool, bool, bool> rows = {
       {"new", fs::perms{0700}, false, false, false},
       {"new/deep", fs::perms{0700}, false, false, false},
+      {"old12/old1", fs::perms{0700}, false, false, false},
+      {"mine", fs::perms{0700}, false, false, true},
+      {"old1a", fs::perms{0700}, false, false, true},
       {"new", fs::perms{0700}, true, false, true},
       {"new", fs::perms{0750}, false, false, true},
       {"former", fs::perms{0700}, false, false, false},
