@@ -101,8 +101,9 @@ class NS_EXPORT NSFileManager : public NSObject {
                                          NSRef<NSError>* error) const;
 
   /// Lists what is in a directory, without "." and "..": URLs in the order of their names' bytes,
-  /// those of directories with "/" at the end. A symbolic link to the directory is followed. The
-  /// keys mean nothing here; `NSDirectoryEnumerationSkipsHiddenFiles` is the only option.
+  /// those of directories with "/" at the end; a symbolic link never has one. One to the directory
+  /// itself is followed. The keys mean nothing here; `NSDirectoryEnumerationSkipsHiddenFiles` is
+  /// the only option.
   [[nodiscard]] NSRef<NSArray> contentsOfDirectoryAtURL_includingPropertiesForKeys_options_error(
       const NSRef<NSURL>& url, const NSRef<NSArray>& keys, NSUInteger options,
       NSRef<NSError>* error) const;

@@ -63,8 +63,10 @@ void expectTree(const fs::path& tree) {
 TEST(NSFileCopying, ListsInOrder) {
   const TestFolder folder;
   makeTree(folder / "tree");
-  EXPECT_EQ(list(folder / "tree"), ".hidden link locked/ script ");
-  EXPECT_EQ(list(folder / "tree", NSDirectoryEnumerationSkipsHiddenFiles), "link locked/ script ");
+  fs::create_directory_symlink("locked", folder / "tree/folder");
+  EXPECT_EQ(list(folder / "tree"), ".hidden folder link locked/ script ");
+  EXPECT_EQ(list(folder / "tree", NSDirectoryEnumerationSkipsHiddenFiles),
+            "folder link locked/ script ");
   EXPECT_EQ(list(folder / "none"), "260 No such file or directory: none");
   EXPECT_EQ(list(folder / "tree/script"), "256 Not a directory: script");
 }
