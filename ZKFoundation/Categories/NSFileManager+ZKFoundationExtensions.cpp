@@ -1,6 +1,7 @@
 #include "ZKFoundation/Categories/NSFileManager+ZKFoundationExtensions.h"
 
 #include <filesystem>
+#include <string>
 #include <system_error>
 #include <vector>
 
@@ -40,10 +41,12 @@ NSRef<NSURL> makeWithUniqueName(const NSRef<NSURL>& url, ZKNamingOptions options
   constexpr int tries = 1000;
   options.isFileName = true;
   fs::path path = url->fileSystemPath();
-  if (!path.has_filename()) path = path.parent_path();
+  if (isDirectory && !path.has_filename()) path = path.parent_path();
   const fs::path name = path.filename();
-  const bool canChange =
-      !name.empty() && name != "." && name != ".." && NSIsWellFormedUTF8(name.native());
+  const bool namesFile =
+      url->isFileURL() && path.is_absolute() && path.native().find('\0') == std::string::npos;
+  const bool canChange = namesFile && !name.empty() && name != "." && name != ".." &&
+                         NSIsWellFormedUTF8(name.native());
   NSRef<NSURL> place = url;
   fs::path candidate = path;
   NSRef<NSError> failure;

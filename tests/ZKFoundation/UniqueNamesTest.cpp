@@ -203,6 +203,10 @@ TEST(UniqueNames, OfNewFiles) {
   EXPECT_EQ(make(folder / "B", spaced), "B");
   EXPECT_EQ(make(folder / "no/b", spaced), std::to_string(NSFileNoSuchFileError));
   EXPECT_EQ(make(folder / ".", spaced), std::to_string(NSFileWriteFileExistsError));
+  // No file has such a path, but a directory does.
+  for (const auto& options : {spaced, anyCase}) {
+    EXPECT_EQ(make(folder / "c/", options), std::to_string(NSFileWriteUnknownError));
+  }
   writeFile(folder / "\xFF", "");
   EXPECT_EQ(make(folder / "\xFF", spaced), std::to_string(NSFileWriteFileExistsError));
   EXPECT_EQ(contentsOf(folder / "a.tar.gz"), "old");
@@ -213,6 +217,25 @@ TEST(UniqueNames, OfNewFiles) {
         createDirectoryWithUniqueNameAtURL_options_error(manager, place, spaced, nullptr);
     EXPECT_EQ(url->fileSystemPath(), folder / name);
     EXPECT_TRUE(fs::is_directory(url->fileSystemPath()));
+  }
+}
+
+TEST(UniqueNames, OfNewFilesAreRefusedWhereAURLNamesNone) {
+  for (const auto& [text, code] : Rows<NSRef<NSString>, NSInteger>{
+           {u"file:///tmp/a%00b"_ns, NSFileWriteInvalidFileNameError},
+           {u"file:relative"_ns, NSFileWriteInvalidFileNameError},
+           {u"http://h/tmp/a"_ns, NSFileWriteUnsupportedSchemeError},
+       }) {
+    const auto url = NSURL::URLWithString(text);
+    const auto manager = NSFileManager::defaultManager();
+    for (const auto& options : {spaced, anyCase}) {
+      NSRef<NSError> error;
+      EXPECT_FALSE(createFileWithUniqueNameAtURL_contents_options_error(manager, url, nullptr,
+                                                                        options, &error));
+      EXPECT_EQ(error->code(), code) << text;
+      EXPECT_FALSE(createDirectoryWithUniqueNameAtURL_options_error(manager, url, options, &error));
+      EXPECT_EQ(error->code(), code) << text;
+    }
   }
 }
 
