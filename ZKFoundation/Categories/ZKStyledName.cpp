@@ -21,10 +21,13 @@ constexpr std::array<Marks, 3> marksByStyle = {{{u" ", u""}, {u" (", u")"}, {u""
 bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 bool isLetter(char16_t unit) { return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z'; }
 
-// The value of a text of digits that fits 64 bits with its successors.
-std::optional<std::uint64_t> numberIn(std::u16string_view digits) {
-  constexpr std::size_t mostDigits = 18;
-  if (digits.empty() || digits.size() > mostDigits) return std::nullopt;
+// A name's own number, and the longest that may follow it, all of which fit 64 bits.
+constexpr std::size_t mostDigits = 18;
+constexpr std::size_t mostDigitsOfSuccessors = mostDigits + 1;
+
+// The value of a text of digits that are not too many.
+std::optional<std::uint64_t> numberIn(std::u16string_view digits, std::size_t most) {
+  if (digits.empty() || digits.size() > most) return std::nullopt;
   std::uint64_t number = 0;
   for (const char16_t unit : digits) {
     if (!isDigit(unit)) return std::nullopt;
@@ -73,7 +76,7 @@ ZKStyledName::Parts ZKStyledName::partsOf(std::u16string_view name,
     while (start > 0 && isDigit(stem[start - 1])) --start;
     const std::u16string_view before = stem.substr(0, start);
     const std::u16string_view digits = stem.substr(start, digitsEnd - start);
-    const auto number = numberIn(digits);
+    const auto number = numberIn(digits, mostDigits);
     const bool isInStyle =
         before.ends_with(opening) && (opening.empty() || before.size() > opening.size());
     if (number && isInStyle) {
@@ -105,7 +108,7 @@ void ZKStyledName::take(std::u16string_view name) {
   if (text.size() < _before.size() + _after.size()) return;
   if (!text.starts_with(_before) || !text.ends_with(_after)) return;
   text = text.substr(_before.size(), text.size() - _before.size() - _after.size());
-  const auto number = numberIn(text);
+  const auto number = numberIn(text, mostDigitsOfSuccessors);
   // Only what would be written so is in the way.
   const bool isWritten =
       text.size() == _parts.width || (text.size() > _parts.width && text[0] != u'0');

@@ -117,6 +117,9 @@ TEST(UniqueNames, OfStringsInAStyle) {
   EXPECT_EQ(uniqueName(u"a 2", {u"z"}, spaced), "a 2");
   EXPECT_EQ(uniqueName(u"a", {u"a", u"a 3", u"a 2", u"a 04"}, spaced), "a 4");
   EXPECT_EQ(uniqueName(u"a 07", {u"a 07", u"a 8", u"a 09"}, spaced), "a 08");
+  EXPECT_EQ(uniqueName(u"a 999999999999999999", {u"a 999999999999999999", u"a 1000000000000000000"},
+                       spaced),
+            "a 1000000000000000001");
   EXPECT_EQ(uniqueName(u"a.b", {u"a.b", u"a 2.c", u"a 3.b"}, ofFile), "a 2.b");
   EXPECT_EQ(uniqueName(u"Name", {u"nAME", u"name 2", u"NAME 3"}, anyCase), "Name 4");
   EXPECT_EQ(uniqueName(u"STRASSE", {u"stra\u00DFe"}, anyCase), "STRASSE 2");
