@@ -139,6 +139,26 @@ TEST(ZKTextFinder, ReplacesByPatternsAndCarriesTheSelection) {
   EXPECT_EQ(replaced("abc", "12", "xab[]cd", 0), "x12[]d");
 }
 
+TEST(ZKTextFinder, ReplacesWhatAPatternMatchesBackwards) {
+  for (const auto& [needle, units, caret, match, result] :
+       Rows<const char*, const char*, NSUInteger, NSRange, const char*>{
+           {"[0-9]+", "page 12345", 8, {5, 5}, "page X"},
+           {"[0-9]+", "7 page 12345", 10, {0, 1}, "X page 12345"},
+           {"\\w+", "hello world", 9, {0, 5}, "X world"},
+           {"\\w+", "hello world", 11, {6, 5}, "hello X"},
+           {"o*", "foob", 2, {0, 0}, "Xfoob"},
+           {"\\w(?=d)", "add", 2, {1, 1}, "aXd"},
+       }) {
+    const auto text = NSMake<NSMutableString>(units);
+    const auto finder =
+        NSMake<ZKTextFinder>(string(needle), ZKRegularExpressionSearch | NSBackwardsSearch);
+    NSRange selection = {caret, 0};
+    EXPECT_EQ(finder->nextMatchInString_selectedRange(text, selection)->match, match) << units;
+    EXPECT_TRUE(finder->replaceNextInString_withString_selectedRange(text, u"X"_ns, &selection));
+    EXPECT_EQ(text->utf8(), result);
+  }
+}
+
 TEST(ZKTextFinder, ReplacesOneByOne) {
   const auto text = NSMake<NSMutableString>(u"ring, rings, Ring");
   const auto finder = NSMake<ZKTextFinder>(

@@ -74,6 +74,12 @@ NSRange ZKTextSearch::rest(NSRange range, NSUInteger index) const {
   return next > NSMaxRange(range) ? NSNotFoundRange : NSRange{next, NSMaxRange(range) - next};
 }
 
+// The first match in what is left of a range after a match.
+NSRange ZKTextSearch::following(NSRange range, NSRange match) {
+  const NSUInteger end = NSMaxRange(match);
+  return first(match.length == 0 ? rest(range, end) : NSRange{end, NSMaxRange(range) - end});
+}
+
 NSRange ZKTextSearch::first(NSRange range) {
   while (range != NSNotFoundRange) {
     const NSRange match = find(range);
@@ -86,7 +92,12 @@ NSRange ZKTextSearch::first(NSRange range) {
 NSRange ZKTextSearch::last(NSRange range) {
   NSRange match = NSNotFoundRange;
   if (_subject.pattern != nullptr) {
-    forEachIn(range, [&](NSRange next) { match = next; });
+    // It sees the text to its end: cut off there, another part of it might match.
+    const NSRange seen = {range.location, text().size() - range.location};
+    for (NSRange next = first(seen); NSMaxRange(next) <= NSMaxRange(range);
+         next = following(seen, next)) {
+      match = next;
+    }
     return match;
   }
   const NSUInteger options = _options | NSBackwardsSearch;
@@ -114,19 +125,14 @@ bool ZKTextSearch::isMatch(NSRange range) {
 }
 
 void ZKTextSearch::forEach(NSBlockRef<void(NSRange)> visit) {
-  if (_mayOverlap) return forEachIn({0, text().size()}, visit);
-  NSForEachOccurrence(text(), _subject.needle->view(), _options, {0, text().size()},
-                      [&](NSRange match) {
-                        if (accepts(match)) visit(match);
-                      });
-}
-
-void ZKTextSearch::forEachIn(NSRange range, NSBlockRef<void(NSRange)> visit) {
-  while (range != NSNotFoundRange) {
-    const NSRange match = first(range);
-    if (match == NSNotFoundRange) return;
-    visit(match);
-    const NSUInteger end = NSMaxRange(match);
-    range = match.length == 0 ? rest(range, end) : NSRange{end, NSMaxRange(range) - end};
+  const NSRange all = {0, text().size()};
+  if (_mayOverlap) {
+    for (NSRange match = first(all); match != NSNotFoundRange; match = following(all, match)) {
+      visit(match);
+    }
+    return;
   }
+  NSForEachOccurrence(text(), _subject.needle->view(), _options, all, [&](NSRange match) {
+    if (accepts(match)) visit(match);
+  });
 }

@@ -49,10 +49,10 @@ class ZKTextSearch {
   [[nodiscard]] std::u16string_view text() const noexcept { return _string->view(); }
 
  private:
-  void forEachIn(NSRange range, NSBlockRef<void(NSRange)> visit);
   [[nodiscard]] bool accepts(NSRange match);
   [[nodiscard]] NSRange find(NSRange range);
   [[nodiscard]] NSRange rest(NSRange range, NSUInteger index) const;
+  [[nodiscard]] NSRange following(NSRange range, NSRange match);
   [[nodiscard]] NSRange wordAt(NSUInteger index);
 
   const Subject& _subject;

@@ -80,7 +80,9 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
 
   /// Finds the first match after the selection, or with `NSBackwardsSearch` the last one before it;
   /// when there is none and it wraps, the first or last one of the whole text, which may be the
-  /// selection itself. An empty match at an empty selection is passed by.
+  /// selection itself. An empty match at an empty selection is passed by. Backwards a regular
+  /// expression's matches are those that follow one another from the start of the text: "[0-9]+"
+  /// finds all of "12345" or nothing of it.
   [[nodiscard]] std::optional<ZKTextMatch> nextMatchInString_selectedRange(
       const NSRef<NSString>& string, NSRange selectedRange, NSRef<NSError>* error = nullptr) const;
 
