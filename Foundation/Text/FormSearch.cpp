@@ -9,6 +9,7 @@
 #include <Foundation/NSUnicode.h>
 #include <Foundation/Text/JudgedSearch.h>
 #include <Foundation/Text/NormalForm.h>
+#include <Foundation/Text/StringSearch.h>
 
 namespace {
 
@@ -37,6 +38,7 @@ struct Normalized {
 
 // The search of a range for matches that begin before the limit.
 struct NSFormSearch::Scan {
+  // Backwards only what is left of it in front of a refused match.
   NSRange range;
   std::size_t limit;
   NSBlockRef<bool(NSRange)> accept;
@@ -177,8 +179,14 @@ NSRange NSFormSearch::judge(Scan& scan, std::size_t place) const {
   if (place < scan.from || !isBoundary(_text, place)) return NSNotFoundRange;
   const NSRange match = {place, endOfMatch(scan, place) - place};
   if (match.length == 0) return NSNotFoundRange;
-  scan.from = NSMaxRange(match);
-  return !scan.accept || scan.accept(match) ? match : NSNotFoundRange;
+  if (scan.accept(match)) return match;
+  const NSUInteger step = NSStepOver(match.length, _options);
+  if ((_options & NSBackwardsSearch) != 0) {
+    scan.range.length = NSMaxRange(match) - step - scan.range.location;
+  } else {
+    scan.from = match.location + step;
+  }
+  return NSNotFoundRange;
 }
 
 NSRange NSFormSearch::scanForwards(Scan& scan) const {
@@ -251,7 +259,7 @@ NSRange NSFormSearch::findNormalized(const Scan& scan) const {
         isBackwards ? last->source == end : first->source == scan.range.location;
     if ((_options & NSAnchoredSearch) != 0 && !isAnchored) return 1;
     match = {first->source, last->source - first->source};
-    return !scan.accept || scan.accept(match) ? 0 : _form.size();
+    return scan.accept(match) ? 0 : NSStepOver(_form.size(), _options);
   };
   return NSFindJudged(source.form.view(), _form.view(), _options, judge) == none ? NSNotFoundRange
                                                                                  : match;

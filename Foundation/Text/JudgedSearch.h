@@ -9,7 +9,19 @@
 #include <Foundation/Text/UnitSearch.h>
 
 // Searches for places where a text has a needle's units and which a judge settles on. The judge is
-// told the place and gives how many units after it the search goes on, 0 where it ends.
+// told the place and gives how many units further the search goes on, 0 where it ends.
+
+/// Gives a judge's answer to a search that finds places next to one another: whether it settles on
+/// a place, which it is asked about only where it has not stepped over it.
+template <class Judge>
+auto NSSettlesInSteps(Judge judge) {
+  return [judge, next = std::size_t{0}](std::size_t place) mutable {
+    if (place < next) return false;
+    const std::size_t step = judge(place);
+    next = place + step;
+    return step == 0;
+  };
+}
 
 /// Searches from left to right; gives `npos` where the judge settles on nothing.
 template <class Judge>
@@ -30,13 +42,8 @@ std::size_t NSFindJudgedForwards(std::u16string_view text, std::u16string_view n
   }
   const std::u16string_view rest = text.substr(from);
   const NSTwoWaySearch search(needle.begin(), needle.end());
-  std::size_t next = 0;
-  const std::size_t offset = search.find(rest.begin(), rest.end(), [&](std::size_t at) {
-    if (at < next) return false;
-    const std::size_t step = judge(from + at);
-    next = at + step;
-    return step == 0;
-  });
+  const std::size_t offset = search.find(
+      rest.begin(), rest.end(), NSSettlesInSteps([&](std::size_t at) { return judge(from + at); }));
   return offset == rest.size() ? none : from + offset;
 }
 
@@ -55,7 +62,8 @@ std::size_t NSFindJudged(std::u16string_view text, std::u16string_view needle, N
   }
   if (!isBackwards) return NSFindJudgedForwards(text, needle, judge);
   const NSTwoWaySearch search(needle.rbegin(), needle.rend());
-  const std::size_t fromEnd = search.find(
-      text.rbegin(), text.rend(), [&](std::size_t offset) { return judge(last - offset) == 0; });
+  const std::size_t fromEnd =
+      search.find(text.rbegin(), text.rend(),
+                  NSSettlesInSteps([&](std::size_t at) { return judge(last - at); }));
   return fromEnd == text.size() ? none : last - fromEnd;
 }

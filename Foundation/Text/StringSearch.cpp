@@ -52,7 +52,7 @@ class Search {
         _isPlain(!_folds ? _isLiteral || isWithoutMarks(needle) : NSIsASCII(needle)) {}
 
   [[nodiscard]] NSRange findForwards(NSBlockRef<bool(NSRange)> accept);
-  [[nodiscard]] NSRange findBackwards();
+  [[nodiscard]] NSRange findBackwards(NSBlockRef<bool(NSRange)> accept);
 
  private:
   [[nodiscard]] bool isAnchored() const { return (_options & NSAnchoredSearch) != 0; }
@@ -85,7 +85,7 @@ NSRange Search::findPlainly(std::u16string_view units, std::u16string_view needl
     const bool isWhole = _isLiteral || (NSIsComposedBoundary(_text, match.location) &&
                                         NSIsComposedBoundary(_text, NSMaxRange(match)));
     if (!isWhole) return 1;
-    return !accept || accept(match) ? 0 : needle.size();
+    return accept(match) ? 0 : NSStepOver(needle.size(), _options);
   };
   const std::size_t place = NSFindJudged(units, needle, _options, judge);
   return place == none ? NSNotFoundRange : NSRange{start + place, needle.size()};
@@ -120,7 +120,7 @@ NSRange Search::findForwards(NSBlockRef<bool(NSRange)> accept) {
     const NSUInteger limit = boundaryFrom(start + std::min(size, _end - start));
     NSUInteger next = start;  // After what has been refused.
     const auto acceptOrGoOn = [&](NSRange match) {
-      next = NSMaxRange(match);
+      next = match.location + NSStepOver(match.length, _options);
       return !accept || accept(match);
     };
     const NSRange found = findInPart(start, limit, acceptOrGoOn);
@@ -131,7 +131,7 @@ NSRange Search::findForwards(NSBlockRef<bool(NSRange)> accept) {
   return NSNotFoundRange;
 }
 
-NSRange Search::findBackwards() {
+NSRange Search::findBackwards(NSBlockRef<bool(NSRange)> accept) {
   NSUInteger size = firstPart;
   if (isAnchored()) {
     // A form has a unit at least for every pair.
@@ -141,9 +141,15 @@ NSRange Search::findBackwards() {
   while (limit > _start) {
     NSUInteger start = limit - std::min(size, limit - _start);
     while (start > _start && !NSIsComposedBoundary(_text, start)) --start;
-    const NSRange found = findInPart(start, limit, nullptr);
+    NSUInteger end = _end;  // Of what has not been refused.
+    const auto acceptOrGoOn = [&](NSRange match) {
+      end = NSMaxRange(match) - NSStepOver(match.length, _options);
+      return !accept || accept(match);
+    };
+    const NSRange found = findInPart(start, limit, acceptOrGoOn);
     if (found.length != 0 || isAnchored()) return found;
     limit = start;
+    _end = end;
     size *= 2;
   }
   return NSNotFoundRange;
@@ -156,8 +162,9 @@ NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle, NSUI
   if (needle.empty()) return NSNotFoundRange;
   Search search(text, needle, options, range);
   if ((options & NSBackwardsSearch) == 0) return search.findForwards(accept);
+  if ((options & NSOverlappingSearch) != 0) return search.findBackwards(accept);
   // Nothing follows the last match.
-  const NSRange last = search.findBackwards();
+  const NSRange last = search.findBackwards(nullptr);
   return last.length != 0 && (!accept || accept(last)) ? last : NSNotFoundRange;
 }
 

@@ -8,6 +8,14 @@
 #include <Foundation/NSRange.h>
 #include <Foundation/NSStringComparison.h>
 
+/// An option of `NSSearchUnits`, for what may overlap a match that was refused.
+inline constexpr NSUInteger NSOverlappingSearch = 1U << 31U;
+
+/// Gives by how many of its units a search passes by a match that was refused.
+[[nodiscard]] constexpr NSUInteger NSStepOver(NSUInteger lengthOfMatch, NSUInteger options) {
+  return (options & NSOverlappingSearch) != 0 ? 1 : lengthOfMatch;
+}
+
 /// Finds the needle in a range of the text, which must fit it; `NSNotFoundRange` when there is none
 /// or the needle is empty. With `NSBackwardsSearch` the last occurrence, with `NSAnchoredSearch`
 /// only one at the start of the range (at its end, backwards).
@@ -18,7 +26,9 @@
 /// outside of the range included.
 ///
 /// With `accept` the first match that it agrees to. After one that it refuses the search begins
-/// anew, over the rest of the range. All of it takes time linear in the range.
+/// anew over what follows it in the range, which backwards holds no other. `NSOverlappingSearch`
+/// lets it go on in its direction instead, over all but the one unit of that match that it came to
+/// first. All of it takes time linear in the range.
 NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
                                 NSUInteger options, NSRange range,
                                 NSBlockRef<bool(NSRange)> accept = nullptr);

@@ -130,7 +130,8 @@ NSRange findString_searchRange_options_wordCompareOption(
     if (!NSLocationInRange(match.location, word)) word = wordAt(text, match.location);
     return isAccepted(match, word, wordCompareOption);
   };
-  const NSRange match = NSSearchUnits(text, NSViewOf(needle), options, searchRange, accept);
+  const NSUInteger known = options & ~NSOverlappingSearch;
+  const NSRange match = NSSearchUnits(text, NSViewOf(needle), known, searchRange, accept);
   return match.length == 0 ? match : word;
 }
 

@@ -65,14 +65,15 @@ std::string replaced(const char* needle, const char* replacement, const char* ma
 }  // namespace
 
 TEST(ZKTextFinder, FindsCountsAndReplacesWhatAOneLoopSearchFinds) {
-  const auto some = [](const char16_t* units, int longest) {
-    return rc::gen::apply([](const std::u16string& text) { return NSMake<NSMutableString>(text); },
-                          rc::gen::resize(longest, rc::gen::container<std::u16string>(
-                                                       rc::gen::elementOf(std::u16string(units)))));
+  const auto some = [](const std::u16string& units, int longest) {
+    return rc::gen::apply(
+        [](const std::u16string& text) { return NSMake<NSMutableString>(text); },
+        rc::gen::resize(longest, rc::gen::container<std::u16string>(rc::gen::elementOf(units))));
   };
   expectProperty("a list of all matches", [&] {
-    const auto text = *some(u"aab -.", 40);
-    const NSRef<NSString> needle = *some(u"aab -", 4);
+    const auto units = *rc::gen::element<std::u16string>(u"aab -.", u"\u1EC7\u1EC7b -.");
+    const auto text = *some(units, 40);
+    const NSRef<NSString> needle = *some(units, 4);
     RC_PRE(needle->length() > 0);
     const auto condition = *rc::gen::element(ZKWordCompareNone, ZKWordCompareWhole,
                                              ZKWordCompareStart, ZKWordCompareEnd);
@@ -81,7 +82,7 @@ TEST(ZKTextFinder, FindsCountsAndReplacesWhatAOneLoopSearchFinds) {
     const bool wraps = *rc::gen::arbitrary<bool>();
     const auto all = allMatches(text, needle, condition);
 
-    for (const NSUInteger options : {0U, 2U, 3U}) {
+    for (const NSUInteger options : {0U, 1U, 2U, 3U}) {
       const auto finder = NSMake<ZKTextFinder>(needle, options, condition);
       finder->setWraps(wraps);
       auto next = firstFrom(all, NSMaxRange(selection));
@@ -112,6 +113,29 @@ TEST(ZKTextFinder, FindsCountsAndReplacesWhatAOneLoopSearchFinds) {
     RC_ASSERT(NSRangeFits(selection, text->length()));
     RC_ASSERT(!isApart || text->substringWithRange(selection) == before);
   });
+}
+
+TEST(ZKTextFinder, FindsWordsInTextsThatAlmostMatchEverywhere) {
+  // Where each place in the long word were compared with the whole needle, this would take hours.
+  constexpr NSUInteger count = 500'000;
+  const NSUInteger folds = NSCaseInsensitiveSearch;
+  for (const auto& [unit, options, condition] :
+       Rows<char16_t, NSUInteger, ZKWordCompareOption>{{u'a', 0, ZKWordCompareWhole},
+                                                       {u'a', folds, ZKWordCompareStart},
+                                                       {u'a', folds, ZKWordCompareEnd},
+                                                       {u'é', 0, ZKWordCompareEnd},
+                                                       {u'é', folds, ZKWordCompareWhole},
+                                                       {u'é', folds, ZKWordCompareEnd}}) {
+    const auto needle = NSMake<NSString>(std::u16string(count, unit));
+    const auto inside = NSMake<NSString>(std::u16string(2 * count, unit));
+    const auto text = needle + u" x" + inside + u"x " + needle;
+    const NSRange last = {text->length() - count, count};
+    const auto finder = NSMake<ZKTextFinder>(needle, options, condition);
+    EXPECT_EQ(finder->nextMatchInString_selectedRange(text, {count, 0})->match, last);
+    finder->setOptions(options | NSBackwardsSearch);
+    const NSRange beforeLast = {last.location, 0};
+    EXPECT_EQ(finder->nextMatchInString_selectedRange(text, beforeLast)->match, NSRange(0, count));
+  }
 }
 
 TEST(ZKTextFinder, ReplacesByPatternsAndCarriesTheSelection) {

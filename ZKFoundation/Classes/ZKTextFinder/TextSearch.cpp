@@ -56,12 +56,12 @@ bool ZKTextSearch::accepts(NSRange match) {
   }
 }
 
-// The first match there; one that is accepted, unless one that is not may overlap such a one.
-NSRange ZKTextSearch::find(NSRange range) {
-  if (_subject.pattern == nullptr) {
-    return NSSearchUnits(text(), _subject.needle->view(), _options, range,
-                         [this](NSRange match) { return _mayOverlap || accepts(match); });
-  }
+NSRange ZKTextSearch::findNeedle(NSRange range, NSUInteger options) {
+  return NSSearchUnits(text(), _subject.needle->view(), _options | options, range,
+                       [this](NSRange match) { return accepts(match); });
+}
+
+NSRange ZKTextSearch::findPattern(NSRange range) {
   const bool isLate = std::chrono::steady_clock::now() > _limit;
   const auto found = isLate ? std::nullopt : _subject.pattern->find(range, _limit);
   if (!found) throw ZKTextFinderFailure{ZKTextFinderTimedOut, "The search takes too long"};
@@ -81,8 +81,9 @@ NSRange ZKTextSearch::following(NSRange range, NSRange match) {
 }
 
 NSRange ZKTextSearch::first(NSRange range) {
+  if (_subject.pattern == nullptr) return findNeedle(range, _mayOverlap ? NSOverlappingSearch : 0);
   while (range != NSNotFoundRange) {
-    const NSRange match = find(range);
+    const NSRange match = findPattern(range);
     if (match == NSNotFoundRange || accepts(match)) return match;
     range = rest(range, match.location);
   }
@@ -90,22 +91,17 @@ NSRange ZKTextSearch::first(NSRange range) {
 }
 
 NSRange ZKTextSearch::last(NSRange range) {
+  if (_subject.pattern == nullptr) {
+    return findNeedle(range, NSBackwardsSearch | NSOverlappingSearch);
+  }
+  // It sees the text to its end: cut off there, another part of it might match.
+  const NSRange seen = {range.location, text().size() - range.location};
   NSRange match = NSNotFoundRange;
-  if (_subject.pattern != nullptr) {
-    // It sees the text to its end: cut off there, another part of it might match.
-    const NSRange seen = {range.location, text().size() - range.location};
-    for (NSRange next = first(seen); NSMaxRange(next) <= NSMaxRange(range);
-         next = following(seen, next)) {
-      match = next;
-    }
-    return match;
+  for (NSRange next = first(seen); NSMaxRange(next) <= NSMaxRange(range);
+       next = following(seen, next)) {
+    match = next;
   }
-  const NSUInteger options = _options | NSBackwardsSearch;
-  while (true) {
-    match = NSSearchUnits(text(), _subject.needle->view(), options, range);
-    if (match == NSNotFoundRange || accepts(match)) return match;
-    range.length = NSMaxRange(match) - 1 - range.location;
-  }
+  return match;
 }
 
 NSRange ZKTextSearch::next(NSRange selection, bool wraps) {

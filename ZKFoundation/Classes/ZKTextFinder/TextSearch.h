@@ -50,7 +50,8 @@ class ZKTextSearch {
 
  private:
   [[nodiscard]] bool accepts(NSRange match);
-  [[nodiscard]] NSRange find(NSRange range);
+  [[nodiscard]] NSRange findNeedle(NSRange range, NSUInteger options);
+  [[nodiscard]] NSRange findPattern(NSRange range);
   [[nodiscard]] NSRange rest(NSRange range, NSUInteger index) const;
   [[nodiscard]] NSRange following(NSRange range, NSRange match);
   [[nodiscard]] NSRange wordAt(NSUInteger index);
