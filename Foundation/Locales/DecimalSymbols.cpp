@@ -194,23 +194,23 @@ bool NSDecimalSymbols::takeSeparator(std::u16string_view& text) const {
   return true;
 }
 
+// Takes as many groups as make a whole number.
 void NSDecimalSymbols::takeWholeDigits(std::u16string_view& text, std::string& decimal) const {
-  std::size_t group = takeDigits(text, decimal);
-  const std::u16string_view afterFirst = text;
-  const std::size_t sizeOfFirst = decimal.size();
-  bool fits = group != 0 && group <= _otherGroups;
-  bool hasGroups = false;
-  for (std::u16string_view rest = text; takeSeparator(rest); text = rest) {
-    const std::size_t next = takeDigits(rest, decimal);
-    if (next == 0) break;
-    fits = fits && (!hasGroups || group == _otherGroups);
-    hasGroups = true;
-    group = next;
+  // More than doubles have: where the last group has more digits than others, a list of short
+  // numbers is not read to its end for each of them.
+  constexpr std::size_t mostAhead = 400;
+  const std::size_t first = takeDigits(text, decimal);
+  if (first == 0 || first > _otherGroups) return;
+  std::size_t taken = decimal.size();
+  std::size_t group = _otherGroups;
+  for (std::u16string_view rest = text;
+       group == _otherGroups && decimal.size() - taken < mostAhead && takeSeparator(rest);) {
+    group = takeDigits(rest, decimal);
+    if (group != _lastGroup) continue;
+    text = rest;
+    taken = decimal.size();
   }
-  if (hasGroups && (!fits || group != _lastGroup)) {
-    text = afterFirst;
-    decimal.resize(sizeOfFirst);
-  }
+  decimal.resize(taken);
 }
 
 std::string NSDecimalSymbols::take(std::u16string_view& text) const {

@@ -27,8 +27,8 @@ inline constexpr NSUInteger NSOverlappingSearch = 1U << 31U;
 ///
 /// With `accept` the first match that it agrees to. After one that it refuses the search begins
 /// anew over what follows it in the range, which backwards holds no other. `NSOverlappingSearch`
-/// lets it go on in its direction instead, over all but the one unit of that match that it came to
-/// first. All of it takes time linear in the range.
+/// lets it go on in its direction instead, a unit further. All of it takes time linear in the
+/// range.
 NS_EXPORT NSRange NSSearchUnits(std::u16string_view text, std::u16string_view needle,
                                 NSUInteger options, NSRange range,
                                 NSBlockRef<bool(NSRange)> accept = nullptr);
