@@ -15,6 +15,8 @@ enum class Kind : std::uint8_t {
   digit,
   // Joins letters and digits, and what begins with it is a word all the same.
   underscore,
+  // A letter that leaves the capital to the next one, as the okina does.
+  modifier,
   // Stands alone.
   separator,
   // A word may begin after it whatever stands in front of it.
@@ -44,8 +46,18 @@ bool isSimpleLetter(char16_t unit) {
   return isOfScripts && u_isalpha(unit) != 0 && unit != u'Σ' && isUnit(unit, u_strToLower);
 }
 
-Kind kindOf(char16_t unit) {
+bool isModifier(char16_t unit) {
+  return u_charType(unit) == U_MODIFIER_LETTER && u_hasBinaryProperty(unit, UCHAR_CASED) == 0;
+}
+
+// Punctuation, symbols and spaces, but not those of scripts that a dictionary divides.
+bool isSeparator(char16_t unit) {
   constexpr std::uint32_t separators = U_GC_P_MASK | U_GC_S_MASK | U_GC_ZS_MASK;
+  return unit < 0x2100 && (U_GET_GC_MASK(unit) & separators) != 0 &&
+         u_getIntPropertyValue(unit, UCHAR_LINE_BREAK) != U_LB_COMPLEX_CONTEXT;
+}
+
+Kind kindOf(char16_t unit) {
   switch (unit) {
     case u' ':
     case u'\t':
@@ -63,20 +75,23 @@ Kind kindOf(char16_t unit) {
       return Kind::stop;
     case u'"':
       return Kind::separator;
+    case u'@':
+      // ICU does not divide addresses by it, though Unicode's property does.
+      return Kind::other;
     default:
       break;
   }
   switch (u_getIntPropertyValue(unit, UCHAR_WORD_BREAK)) {
     case U_WB_ALETTER:
       if (!isSimpleLetter(unit)) return Kind::other;
+      if (isModifier(unit)) return Kind::modifier;
       // No title case is longer than the upper case.
       return isUnit(unit, u_strToUpper) ? Kind::letter : Kind::untitled;
     case U_WB_NUMERIC:
       return unit < 0x80 ? Kind::digit : Kind::other;
     case U_WB_MIDNUM:
     case U_WB_OTHER:
-      return unit < 0x2100 && (U_GET_GC_MASK(unit) & separators) != 0 ? Kind::separator
-                                                                      : Kind::other;
+      return isSeparator(unit) ? Kind::separator : Kind::other;
     default:
       return Kind::other;
   }
@@ -103,7 +118,9 @@ Kind kindAt(std::u16string_view text, std::size_t at) {
   return at < text.size() ? Pages::of(text[at]).kinds[text[at] & 0xFFU] : Kind::separator;
 }
 
-bool isLetter(Kind kind) { return kind == Kind::letter || kind == Kind::untitled; }
+bool isLetter(Kind kind) {
+  return kind == Kind::letter || kind == Kind::modifier || kind == Kind::untitled;
+}
 
 }  // namespace
 
@@ -127,10 +144,11 @@ std::size_t NSCapitalizeSimpleWords(std::u16string_view text, char16_t* out) {
           (kind == Kind::untitled && !isInWord)) {
         return safe;
       }
-      isInWord = kind == Kind::untitled || isAmongLetters;
+      isInWord = kind == Kind::untitled || (isInWord && isAmongLetters);
     } else {
       // Without branches: words are of any length.
-      isInWord = (isInWord & (kind == Kind::underscore)) | (kind <= Kind::digit);
+      const bool joins = (kind == Kind::underscore) | (kind == Kind::modifier);
+      isInWord = (isInWord & joins) | (kind <= Kind::digit);
     }
     safe = last == Kind::space ? at : safe;
     last = kind;
