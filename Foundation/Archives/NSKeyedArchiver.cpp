@@ -112,7 +112,8 @@ struct NSKeyedArchiver::Archive {
       return known;
     }
     // Most objects are of these, which need no search through their bases.
-    const std::type_info& kind = typeid(*object.get());
+    const NSObject& itself = *object;
+    const std::type_info& kind = typeid(itself);
     const bool isPlain =
         kind == typeid(NSString) || kind == typeid(NSNumber) || kind == typeid(NSData);
     const auto* const coding = isPlain ? nullptr : object.cast<NSCoding>();
