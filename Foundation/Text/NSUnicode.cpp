@@ -174,23 +174,25 @@ bool NSIsWellFormedUTF8(std::string_view utf8) noexcept {
 }
 
 std::size_t NSCountWellFormedUnits(std::u16string_view text) noexcept {
+  if (text.empty() || NSIsLowSurrogate(text[0])) return 0;
+  // Whether a first half is followed by a second one, or neither is there: in 16 bits, of which a
+  // vector holds the most.
+  const auto fits = [&](std::size_t at) {
+    return ((text[at - 1] & 0xFC00U) == 0xD800U) == ((text[at] & 0xFC00U) == 0xDC00U);
+  };
   // Without an early end the loop over a block becomes vector code.
   constexpr std::size_t block = 256;
-  std::u16string_view rest = text;
-  while (!rest.empty()) {
-    bool hasHalf = false;
-    for (const char16_t unit : rest.substr(0, block)) hasHalf |= NSIsSurrogate(unit);
-    if (!hasHalf) {
-      rest.remove_prefix(std::min(block, rest.size()));
-      continue;
-    }
-    const std::size_t end = rest.size() - std::min(block, rest.size());
-    while (rest.size() > end) {
-      const std::size_t left = rest.size();
-      if (NSIsSurrogate(NSTakeCharacter(rest))) return text.size() - left;
-    }
-  }
-  return text.size();
+  const auto allFit = [&](std::size_t from) {
+    const std::size_t end = std::min(from + block, text.size());
+    char16_t others = 0;
+    for (std::size_t at = from; at < end; ++at) others |= fits(at) ? char16_t{0} : char16_t{1};
+    return others == 0;
+  };
+  std::size_t at = 1;
+  while (at < text.size() && allFit(at)) at += block;
+  while (at < text.size() && fits(at)) ++at;
+  at = std::min(at, text.size());
+  return NSIsHighSurrogate(text[at - 1]) ? at - 1 : at;
 }
 
 bool NSIsWellFormed(std::u16string_view text) noexcept {
