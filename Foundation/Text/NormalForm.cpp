@@ -146,6 +146,12 @@ bool NSIsOwnDecomposition(char16_t unit) {
   return unit < firstDecomposable || keptAnswer<isOwnDecomposition>(unit);
 }
 
+bool NSIsOwnDecompositionAt(std::u16string_view text, std::size_t at) {
+  if (!NSIsSurrogate(text[at])) return NSIsOwnDecomposition(text[at]);
+  std::u16string_view rest = text.substr(NSSplitsPair(text, at) ? at - 1 : at);
+  return unorm2_isInert(decomposition(), takeCharacter(rest)) != 0;
+}
+
 bool NSHasLongRunsOfMarks(std::u16string_view text) {
   // Two neighbours of these places lie in a run that is long enough.
   constexpr std::size_t stride = 32;

@@ -20,6 +20,8 @@ inline constexpr char16_t NSFirstMark = 0x300;
 /// Whether the unit is a character that decomposes into itself, whatever stands around it. False
 /// for surrogates.
 [[nodiscard]] bool NSIsOwnDecomposition(char16_t unit);
+/// Whether the unit at a place, or the pair that it is a half of, is such a character.
+[[nodiscard]] bool NSIsOwnDecompositionAt(std::u16string_view text, std::size_t at);
 
 /// Whether a composed character may end, and another begin, in front of the unit.
 [[nodiscard]] inline bool NSIsComposedBoundary(std::u16string_view text, std::size_t at) {

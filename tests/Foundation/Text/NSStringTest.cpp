@@ -127,6 +127,14 @@ TEST(NSString, ComparesByTheOptions) {
       {u"e\u0301", u"\u00E9", NSLiteralSearch, NSOrderedAscending},
       {u"e\u0301", u"\u00E9", folds | NSLiteralSearch, NSOrderedAscending},
       {u"\u00DF", u"SS", folds | NSLiteralSearch, NSOrderedSame},
+      // Halves of pairs, the first of one that decomposes and of one with a small letter.
+      {u"\U0002F84D", u"\u8000", 0, NSOrderedAscending},
+      {u"\u8000", u"\xD87E", 0, NSOrderedAscending},
+      {u"\U0002F84D", u"\xD87E", 0, NSOrderedAscending},
+      {u"\U0002F84D", u"\xD87E", folds, NSOrderedAscending},
+      {u"e\u0301\U0002F84D", u"\u00E9\xD87E", 0, NSOrderedAscending},
+      {u"\U00010400", u"\xD801", folds | NSLiteralSearch, NSOrderedDescending},
+      {u"\U00010400", u"\xD801\u0301", folds | NSLiteralSearch, NSOrderedDescending},
   };
   for (const auto& [a, b, options, expected] : rows) {
     EXPECT_EQ(NSCompareUnits(a, b, options), expected)
@@ -141,8 +149,8 @@ TEST(NSString, ComparesByTheOptions) {
 
 TEST(NSString, ComparesTheUnitsOfCanonicalDecompositions) {
   expectProperty("the units of both decompositions", [] {
-    const auto units =
-        u"ab\u00E9\u00FC\u0301\u0323\u4E2D\uAC00\uFB1D" + std::u16string{0xD83D, 0xDE00, 0};
+    const auto units = u"ab\u00E9\u00FC\u0301\u0323\u4E2D\uAC00\uFB1D" +
+                       std::u16string{0xD83D, 0xDE00, 0xD87E, 0xDC4D, 0};
     const auto beginning = *textOver(units);
     const auto a = beginning + *rc::gen::scale(0.2, textOver(units));
     const auto b = beginning + *rc::gen::scale(0.2, textOver(units));
