@@ -28,6 +28,8 @@ class NS_EXPORT dispatch_group : public NSObject {
   std::mutex _mutex;
   std::condition_variable _isEmpty;
   std::size_t _count = 0;
+  // How often it has become empty.
+  std::size_t _emptied = 0;
   std::vector<Notice> _notices;
 };
 
@@ -52,10 +54,10 @@ void dispatch_group_notify(const dispatch_group_t& group, const dispatch_queue_t
   group->notify(queue, NSOnceClosure(std::forward<F>(block)));
 }
 
-/// Returns when the group is empty.
+/// Returns when the group is empty, or has been since the call.
 inline void dispatch_group_wait(const dispatch_group_t& group) { group->wait(); }
-/// Returns when the group is empty, or after the delay, by that clock; nil is the system's. Whether
-/// it is empty.
+/// Returns then too, or after the delay, by that clock; nil is the system's. Whether the group is
+/// empty, or has been.
 [[nodiscard]] inline bool dispatch_group_wait(const dispatch_group_t& group, NSDelay delay,
                                               const NSRef<NSManualClock>& clock = nullptr) {
   return group->wait(delay, clock);

@@ -24,7 +24,8 @@ class SystemAlarms {
       }
       _hasThread = true;
     }
-    _alarms.emplace(std::chrono::steady_clock::now() + delay, std::move(work));
+    const auto time = NSTimeAfter(std::chrono::steady_clock::now(), delay);
+    _alarms.emplace(NSSchedule::Moment{time, _nextTurn++}, std::move(work));
     _hasNews.notify_one();
   }
 
@@ -32,7 +33,7 @@ class SystemAlarms {
   void run() {
     std::unique_lock lock(_mutex);
     while (!_alarms.empty()) {
-      const auto first = _alarms.begin()->first;
+      const auto first = _alarms.begin()->first.time;
       if (first > std::chrono::steady_clock::now()) {
         _hasNews.wait_until(lock, first);
         continue;
@@ -48,6 +49,7 @@ class SystemAlarms {
   std::mutex _mutex;
   std::condition_variable _hasNews;
   NSAlarms _alarms;
+  std::uint64_t _nextTurn = 0;
   bool _hasThread = false;
 };
 
@@ -60,10 +62,10 @@ NSManualTime::Time NSManualTime::now() const {
 
 void NSManualTime::advance(std::chrono::nanoseconds duration) {
   std::unique_lock lock(_mutex);
-  const Time end = _now + duration;
-  while (!_alarms.empty() && _alarms.begin()->first <= end) {
+  const Time end = NSTimeAfter(_now, duration);
+  while (!_alarms.empty() && _alarms.begin()->first.time <= end) {
     auto alarm = _alarms.extract(_alarms.begin());
-    _now = std::max(_now, alarm.key());
+    _now = std::max(_now, alarm.key().time);
     lock.unlock();
     alarm.mapped().perform();
     lock.lock();
@@ -78,14 +80,23 @@ void NSManualTime::waitUntil(Time time) const {
   _hasMoved.wait(lock, [&] { return _now >= time; });
 }
 
-void NSManualTime::addAlarm(Time time, NSOnceClosure&& work) {
+NSSchedule::Moment NSManualTime::addAlarm(NSDelay delay, NSOnceClosure&& work) {
   std::unique_lock lock(_mutex);
-  if (time > _now) {
-    _alarms.emplace(time, std::move(work));
+  const NSSchedule::Moment moment{NSTimeAfter(_now, delay.duration()), _nextTurn++};
+  if (moment.time > _now) {
+    _alarms.emplace(moment, std::move(work));
   } else {
     lock.unlock();
     work.perform();
   }
+  return moment;
+}
+
+void NSManualTime::removeAlarm(NSSchedule::Moment moment) {
+  // What it holds goes when the lock has.
+  NSAlarms::node_type removed;
+  const std::lock_guard lock(_mutex);
+  removed = _alarms.extract(moment);
 }
 
 void NSManualTime::add(NSRunLoopInbox& inbox) {
@@ -101,8 +112,7 @@ void NSManualTime::remove(NSRunLoopInbox& inbox) noexcept {
 void NSPerformAfter(NSDelay delay, NSOnceClosure&& work, const NSRef<NSManualClock>& clock,
                     const char* operation) {
   if (!clock) return SystemAlarms::shared().add(delay.duration(), std::move(work), operation);
-  auto& time = NSAccess::core(*clock);
-  time.addAlarm(time.now() + delay.duration(), std::move(work));
+  NSAccess::core(*clock).addAlarm(delay, std::move(work));
 }
 
 NSManualClock::NSManualClock() : _core(std::make_unique<NSManualTime>()) {}

@@ -85,3 +85,10 @@ class NSSchedule {
   std::vector<Slot> _slots;
   std::size_t _vacant = 0;
 };
+
+/// Gives the time after a delay that is not negative; the last time there is where it lies beyond.
+[[nodiscard]] constexpr NSSchedule::Time NSTimeAfter(NSSchedule::Time time,
+                                                     std::chrono::nanoseconds delay) noexcept {
+  constexpr auto last = NSSchedule::Time::max();
+  return time > last - delay ? last : time + delay;
+}

@@ -4,6 +4,10 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <ZKFoundation/ZKFoundation.h>
+
+using namespace ZKFoundationExtensions;
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -24,6 +28,12 @@ void passGate(int count, const dispatch_queue_t& queue) {
     });
   }
   gone.wait();
+}
+
+dispatch_group_t enteredGroup() {
+  auto group = dispatch_group_create();
+  dispatch_group_enter(group);
+  return group;
 }
 
 TEST(DispatchQueue, RunsBlocksOneAfterTheOther) {
@@ -233,8 +243,7 @@ TEST(NSManualClock, WakesWhatStandsOnIt) {
   scheduled.wait();
   clock->advance(1h);
   fired.wait();
-  const auto group = dispatch_group_create();
-  dispatch_group_enter(group);
+  const auto group = enteredGroup();
   std::atomic<bool> isOver = false;
   const std::jthread grouped([&] {
     EXPECT_FALSE(dispatch_group_wait(group, 1s, clock));
@@ -244,6 +253,51 @@ TEST(NSManualClock, WakesWhatStandsOnIt) {
   while (!isOver) clock->advance(1s);
   dispatch_group_leave(group);
   EXPECT_TRUE(dispatch_group_wait(group, 0));
+}
+
+TEST(NSManualClock, StopsAtTheEndOfTime) {
+  const auto clock = NSMake<NSManualClock>();
+  const auto loop = NSRunLoop::currentRunLoop();
+  loop->setClock(clock);
+  const auto queue = dispatch_queue_create("one", DISPATCH_QUEUE_SERIAL);
+  std::string calls;
+  clock->advance(HUGE_VAL);
+  performBlock_afterDelay(
+      clock, [&] { calls += 'b'; }, HUGE_VAL);
+  const auto timer =
+      NSTimer::scheduledTimerWithTimeInterval_repeats_block(HUGE_VAL, true, [&] { calls += 't'; });
+  dispatch_after(
+      HUGE_VAL, queue, [&] { calls += 'q'; }, clock);
+  loop->runUntilDate(NSDate::distantPast());
+  finish(queue);
+  EXPECT_EQ(calls, "");
+  for (const auto* const expected : {"qbt", "qbtt"}) {
+    clock->advance(HUGE_VAL);
+    EXPECT_EQ(clock->now(), NSManualClock::Time::max());
+    finish(queue);
+    loop->runUntilDate(NSDate::distantFuture());
+    EXPECT_EQ(calls, expected);
+  }
+  EXPECT_FALSE(dispatch_group_wait(enteredGroup(), HUGE_VAL, clock));
+  timer->invalidate();
+  loop->setClock({});
+}
+
+TEST(DispatchGroup, NoticesThatItWasEmpty) {
+  const auto clock = NSMake<NSManualClock>();
+  const auto group = enteredGroup();
+  {
+    const std::jthread waiting([&] { EXPECT_TRUE(dispatch_group_wait(group, 1h, clock)); });
+    // A wait by a clock holds its group, no longer than it waits.
+    while (group->retainCount() == 1) std::this_thread::yield();
+    dispatch_group_leave(group);
+    dispatch_group_enter(group);
+    clock->advance(1h);
+  }
+  EXPECT_FALSE(dispatch_group_wait(group, 0, clock));
+  dispatch_group_leave(group);
+  EXPECT_TRUE(dispatch_group_wait(group, 1h, clock));
+  EXPECT_EQ(group->retainCount(), 1U);
 }
 
 TEST(DispatchGroup, TellsWhenAllHaveLeft) {
