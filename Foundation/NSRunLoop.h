@@ -39,7 +39,8 @@ class NSTimer;
 /// run loop again, in the same mode or another.
 ///
 /// Where nothing else is said, a run loop is used by its own thread only, and running another's
-/// raises `NSInternalInconsistencyException`. When its thread ends, what has not run is dropped.
+/// raises `NSInternalInconsistencyException`. When its thread ends, what has not run is dropped. A
+/// child that `fork` has made must not use it: `NSThread` tells what it may use.
 class NS_EXPORT NSRunLoop : public NSObject {
  public:
   /// The time by which timers and delays go, steady.
@@ -105,8 +106,9 @@ class NS_EXPORT NSRunLoop : public NSObject {
   /// nothing else is left. Gives the time until the next pass is due; none if only the descriptor
   /// will tell.
   std::optional<std::chrono::nanoseconds> performPass();
-  /// Makes such a pass in that mode, such as the host's for tracking the mouse. Nothing happens,
-  /// and nothing is due, in the common modes.
+  /// Makes such a pass in that mode, such as the host's for tracking the mouse. Afterwards the
+  /// descriptor is readable as long as the default mode has work that the last `performPass` could
+  /// not foresee. Nothing happens, and nothing is due, in the common modes.
   std::optional<std::chrono::nanoseconds> performPassInMode(const NSRef<NSString>& mode);
 
   /// Tells people what waits, a text for each timer, request, source and queued notification: what

@@ -11,7 +11,8 @@
 #include <Foundation/NSRunLoop.h>
 
 /// Calls a block after a time, or again and again, on the run loop that it is added to and that
-/// then holds it while it is valid. Used on that run loop's thread alone.
+/// then holds it while it is valid. Used on that run loop's thread alone. One that does not repeat
+/// is not valid any more when its block is called.
 ///
 /// A repeating timer keeps to the multiples of its interval, counted from when it was added, and
 /// leaves out those that it missed. What the block throws in a run loop ends the program.
@@ -39,7 +40,7 @@ class NS_EXPORT NSTimer : public NSObject {
     return timer;
   }
 
-  /// Calls the block now, which ends a timer that does not repeat. An invalid one does nothing.
+  /// Calls the block now, for the last time if it does not repeat. An invalid one does nothing.
   void fire();
   /// Takes it out of its run loop for ever and drops the block, as the end of the run loop does.
   void invalidate();

@@ -123,7 +123,9 @@ NSUInteger NSDelayedPerforms::cancel(const NSRef<NSObject>& target, NSSelector s
   const auto held = NSRef<NSObject>::share(argument.get());
   NSUInteger count = 0;
   for (const auto& request : candidates) {
-    if (!request->isScheduled() || !request->takes(held)) continue;
+    // Comparing may have performed or cancelled it.
+    const bool isFound = request->isScheduled() && request->takes(held) && request->isScheduled();
+    if (!isFound) continue;
     request->cancel();
     ++count;
   }

@@ -44,7 +44,7 @@ void NSObject::performSelector_withObject_afterDelay_inModes(NSSelector aSelecto
   auto* const loop = NSRunLoopCore::current();
   if (loop == nullptr) return;
   loop->schedule(loop->delayedPerforms().make(self(), aSelector, std::move(object)), modes,
-                 loop->now() + delay.duration());
+                 loop->timeAfter(delay.duration()));
 }
 
 NSUInteger NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(

@@ -12,7 +12,7 @@
 namespace {
 
 NSRunLoop::Time timeOf(const NSRef<NSDate>& date, const NSRunLoopCore& core) {
-  return core.now() + NSDelay(date->timeIntervalSinceNow()).duration();
+  return core.timeAfter(NSDelay(date->timeIntervalSinceNow()).duration());
 }
 
 }  // namespace

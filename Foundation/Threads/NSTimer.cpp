@@ -16,7 +16,7 @@ constexpr std::chrono::nanoseconds shortestInterval = std::chrono::microseconds(
 class NSTimer::Event final : public NSScheduledEvent {
  public:
   Event(NSRunLoopCore& runLoop, NSRef<NSTimer> timer)
-      : _runLoop(&runLoop), _timer(std::move(timer)), _time(runLoop.now() + _timer->_interval) {
+      : _runLoop(&runLoop), _timer(std::move(timer)), _time(runLoop.timeAfter(_timer->_interval)) {
     _timer->_event = this;
   }
   Event(const Event&) = delete;
@@ -54,7 +54,8 @@ class NSTimer::Event final : public NSScheduledEvent {
     _isFiring = false;
     if (!_timer) return;
     const auto interval = _timer->_interval;
-    _time += ((_runLoop->now() - _time) / interval + 1) * interval;
+    _time += (_runLoop->now() - _time) / interval * interval;
+    _time = NSTimeAfter(_time, interval);
     _runLoop->schedule(share(this), _modes, _time);
   }
 
@@ -91,8 +92,9 @@ void NSTimer::fire() {
   const auto alive = self();
   const auto block = _block;
   if (!block) return;
-  block->invoke(alive);
+  // What the block throws, or fires by running the run loop, finds it ended.
   if (!_repeats) invalidate();
+  block->invoke(alive);
 }
 
 void NSTimer::invalidate() {

@@ -153,8 +153,9 @@ void NSQueuedNotifications::add(const NSRef<NSNotification>& notification, NSPos
   _runLoop->signal();
 }
 
-bool NSQueuedNotifications::hasSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes) {
-  return NSFirstOf(_soon.in(mode, commonModes), firstTurn) != nullptr;
+bool NSQueuedNotifications::has(NSPostingStyle style, const NSRef<NSString>& mode,
+                                const NSModeSet& commonModes) {
+  return NSFirstOf(lines(style).in(mode, commonModes), firstTurn) != nullptr;
 }
 
 bool NSQueuedNotifications::post(NSPostingStyle style, const NSRef<NSString>& mode,

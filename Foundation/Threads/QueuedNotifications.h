@@ -24,8 +24,9 @@ class NSQueuedNotifications {
 
   // What the run loop calls.
 
-  /// Whether the end of a pass would post something.
-  [[nodiscard]] bool hasSoon(const NSRef<NSString>& mode, const NSModeSet& commonModes);
+  /// Whether something waits for such a moment.
+  [[nodiscard]] bool has(NSPostingStyle style, const NSRef<NSString>& mode,
+                         const NSModeSet& commonModes);
   /// Posts what waits for such a moment, in the order in which it came, but nothing that comes
   /// meanwhile. Whether there was anything.
   bool post(NSPostingStyle style, const NSRef<NSString>& mode,

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr auto nothing = std::chrono::nanoseconds::zero();
+
 constexpr auto firstMoment = [](auto& group) -> std::optional<NSSchedule::Moment> {
   if (group.schedule.isEmpty()) return std::nullopt;
   return group.schedule.first();
@@ -121,7 +123,8 @@ NSRef<NSNotificationQueue> NSRunLoopCore::notificationQueue() {
 
 int NSRunLoopCore::descriptor() {
   const int descriptor = _inbox.descriptor();
-  _isHosted = true;
+  // There may be work from before.
+  if (!std::exchange(_isHosted, true)) signal();
   return descriptor;
 }
 
@@ -183,17 +186,31 @@ bool NSRunLoopCore::pass(const NSRef<NSString>& mode) {
   return hasPerformed;
 }
 
+bool NSRunLoopCore::hasNotifications(NSPostingStyle style, const NSRef<NSString>& mode) {
+  return _notifications && NSAccess::core(*_notifications).has(style, mode, _commonModes);
+}
+
+// Whether a pass in the mode would have something to do at once, timers and sources aside, among
+// what has been collected.
+bool NSRunLoopCore::hasRequests(const NSRef<NSString>& mode) {
+  return NSFirstOf(groupsIn(mode), firstTurn) != nullptr || hasNotifications(NSPostASAP, mode);
+}
+
 // Whether a pass in the mode would have something to do at once, timers aside.
 bool NSRunLoopCore::hasWork(const NSRef<NSString>& mode) {
   collect();
-  return NSFirstOf(groupsIn(mode), firstTurn) != nullptr ||
-         (_notifications && NSAccess::core(*_notifications).hasSoon(mode, _commonModes)) ||
-         (!_sources.isEmpty() && _sources.isReady(mode, _commonModes));
+  return hasRequests(mode) || (!_sources.isEmpty() && _sources.isReady(mode, _commonModes));
 }
 
 std::optional<NSRunLoopCore::Time> NSRunLoopCore::nextTime(const NSRef<NSString>& mode) {
   const Waiting* const group = NSFirstOf(groupsIn(mode), firstMoment);
   return group != nullptr ? std::optional(group->schedule.first().time) : std::nullopt;
+}
+
+// None if there is no time.
+std::optional<std::chrono::nanoseconds> NSRunLoopCore::until(std::optional<Time> time) const {
+  if (!time) return std::nullopt;
+  return std::max(*time - now(), nothing);
 }
 
 std::optional<NSRunLoopCore::Time> NSRunLoopCore::makePass(const NSRef<NSString>& mode) {
@@ -209,27 +226,40 @@ std::optional<NSRunLoopCore::Time> NSRunLoopCore::makePass(const NSRef<NSString>
 // How long nothing will have to be done; none if that is for ever. Uses the time for what waits for
 // an idle moment.
 std::optional<std::chrono::nanoseconds> NSRunLoopCore::idleTime(const NSRef<NSString>& mode) {
-  constexpr auto none = std::chrono::nanoseconds::zero();
-  if (hasWork(mode)) return none;
-  const auto next = nextTime(mode);
-  if (next && *next <= now()) return none;
+  if (hasWork(mode)) return nothing;
+  const auto left = until(nextTime(mode));
+  if (left == nothing) return nothing;
   const NSAutoreleasePool pool;
-  if (postNotifications(NSPostWhenIdle, mode)) return none;
-  if (!next) return std::nullopt;
-  return std::max(*next - now(), none);
+  return postNotifications(NSPostWhenIdle, mode) ? nothing : left;
 }
 
 std::optional<std::chrono::nanoseconds> NSRunLoopCore::makeHostedPass(const NSRef<NSString>& mode) {
   const Mode current(*this, mode);
   pass(mode);
-  const auto result = idleTime(mode);
-  // Looks once more: what the descriptor has told meanwhile must be in the result.
-  return hasWork(mode) ? std::chrono::nanoseconds::zero() : result;
+  const bool isIdle = idleTime(mode) != nothing;
+  // Looks once more: what the descriptor has told meanwhile, also that the clock has moved, must be
+  // in the result.
+  const bool hasNews = hasWork(mode);
+  const auto next = nextTime(mode);
+  if (NSIsSameMode(mode, NSDefaultRunLoopMode())) {
+    // By a clock that somebody moves no host knows when to come.
+    _foreseen = next && !_manualClock ? *next : Time::max();
+  } else if (hasUnforeseenWork()) {
+    signal();
+  }
+  return isIdle && !hasNews ? until(next) : nothing;
+}
+
+// Whether the default mode has work of which its last hosted pass has not told.
+bool NSRunLoopCore::hasUnforeseenWork() {
+  const auto& mode = NSDefaultRunLoopMode();
+  const auto next = nextTime(mode);
+  return (next && *next < _foreseen) || hasRequests(mode) || hasNotifications(NSPostWhenIdle, mode);
 }
 
 void NSRunLoopCore::wait(const NSRef<NSString>& mode, std::chrono::nanoseconds longest) {
   // Such a clock tells itself when it has moved.
-  if (_manualClock && longest > std::chrono::nanoseconds::zero()) longest = NSDelay::longest;
+  if (_manualClock && longest > nothing) longest = NSDelay::longest;
   if (_sources.isEmpty()) {
     _inbox.wait(longest);
   } else {

@@ -47,6 +47,9 @@ class NSRunLoopCore {
   // From its own thread.
 
   [[nodiscard]] Time now() const;
+  [[nodiscard]] Time timeAfter(std::chrono::nanoseconds delay) const {
+    return NSTimeAfter(now(), delay);
+  }
   void setClock(std::function<Time()> clock);
   void setClock(const NSRef<NSManualClock>& clock);
 
@@ -102,9 +105,13 @@ class NSRunLoopCore {
   void collect();
   bool pass(const NSRef<NSString>& mode);
   void runOnce(const Run& run, const NSRef<NSString>& mode, Time limit);
+  bool hasNotifications(NSPostingStyle style, const NSRef<NSString>& mode);
+  bool hasRequests(const NSRef<NSString>& mode);
   bool hasWork(const NSRef<NSString>& mode);
   std::optional<Time> nextTime(const NSRef<NSString>& mode);
+  [[nodiscard]] std::optional<std::chrono::nanoseconds> until(std::optional<Time> time) const;
   std::optional<std::chrono::nanoseconds> idleTime(const NSRef<NSString>& mode);
+  bool hasUnforeseenWork();
   void wait(const NSRef<NSString>& mode, std::chrono::nanoseconds longest);
   bool postNotifications(NSPostingStyle style, const NSRef<NSString>& mode);
 
@@ -125,5 +132,7 @@ class NSRunLoopCore {
   NSRef<NSNotificationQueue> _notifications;
   Run* _run = nullptr;
   bool _isHosted = false;
+  // The next time in the default mode, as the host knows it.
+  Time _foreseen = Time::max();
   std::atomic<bool> _isEnded = false;
 };

@@ -97,8 +97,6 @@ int NSRunLoopInbox::descriptor() {
     if (_descriptor < 0) {
       NSRaiseSystemError({errno, std::generic_category()}, "wakeUpDescriptor");
     }
-    // There may be work from before.
-    signalLocked();
   }
   return _descriptor;
 }

@@ -63,7 +63,7 @@ TEST(NSDelayedPerform, FindsWhatItCancelsByIdentityAndContents) {
                                                   argument, 0);
   };
   const auto cancel = [&](const NSRef<NSObject>& argument) {
-    NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
+    return NSObject::cancelPreviousPerformRequestsWithTarget_selector_object(
         keeper, NSMakeSelector<"keep:", &Keeper::keep>(), argument);
   };
   for (const bool isChanged : {false, true}) {
@@ -79,7 +79,7 @@ TEST(NSDelayedPerform, FindsWhatItCancelsByIdentityAndContents) {
   makePass();
   EXPECT_EQ(keeper->count, 1);
   EXPECT_EQ(array->retainCount(), 1U);
-  // Comparing arguments may run anything.
+  // Comparing arguments may run anything: what that cancels or performs is not counted.
   struct Meddler : NSArray {
     bool isEqual(const NSRef<NSObject>& other) const override {
       std::exchange(meddle, [] {})();
@@ -87,12 +87,17 @@ TEST(NSDelayedPerform, FindsWhatItCancelsByIdentityAndContents) {
     }
     mutable std::function<void()> meddle;
   };
-  auto meddler = NSMake<Meddler>();
-  meddler->meddle = [&, argument = meddler.get()] { cancel(NSRef<NSObject>::share(argument)); };
-  keep(std::exchange(meddler, nullptr));
-  cancel(NSMake<NSArray>());
-  makePass();
-  EXPECT_EQ(keeper->count, 1);
+  for (const bool performs : {false, true}) {
+    auto meddler = NSMake<Meddler>();
+    meddler->meddle = [&, argument = meddler.get()] {
+      if (performs) return makePass();
+      EXPECT_EQ(cancel(NSRef<NSObject>::share(argument)), 1U);
+    };
+    keep(std::exchange(meddler, nullptr));
+    EXPECT_EQ(cancel(NSMake<NSArray>()), 0U);
+    makePass();
+    EXPECT_EQ(keeper->count, performs ? 2 : 1);
+  }
 }
 
 }  // namespace

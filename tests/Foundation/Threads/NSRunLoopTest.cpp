@@ -12,6 +12,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// Whether the run loop tells its host to make a pass.
+bool isReadable() {
+  pollfd descriptor{NSRunLoop::currentRunLoop()->wakeUpDescriptor(), POLLIN, 0};
+  return poll(&descriptor, 1, 0) == 1;
+}
+
 TEST(NSRunLoop, MakesPassesOfWhatIsThere) {
   DrivenClock clock;
   const auto loop = NSRunLoop::currentRunLoop();
@@ -213,6 +219,48 @@ TEST(NSRunLoop, MakesHostedPassesInAnyMode) {
   EXPECT_EQ(diary->taken(), Notes{1});
 }
 
+TEST(NSRunLoop, TellsAHostWhatAnotherModeHasLeft) {
+  const auto loop = NSRunLoop::currentRunLoop();
+  const auto diary = NSMake<Diary>();
+  const auto passTracking = [&](const auto& block) {
+    while (loop->performPass() == 0ns) {
+    }
+    loop->performInModes_block(listOf(tracking), block);
+    // However often.
+    for (int k = 0; k < 3; ++k) (void)loop->performPassInMode(tracking);
+    return isReadable();
+  };
+  const auto enqueue = [](NSPostingStyle style) {
+    NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(
+        NSNotification::notificationWithName_object(u"Left"_ns, nullptr), style);
+  };
+  {
+    const DrivenClock clock;
+    diary->noteLater(3, 5s);
+    for (const auto& [block, isTold] : Rows<std::function<void()>, bool>{
+             {[&] { std::jthread([&] { loop->performBlock(diary->noter(1)); }).join(); }, true},
+             {[&] { diary->noteLater(2); }, true},
+             {[&] { enqueue(NSPostASAP); }, true},
+             {[&] { enqueue(NSPostWhenIdle); }, true},
+             // The host comes before that.
+             {[&] { diary->noteLater(4, 6s); }, false},
+             {[&] { diary->noteLater(0, 4s); }, true},
+         }) {
+      EXPECT_EQ(passTracking(block), isTold);
+    }
+    EXPECT_EQ(loop->performPass(), 4s);
+    for (const int left : {0, 3, 4}) diary->cancel(left);
+  }
+  // By such a clock a host cannot tell when to come.
+  const auto clock = NSMake<NSManualClock>();
+  loop->setClock(clock);
+  diary->noteLater(5, 5s);
+  EXPECT_TRUE(passTracking([&] { clock->advance(5s); }));
+  EXPECT_EQ(loop->performPass(), std::nullopt);
+  EXPECT_EQ(diary->notes, (Notes{1, 2, 5}));
+  loop->setClock({});
+}
+
 TEST(NSRunLoop, TellsWhatWaits) {
   DrivenClock clock;
   const auto loop = NSRunLoop::currentRunLoop();
@@ -276,10 +324,6 @@ TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
   DrivenClock clock;
   const auto loop = NSRunLoop::currentRunLoop();
   const auto diary = NSMake<Diary>();
-  const auto isReadable = [&] {
-    pollfd descriptor{loop->wakeUpDescriptor(), POLLIN, 0};
-    return poll(&descriptor, 1, 0) == 1;
-  };
   const auto passWhenTold = [&] {
     EXPECT_TRUE(isReadable());
     const auto due = loop->performPass();

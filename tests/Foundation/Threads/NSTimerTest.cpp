@@ -59,11 +59,11 @@ TEST(NSTimer, FiresInEveryModeThatItIsAddedTo) {
   clock.advance(1s);
   makePass();
 
-  // One that does not repeat is valid until it has fired.
+  // One that does not repeat is valid until it fires.
   int alive = 0;
   const auto once = NSTimer::scheduledTimerWithTimeInterval_repeats_block(
       -1, false, [&, held = NSMake<Counted>(alive)](const NSRef<NSTimer>& self) {
-        EXPECT_TRUE(self->isValid());
+        EXPECT_FALSE(self->isValid());
       });
   makePass();
   EXPECT_TRUE(once->isValid());
@@ -93,6 +93,27 @@ TEST(NSTimer, KeepsTheOthersInTheirPass) {
   EXPECT_EQ(fired, "13");
   makePass();
   EXPECT_EQ(fired, "132");
+}
+
+TEST(NSTimer, FiresOnceIfItDoesNotRepeat) {
+  DrivenClock clock;
+  for (const bool throws : {false, true}) {
+    int count = 0;
+    const auto timer = NSTimer::scheduledTimerWithTimeInterval_repeats_block(1s, false, [&] {
+      ++count;
+      if (throws) NSException::raise(NSGenericException, "thrown");
+      clock.advance(2s);
+      makePass();
+    });
+    try {
+      timer->fire();
+    } catch (const NSException&) {
+      clock.advance(2s);
+    }
+    EXPECT_FALSE(timer->isValid());
+    makePass();
+    EXPECT_EQ(count, 1);
+  }
 }
 
 TEST(NSTimer, RefusesWhatItCannotDo) {
