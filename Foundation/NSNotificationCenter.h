@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -88,12 +89,18 @@ class NS_EXPORT NSNotificationCenter : public NSObject {
   struct HashKey {
     std::size_t operator()(const Key& key) const;
   };
-  using Observers = std::vector<NSRef<Observer>>;
+  using ObserverList = std::vector<NSRef<Observer>>;
+  // In the order in which they were added. Those that were removed stay, though never more than
+  // half.
+  struct Observers {
+    ObserverList all;
+    std::size_t removed = 0;
+  };
 
   NSRef<NSObject> addObserver(const NSRef<NSString>& name, const NSRef<NSObject>& object,
                               const NSRef<NSOperationQueue>& queue, const NSRef<NSBlock>& block,
                               std::optional<NSWeakRef<NSObject>> target = std::nullopt);
-  Observers observersOf(const NSNotification& notification);
+  ObserverList observersOf(const NSNotification& notification);
 
   std::mutex _mutex;
   std::unordered_map<Key, Observers, HashKey> _observers;

@@ -1,6 +1,7 @@
 #include "Foundation/NSDescriptorSource.h"
 
 #include <algorithm>
+#include <span>
 
 #include <Foundation/Threads/DescriptorSources.h>
 #include <Foundation/detail/OnceClosure.h>
@@ -21,7 +22,7 @@ std::vector<pollfd> pollsOf(const std::vector<NSRef<NSDescriptorSource>>& source
   return polls;
 }
 
-bool isAnyReady(std::vector<pollfd>& polls) {
+bool isAnyReady(std::span<pollfd> polls) {
   return !polls.empty() && ::poll(polls.data(), polls.size(), 0) > 0;
 }
 
@@ -92,9 +93,13 @@ bool NSDescriptorSources::fire(const NSRef<NSString>& mode, const NSModeSet& com
   const Sources sources = in(mode, commonModes);
   auto polls = pollsOf(sources);
   if (!isAnyReady(polls)) return false;
+  bool hasCalled = false;
   for (std::size_t k = 0; k < sources.size(); ++k) {
-    // A block may have ended another source.
-    if (polls[k].revents != 0 && sources[k]->isValid()) call(*sources[k].get(), polls[k].revents);
+    pollfd& poll = polls[k];
+    // A block may have ended another source, or taken what that was ready for.
+    if (poll.revents == 0 || !sources[k]->isValid()) continue;
+    if (std::exchange(hasCalled, true) && !isAnyReady({&poll, 1})) continue;
+    call(*sources[k].get(), poll.revents);
   }
   return true;
 }

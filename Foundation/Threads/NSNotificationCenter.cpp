@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include <Foundation/NSDictionary.h>
 #include <Foundation/NSNeverDestroyed.h>
@@ -10,17 +11,27 @@
 
 class NSNotificationCenter::Observer final : public NSObject {
  public:
-  Observer(Key key, const NSRef<NSOperationQueue>& queue, const NSRef<NSBlock>& block,
-           std::optional<NSWeakRef<NSObject>> target, std::uint64_t turn)
-      : _key(std::move(key)),
+  Observer(const NSNotificationCenter& center, Key key, const NSRef<NSOperationQueue>& queue,
+           const NSRef<NSBlock>& block, std::optional<NSWeakRef<NSObject>> target,
+           std::uint64_t turn)
+      : _center(&center),
+        _key(std::move(key)),
         _queue(queue),
         _target(std::move(target)),
         _turn(turn),
         _block(block) {}
 
   [[nodiscard]] std::uint64_t turn() const noexcept { return _turn; }
-  // The centre's lock guards it.
-  Key& key() noexcept { return _key; }
+  [[nodiscard]] bool isOf(const NSNotificationCenter& center) const noexcept {
+    return _center == &center;
+  }
+  // The centre's lock guards these.
+  [[nodiscard]] const Key& key() const noexcept { return _key; }
+  [[nodiscard]] bool isRemoved() const noexcept { return _isRemoved; }
+  Key remove() noexcept {
+    _isRemoved = true;
+    return std::exchange(_key, {});
+  }
 
   [[nodiscard]] bool isOrphan() const noexcept { return _target && _target->isNil(); }
 
@@ -46,7 +57,9 @@ class NSNotificationCenter::Observer final : public NSObject {
     if (block) block->invoke(notification);
   }
 
+  const NSNotificationCenter* const _center;
   Key _key;
+  bool _isRemoved = false;
   const NSRef<NSOperationQueue> _queue;
   const std::optional<NSWeakRef<NSObject>> _target;
   const std::uint64_t _turn;
@@ -82,45 +95,53 @@ NSRef<NSObject> NSNotificationCenter::addObserver(const NSRef<NSString>& name,
   if (!block) NSRaiseNilArgument("block", "addObserverForName:object:queue:usingBlock:");
   Key key{name ? name->copy() : nullptr, object};
   const std::lock_guard lock(_mutex);
-  auto observer = NSMake<Observer>(key, queue, block, std::move(target), _nextTurn++);
-  _observers[std::move(key)].push_back(observer);
+  auto observer = NSMake<Observer>(*this, key, queue, block, std::move(target), _nextTurn++);
+  _observers[std::move(key)].all.push_back(observer);
   return observer;
 }
 
 void NSNotificationCenter::removeObserver(const NSRef<NSObject>& observer) {
   const auto token = observer.as<Observer>();
-  if (!token) return;
+  if (!token || !token->isOf(*this)) return;
   // What it held goes when the lock has.
   Key key;
   {
     const std::lock_guard lock(_mutex);
     const auto place = _observers.find(token->key());
     if (place == _observers.end()) return;
-    Observers& observers = place->second;
+    auto& [all, removed] = place->second;
+    // It may be that of a centre which has died in this place.
     const auto turnOf = [](const auto& other) { return other->turn(); };
-    const auto found = std::ranges::lower_bound(observers, token->turn(), {}, turnOf);
-    if (found == observers.end() || !found->is(token)) return;
-    observers.erase(found);
-    if (observers.empty()) _observers.erase(place);
-    key = std::exchange(token->key(), {});
+    const auto found = std::ranges::lower_bound(all, token->turn(), {}, turnOf);
+    if (found == all.end() || !found->is(token) || token->isRemoved()) return;
+    key = token->remove();
+    if (++removed == all.size()) {
+      _observers.erase(place);
+    } else if (2 * removed > all.size()) {
+      std::erase_if(all, [](const auto& other) { return other->isRemoved(); });
+      removed = 0;
+    }
   }
   token->letGo();
 }
 
-NSNotificationCenter::Observers NSNotificationCenter::observersOf(
+NSNotificationCenter::ObserverList NSNotificationCenter::observersOf(
     const NSNotification& notification) {
   const auto name = notification.name();
   const auto object = notification.object();
   const std::array<Key, 4> keys{Key{name, object}, Key{name, nullptr}, Key{nullptr, object},
                                 Key{nullptr, nullptr}};
-  Observers result;
+  ObserverList result;
   const std::lock_guard lock(_mutex);
   for (const Key& key : keys) {
     // About no object: the second and the fourth are then the first and the third.
     if (!object && &key != &keys[0] && &key != &keys[2]) continue;
     const auto place = _observers.find(key);
     if (place == _observers.end()) continue;
-    result.insert(result.end(), place->second.begin(), place->second.end());
+    const auto& all = place->second.all;
+    result.reserve(result.size() + all.size());
+    std::ranges::copy_if(all, std::back_inserter(result),
+                         [](const auto& observer) { return !observer->isRemoved(); });
   }
   std::ranges::sort(result, {}, [](const auto& observer) { return observer->turn(); });
   return result;

@@ -1,5 +1,7 @@
 #include "tests/Diary.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -49,6 +51,43 @@ TEST(NSDescriptorSource, IsWatchedInItsModes) {
   close(ends[0]);
   EXPECT_THROW((void)NSDescriptorSource::sourceWithDescriptor_events_block(-1, 1, [] {}),
                NSException);
+}
+
+TEST(NSDescriptorSource, IsCalledForWhatIsLeft) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe2(ends.data(), O_NONBLOCK), 0);
+  std::string seen;
+  std::array<NSRef<NSDescriptorSource>, 2> sources;
+  for (auto& source : sources) {
+    source = NSDescriptorSource::sourceWithDescriptor_events_block(
+        ends[0], NSDescriptorReadable, [&](NSDescriptorSource& self) {
+          char unit = '-';
+          (void)!read(self.descriptor(), &unit, 1);
+          seen += unit;
+        });
+    NSRunLoop::currentRunLoop()->addSource_forMode(source, tracking);
+  }
+  // By those before it in the pass.
+  for (const std::string sent : {"a", "bc", "d"}) {
+    EXPECT_EQ(write(ends[1], sent.data(), sent.size()), std::ssize(sent));
+    makePass(tracking);
+    EXPECT_EQ(std::exchange(seen, ""), sent);
+  }
+  for (const auto& source : sources) source->invalidate();
+  for (const int end : ends) close(end);
+}
+
+TEST(NSDescriptorSource, KeepsNoNewsFromAHost) {
+  std::jthread([] {
+    const auto loop = NSRunLoop::currentRunLoop();
+    loop->addSource_forMode(
+        NSDescriptorSource::sourceWithDescriptor_events_block(0, NSDescriptorReadable, [] {}),
+        tracking);
+    NSMake<Diary>()->noteLater(1);
+    // Work from before the host asked for it.
+    pollfd descriptor{loop->wakeUpDescriptor(), POLLIN, 0};
+    EXPECT_EQ(poll(&descriptor, 1, 0), 1);
+  }).join();
 }
 
 }  // namespace

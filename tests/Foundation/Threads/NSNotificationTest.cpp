@@ -85,6 +85,27 @@ TEST(NSNotificationCenter, CallsThoseWhoAskedForIt) {
   });
 }
 
+TEST(NSNotificationCenter, KeepsTheOrderOfThoseWhoStay) {
+  const auto centre = NSMake<NSNotificationCenter>();
+  std::vector<int> calls;
+  std::vector<NSRef<NSObject>> observers;
+  const auto add = [&](int number) {
+    observers.push_back(centre->addObserverForName_object_queue_usingBlock(
+        changed, nullptr, nullptr, [&, number] { calls.push_back(number); }));
+  };
+  for (int k = 0; k < 100; ++k) add(k);
+  for (std::size_t k = 0; k < 100; ++k) {
+    if (k % 10 != 0) centre->removeObserver(observers[k]);
+  }
+  add(100);
+  centre->postNotification(about(changed));
+  EXPECT_EQ(calls, (std::vector{0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100}));
+  // Those who have gone, too.
+  for (const auto& observer : observers) centre->removeObserver(observer);
+  centre->postNotification(about(changed));
+  EXPECT_EQ(calls.size(), 11U);
+}
+
 TEST(NSNotificationCenter, HoldsAndLetsGo) {
   int alive = 0;
   auto centre = NSMake<NSNotificationCenter>();
