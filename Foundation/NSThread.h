@@ -21,6 +21,18 @@ class NSRunLoopCore;
 /// A thread: one that is given its work, one that derives and overrides `main`, or by
 /// `currentThread` any other thread of the program. An exception that leaves its work ends the
 /// program. May be used from any thread.
+///
+/// A thread whose work calls `pthread_exit` is finished, too. But what is on its stack stays as it
+/// is: who waits for the very block that makes the call waits for ever. The blocks of queues must
+/// not call it, nor the main thread while others may wait for it. What a thread first asks for in a
+/// destructor of `pthread_key_create` stays for ever.
+///
+/// After `fork`, a child that does not `exec` has a copy of the calling thread and of no other, and
+/// shares the run loop's wake-up descriptor with its parent. It must not use run loops, timers,
+/// delayed requests, requests to threads, queues, groups and notification queues. All else it may
+/// use if its parent had no other thread, centres whose observers have no queue among it. If there
+/// were others, they may have held any lock: then it may only do what POSIX allows there, without
+/// any call of this library.
 class NS_EXPORT NSThread : public NSObject {
  public:
   /// Makes a thread without work, for classes that override `main`.
@@ -52,7 +64,7 @@ class NS_EXPORT NSThread : public NSObject {
   /// Begins the thread, which is held until it has ended. A second call, and a thread that the
   /// system does not give, raise `NSGenericException`.
   void start();
-  /// Does the thread's work; here what it was made with.
+  /// Does the thread's work; here what it was made with, once.
   virtual void main();
 
   /// Sets `isCancelled`; the work must poll it.
@@ -80,8 +92,8 @@ class NS_EXPORT NSThread : public NSObject {
   friend class NSRunLoopCore;
 
   enum class State : char { ready, executing, finished };
-  struct Adopted;
   struct Current;
+  class End;
 
   void run() noexcept;
   void begin();

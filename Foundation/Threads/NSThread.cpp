@@ -39,16 +39,23 @@ struct NSThread::Current {
   }
 };
 
-// A thread that something else began ends like this.
-struct NSThread::Adopted {
-  Adopted() {
-    // What is released with the thread is released after this.
-    const NSAutoreleasePool pool;
+// The end of a thread that something else began, or that ends itself within its work.
+class NSThread::End {
+ public:
+  static void await() {
+    static thread_local const End end;
+    (void)end;
   }
-  Adopted(const Adopted&) = delete;
-  ~Adopted() {
+  End(const End&) = delete;
+  ~End() {
     const NSAutoreleasePool pool;
     Current::get().leave();
+  }
+
+ private:
+  End() {
+    // What is released with the thread is released after this.
+    const NSAutoreleasePool pool;
   }
 };
 
@@ -87,8 +94,7 @@ NSRef<NSThread> NSThread::currentThread() {
       adopted->_state = State::finished;
       return adopted;
     }
-    static thread_local const Adopted end;
-    (void)end;
+    End::await();
     current.enter(adopted);
   }
   return share(current.thread);
@@ -121,6 +127,7 @@ void NSThread::start() {
 
 void NSThread::run() noexcept {
   Current& current = Current::get();
+  End::await();
   current.enter(share(this));
   showName();
   const NSAutoreleasePool pool;
@@ -133,7 +140,10 @@ void NSThread::run() noexcept {
 }
 
 void NSThread::main() {
-  if (_work) _work->perform();
+  std::unique_lock lock(_mutex);
+  auto work = std::exchange(_work, std::nullopt);
+  lock.unlock();
+  if (work) work->perform();
 }
 
 // On the thread itself.

@@ -56,6 +56,18 @@ pid_t NSThreadNumber() noexcept {
   return number;
 }
 
+std::optional<bool> NSIsThreadAsleep(pid_t thread) {
+  std::ifstream stream("/proc/self/task/" + std::to_string(thread) + "/stat");
+  std::string line;
+  std::getline(stream, line);
+  // After the thread's name, in which there may be anything.
+  constexpr std::string_view nameEnd = ") ";
+  const auto end = line.rfind(nameEnd);
+  if (end == std::string::npos) return std::nullopt;
+  const char state = line[end + nameEnd.size()];
+  return state == 'S' || state == 'D';
+}
+
 std::size_t NSMostThreads() {
   return std::min({userLimit(), numberIn("/proc/sys/kernel/threads-max"),
                    numberIn("/proc/sys/kernel/pid_max"), groupLimit()}) /

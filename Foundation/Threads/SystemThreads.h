@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <new>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -10,6 +11,10 @@
 
 /// Gives the system's number of the calling thread.
 [[nodiscard]] pid_t NSThreadNumber() noexcept;
+
+/// Whether that thread of the process sleeps or waits for the system: one that only waits for a
+/// processor does not. None where the system does not tell.
+[[nodiscard]] std::optional<bool> NSIsThreadAsleep(pid_t thread);
 
 /// Gives how many threads the process may have and still leave others some: half of the least of
 /// the limits of the user (`RLIMIT_NPROC`), of the system (`threads-max`, `pid_max`) and of the

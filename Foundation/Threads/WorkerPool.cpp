@@ -118,9 +118,11 @@ std::error_code NSWorkerPool::startWatching() {
 
 void NSWorkerPool::run(std::list<Worker>::iterator self) {
   std::unique_lock lock(_mutex);
+  self->thread = NSThreadNumber();
   pthread_getcpuclockid(pthread_self(), &self->clock);
   while (awaitWork(lock)) {
     self->isBusy = true;
+    self->wasAsleep = false;
     performFirst(lock);
     self->isBusy = false;
   }
@@ -159,19 +161,15 @@ void NSWorkerPool::performFirst(std::unique_lock<std::mutex>& lock) {
   lock.lock();
 }
 
-// With the lock. Those whose processor time has gone on since the last call, and those that are
-// about to take work.
-std::size_t NSWorkerPool::runningWorkers() {
-  std::size_t running = 0;
-  for (Worker& worker : _workers) {
-    if (!worker.isBusy) {
-      ++running;
-      continue;
-    }
-    const std::int64_t time = nanoseconds(worker.clock);
-    if (std::exchange(worker.processorTime, time) != time) ++running;
-  }
-  return running;
+// With the lock. Whether it sleeps again, or, where the system does not tell, has had no processor
+// time since the last look. One that is about to take work is not blocked.
+bool NSWorkerPool::Worker::isBlocked() {
+  if (!isBusy) return false;
+  const std::int64_t time = nanoseconds(clock);
+  const bool isStill = std::exchange(processorTime, time) == time;
+  const auto isAsleep = NSIsThreadAsleep(thread);
+  if (!isAsleep) return isStill;
+  return std::exchange(wasAsleep, *isAsleep) && *isAsleep;
 }
 
 // Adds workers while work waits and there is nobody who gets on. Ends when there is nothing to
@@ -201,9 +199,10 @@ void NSWorkerPool::watch() {
 
 // With the lock. Adds workers for those that are blocked; the result is why it cannot.
 std::string NSWorkerPool::grow() {
-  const std::size_t running = runningWorkers();
+  std::size_t blocked = 0;
+  for (Worker& worker : _workers) blocked += worker.isBlocked() ? 1U : 0U;
+  const std::size_t running = _workers.size() - blocked;
   if (running >= processorCount()) return {};
-  const std::size_t blocked = _workers.size() - running;
   std::size_t missing = processorCount() - running;
   if (running == 0) missing = std::max(missing, blocked / blockedForOneMore);
   missing = std::min(missing, _pending.size());

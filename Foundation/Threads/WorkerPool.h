@@ -9,15 +9,17 @@
 #include <string>
 #include <system_error>
 
+#include <sys/types.h>
+
 #include <Foundation/detail/OnceClosure.h>
 #include <Foundation/dispatch.h>
 
 /// The threads that all queues of the process share. They are made when there is work and end when
 /// there has been none for a while; the first one stays.
 ///
-/// There are as many as processors, and more while some of them are blocked, which shows in their
-/// processor time: it stands still. `NSMostThreads` bounds them. When work waits even then, a line
-/// on standard error names its queue.
+/// There are as many as processors, and more while some of them are blocked: asleep whenever one
+/// looks, or, where the system does not tell, without processor time. `NSMostThreads` bounds them.
+/// When work waits even then, a line on standard error names its queue.
 class NSWorkerPool {
  public:
   [[nodiscard]] static NSWorkerPool& shared();
@@ -40,9 +42,14 @@ class NSWorkerPool {
 
  private:
   struct Worker {
-    std::int64_t processorTime = 0;
+    bool isBlocked();
+
+    pid_t thread = 0;
     clockid_t clock{};
     bool isBusy = false;
+    // At the last look.
+    bool wasAsleep = false;
+    std::int64_t processorTime = 0;
   };
   struct Pending {
     NSOnceClosure work;
@@ -57,7 +64,6 @@ class NSWorkerPool {
   void performFirst(std::unique_lock<std::mutex>& lock);
   void watch();
   std::string grow();
-  std::size_t runningWorkers();
 
   std::mutex _mutex;
   std::condition_variable _hasWork;

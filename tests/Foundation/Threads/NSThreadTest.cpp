@@ -108,4 +108,28 @@ TEST(NSThread, KeepsRequestsFromBeforeItsStart) {
   EXPECT_TRUE(death.try_wait());
 }
 
+TEST(NSThread, DoesItsWorkOnce) {
+  std::latch death(1);
+  int count = 0;
+  const auto thread = NSMake<NSThread>([&, held = NSMake<Farewell>(death)] { ++count; });
+  for (int k = 0; k < 2; ++k) thread->main();
+  EXPECT_TRUE(death.try_wait());
+  thread->start();
+  while (!thread->isFinished()) std::this_thread::yield();
+  EXPECT_EQ(count, 1);
+}
+
+TEST(NSThreadDeathTest, EndsByTheSystemsCallToo) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  // In a process of its own, as what stands on the thread's stack is lost.
+  EXPECT_EXIT(
+      {
+        const auto thread = NSMake<NSThread>([] { pthread_exit(nullptr); });
+        thread->start();
+        while (!thread->isFinished()) std::this_thread::yield();
+        std::_Exit(thread->isExecuting() ? 1 : 0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
 }  // namespace
