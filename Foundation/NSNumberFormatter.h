@@ -85,7 +85,8 @@ class NS_EXPORT NSNumberFormatter : public NSFormatter {
   /// Takes a number off the start of the text, and gives it; nothing, with the text as it was, when
   /// there is none. It is written as the locale does, the separators of groups where they belong or
   /// left out, with digits of any script; exponents, "NaN" and "∞" are not read, nor what is too
-  /// large for a double. Takes no notice of the settings. `NSTakeDouble` reads plain numbers.
+  /// large for a double; what is too small for one is 0. Takes no notice of the settings.
+  /// `NSTakeDouble` reads plain numbers.
   [[nodiscard]] std::optional<double> takeNumber(std::u16string_view& text) const;
   /// Gives the text of a number, nil for anything else.
   [[nodiscard]] NSRef<NSString> stringForObjectValue(const NSRef<NSObject>& object) const override;

@@ -324,7 +324,9 @@ std::optional<double> NSNumberFormatter::takeNumber(std::u16string_view& text) c
   double number = 0;
   const auto read = std::from_chars(decimal.data(), decimal.data() + decimal.size(), number,
                                     std::chars_format::fixed);
-  if (read.ec != std::errc()) return std::nullopt;
+  const bool isTooSmall = read.ec == std::errc::result_out_of_range &&
+                          decimal.find_first_of("123456789") > decimal.find('.');
+  if (read.ec != std::errc() && !isTooSmall) return std::nullopt;
   text = rest;
   return number;
 }

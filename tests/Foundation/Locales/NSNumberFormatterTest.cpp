@@ -185,6 +185,7 @@ TEST(NSNumberFormatter, TakesNumbersOffTexts) {
            {"en", u"- 1", {}, u"- 1"},
            {"en", u"+1", {}, u"+1"},
            {"en", std::u16string(400, u'9'), {}, std::u16string(400, u'9')},
+           {"en", std::u16string(u"-0.").append(400, u'0') + u"1 m", 0, u" m"},
        }) {
     std::u16string_view left = text;
     EXPECT_EQ(decimalFormatter(identifier)->takeNumber(left), number) << NSUTF8FromUnits(text);
