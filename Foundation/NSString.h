@@ -51,11 +51,12 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] static NSRef<NSString> makeCompact(NSUnitBuffer&& units);
 
   /// Puts the arguments in the places of the format's conversions, as printf takes them: "%@" is
-  /// the description of an object, "(null)" for nil; "%d %i %u %x %X %o %c %C" are integers, of any
-  /// size ("%ld" is "%d"); "%f %e %g %a" and their capitals floating-point numbers, always with a
-  /// point; "%s" is UTF-8 text, "%p" an address, "%%" the sign itself. "%2$@" takes the second
-  /// argument. Flags, widths and precisions are printf's, up to 1,000; "*" is not known. Those of
-  /// text count units: "%.3@" and "%.3s" write at most three, and never half of a surrogate pair.
+  /// the description of an object, "(null)" for nil; "%d %i %u %x %X %o" are integers, of any size
+  /// ("%ld" is "%d"), "%c %C" the character of that number; "%f %e %g %a" and their capitals
+  /// floating-point numbers, always with a point; "%s" is UTF-8 text, "%p" an address, "%%" the
+  /// sign itself. "%2$@" takes the second argument. Flags, widths and precisions are printf's, up
+  /// to 1,000; "*" is not known. Those of text count units: "%.3@" and "%.3s" write at most three,
+  /// and never half of a surrogate pair.
   ///
   /// A format may come from a translator: a conversion that does not fit its argument writes it as
   /// "%@" does, one without an argument writes "(null)", an unknown one stays as it is. A nil
@@ -224,8 +225,10 @@ class NS_EXPORT NSString : public NSObject {
   [[nodiscard]] NSRef<NSArray> componentsSeparatedByString(const NSRef<NSString>& separator) const;
 
   /// Reads the entries of a table of localized strings, whose text this is: `"key" = "value";` with
-  /// comments as in C++. The escapes are C's and "\Uxxxx" for a unit. Of a table with faults
-  /// it gives the entries that can be read, and logs one line that names the first fault.
+  /// comments as in C++. The escapes are `\a`, `\b`, `\f`, `\n`, `\r`, `\t`, `\v`, up to three
+  /// octal digits, and `\Uxxxx` or `\uxxxx` for a unit; whatever else follows a `\`, the "x" of
+  /// `\x41` too, stands for itself. Of a table with faults it gives the entries that can be read,
+  /// and logs one line that names the first fault.
   [[nodiscard]] NSRef<NSDictionary> propertyListFromStringsFileFormat() const;
 
   // Paths: components between "/"; a name's extension is what follows its last ".". Only

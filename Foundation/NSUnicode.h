@@ -16,7 +16,7 @@
 /// Appends the text of UTF-8 bytes, and gives where the first broken sequence begins: at their end
 /// if there is none. Needs room for as many units as there are bytes.
 NS_EXPORT std::size_t NSAppendUTF8(std::string_view utf8, NSUnitBuffer& text);
-/// Appends a character, which is no surrogate half.
+/// Appends a character; a surrogate half as it is.
 NS_EXPORT void NSAppendCharacter(char32_t character, NSUnitBuffer& text);
 
 /// Gives the UTF-8 bytes of a text.

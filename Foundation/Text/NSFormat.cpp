@@ -117,12 +117,20 @@ void appendPrinted(const Conversion& conversion, const std::string& letters, Num
   std::copy_n(room.data(), count, text.extend(count));
 }
 
+// Whether a conversion writes such integers.
+bool fitsInteger(char letter, const NSFormatArgument::Integer& integer) {
+  constexpr std::uint64_t lastCharacter = 0x10FFFF;
+  return isOneOf(letter, "cC") ? integer.bits <= lastCharacter : isOneOf(letter, "diuoxXp");
+}
+
 void appendInteger(Conversion conversion, const NSFormatArgument::Integer& integer,
                    NSUnitBuffer& text) {
   const char letter = conversion.letter;
   if (letter == 'c' || letter == 'C') {
-    const auto unit = static_cast<char16_t>(integer.bits);
-    return appendPadded(conversion, {&unit, 1}, text);
+    std::array<char16_t, 2> room;
+    NSUnitBuffer units(room);
+    NSAppendCharacter(static_cast<char32_t>(integer.bits), units);
+    return appendPadded(conversion, units.view(), text);
   }
   const bool isDecimal = letter == 'd' || letter == 'i';
   if (isDecimal && (integer.isSigned || integer.value >= 0)) {
@@ -146,7 +154,7 @@ void appendArgument(const Conversion& conversion, const NSFormatArgument& argume
     appendText(conversion, NSViewOf(description), text);
   } else if (const auto* const integer =
                  std::get_if<NSFormatArgument::Integer>(&argument.value())) {
-    if (isOneOf(letter, "diuoxXcCp")) return appendInteger(conversion, *integer, text);
+    if (fitsInteger(letter, *integer)) return appendInteger(conversion, *integer, text);
     const auto digits =
         integer->isSigned ? std::to_string(integer->value) : std::to_string(integer->bits);
     appendText(conversion, NSUnitsFromUTF8(digits).view(), text);

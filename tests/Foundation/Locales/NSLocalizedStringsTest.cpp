@@ -42,9 +42,9 @@ TEST(NSStringsFile, ReadsEntries) {
                      {"word", "word"},
                      {"", "empty"},
                      {"ü", "ä😀"}}));
-  EXPECT_EQ(entriesOf(uR"(a = "\n\t\"\\\'\U00e4\u263Ax\101\7\q\
+  EXPECT_EQ(entriesOf(uR"(a = "\n\t\"\\\'\U00e4\u263Ax\101\7\q\x41\
 ";)")["a"],
-            "\n\t\"\\'ä☺xA\aq\n");
+            "\n\t\"\\'ä☺xA\aqx41\n");
   EXPECT_TRUE(entriesOf(u"").empty());
   EXPECT_TRUE(log.lines.empty());
 }

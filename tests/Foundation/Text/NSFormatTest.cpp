@@ -22,6 +22,7 @@ TEST(NSFormat, ReplacesConversions) {
   EXPECT_EQ(format("%.2@|%.3@|%.9@|%.2@", u"a𝒜b", u"a𝒜b", u"a𝒜b", -12), "a|a𝒜|a𝒜b|-1");
   EXPECT_EQ(format("[%8@] [%-8@]", word, word), "[   Größe] [Größe   ]");
   EXPECT_EQ(format("%C%c", u'ß', 'x'), "ßx");
+  EXPECT_EQ(format("%C|%3C|%-3c|%c", U'😀', U'😀', 0x1F600, 0x10FFFF), "😀| 😀|😀 |\U0010FFFF");
   EXPECT_EQ(format("%lu %zd %lld %hhd", NSUIntegerMax, NSIntegerMin, -1LL, 300),
             "18446744073709551615 -9223372036854775808 -1 300");
   EXPECT_EQ(format("%d", NSOrderedAscending), "-1");
@@ -39,6 +40,7 @@ TEST(NSFormat, SurvivesWrongFormats) {
   EXPECT_EQ(format("%d %f %s %x", word, word, word, 1.5), "word word word 1.5");
   EXPECT_EQ(format("%.1d %.1f", word, word), "word word");
   EXPECT_EQ(format("%f %@ %s", 7, 7U, -7), "7 7 -7");
+  EXPECT_EQ(format("%C %c", 0x110000, -1), "1114112 -1");
   EXPECT_EQ(format("%@ %d", -2.5, "text"), "-2.5 text");
   EXPECT_EQ(format("50 % z %q", 1), "50 % z %q");
   EXPECT_EQ(format("%y %*d %", 1), "%y %*d %");
