@@ -134,7 +134,8 @@ TEST(ZKTextFinder, FindsWordsInTextsThatAlmostMatchEverywhere) {
     EXPECT_EQ(finder->nextMatchInString_selectedRange(text, {count, 0})->match, last);
     finder->setOptions(options | NSBackwardsSearch);
     const NSRange beforeLast = {last.location, 0};
-    EXPECT_EQ(finder->nextMatchInString_selectedRange(text, beforeLast)->match, NSRange(0, count));
+    EXPECT_EQ(finder->nextMatchInString_selectedRange(text, beforeLast)->match,
+              (NSRange{0, count}));
   }
 }
 
