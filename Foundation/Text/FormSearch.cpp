@@ -180,7 +180,7 @@ NSRange NSFormSearch::judge(Scan& scan, std::size_t place) const {
   const NSRange match = {place, endOfMatch(scan, place) - place};
   if (match.length == 0) return NSNotFoundRange;
   if (scan.accept(match)) return match;
-  const NSUInteger step = NSStepOver(match.length, _options);
+  const NSUInteger step = std::min(match.length, NSStepOverRefused(_options));
   if ((_options & NSBackwardsSearch) != 0) {
     scan.range.length = NSMaxRange(match) - step - scan.range.location;
   } else {
@@ -259,7 +259,7 @@ NSRange NSFormSearch::findNormalized(const Scan& scan) const {
         isBackwards ? last->source == end : first->source == scan.range.location;
     if ((_options & NSAnchoredSearch) != 0 && !isAnchored) return 1;
     match = {first->source, last->source - first->source};
-    return scan.accept(match) ? 0 : NSStepOver(_form.size(), _options);
+    return scan.accept(match) ? 0 : std::min(_form.size(), NSStepOverRefused(_options));
   };
   return NSFindJudged(source.form.view(), _form.view(), _options, judge) == none ? NSNotFoundRange
                                                                                  : match;

@@ -19,7 +19,7 @@ class NSFormSearch {
   NSFormSearch(std::u16string_view text, std::u16string_view needle, NSUInteger options);
 
   /// Finds the first match, or the last one backwards, or one at an end of the range, that `accept`
-  /// agrees to, among those in the range that begin before the limit.
+  /// agrees to, which is not nil, among those in the range that begin before the limit.
   [[nodiscard]] NSRange find(NSRange range, std::size_t limit,
                              NSBlockRef<bool(NSRange)> accept) const;
 

@@ -45,6 +45,7 @@ class Search {
       : _text(text),
         _needle(needle),
         _options(options),
+        _step(NSStepOverRefused(options)),
         _start(range.location),
         _end(NSMaxRange(range)),
         _isLiteral((options & NSLiteralSearch) != 0),
@@ -68,6 +69,8 @@ class Search {
   std::u16string_view _text;
   std::u16string_view _needle;
   NSUInteger _options;
+  // A choice between it and a length, made for each match, would wait for the match to be stored.
+  NSUInteger _step;
   NSUInteger _start;
   NSUInteger _end;
   bool _isLiteral;
@@ -85,7 +88,7 @@ NSRange Search::findPlainly(std::u16string_view units, std::u16string_view needl
     const bool isWhole = _isLiteral || (NSIsComposedBoundary(_text, match.location) &&
                                         NSIsComposedBoundary(_text, NSMaxRange(match)));
     if (!isWhole) return 1;
-    return accept(match) ? 0 : NSStepOver(needle.size(), _options);
+    return accept(match) ? 0 : std::min(needle.size(), _step);
   };
   const std::size_t place = NSFindJudged(units, needle, _options, judge);
   return place == none ? NSNotFoundRange : NSRange{start + place, needle.size()};
@@ -120,7 +123,7 @@ NSRange Search::findForwards(NSBlockRef<bool(NSRange)> accept) {
     const NSUInteger limit = boundaryFrom(start + std::min(size, _end - start));
     NSUInteger next = start;  // After what has been refused.
     const auto acceptOrGoOn = [&](NSRange match) {
-      next = match.location + NSStepOver(match.length, _options);
+      next = match.location + std::min(match.length, _step);
       return !accept || accept(match);
     };
     const NSRange found = findInPart(start, limit, acceptOrGoOn);
@@ -143,7 +146,7 @@ NSRange Search::findBackwards(NSBlockRef<bool(NSRange)> accept) {
     while (start > _start && !NSIsComposedBoundary(_text, start)) --start;
     NSUInteger end = _end;  // Of what has not been refused.
     const auto acceptOrGoOn = [&](NSRange match) {
-      end = NSMaxRange(match) - NSStepOver(match.length, _options);
+      end = NSMaxRange(match) - std::min(match.length, _step);
       return !accept || accept(match);
     };
     const NSRange found = findInPart(start, limit, acceptOrGoOn);

@@ -11,9 +11,9 @@
 /// An option of `NSSearchUnits`, for what may overlap a match that was refused.
 inline constexpr NSUInteger NSOverlappingSearch = 1U << 31U;
 
-/// Gives by how many of its units a search passes by a match that was refused.
-[[nodiscard]] constexpr NSUInteger NSStepOver(NSUInteger lengthOfMatch, NSUInteger options) {
-  return (options & NSOverlappingSearch) != 0 ? 1 : lengthOfMatch;
+/// Gives how many units of a refused match a search passes by, if the match has so many.
+[[nodiscard]] constexpr NSUInteger NSStepOverRefused(NSUInteger options) {
+  return (options & NSOverlappingSearch) != 0 ? 1 : NSUIntegerMax;
 }
 
 /// Finds the needle in a range of the text, which must fit it; `NSNotFoundRange` when there is none
