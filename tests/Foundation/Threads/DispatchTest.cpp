@@ -71,8 +71,19 @@ TEST(DispatchQueue, RunsWaitingBlocksOnTheCallersThread) {
 }
 
 TEST(DispatchQueue, GoesOnWhileManyBlocksAreBlocked) {
+  // Blocks that look again and again whether the next one has run.
+  const auto many = dispatch_queue_create("many", DISPATCH_QUEUE_CONCURRENT);
+  std::array<std::atomic<bool>, 20> hasRun{};
+  for (std::size_t k = 0; k + 1 < hasRun.size(); ++k) {
+    dispatch_async(many, [&, k] {
+      while (!hasRun[k + 1]) std::this_thread::sleep_for(100us);
+      hasRun[k] = true;
+    });
+  }
+  dispatch_async(many, [&] { hasRun.back() = true; });
+  while (!hasRun.front()) std::this_thread::sleep_for(100us);
   // Blocks that wait for one another, then queues each of which waits for the next one.
-  passGate(200, dispatch_queue_create("many", DISPATCH_QUEUE_CONCURRENT));
+  passGate(200, many);
   std::vector<dispatch_queue_t> queues(100);
   for (auto& queue : queues) queue = dispatch_queue_create("link", DISPATCH_QUEUE_SERIAL);
   std::latch gate(100);
