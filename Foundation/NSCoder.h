@@ -35,9 +35,9 @@ class NS_EXPORT NSCoding {
 /// `NSInvalidArchiveOperationException`. Nil as a key raises `NSInvalidArgumentException`.
 ///
 /// A key that was not written reads as false, 0 or nil. A value of another kind than is asked for
-/// raises `NSInvalidUnarchiveOperationException`; kinds are not converted, but for integers that are
-/// read as doubles, so a flag that becomes a number needs another key. Asking an archiver to decode, or an unarchiver to
-/// encode, raises `NSInvalidArgumentException`.
+/// raises `NSInvalidUnarchiveOperationException`; kinds are not converted, but for integers that
+/// are read as doubles, so a flag that becomes a number needs another key. Asking an archiver to
+/// decode, or an unarchiver to encode, raises `NSInvalidArgumentException`.
 class NS_EXPORT NSCoder : public NSObject {
  public:
   NSCoder(const NSCoder&) = delete;

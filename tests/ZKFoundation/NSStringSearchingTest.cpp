@@ -421,7 +421,8 @@ TEST(NSStringSearching, CapitalizesAsICUDoes) {
   // Letters of many kinds, and what joins or divides words, with marks and halves of pairs.
   const std::u16string units =
       u"aAbzZ1 2 "
-      u"'’‘._:;,-–\"(!+\t\n\u00A0\u00AD\u0301\u200DßſŉıİijIJǆΣσςάΐᾳЖжй\u02C2·ªʰʻ@\u109E\u1AA0©漢ひカ한א😀🇩ﬁ";
+      u"'’‘._:;,-–\"(!+\t\n\u00A0\u00AD\u0301\u200DßſŉıİijIJǆΣσςάΐᾳЖжй\u02C2·ªʰʻ@"
+      u"\u109E\u1AA0©漢ひカ한א😀🇩ﬁ";
   const std::array<const char*, 12> languages = {"en", "de", "fr", "el", "ru", "fi",
                                                  "sv", "nl", "tr", "lt", "ja", "en_US_POSIX"};
   expectProperty("the same capitals", [&] {
