@@ -50,7 +50,7 @@ class NS_EXPORT NSDictionary : public NSObject {
   /// Gives "{a = 1; b = 2}".
   [[nodiscard]] NSRef<NSString> description() const override;
 
-  /// Gives the object for the key, nil when there is none.
+  /// Gives the object for the key, nil when there is none or the key is nil.
   [[nodiscard]] NSRef<NSObject> valueForKey(const NSRef<NSString>& key) const override;
 
   /// Gives the dictionary itself while it is immutable; copies share the entries.

@@ -29,10 +29,9 @@ class NSRunLoopCore;
 ///
 /// After `fork`, a child that does not `exec` has a copy of the calling thread and of no other, and
 /// shares the run loop's wake-up descriptor with its parent. It must not use run loops, timers,
-/// delayed requests, requests to threads, queues, groups and notification queues. All else it may
-/// use if its parent had no other thread, centres whose observers have no queue among it. If there
-/// were others, they may have held any lock: then it may only do what POSIX allows there, without
-/// any call of this library.
+/// delayed requests, requests to threads, queues, groups, notification queues and observers with a
+/// queue. It may use all else if its parent had no other thread. Otherwise these may have held any
+/// lock: then it may call nothing of this library, and of the system only what POSIX allows there.
 class NS_EXPORT NSThread : public NSObject {
  public:
   /// Makes a thread without work, for classes that override `main`.

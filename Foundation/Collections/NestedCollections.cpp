@@ -55,7 +55,8 @@ struct Comparison {
     std::pair<NSRef<NSObject>, NSRef<NSObject>> held;
     // What contains itself is as equal as the rest of it.
     bool isEqual = true;
-    // How many comparisons it is within, counted from 1; 0 once it holds whatever these give.
+    // Of one that depends on what is not known yet: the outermost comparison that it may depend on,
+    // counted from 1. Else 0.
     std::size_t depth = 0;
   };
 
@@ -87,21 +88,23 @@ class Comparing {
   // Notes the answer; what was found equal as this pair was taken for equal goes if it is not.
   void end(const Comparison::Pair& pair, bool isEqual) {
     auto& [count, answers, depth, assumed, provisional] = _comparison;
-    const bool dependsOnOuter = isEqual && assumed < _depth;
-    for (std::size_t k = dependsOnOuter ? provisional.size() : _mark; k < provisional.size(); ++k) {
+    Comparison::Answer& answer = answers.at(pair);
+    answer.isEqual = isEqual;
+    if (isEqual && assumed < _depth) {
+      answer.depth = 1;
+      provisional.push_back(pair);
+      _assumed = std::min(_assumed, assumed);
+      return;
+    }
+    answer.depth = 0;
+    for (std::size_t k = _mark; k < provisional.size(); ++k) {
       if (isEqual) {
         answers.at(provisional[k]).depth = 0;
       } else {
         answers.erase(provisional[k]);
       }
     }
-    if (!dependsOnOuter) provisional.resize(_mark);
-    Comparison::Answer& answer = answers.at(pair);
-    answer.isEqual = isEqual;
-    answer.depth = dependsOnOuter ? 1 : 0;
-    if (!dependsOnOuter) return;
-    provisional.push_back(pair);
-    _assumed = std::min(_assumed, assumed);
+    provisional.resize(_mark);
   }
 
  private:
