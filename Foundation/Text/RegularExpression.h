@@ -11,7 +11,8 @@
 struct URegularExpression;
 
 /// A compiled pattern in ICU's syntax, and the text that it is searched for in. "^" and "$" stand
-/// at every line. What stands outside of a range is seen by assertions, but is no part of a match.
+/// at every line. Half of a surrogate pair is a fault of a pattern, and no match begins between the
+/// halves of one. What stands outside of a range is seen by assertions, but is no part of a match.
 class NS_EXPORT NSRegularExpression {
  public:
   using Time = std::chrono::steady_clock::time_point;
@@ -37,5 +38,6 @@ class NS_EXPORT NSRegularExpression {
  private:
   URegularExpression* _expression = nullptr;
   std::string _fault;
+  std::u16string_view _text;
   Time _limit;
 };

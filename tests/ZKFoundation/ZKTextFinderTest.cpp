@@ -152,6 +152,11 @@ TEST(ZKTextFinder, ReplacesByPatternsAndCarriesTheSelection) {
            {"b", "-", "[a]", "[a]"},
            {"", "-", "[a]", "[a]"},
            {"(a", "", "[a]", "a parenthesis has no partner (before unit 2)"},
+           {"x\\uDB72.*q", "", "[xx]",
+            "half of a surrogate pair cannot be searched for (before unit 1)"},
+           {"\\x{df00}|a", "", "[a]",
+            "half of a surrogate pair cannot be searched for (before unit 0)"},
+           {"\\ud83d\\ude00\\U0001f600", "x", "[😀😀]", "[x]"},
            {"a", "$1", "[a]", "There is no group \"1\""},
            {"(a)", "${b", "[a]", "There is no group \"{b\""},
            {"(x+x+)+y", "", "[xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx]",
@@ -208,6 +213,9 @@ TEST(ZKTextFinder, ReplacesOneByOne) {
   finder->setOptions(ZKRegularExpressionSearch);
   EXPECT_EQ(finder->nextMatchInString_selectedRange(text, {0, 0})->match, (NSRange{13, 0}));
   EXPECT_FALSE(finder->nextMatchInString_selectedRange(text, {13, 0}));
+  // Between the halves of a pair.
+  finder->setNeedle(u"."_ns);
+  EXPECT_FALSE(finder->nextMatchInString_selectedRange(u"a😀"_ns, {2, 0}));
   finder->setNeedle(nullptr);
   EXPECT_FALSE(finder->nextMatchInString_selectedRange(text, {0, 0}));
   EXPECT_FALSE(finder->needleError());
