@@ -79,6 +79,14 @@ class ZKMeetings {
     return std::abs(cross(a, b)) <= 0x1p-16 * std::sqrt(dot(a, a) * dot(b, b));
   }
 
+  // Where on the other curve the point next to one of this curve is, found from a place near it.
+  [[nodiscard]] double besideOnSecond(double t, double near) const {
+    return std::clamp(ZKFoot(_second, ZKMotionAt(_first, t).point, near), 0.0, 1.0);
+  }
+  [[nodiscard]] double besideOnFirst(double u, double near) const {
+    return std::clamp(ZKFoot(_first, ZKMotionAt(_second, u).point, near), 0.0, 1.0);
+  }
+
   // Whether a curve stays at a place from one range of parameters to the other.
   [[nodiscard]] static bool staysBetween(const ZKCubic& curve, ZKParameters a, ZKParameters b) {
     const double from = std::min(a.high, b.high);
@@ -119,11 +127,10 @@ class ZKMeetings {
     for (double step = likeness; isGrowing || !isFine(step); step *= isGrowing ? 2 : 0.5) {
       const double next = std::clamp(t + direction * step, 0.0, 1.0);
       if (next == t) break;
-      const double other = ZKFoot(_second, ZKMotionAt(_first, next).point, u);
-      const double clamped = std::clamp(other, 0.0, 1.0);
-      const bool isNear = distance(next, clamped) <= apart;
+      const double other = besideOnSecond(next, u);
+      const bool isNear = distance(next, other) <= apart;
       isGrowing = isGrowing && isNear;
-      if (isNear) t = next, u = clamped;
+      if (isNear) t = next, u = other;
     }
     return {t, u};
   }
@@ -134,19 +141,17 @@ class ZKMeetings {
     const double low = follow(place.t, place.u, -1, apart).first;
     const double high = follow(place.t, place.u, 1, apart).first;
     const double t = low > 0 && high < 1 ? 0.5 * (low + high) : place.t;
-    const double u = ZKFoot(_second, ZKMotionAt(_first, t).point, place.u);
+    const double u = besideOnSecond(t, place.u);
     if (isMeeting(t, u)) place.t = t, place.u = u;
     for (const double end : {0.0, 1.0}) {
       if (!staysBetween(_first, place.onFirst, {end, end})) continue;
-      const double other = ZKFoot(_second, ZKMotionAt(_first, end).point, place.u);
-      const double clamped = std::clamp(other, 0.0, 1.0);
-      if (isMeeting(end, clamped)) place.t = end, place.u = clamped;
+      const double other = besideOnSecond(end, place.u);
+      if (isMeeting(end, other)) place.t = end, place.u = other;
     }
     for (const double end : {0.0, 1.0}) {
       if (!staysBetween(_second, place.onSecond, {end, end})) continue;
-      const double other = ZKFoot(_first, ZKMotionAt(_second, end).point, place.t);
-      const double clamped = std::clamp(other, 0.0, 1.0);
-      if (isMeeting(clamped, end)) place.t = clamped, place.u = end;
+      const double other = besideOnFirst(end, place.t);
+      if (isMeeting(other, end)) place.t = other, place.u = end;
     }
   }
 
