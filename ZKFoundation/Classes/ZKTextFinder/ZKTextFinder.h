@@ -55,7 +55,8 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
  public:
   /// Takes `NSStringCompareOptions` and `ZKRegularExpressionSearch`. `NSBackwardsSearch` is the
   /// direction; `NSAnchoredSearch` means nothing, nor does `NSLiteralSearch` to a regular
-  /// expression.
+  /// expression. In that, half of a surrogate pair is an error: "\p{Cs}" finds those that stand
+  /// alone.
   explicit ZKTextFinder(const NSRef<NSString>& needle,
                         NSOptions<NSStringCompareOptions> options = 0,
                         ZKWordCompareOption wordCompareOption = ZKWordCompareNone);
