@@ -36,8 +36,9 @@ class CurveCrossings {
     if (result.isOverlap()) {
       _meetings.clear();
       ZKAddSharedEnds(_first, _second, _meetings);
+    } else {
+      _meetings.settle();
     }
-    _meetings.settle();
     for (const auto& each : _meetings.all()) {
       result.insert({each.t, each.u, ZKBezier(points, 3, each.t, nullptr, nullptr)});
     }
@@ -139,8 +140,16 @@ class CurveCrossings {
     if (!isSteady && _meetings.distance(t, u) > Piece::gap) return false;
     const bool isInside = a.contains(t) && b.contains(u);
     if (_visits > fewVisits ? !isOnlyCrossing(a, b, t, u) : !isInside) return false;
-    t = std::clamp(t, 0.0, 1.0);
-    u = std::clamp(u, 0.0, 1.0);
+    // Along tangents that are nearly parallel an end may be as near to a place farther on.
+    const auto clamped = [](double x) { return std::clamp(x, 0.0, 1.0); };
+    if (t != clamped(t)) {
+      t = clamped(t);
+      u = ZKFoot(_second, ZKMotionAt(_first, t).point, u);
+    }
+    if (u != clamped(u)) {
+      u = clamped(u);
+      t = clamped(ZKFoot(_first, ZKMotionAt(_second, u).point, t));
+    }
     if (!_meetings.isMeeting(t, u)) return !isInside;
     _meetings.addWithSurroundings(t, u);
     return true;

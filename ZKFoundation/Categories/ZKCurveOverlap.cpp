@@ -36,6 +36,30 @@ bool areOnOneLine(const ZKCubic& first, const ZKCubic& second) {
          std::min(NSMaxY(a), NSMaxY(b)) - std::max(NSMinY(a), NSMinY(b)) > shortest;
 }
 
+// Whether a curve lies on the other one between two of these parameters that follow one another.
+// More than nine points of the stretch tell: different curves have no more in common.
+bool hasStretch(const ZKCubic& curve, const ZKCubic& other, std::span<double> ends) {
+  const double near = nearness(curve, other);
+  // Ends that are beside each other are no stretch.
+  const double shortest = std::min(0x1p8 * near, 0.25 * std::min(sizeOf(curve), sizeOf(other)));
+  const Points onOther = pointsOf(other);
+  const auto isStretch = [&](double low, double high) {
+    const ZKVector start = ZKMotionAt(curve, low).point;
+    double length = ZKSizeOf(ZKMotionAt(curve, high).point - start);
+    for (int k = 1; k < 12; ++k) {
+      const ZKVector v = ZKMotionAt(curve, low + (high - low) * k / 12).point;
+      if (ZKProjectOnCurve(onOther.data(), v.point()).distance > near) return false;
+      length = std::max(length, ZKSizeOf(v - start));
+    }
+    return length > shortest;
+  };
+  std::ranges::sort(ends);
+  for (std::size_t k = 1; k < ends.size(); ++k) {
+    if (ends[k - 1] < ends[k] && isStretch(ends[k - 1], ends[k])) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 void ZKAddSharedEnds(const ZKCubic& first, const ZKCubic& second, ZKMeetings& meetings) {
@@ -51,23 +75,17 @@ void ZKAddSharedEnds(const ZKCubic& first, const ZKCubic& second, ZKMeetings& me
   }
 }
 
-// The stretch between ends that lie on the other curve does so too. More than nine points of it
-// tell: different curves have no more in common.
+// A stretch in common reaches from end to end. A curve may meet itself, so that more lies between
+// two ends on the one curve than on the other.
 bool ZKAreOverlapping(const ZKCubic& first, const ZKCubic& second) {
   if (areOnOneLine(first, second)) return true;
   ZKMeetings ends(first, second);
   ZKAddSharedEnds(first, second, ends);
-  double low = 1;
-  double high = 0;
-  for (const auto& each : ends.all()) {
-    low = std::min(low, each.t);
-    high = std::max(high, each.t);
-  }
-  if (!(low < high)) return false;
-  const Points onSecond = pointsOf(second);
-  for (int k = 1; k < 12; ++k) {
-    const NSPoint p = ZKMotionAt(first, low + (high - low) * k / 12).point.point();
-    if (ZKProjectOnCurve(onSecond.data(), p).distance > nearness(first, second)) return false;
-  }
-  return true;
+  std::array<double, ZKMeetings::capacity> onFirst;
+  std::array<double, ZKMeetings::capacity> onSecond;
+  std::ranges::transform(ends.all(), onFirst.begin(), &ZKMeetings::Meeting::t);
+  std::ranges::transform(ends.all(), onSecond.begin(), &ZKMeetings::Meeting::u);
+  const std::size_t count = ends.all().size();
+  return hasStretch(first, second, std::span(onFirst).first(count)) ||
+         hasStretch(second, first, std::span(onSecond).first(count));
 }

@@ -21,6 +21,8 @@ class ZKMeetings {
     ZKParameters onSecond;
   };
 
+  static constexpr std::size_t capacity = 9;
+
   /// Both curves must outlive it.
   ZKMeetings(const ZKCubic& first, const ZKCubic& second) : _first(first), _second(second) {}
 
@@ -37,18 +39,16 @@ class ZKMeetings {
 
   /// Adds a place that is not known, at the ends themselves if these meet too.
   void add(double t, double u) {
-    const double endT = std::round(t);
-    const double endU = std::round(u);
-    if (std::abs(t - endT) <= likeness && isMeeting(endT, u)) t = endT;
-    if (std::abs(u - endU) <= likeness && isMeeting(t, endU)) u = endU;
-    add({t, u, {t, t}, {u, u}});
+    Meeting place = {t, u, {t, t}, {u, u}};
+    if (isNearEnd(t) || isNearEnd(u)) snap(place);
+    add({place.t, place.u, {place.t, place.t}, {place.u, place.u}});
   }
 
   /// Adds a place together with what cannot be told apart from it.
   void addWithSurroundings(double t, double u) {
     if (!isFlat(t, u)) return add(t, u);
-    const auto [lowT, lowU] = follow(t, u, -1, ZKCubicPiece::meeting);
-    const auto [highT, highU] = follow(t, u, 1, ZKCubicPiece::meeting);
+    const auto [lowT, lowU] = follow(t, u, -1, surely);
+    const auto [highT, highU] = follow(t, u, 1, surely);
     add({t, u, {lowT, highT}, ZKParameters{u, u}.united(ZKParametersBetween(lowU, highU))});
   }
 
@@ -64,13 +64,22 @@ class ZKMeetings {
   /// the middle, which is next to where the curves truly cross.
   void settle() {
     for (Meeting& place : std::span(_places).first(_count)) {
-      if (place.onFirst.length() > 0) settle(place);
+      if (place.onFirst.length() > 0) {
+        settle(place);
+      } else {
+        snap(place);
+      }
     }
   }
 
  private:
   // Places that are no farther from each other are one.
   static constexpr double likeness = 0x1p-30;
+  // Farther than places may be apart: so the ends of what is followed have none beside them.
+  static constexpr double surely = 2 * ZKCubicPiece::meeting;
+
+  // Far enough for a curve that stands still at its end.
+  [[nodiscard]] static bool isNearEnd(double t) { return std::abs(t - 0.5) > 0.5 - 0x1p-9; }
 
   // Whether the curves run almost the same way.
   [[nodiscard]] bool isFlat(double t, double u) const {
@@ -130,7 +139,17 @@ class ZKMeetings {
       const double other = besideOnSecond(next, u);
       const bool isNear = distance(next, other) <= apart;
       isGrowing = isGrowing && isNear;
-      if (isNear) t = next, u = other;
+      if (isNear) {
+        t = next, u = other;
+      } else if (other == 0 || other == 1) {
+        // The other curve ends before.
+        const double back = besideOnFirst(other, t);
+        const double middle = 0.5 * (u + other);
+        if ((back - t) * direction >= 0 && distance(back, other) <= apart &&
+            distance(besideOnFirst(middle, t), middle) <= apart) {
+          return {back, other};
+        }
+      }
     }
     return {t, u};
   }
@@ -140,16 +159,38 @@ class ZKMeetings {
     constexpr double apart = 0x1p6 * ZKCubicPiece::meeting;
     const double low = follow(place.t, place.u, -1, apart).first;
     const double high = follow(place.t, place.u, 1, apart).first;
-    const double t = low > 0 && high < 1 ? 0.5 * (low + high) : place.t;
+    const bool isAlone = std::ranges::none_of(all(), [&](const Meeting& other) {
+      return &other != &place && other.t >= low && other.t <= high;
+    });
+    const bool isSymmetric = isAlone && low > 0 && high < 1;
+    const double t = isSymmetric ? 0.5 * (low + high) : isAlone ? place.t : place.onFirst.middle();
     const double u = besideOnSecond(t, place.u);
     if (isMeeting(t, u)) place.t = t, place.u = u;
+    snap(place);
+  }
+
+  // Puts a place to an end that cannot be told apart from it.
+  void snap(Meeting& place) const {
+    const auto isOnFirst = [&](double end) {
+      return staysBetween(_first, place.onFirst, {end, end});
+    };
+    const auto isOnSecond = [&](double end) {
+      return staysBetween(_second, place.onSecond, {end, end});
+    };
+    for (const double t : {0.0, 1.0}) {
+      for (const double u : {0.0, 1.0}) {
+        if (!isMeeting(t, u) || !isOnFirst(t) || !isOnSecond(u)) continue;
+        place.t = t, place.u = u;
+        return;
+      }
+    }
     for (const double end : {0.0, 1.0}) {
-      if (!staysBetween(_first, place.onFirst, {end, end})) continue;
+      if (!isOnFirst(end)) continue;
       const double other = besideOnSecond(end, place.u);
       if (isMeeting(end, other)) place.t = end, place.u = other;
     }
     for (const double end : {0.0, 1.0}) {
-      if (!staysBetween(_second, place.onSecond, {end, end})) continue;
+      if (!isOnSecond(end)) continue;
       const double other = besideOnFirst(end, place.t);
       if (isMeeting(other, end)) place.t = other, place.u = end;
     }
@@ -157,6 +198,6 @@ class ZKMeetings {
 
   const ZKCubic& _first;
   const ZKCubic& _second;
-  std::array<Meeting, 9> _places;
+  std::array<Meeting, capacity> _places;
   std::size_t _count = 0;
 };

@@ -156,7 +156,7 @@ TEST(ZKTextFinder, ReplacesByPatternsAndCarriesTheSelection) {
             "half of a surrogate pair cannot be searched for (before unit 1)"},
            {R"(\x{df00}|a)", "", "[a]",
             "half of a surrogate pair cannot be searched for (before unit 0)"},
-           {R"(\ud83d\ude00\U0001f600)", "x", "[😀😀]", "[x]"},
+           {R"(\ud83d\ude00\U0001f600\dd800)", "x", "[😀😀1d800]", "[x]"},
            {"a", "$1", "[a]", "There is no group \"1\""},
            {"(a)", "${b", "[a]", "There is no group \"{b\""},
            {"(x+x+)+y", "", "[xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx]",
@@ -215,7 +215,7 @@ TEST(ZKTextFinder, ReplacesOneByOne) {
   EXPECT_FALSE(finder->nextMatchInString_selectedRange(text, {13, 0}));
   // Between the halves of a pair.
   finder->setNeedle(u"."_ns);
-  EXPECT_FALSE(finder->nextMatchInString_selectedRange(u"a😀"_ns, {2, 0}));
+  EXPECT_EQ(finder->nextMatchInString_selectedRange(u"a😀b"_ns, {2, 0})->match, (NSRange{3, 1}));
   finder->setNeedle(nullptr);
   EXPECT_FALSE(finder->nextMatchInString_selectedRange(text, {0, 0}));
   EXPECT_FALSE(finder->needleError());

@@ -57,10 +57,12 @@ TEST(NSDescriptorSource, IsCalledForWhatIsLeft) {
   std::array<int, 2> ends{};
   ASSERT_EQ(pipe2(ends.data(), O_NONBLOCK), 0);
   std::string seen;
-  std::array<NSRef<NSDescriptorSource>, 2> sources;
+  // The first one, of the end for writing, is never ready.
+  std::array<NSRef<NSDescriptorSource>, 3> sources;
   for (auto& source : sources) {
     source = NSDescriptorSource::sourceWithDescriptor_events_block(
-        ends[0], NSDescriptorReadable, [&](NSDescriptorSource& self) {
+        &source == sources.data() ? ends[1] : ends[0], NSDescriptorReadable,
+        [&](NSDescriptorSource& self) {
           char unit = '-';
           (void)!read(self.descriptor(), &unit, 1);
           seen += unit;
