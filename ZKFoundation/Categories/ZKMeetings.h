@@ -41,7 +41,9 @@ class ZKMeetings {
   void add(double t, double u) {
     Meeting place = {t, u, {t, t}, {u, u}};
     if (isNearEnd(t) || isNearEnd(u)) snap(place);
-    add({place.t, place.u, {place.t, place.t}, {place.u, place.u}});
+    place.onFirst = {place.t, place.t};
+    place.onSecond = {place.u, place.u};
+    add(place);
   }
 
   /// Adds a place together with what cannot be told apart from it.
@@ -66,7 +68,7 @@ class ZKMeetings {
     for (Meeting& place : std::span(_places).first(_count)) {
       if (place.onFirst.length() > 0) {
         settle(place);
-      } else {
+      } else if (isNearEnd(place.t) || isNearEnd(place.u)) {
         snap(place);
       }
     }
@@ -159,6 +161,7 @@ class ZKMeetings {
     constexpr double apart = 0x1p6 * ZKCubicPiece::meeting;
     const double low = follow(place.t, place.u, -1, apart).first;
     const double high = follow(place.t, place.u, 1, apart).first;
+    // Of two places so near to each other the middle would be the same.
     const bool isAlone = std::ranges::none_of(all(), [&](const Meeting& other) {
       return &other != &place && other.t >= low && other.t <= high;
     });
