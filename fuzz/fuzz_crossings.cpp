@@ -21,10 +21,12 @@ double sizeOf(const Cubic& cubic) {
 void measure(const Cubic& cubic, double size) {
   const NSRect bounds = ZKCurveBounds(cubic.data());
   const auto points = ZKFlattenCurve(cubic.data(), size / 1000);
+  const double place = std::max(std::abs(cubic[0].x), std::abs(cubic[0].y));
+  const double slack = size * 1e-9 + place * 1e-15;
   require(points.front() == cubic.front() && points.back() == cubic.back());
   for (const NSPoint p : points) {
-    require(p.x >= bounds.origin.x - size * 1e-9 && p.y >= bounds.origin.y - size * 1e-9);
-    require(p.x <= NSMaxX(bounds) + size * 1e-9 && p.y <= NSMaxY(bounds) + size * 1e-9);
+    require(p.x >= bounds.origin.x - slack && p.y >= bounds.origin.y - slack);
+    require(p.x <= NSMaxX(bounds) + slack && p.y <= NSMaxY(bounds) + slack);
   }
   const double length = ZKCurveLength(cubic.data(), size / 1000);
   require(length >= 0 && length <= 6 * size);
