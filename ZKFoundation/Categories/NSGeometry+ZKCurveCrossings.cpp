@@ -88,8 +88,7 @@ class CurveCrossings {
       return 0.5 * (foot(other.v[0]) + foot(other.v[3]));
     };
     const double t = common(_first, a, b);
-    const double near = common(_second, b, a);
-    const double u = std::clamp(ZKFoot(_second, ZKMotionAt(_first, t).point, near), 0.0, 1.0);
+    const double u = _meetings.besideOnSecond(t, common(_second, b, a));
     if (!_meetings.isMeeting(t, u)) return false;
     _meetings.addWithSurroundings(t, u);
     return true;
@@ -148,7 +147,7 @@ class CurveCrossings {
     }
     if (u != clamped(u)) {
       u = clamped(u);
-      t = clamped(ZKFoot(_first, ZKMotionAt(_second, u).point, t));
+      t = _meetings.besideOnFirst(u, t);
     }
     if (!_meetings.isMeeting(t, u)) return !isInside;
     _meetings.addWithSurroundings(t, u);

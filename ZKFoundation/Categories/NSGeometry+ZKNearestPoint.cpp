@@ -63,15 +63,7 @@ class Distance {
     double speed;
   };
   [[nodiscard]] Value at(double t) const {
-    const auto& [v0, v1, v2, v3] = _curve;
-    const ZKVector v01 = ZKLerp(v0, v1, t);
-    const ZKVector v12 = ZKLerp(v1, v2, t);
-    const ZKVector v23 = ZKLerp(v2, v3, t);
-    const ZKVector v012 = ZKLerp(v01, v12, t);
-    const ZKVector v123 = ZKLerp(v12, v23, t);
-    const ZKVector point = ZKLerp(v012, v123, t);
-    const ZKVector first = (v123 - v012) * 3;
-    const ZKVector second = (v23 - v12 - (v12 - v01)) * 6;
+    const auto [point, first, second] = ZKMotionAt(_curve, t);
     const double speed = dot(first, first);
     return {dot(point, point), dot(point, first), speed + dot(point, second), speed};
   }

@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include <Foundation/NSGeometry.h>
+#include <ZKFoundation/Categories/ZKCubic.h>
 #include <ZKFoundation/detail/Vector.h>
 
 // Polynomials of degree 5 in Bernstein form, as control polygons, and how far a cubic is from a
@@ -71,9 +72,6 @@ constexpr int ZKExactHalvings = 100;
   }
   return half;
 }
-
-/// A cubic's control points, seen from a point.
-using ZKCubic = std::array<ZKVector, 4>;
 
 /// Gives the cubic with these control points, seen from p.
 [[nodiscard]] inline ZKCubic ZKCubicFrom(NSPoint p, const NSPoint* points) {

@@ -6,7 +6,7 @@
 
 #include <ZKFoundation/detail/Vector.h>
 
-// Cubic Bezier curves whose coordinates have a size of about 1, and how they run.
+// Cubic Bezier curves, and how they run.
 
 /// The control points of a cubic.
 using ZKCubic = std::array<ZKVector, 4>;

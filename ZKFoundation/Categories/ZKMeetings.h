@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <optional>
 #include <span>
 #include <utility>
 
@@ -35,6 +34,16 @@ class ZKMeetings {
   }
   [[nodiscard]] double distance(double t, double u) const {
     return ZKSizeOf(ZKMotionAt(_first, t).point - ZKMotionAt(_second, u).point);
+  }
+
+  /// Gives where on the second curve the point next to one of the first is, found from a place near
+  /// it.
+  [[nodiscard]] double besideOnSecond(double t, double near) const {
+    return std::clamp(ZKFoot(_second, ZKMotionAt(_first, t).point, near), 0.0, 1.0);
+  }
+  /// The same the other way round.
+  [[nodiscard]] double besideOnFirst(double u, double near) const {
+    return std::clamp(ZKFoot(_first, ZKMotionAt(_second, u).point, near), 0.0, 1.0);
   }
 
   /// Adds a place that is not known, at the ends themselves if these meet too.
@@ -88,14 +97,6 @@ class ZKMeetings {
     const ZKVector a = ZKTangent(_first, t, t);
     const ZKVector b = ZKTangent(_second, u, u);
     return std::abs(cross(a, b)) <= 0x1p-16 * std::sqrt(dot(a, a) * dot(b, b));
-  }
-
-  // Where on the other curve the point next to one of this curve is, found from a place near it.
-  [[nodiscard]] double besideOnSecond(double t, double near) const {
-    return std::clamp(ZKFoot(_second, ZKMotionAt(_first, t).point, near), 0.0, 1.0);
-  }
-  [[nodiscard]] double besideOnFirst(double u, double near) const {
-    return std::clamp(ZKFoot(_first, ZKMotionAt(_second, u).point, near), 0.0, 1.0);
   }
 
   // Whether a curve stays at a place from one range of parameters to the other.
