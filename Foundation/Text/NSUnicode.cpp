@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 #include <unicode/uchar.h>
 
@@ -56,12 +58,30 @@ char16_t* putCharacter(char32_t character, char16_t* out) {
   return out;
 }
 
-// Shorter texts are not worth the vector code.
-constexpr std::size_t fewest = 16;
-
 // How many bytes of well-formed characters lead from a fault to the vector code. It needs three;
 // more keep a text with frequent faults from trying it in vain.
 constexpr std::size_t leadIn = 16;
+
+// The vector code copies the first and the last block of a text: of one up to this long, all.
+constexpr std::size_t edges = 128;
+
+// Widens the pieces of ASCII that a text begins with, and counts their bytes.
+std::size_t widenASCII(std::string_view utf8, char16_t* out) {
+  constexpr std::size_t piece = NSFewestToTranscode;
+  const auto isWidened = [&](std::size_t at) {
+    std::array<std::uint64_t, piece / sizeof(std::uint64_t)> words;
+    std::memcpy(words.data(), utf8.data() + at, piece);
+    if (((words[0] | words[1]) & 0x8080808080808080U) != 0) return false;
+    for (std::size_t k = at; k < at + piece; ++k) out[k] = static_cast<unsigned char>(utf8[k]);
+    return true;
+  };
+  std::size_t at = 0;
+  for (; at + piece <= utf8.size(); at += piece) {
+    if (!isWidened(at)) return at;
+  }
+  // The rest with the end of the piece before.
+  return at != 0 && isWidened(utf8.size() - piece) ? utf8.size() : at;
+}
 
 struct DecodedText {
   char16_t* end;
@@ -72,9 +92,10 @@ struct DecodedText {
 // Writes at most one unit a byte.
 DecodedText decode(std::string_view utf8, char16_t* out) {
   std::size_t fault = utf8.size();
-  std::size_t position = 0;
+  std::size_t position = utf8.size() <= edges ? widenASCII(utf8, out) : 0;
+  out += position;
   while (position < utf8.size()) {
-    if (utf8.size() - position >= fewest) {
+    if (utf8.size() - position >= NSFewestToTranscode) {
       const NSTranscoded block = NSDecodeWellFormed(utf8, position, out);
       position = block.position;
       out += block.written;
@@ -152,7 +173,9 @@ std::string NSUTF8FromUnits(std::u16string_view text) {
   std::array<char, chunkSize + NSEncodingSlack> chunk;
   for (std::size_t position = 0; position < text.size();) {
     NSTranscoded block = {position, 0};
-    if (text.size() >= fewest) block = NSEncodeBlocks(text, position, chunk.data(), chunkSize);
+    if (text.size() >= NSFewestToTranscode) {
+      block = NSEncodeBlocks(text, position, chunk.data(), chunkSize);
+    }
     if (block.written == 0) block = encodeCharacters(text, position, chunk.data(), chunkSize);
     // Most texts go on as they begin.
     if (position == 0 && block.position < text.size()) {

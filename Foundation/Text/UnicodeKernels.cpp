@@ -104,8 +104,8 @@ constexpr std::size_t maxBytes = 64;
 
 // Every byte of a block makes both bytes of the unit that would end with it; where no character
 // ends, they are then squeezed out. A character of four bytes gives its high half at the third
-// byte. Reads the three bytes before the block, which are part of well-formed text, and the one
-// after it. False when the block is not well-formed, up to its last byte.
+// byte. Reads the three bytes before the block, which are part of well-formed text. False when the
+// block is not well-formed, up to its last byte.
 template <class Tag>
 HWY_ATTR bool decodeBlock(Tag tag, const std::uint8_t* in, std::uint16_t*& out) {
   const hn::Half<Tag> half;
@@ -170,11 +170,34 @@ HWY_ATTR bool decodeBlock(Tag tag, const std::uint8_t* in, std::uint16_t*& out) 
   return true;
 }
 
+// The first block of a text or its last one, with zeros around the text.
+class PaddedBlock {
+ public:
+  // Copies `count` bytes at `position`, and what stands in front of them, in pieces of one size:
+  // compilers make a slow `rep movs` of a short copy whose size varies. Gives the block.
+  HWY_ATTR const std::uint8_t* fill(const std::uint8_t* in, std::size_t position,
+                                    std::size_t count) {
+    _bytes.fill(0);
+    const std::size_t from = position - std::min(position, behind);
+    for (std::size_t at = position + count; at > from;) {
+      at -= std::min(at, piece);
+      std::copy_n(in + at, piece, _bytes.data() + (front + at - position));
+    }
+    return _bytes.data() + front;
+  }
+
+ private:
+  static constexpr std::size_t piece = NSFewestToTranscode;
+  static constexpr std::size_t front = behind + piece;
+
+  std::array<std::uint8_t, front + maxBytes> _bytes;
+};
+
 HWY_ATTR NSTranscoded decode(const std::uint8_t* in, std::size_t size, std::size_t position,
                              std::uint16_t* out) {
   const hn::CappedTag<std::uint8_t, maxBytes> tag;
   const std::size_t lanes = hn::Lanes(tag);
-  std::array<std::uint8_t, behind + maxBytes> bytes;
+  PaddedBlock copy;
   std::array<std::uint16_t, maxBytes> units;
   std::uint16_t* at = out;
   for (std::size_t count = lanes; count == lanes; position += count) {
@@ -182,13 +205,10 @@ HWY_ATTR NSTranscoded decode(const std::uint8_t* in, std::size_t size, std::size
     std::uint16_t* end = at;
     const bool isInside = position >= behind && position + lanes <= size;
     if (!isInside) {
-      // The first block and the last one stand in a copy with zeros around the text: after a text
-      // that ends within a character they show the fault, in an empty block if need be.
+      // After a text that ends within a character the zeros show the fault, in an empty block if
+      // need be.
       count = std::min(lanes, size - position);
-      const std::size_t before = std::min(position, behind);
-      bytes.fill(0);
-      std::copy_n(block - before, before + count, bytes.data() + behind - before);
-      block = bytes.data() + behind;
+      block = copy.fill(in, position, count);
       end = units.data();
     }
     if (!decodeBlock(tag, block, end)) break;

@@ -12,6 +12,9 @@ struct NSTranscoded {
   std::size_t written;
 };
 
+/// Shorter texts are not worth the vector code, which counts on so many bytes or units.
+inline constexpr std::size_t NSFewestToTranscode = 16;
+
 /// Decodes from `position` on, the start of the text or of a character with at least three bytes of
 /// well-formed characters before it. Stops in front of what is not well-formed, some characters
 /// earlier at most. Writes into the room for one unit a byte.
