@@ -45,8 +45,7 @@ struct WordPlace {
   const NSCharacterSet* delimiters;
 };
 
-NSRange wordAt(std::u16string_view text, NSUInteger index) {
-  const WordPlace place(text, index);
+NSRange wordAt(std::u16string_view text, const WordPlace& place) {
   return NSRunWithoutMembers(*place.delimiters, text, place.start);
 }
 
@@ -61,6 +60,19 @@ bool isAccepted(NSRange match, NSRange word, NSUInteger condition) {
     default:
       return true;
   }
+}
+
+// Whether a unit beside a match shows that its word goes on there, which the condition forbids.
+// It tells most matches that are refused, so that their words need not be walked.
+bool goesOn(std::u16string_view text, NSRange match, const WordPlace& place, NSUInteger condition) {
+  const auto isInWord = [&](char16_t unit) {
+    return !NSIsSurrogate(unit) && !place.delimiters->characterIsMember(unit);
+  };
+  const NSUInteger end = NSMaxRange(match);
+  const bool asksStart = condition == ZKWordCompareWhole || condition == ZKWordCompareStart;
+  const bool asksEnd = condition == ZKWordCompareWhole || condition == ZKWordCompareEnd;
+  return (asksEnd && end < text.size() && isInWord(text[end])) ||
+         (asksStart && match.location > 0 && isInWord(text[match.location - 1]));
 }
 
 // Moves a selection over the removal of a range that lies before, in or after it.
@@ -127,7 +139,11 @@ NSRange findString_searchRange_options_wordCompareOption(
   NSRange word;
   const auto accept = [&](NSRange match) {
     // Matches in one long word are judged by it without walking it again.
-    if (!NSLocationInRange(match.location, word)) word = wordAt(text, match.location);
+    if (!NSLocationInRange(match.location, word)) {
+      const WordPlace place(text, match.location);
+      if (goesOn(text, match, place, wordCompareOption)) return false;
+      word = wordAt(text, place);
+    }
     return isAccepted(match, word, wordCompareOption);
   };
   const NSUInteger known = options & ~NSOverlappingSearch;
@@ -148,7 +164,8 @@ NSRange rangeOfCharactersAtIndex_delimitedBy(const NSRef<NSString>& string, NSUI
 NSRange rangeOfWordContainingCharacter(const NSRef<NSString>& string, NSUInteger index) {
   NSCheckArgument("rangeOfWordContainingCharacter:", "string", string);
   NSCheckIndex("rangeOfWordContainingCharacter:", index, string->length());
-  return wordAt(string->view(), index);
+  const std::u16string_view text = string->view();
+  return wordAt(text, WordPlace(text, index));
 }
 
 NSRange rangeOfWordsIntersectingRange(const NSRef<NSString>& string, NSRange range) {

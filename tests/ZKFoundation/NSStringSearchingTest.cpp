@@ -193,6 +193,8 @@ TEST(NSStringSearching, JudgesMatchesByTheirWords) {
     const auto run = NSMake<NSString>(std::u16string(200'000, unit));
     EXPECT_EQ(find(run, run->substringToIndex(1)), NSNotFoundRange);
   }
+  // The half behind the sign belongs to a letter.
+  EXPECT_EQ(find(u"-\U0001D49C"_ns, u"-"_ns), (NSRange{0, 1}));
 }
 
 TEST(NSStringSearching, RejectsMatchesOneByOne) {
