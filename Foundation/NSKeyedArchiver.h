@@ -14,7 +14,8 @@
 ///
 /// Objects stand in the table once, however often they are referred to: strings, numbers and data
 /// as they are, others as records of their keys with a reference to the record of their class. Keys
-/// that begin with "$" get another one in front. Equal strings, numbers and data become one object.
+/// that begin with "$" get another one in front. Equal strings, numbers and data become one object,
+/// so that an archive that is read and written again has the same bytes.
 ///
 /// These can be archived: strings, numbers, data, `NSNull`, arrays, sets, dictionaries, `NSURL`,
 /// `NSLocale`, the contents of other subclasses of these, and what derives from `NSCoding`. All

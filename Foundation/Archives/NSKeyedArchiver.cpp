@@ -1,6 +1,7 @@
 #include "Foundation/NSKeyedArchiver.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -68,7 +69,7 @@ struct NSKeyedArchiver::Archive {
     add(root, u"$archiver", list.text(u"NSKeyedArchiver"));
     add(root, u"$top", current);
     add(root, u"$objects", table);
-    append(list.text(u"$null"), nullptr);
+    append(list.text(u"$null"));
   }
 
   // Enters what `write` gives under the key, into the record that is at hand before and afterwards.
@@ -94,22 +95,36 @@ struct NSKeyedArchiver::Archive {
   }
 
   // Puts it into the table of objects.
-  std::size_t append(Reference reference, const NSRef<NSObject>& object) {
-    const std::size_t number = objects.size();
+  std::uint32_t append(Reference reference) {
+    const auto number = static_cast<std::uint32_t>(heights.size());
     list.append(table, reference);
-    objects.push_back(object);
     heights.push_back(0);
-    numbers.insert(number, std::hash<const void*>{}(object.get()));
+    return number;
+  }
+
+  // Keeps the object, so that no other one gets its address.
+  void remember(const NSRef<NSObject>& object, std::uint32_t number) {
+    index.insert(objects.size(), std::hash<const void*>{}(object.get()));
+    objects.push_back(object);
+    numbers.push_back(number);
+  }
+
+  // Equal values have one number, as they are read as one object.
+  std::uint32_t numberOfValue(Reference value) {
+    if (value >= numbersOfValues.size()) numbersOfValues.resize(std::size_t{value} + 1);
+    std::uint32_t& number = numbersOfValues[value];
+    if (number == 0) number = append(value);
     return number;
   }
 
   std::size_t numberOf(const NSRef<NSObject>& object, NSKeyedArchiver& coder) {
     const std::size_t known =
-        numbers.find(std::hash<const void*>{}(object.get()),
-                     [&](std::size_t number) { return objects[number].get() == object.get(); });
+        index.find(std::hash<const void*>{}(object.get()),
+                   [&](std::size_t at) { return objects[at].get() == object.get(); });
     if (known != NSHashIndex::notFound) {
-      noteHeight(heights[known], *object);
-      return known;
+      const std::uint32_t number = numbers[known];
+      noteHeight(heights[number], *object);
+      return number;
     }
     // Most objects are of these, which need no search through their bases.
     const NSObject& itself = *object;
@@ -119,9 +134,14 @@ struct NSKeyedArchiver::Archive {
     const auto* const coding = isPlain ? nullptr : object.cast<NSCoding>();
     // Whatever a class of the program derives from, it writes itself.
     const auto plain = coding == nullptr ? plainValue(object) : std::nullopt;
-    if (plain) return append(*plain, object);
+    if (plain) {
+      const std::uint32_t number = numberOfValue(*plain);
+      remember(object, number);
+      return number;
+    }
     const Reference record = list.dictionary();
-    const std::size_t number = append(record, object);
+    const std::uint32_t number = append(record);
+    remember(object, number);
     heights[number] = isBeingWritten;
     const unsigned outer = std::exchange(tallest, 0);
     encodeRecord(NSRef<NSObject>(object), coding, record, coder);
@@ -190,18 +210,21 @@ struct NSKeyedArchiver::Archive {
     for (std::optional<NSClass> each = itself; each; each = each->superclass()) {
       list.append(names, list.text(nameOf(*each)->view()));
     }
-    return classes.emplace(itself, append(record, nullptr)).first->second;
+    return classes.emplace(itself, append(record)).first->second;
   }
 
-  // By their numbers; nil stands for records of classes too.
+  // The objects that have been asked for, by their addresses, and their numbers.
   std::vector<NSRef<NSObject>> objects;
-  NSHashIndex numbers;
-  // How many records are in each other below and with each object.
+  std::vector<std::uint32_t> numbers;
+  NSHashIndex index;
+  // By their references; 0 for those that are no objects yet, as no value is nil.
+  std::vector<std::uint32_t> numbersOfValues;
+  // How many records are in each other below and with each object, by the numbers.
   static constexpr std::uint16_t isBeingWritten = UINT16_MAX;
   std::vector<std::uint16_t> heights;
   unsigned tallest = 0;  // The greatest height of the objects in the one at hand.
   unsigned depth = 0;
-  std::unordered_map<NSClass, std::size_t> classes;
+  std::unordered_map<NSClass, std::uint32_t> classes;
 };
 
 NSRef<NSData> NSKeyedArchiver::archivedDataWithRootObject(const NSRef<NSObject>& root) {

@@ -77,6 +77,7 @@ NSRef<NSMutableArray> everything() {
        NSMake<NSData>(), NSNull::null(), NSMake<NSMutableDictionary>(),
        NSURL::URLWithString(u"http://a.b/c?d"_ns),
        NSLocale::localeWithLocaleIdentifier(u"de_CH"_ns)});
+  for (const char* const text : {"$null", "$null"}) all->addObject(NSMake<NSString>(text));
   all->addObject(NSMake<NSMutableArray>({u"a"_ns, NSMake<NSArray>()}));
   all->addObject(NSMake<NSSet>({u"a"_ns, number(1)}));
   all->addObject(NSMake<NSMutableSet>({u"b"_ns}));
@@ -101,6 +102,8 @@ TEST(Archiving, KeepsThePlatformsObjects) {
     EXPECT_EQ(after->objectClass(), before->objectClass()) << before;
   }
   EXPECT_PRED2(areSame, copy->objectAtIndex(2), copy->objectAtIndex(3));
+  // Equal texts have become one object, of which the same archive is made.
+  EXPECT_EQ(archived(copy), archived(original));
   EXPECT_TRUE(copy->objectAtIndex(4).as<NSNumber>()->isBoolean());
   EXPECT_TRUE(std::isnan(roundTrip(NSMake<NSNumber>(std::nan(""))).as<NSNumber>()->doubleValue()));
   EXPECT_FALSE(roundTrip(nullptr));
