@@ -15,15 +15,17 @@
 /// Objects stand in the table once, however often they are referred to: strings, numbers and data
 /// as they are, others as records of their keys with a reference to the record of their class. Keys
 /// that begin with "$" get another one in front. Equal strings, numbers and data become one object,
-/// so that an archive that is read and written again has the same bytes.
+/// so that an archive that is read and written again has the same bytes. Members of a set, or keys,
+/// that have been changed and are equal now become one, too.
 ///
 /// These can be archived: strings, numbers, data, `NSNull`, arrays, sets, dictionaries, `NSURL`,
 /// `NSLocale`, the contents of other subclasses of these, and what derives from `NSCoding`. All
 /// else raises `NSInvalidArchiveOperationException`, and so does what could not be read again: a
 /// graph of more than 500 objects in each other, an object that contains itself, such as a part
-/// that writes its owner, and a second value for one key of an object. A collection that is changed
-/// while its elements are encoded raises `NSGenericException`. An archiver that has raised cannot
-/// be used further.
+/// that writes its owner, and a second value for one key of an object. What it does not look at is
+/// how often reading will hash long texts that can change (`NSKeyedUnarchiver`). A collection that
+/// is changed while its elements are encoded raises `NSGenericException`. An archiver that has
+/// raised cannot be used further.
 class NS_EXPORT NSKeyedArchiver : public NSCoder {
  public:
   /// Archives one object, under the key "root". Nil is archived as nil. There is no form with an

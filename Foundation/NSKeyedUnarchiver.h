@@ -21,8 +21,9 @@
 /// Memory and time are proportional to the bytes, memory for the platform's classes some hundred
 /// times at most; time but for keys and members of sets with equal hashes, which are compared with
 /// each other, and for URLs of one long text, each of which parses it. A long text that cannot
-/// change is hashed once. Others that keys, members of sets and classes of the program hash may add
-/// up to 64 MiB and 256 times the bytes of the archive; more raise. 512 KiB of stack are enough.
+/// change is hashed once, an `NSMutableString` once for each collection. Others that keys, members
+/// of sets and classes of the program hash may add up to 64 MiB and 256 times the bytes of the
+/// archive; more raise. 512 KiB of stack are enough.
 class NS_EXPORT NSKeyedUnarchiver : public NSCoder {
  public:
   /// Reads the object under the key "root"; gives nil when there is none.

@@ -14,6 +14,7 @@
 #include <Foundation/NSSet.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSURL.h>
+#include <Foundation/Objects/HashMemo.h>
 
 namespace {
 
@@ -38,7 +39,9 @@ template <class Set>
 NSArchivedClass setClass(const char16_t* name) {
   return {NSClass::of<Set>(), name, encodeElements<Set>,
           [](NSKeyedUnarchiver& coder) -> NSRef<NSObject> {
-            return NSMake<Set>(NSMake<NSArray>(coder.decodeObjectsForKey(u"NS.objects"_ns)));
+            const auto members = NSMake<NSArray>(coder.decodeObjectsForKey(u"NS.objects"_ns));
+            const NSHashMemo::Filling filling;
+            return NSMake<Set>(members);
           }};
 }
 
@@ -56,6 +59,7 @@ NSArchivedClass dictionaryClass(const char16_t* name) {
             const auto keys = coder.decodeObjectsForKey(u"NS.keys"_ns);
             const auto values = coder.decodeObjectsForKey(u"NS.objects"_ns);
             if (keys.size() != values.size()) raiseBroken("a dictionary has keys without objects");
+            const NSHashMemo::Filling filling;
             const auto dictionary = NSMake<NSMutableDictionary>();
             for (std::size_t k = 0; k < keys.size(); ++k) {
               dictionary->setObject_forKey(values[k], keys[k]);

@@ -139,15 +139,17 @@ struct NSKeyedArchiver::Archive {
       remember(object, number);
       return number;
     }
+    // What the object does while it is encoded may change the caller's own reference.
+    const NSRef<NSObject> kept = object;
     const Reference record = list.dictionary();
     const std::uint32_t number = append(record);
-    remember(object, number);
+    remember(kept, number);
     heights[number] = isBeingWritten;
     const unsigned outer = std::exchange(tallest, 0);
-    encodeRecord(NSRef<NSObject>(object), coding, record, coder);
+    encodeRecord(kept, coding, record, coder);
     heights[number] = static_cast<std::uint16_t>(tallest + 1);
     tallest = outer;
-    noteHeight(heights[number], *object);
+    noteHeight(heights[number], *kept);
     return number;
   }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <unordered_map>
 #include <utility>
 
@@ -185,8 +186,16 @@ struct NSKeyedUnarchiver::Archive {
     const std::u16string& name = className(record);
     if (depth > NSMostNestedObjects) raiseTooDeep();
     slot.object = make(name, coder);
+    rememberLongText(slot.object.get());
     slot.height = static_cast<std::uint16_t>(frame.tallest + 1);
     slot.state = State::isRead;
+  }
+
+  // Its hash, which all members of a set that have the text ask for.
+  void rememberLongText(const NSObject* object) {
+    if (object == nullptr || typeid(*object) != typeid(NSMutableString)) return;
+    const std::size_t units = static_cast<const NSMutableString*>(object)->length();
+    if (units * sizeof(char16_t) >= NSHashMemo::shortest) hashes.addChangeable(*object);
   }
 
   const std::u16string& className(Index record) {

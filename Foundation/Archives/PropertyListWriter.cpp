@@ -49,7 +49,8 @@ void appendHead(std::string& bytes, Kind kind, std::size_t count) {
 
 Reference NSPropertyListWriter::value(std::size_t start, bool isShared) {
   const std::string_view bytes = std::string_view(_values).substr(start);
-  const NSUInteger hash = NSHashText(bytes);
+  // What is not shared gets a hash that nobody looks for: many equal ones would be passed by.
+  const NSUInteger hash = isShared ? NSHashText(bytes) : start;
   const auto isSame = [&](std::size_t position) {
     const std::size_t end = position + 1 < _starts.size() ? _starts[position + 1] : start;
     return std::string_view(_values).substr(_starts[position], end - _starts[position]) == bytes;
@@ -134,9 +135,13 @@ void NSPropertyListWriter::append(Reference array, Reference element) {
 
 bool NSPropertyListWriter::add(Reference dictionary, Reference key, Reference value) {
   auto& entries = _containers[dictionary ^ containerBit].references;
-  for (std::size_t at = 0; at < entries.size(); at += 2) {
+  constexpr std::size_t mostSearched = 64;
+  const auto entryOf = [=](Reference each) { return std::uint64_t{dictionary} << 32U | each; };
+  for (std::size_t at = 0; at < entries.size() && entries.size() <= mostSearched; at += 2) {
     if (entries[at] == key) return false;
+    if (entries.size() == mostSearched) _entries.insert(entryOf(entries[at]));
   }
+  if (entries.size() >= mostSearched && !_entries.insert(entryOf(key)).second) return false;
   entries.insert(entries.end(), {key, value});
   return true;
 }

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include <Foundation/detail/HashIndex.h>
@@ -52,4 +53,6 @@ class NSPropertyListWriter {
   std::vector<std::size_t> _starts;
   NSHashIndex _index;
   std::vector<Container> _containers;
+  // The keys of large dictionaries, each with its dictionary.
+  std::unordered_set<std::uint64_t> _entries;
 };

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 #include <Foundation/NSObject.h>
 
@@ -18,6 +19,8 @@ class NSHashMemo {
 
   /// Remembers the hash of an object that outlives the memo and is never changed.
   void add(const NSObject& object) { _hashes.try_emplace(&object); }
+  /// Remembers the hash of one that may be changed, for as long as a collection is being filled.
+  void addChangeable(const NSObject& object) { _changeable.try_emplace(&object); }
 
   /// Gives the hash of an object of so many bytes, by the memo that the thread uses. Raises
   /// `NSInvalidUnarchiveOperationException` when that has spent its budget.
@@ -42,12 +45,27 @@ class NSHashMemo {
     NSHashMemo* const _former;
   };
 
+  /// Tells the memo that the thread uses that a collection is being filled, as long as it lives.
+  class Filling {
+   public:
+    Filling() noexcept { _current->_isFilling = true; }
+    Filling(const Filling&) = delete;
+    ~Filling() { _current->endFilling(); }
+  };
+
  private:
+  using Hashes = std::unordered_map<const NSObject*, std::optional<NSUInteger>>;
+
   // Gives the place of a hash that is remembered; else spends the bytes.
   std::optional<NSUInteger>* find(const NSObject& object, std::size_t bytes);
+  void endFilling() noexcept;
 
   static thread_local NSHashMemo* _current;
 
-  std::unordered_map<const NSObject*, std::optional<NSUInteger>> _hashes;
+  Hashes _hashes;
+  Hashes _changeable;
+  bool _isFilling = false;
+  // Those of changeable objects that are known until the collection is filled.
+  std::vector<std::optional<NSUInteger>*> _known;
   std::size_t _budget;
 };
