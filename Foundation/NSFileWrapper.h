@@ -52,9 +52,10 @@ class NS_EXPORT NSFileWrapper : public NSObject {
   /// there is nothing at the place of a directory for a moment.) A directory also replaces a
   /// regular file, as a document may become one. A regular file in the place of a directory is
   /// refused, and both are in that of a pipe, device or socket. So is a name that no file can have
-  /// ("a/b", ".."). What has permissions keeps them; a document without has those of the one
-  /// before, if that is of the same kind. `NSFileWrapperWritingWithNameUpdating` is the only option
-  /// with a meaning. The URL of the original means nothing.
+  /// ("a/b", ".."), and that of a place that ends with "." or ".." or is not UTF-8. What has
+  /// permissions keeps them; a document without has those of the one before, if that is of the same
+  /// kind. `NSFileWrapperWritingWithNameUpdating` is the only option with a meaning. The URL of the
+  /// original means nothing.
   bool writeToURL_options_originalContentsURL_error(const NSRef<NSURL>& url, NSUInteger options,
                                                     const NSRef<NSURL>& original,
                                                     NSRef<NSError>* error);

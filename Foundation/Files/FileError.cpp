@@ -20,7 +20,7 @@ constexpr std::array<Codes, 11> codes = {{
     {EACCES, NSFileReadNoPermissionError, NSFileWriteNoPermissionError},
     {EPERM, NSFileReadNoPermissionError, NSFileWriteNoPermissionError},
     {ENAMETOOLONG, NSFileReadInvalidFileNameError, NSFileWriteInvalidFileNameError},
-    {EILSEQ, NSFileReadInvalidFileNameError},
+    {EILSEQ, NSFileReadInvalidFileNameError, NSFileWriteInvalidFileNameError},
     {EFBIG, NSFileReadTooLargeError},
     {ENOMEM, NSFileReadTooLargeError},
     {EEXIST, NSFileReadUnknownError, NSFileWriteFileExistsError},

@@ -16,12 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-NSRef<NSString> nameOf(const fs::path& path) {
-  const std::string name = path.filename().native();
-  if (!NSIsWellFormedUTF8(name)) NSFailWithPath(path, EILSEQ);
-  return NSMake<NSString>(name);
-}
-
 NSRef<NSDictionary> permissionsOf(mode_t mode) {
   return NSMake<NSDictionary>({{NSFilePosixPermissions(), NSMake<NSNumber>(mode & 0777U)}});
 }
@@ -34,7 +28,7 @@ NSRef<NSFileWrapper> readTree(const fs::path& path) {
   } else if (S_ISDIR(status.st_mode)) {
     const auto children = NSMake<NSMutableDictionary>();
     for (const fs::path& child : NSPathsIn(path)) {
-      children->setObject_forKey(readTree(child), nameOf(child));
+      children->setObject_forKey(readTree(child), NSNameOf(child));
     }
     wrapper = NSMake<NSFileWrapper>(children);
   } else if (S_ISLNK(status.st_mode)) {
@@ -43,7 +37,7 @@ NSRef<NSFileWrapper> readTree(const fs::path& path) {
   } else {
     NSFailWithPath(path, ENOTSUP);
   }
-  const auto name = nameOf(path);
+  const auto name = NSNameOf(path);
   wrapper->setPreferredFilename(name);
   wrapper->setFilename(name);
   wrapper->setFileAttributes(permissionsOf(status.st_mode));

@@ -78,15 +78,21 @@ void replaceByDirectory(const fs::path& place, const NSFileWrapper& wrapper) {
 
 }  // namespace
 
-void NSWriteFileTree(const NSFileWrapper& wrapper, const fs::path& path) {
+NSRef<NSString> NSWriteFileTree(const NSFileWrapper& wrapper, const fs::path& path) {
   if (const auto unusable = unusablePath(wrapper)) {
     throw NSFileRefusal{NSFileWriteInvalidFileNameError,
                         NSMake<NSString>((path / *unusable).native()),
                         "No file can have this name"};
   }
-  if (!wrapper.isDirectory()) {
-    return NSWriteFile(path, wrapper.regularFileContents()->bytes(),
-                       NSPermissionsIn(wrapper.fileAttributes()));
-  }
-  NSAtPlace(path, [&](const fs::path& place) { replaceByDirectory(place, wrapper); });
+  // A document that replaced what "." and ".." lead to could take far more than was meant.
+  const fs::path last = path.has_filename() ? path : path.parent_path();
+  if (NSIsDots(last.filename())) NSFailWithPath(path, EINVAL);
+  NSRef<NSString> name;
+  NSAtPlace(path, [&](const fs::path& place) {
+    name = NSNameOf(place);
+    if (wrapper.isDirectory()) return replaceByDirectory(place, wrapper);
+    NSWriteFile(place, wrapper.regularFileContents()->bytes(),
+                NSPermissionsIn(wrapper.fileAttributes()));
+  });
+  return name;
 }

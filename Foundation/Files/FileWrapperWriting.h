@@ -4,5 +4,5 @@
 
 #include <Foundation/NSFileWrapper.h>
 
-/// Writes the file or folder, as `NSFileWrapper` tells.
-void NSWriteFileTree(const NSFileWrapper& wrapper, const std::filesystem::path& path);
+/// Writes the file or folder, as `NSFileWrapper` tells, and gives the name under which it stands.
+NSRef<NSString> NSWriteFileTree(const NSFileWrapper& wrapper, const std::filesystem::path& path);

@@ -66,14 +66,11 @@ bool NSFileWrapper::writeToURL_options_originalContentsURL_error(const NSRef<NSU
                                                                  const NSRef<NSURL>& /*original*/,
                                                                  NSRef<NSError>* error) {
   if (!url) NSRaiseNilArgument("url", "writeToURL:options:originalContentsURL:error:");
-  const bool isWritten = NSReportFailure(error, NSFileUse::writing, [&] {
-    NSWriteFileTree(*this, NSPathOfFile(url, NSFileUse::writing));
-    return true;
+  const auto name = NSReportFailure(error, NSFileUse::writing, [&] {
+    return NSWriteFileTree(*this, NSPathOfFile(url, NSFileUse::writing));
   });
-  if (isWritten && (options & NSFileWrapperWritingWithNameUpdating) != 0) {
-    setWrittenName(url->lastPathComponent());
-  }
-  return isWritten;
+  if (name && (options & NSFileWrapperWritingWithNameUpdating) != 0) setWrittenName(name);
+  return name != nullptr;
 }
 
 void NSFileWrapper::setWrittenName(const NSRef<NSString>& name) {

@@ -69,6 +69,8 @@ void writeFile(const fs::path& path, std::u16string_view text, NSStringEncoding 
 template <class Name>
 NSRef<NSString> read(const NSRef<Name>& file, const NSStringEncoding* known, NSStringEncoding* used,
                      NSRef<NSError>* error) {
+  // An unknown one raises, whatever becomes of the file.
+  if (known != nullptr) (void)NSNameOfEncoding(*known);
   return NSReportFailure(error, NSFileUse::reading, [&] {
     return readFile(NSPathOfFile(file, NSFileUse::reading), known, used);
   });

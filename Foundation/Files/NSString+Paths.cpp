@@ -130,7 +130,7 @@ NSRef<NSString> NSString::stringByDeletingPathExtension() const {
 
 NSRef<NSString> NSString::stringByAppendingPathExtension(const NSRef<NSString>& extension) const {
   const View path = withoutTrailingSlashes(view());
-  if (!hasName(path) || NSViewOf(extension).empty()) return share(this);
+  if (!hasName(path) || NSViewOf(extension).empty()) return copy();
   auto result = NSMake<NSMutableString>(path);
   result->appendUnits(u".");
   result->appendString(extension);

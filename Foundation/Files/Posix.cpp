@@ -96,6 +96,12 @@ std::vector<fs::path> NSPathsIn(const fs::path& folder) {
 
 bool NSIsDots(const fs::path& name) { return name == "." || name == ".."; }
 
+NSRef<NSString> NSNameOf(const fs::path& path) {
+  const std::string name = path.filename().native();
+  if (!NSIsWellFormedUTF8(name)) NSFailWithPath(path, EILSEQ);
+  return NSMake<NSString>(name);
+}
+
 fs::path NSWithoutEnd(fs::path path) {
   while (path.has_parent_path() && path != "/" &&
          (!path.has_filename() || path.filename() == ".")) {

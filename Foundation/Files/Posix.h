@@ -67,6 +67,9 @@ auto NSWithinMemory(const std::filesystem::path& path, F operation) -> decltype(
 /// Whether it is "." or "..", names that every directory has besides its own.
 [[nodiscard]] bool NSIsDots(const std::filesystem::path& name);
 
+/// Gives the last name of a path; one that is not UTF-8 fails with EILSEQ.
+[[nodiscard]] NSRef<NSString> NSNameOf(const std::filesystem::path& path);
+
 /// Gives the path without "/" and "." at the end.
 [[nodiscard]] std::filesystem::path NSWithoutEnd(std::filesystem::path path);
 

@@ -79,7 +79,9 @@ TEST(NSFileWrapper, SavesAndLoadsADocument) {
   // Through a link, and a directory in the place of a file.
   fs::create_symlink(place, folder / "link");
   fs::permissions(place, fs::perms{0705});
-  EXPECT_EQ(write(directory({}), folder / "link"), 0);
+  const auto other = directory({});
+  EXPECT_EQ(write(other, folder / "link", NSFileWrapperWritingWithNameUpdating), 0);
+  EXPECT_EQ(other->filename()->utf8(), "document");
   EXPECT_TRUE(fs::is_symlink(folder / "link") && fs::is_empty(place));
   EXPECT_EQ(fs::status(place).permissions(), fs::perms{0705});
   fs::remove(place);
@@ -107,6 +109,7 @@ TEST(NSFileWrapper, RefusesWhatNoFileCanBe) {
   }
   EXPECT_EQ(write(directory({file("", std::string(256, 'x').c_str())}), folder / "a"),
             NSFileWriteInvalidFileNameError);
+  EXPECT_EQ(write(file("x"), folder / "\xFF"), NSFileWriteInvalidFileNameError);
   EXPECT_EQ(write(file("x"), folder / "no/a"), NSFileNoSuchFileError);
   EXPECT_EQ(write(file("x"), "/"), NSFileWriteUnknownError);
   EXPECT_TRUE(namesIn(folder.path()).empty());
@@ -142,6 +145,9 @@ TEST(NSFileWrapper, RefusesToReplaceWhatItCannotBe) {
     for (const std::string name : {"pipe", "link"}) {
       EXPECT_EQ(shownFailure(errorOfWriting(wrapper, folder / name)),
                 "512 Operation not supported: " + name);
+    }
+    for (const std::string name : {"folder/.", "folder/in/..", "folder/in/../"}) {
+      EXPECT_EQ(errorOfWriting(wrapper, folder / name)->code(), NSFileWriteUnknownError);
     }
   }
   EXPECT_TRUE(fs::is_fifo(folder / "pipe"));

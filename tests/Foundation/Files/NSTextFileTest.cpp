@@ -85,6 +85,7 @@ TEST(NSTextFile, ReadsInAGivenEncoding) {
   EXPECT_EQ(readAs(NSUTF8StringEncoding), nullptr);
   EXPECT_EQ(error->description()->utf8(),
             "NSCocoaErrorDomain 261: Not UTF-8 at byte 0 (" + (folder / "text").native() + ")");
+  fs::remove(folder / "text");
   expectRaises(NSInvalidArgumentException, "7 is no known encoding",
                [&] { (void)readAs(static_cast<NSStringEncoding>(7)); });
 }

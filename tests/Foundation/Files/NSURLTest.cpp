@@ -115,6 +115,10 @@ TEST(NSPath, IsTakenApart) {
                      whole->stringByAppendingPathExtension(u"x"_ns)),
               results);
   }
+  const auto changing = NSMake<NSMutableString>("a");
+  const auto kept = changing->stringByAppendingPathExtension(nullptr);
+  changing->appendString(kept);
+  EXPECT_EQ(kept, u"a");
   for (const auto& [folder, name, result] :
        Rows<const char*, const char*, const char*>{{"/tmp", "a", "/tmp/a"},
                                                    {"/tmp//", "/a/b/", "/tmp/a/b"},
