@@ -189,6 +189,33 @@ TEST(ZKTextFinder, ReplacesWhatAPatternMatchesBackwards) {
   }
 }
 
+TEST(ZKTextFinder, ReplacesOneByOneWhatItReplacesAtOnce) {
+  const NSUInteger pattern = ZKRegularExpressionSearch;
+  for (const auto& [needle, options, replacement, units] :
+       Rows<const char*, NSUInteger, const char*, const char*>{
+           {"ring", NSCaseInsensitiveSearch, "RING", "ring, rings"},
+           {"e\u0301", 0, "é", "éé"},
+           {"a+", pattern, "a$0", "aba"},
+           {"$", pattern, ";", "a\nb"},
+           {"x*", pattern, "-", "abc"},
+           {"(?=b)", pattern, "-", "abab"},
+           {"^", pattern, "", "a\nb"}}) {
+    const auto finder = NSMake<ZKTextFinder>(string(needle), options);
+    finder->setWraps(false);
+    const auto text = NSMake<NSMutableString>(units);
+    const auto other = text->mutableCopy();
+    NSRange place;
+    NSUInteger count = 0;
+    while (count < 9 && finder->replaceNextInString_withString_selectedRange(
+                            text, string(replacement), &place)) {
+      ++count;
+    }
+    EXPECT_EQ(finder->replaceAllInString_withString_selectedRange(other, string(replacement)),
+              count);
+    EXPECT_EQ(text, other) << needle;
+  }
+}
+
 TEST(ZKTextFinder, ReplacesOneByOne) {
   const auto text = NSMake<NSMutableString>(u"ring, rings, Ring");
   const auto finder = NSMake<ZKTextFinder>(
@@ -219,6 +246,9 @@ TEST(ZKTextFinder, ReplacesOneByOne) {
   finder->setNeedle(nullptr);
   EXPECT_FALSE(finder->nextMatchInString_selectedRange(text, {0, 0}));
   EXPECT_FALSE(finder->needleError());
+  // A needle of one word may be equivalent to text of more.
+  const auto start = NSMake<ZKTextFinder>(u"\u2260\u2260"_ns, 0, ZKWordCompareStart);
+  EXPECT_EQ(start->matchesInString(u"+=\u0338=\u0338=\u0338"_ns), (std::vector<NSRange>{{3, 4}}));
   finder->setNeedle(u"[a"_ns);
   EXPECT_EQ(finder->needleError()->code(), ZKTextFinderInvalidNeedle);
   refusesNil("string", "matchesInString:", [&] { (void)finder->matchesInString(nullptr); });

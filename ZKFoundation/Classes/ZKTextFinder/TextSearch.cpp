@@ -1,6 +1,7 @@
 #include "ZKFoundation/Classes/ZKTextFinder/TextSearch.h"
 
 #include <Foundation/NSUnicode.h>
+#include <Foundation/Text/NormalForm.h>
 
 using ZKFoundationExtensions::rangeOfWordContainingCharacter;
 
@@ -25,9 +26,14 @@ ZKTextSearch::ZKTextSearch(const Subject& subject, const NSRef<NSString>& string
   } else {
     const bool mindsStart =
         _subject.condition == ZKWordCompareWhole || _subject.condition == ZKWordCompareStart;
-    // What overlaps a part of a word that begins in it does not begin with the word.
-    _mayOverlap =
-        _subject.condition == ZKWordCompareEnd || (mindsStart && !isWithinWord(_subject.needle));
+    // What overlaps a part of a word that begins in it does not begin with the word. What is
+    // equivalent to the needle may have other words: "≠" has none, "=" with a mark has two.
+    const auto isPart = [&] {
+      const NSRef<NSString>& needle = _subject.needle;
+      return isWithinWord(needle) &&
+             isWithinWord(NSMake<NSString>(NSNormalForm(needle->view(), _options)));
+    };
+    _mayOverlap = _subject.condition == ZKWordCompareEnd || (mindsStart && !isPart());
   }
 }
 
@@ -104,10 +110,10 @@ NSRange ZKTextSearch::last(NSRange range) {
   return match;
 }
 
-NSRange ZKTextSearch::next(NSRange selection, bool wraps) {
+NSRange ZKTextSearch::next(NSRange selection, bool wraps, bool standsForEmpty) {
   const NSUInteger end = NSMaxRange(selection);
   const NSRange all = {0, text().size()};
-  if (selection.length == 0) _passedBy = selection.location;
+  if (selection.length == 0 || standsForEmpty) _passedBy = _isBackwards ? selection.location : end;
   const NSRange match =
       nearest(_isBackwards ? NSRange{0, selection.location} : NSRange{end, all.length - end});
   _passedBy = NSNotFound;

@@ -37,8 +37,9 @@ class ZKTextSearch {
   [[nodiscard]] NSRange last(NSRange range);
   /// Gives the first match there, or the last one when the search goes backwards.
   [[nodiscard]] NSRange nearest(NSRange range) { return _isBackwards ? last(range) : first(range); }
-  /// Gives the match next to the selection, as `ZKTextFinder` promises.
-  [[nodiscard]] NSRange next(NSRange selection, bool wraps);
+  /// Gives the match next to the selection, as `ZKTextFinder` promises. An empty match at the end
+  /// of a selection that stands for one is passed by, as at an empty selection.
+  [[nodiscard]] NSRange next(NSRange selection, bool wraps, bool standsForEmpty = false);
   /// Whether the range is that of a match; then the pattern's groups are those of it.
   [[nodiscard]] bool isMatch(NSRange range);
   /// Calls `visit` with the matches from left to right, each search starting where the last match

@@ -44,6 +44,7 @@ ZKTextFinder::~ZKTextFinder() = default;
 void ZKTextFinder::setNeedle(const NSRef<NSString>& needle) {
   _needle = needle ? needle->copy() : u""_ns;
   _pattern = nullptr;
+  _written.range = NSNotFoundRange;
 }
 
 void ZKTextFinder::setOptions(NSOptions<NSStringCompareOptions> options) {
@@ -115,8 +116,10 @@ bool ZKTextFinder::replaceNextInString_withString_selectedRange(
   return search(string, error, [&](ZKTextSearch& search) {
     const ZKTextReplacement substitute(NSViewOf(replacement), pattern());
     NSRange match = *selectedRange;
-    if (!search.isMatch(match)) {
-      match = search.next(match, _wraps);
+    const bool isWritten = match == _written.range &&
+                           search.text().substr(match.location, match.length) == _written.text;
+    if (isWritten || !search.isMatch(match)) {
+      match = search.next(match, _wraps, isWritten && _written.isOfEmptyMatch);
       // Again, as the pattern's latest match may be another.
       if (match == NSNotFoundRange || !search.isMatch(match)) return false;
     }
@@ -124,6 +127,7 @@ bool ZKTextFinder::replaceNextInString_withString_selectedRange(
     substitute.appendTo(text, string->view());
     string->units().replace(match.location, match.length, text.view());
     *selectedRange = {match.location, text.size()};
+    _written = {*selectedRange, NSMake<NSString>(text.view()), match.length == 0};
     return true;
   });
 }

@@ -92,8 +92,10 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
                                                      NSRef<NSError>* error = nullptr) const;
 
   /// Replaces the selection if it is a match, or else the next match, and selects what stands there
-  /// now; so it is called again for the one after it. Gives whether there was one. In the
-  /// replacement for a regular expression "$1" and "${name}" stand for groups, "\\$" for the sign.
+  /// now; so it is called again for the one after it: a selection that this finder's last
+  /// replacement has made is passed by, even where it is a match. Gives whether there was one. In
+  /// the replacement for a regular expression "$1" and "${name}" stand for groups, "\\$" for the
+  /// sign.
   bool replaceNextInString_withString_selectedRange(const NSRef<NSMutableString>& string,
                                                     const NSRef<NSString>& replacement,
                                                     NSRange* selectedRange,
@@ -119,4 +121,11 @@ class ZK_EXPORT ZKTextFinder : public NSObject {
   NSDelay _timeLimit = 1;
   // The needle as a regular expression, once it has been used as one.
   mutable std::unique_ptr<NSRegularExpression> _pattern;
+  // What the last replacement of one match has put where.
+  struct Written {
+    NSRange range;
+    NSRef<NSString> text;
+    bool isOfEmptyMatch;
+  };
+  mutable Written _written{NSNotFoundRange, nullptr, false};
 };
