@@ -39,7 +39,9 @@ class NSRef {
   requires std::convertible_to<U*, T*> NSRef(NSRef<U>&& other)
   noexcept : _object(other.leak()) {}
 
-  NSRef& operator=(NSRef other) noexcept {
+  /// Refers to another object. What an element is read into is no place to assign to: `array[0] =
+  /// x` does not compile.
+  NSRef& operator=(NSRef other) & noexcept {
     std::swap(_object, other._object);
     return *this;
   }

@@ -92,9 +92,17 @@ struct NSSelectorTrampoline {
   static void call(void (T::*method)(), Object receiver, Object /*argument*/) {
     (receiverAs<T>(receiver).*method)();
   }
+  template <class T>
+  static void call(void (T::*method)() const, Object receiver, Object /*argument*/) {
+    (receiverAs<const T>(receiver).*method)();
+  }
   template <class T, class A>
   static void call(void (T::*method)(const NSRef<A>&), Object receiver, Object argument) {
     (receiverAs<T>(receiver).*method)(argumentAs<A>(argument));
+  }
+  template <class T, class A>
+  static void call(void (T::*method)(const NSRef<A>&) const, Object receiver, Object argument) {
+    (receiverAs<const T>(receiver).*method)(argumentAs<A>(argument));
   }
   template <class A>
   static void call(void (*function)(const NSRef<A>&), Object /*receiver*/, Object argument) {

@@ -147,7 +147,7 @@ class NS_EXPORT NSString : public NSObject {
   /// Finds the first occurrence in the range, or gives `NSNotFoundRange`; nil and empty strings are
   /// not found. Options are the bits of `NSStringCompareOptions`. Without `NSLiteralSearch`
   /// canonically equivalent text matches ("é" finds "e" followed by U+0301, a longer match), and no
-  /// match cuts a composed character in two ("e" does not find it).
+  /// match divides a letter and its marks ("e" does not find it).
   [[nodiscard]] NSRange rangeOfString_options_range(const NSRef<NSString>& string,
                                                     NSOptions<NSStringCompareOptions> options,
                                                     NSRange range) const;
@@ -360,7 +360,7 @@ struct NSLiteral {
 template <NSLiteral literal>
 [[nodiscard]] const NSRef<NSString>& NSConstantString() {
   static const NSNeverDestroyed<NSRef<NSString>> string(
-      NSMake<NSString>(std::u16string_view(literal.units.data())));
+      NSMake<NSString>(std::u16string_view(literal.units.data(), literal.units.size() - 1)));
   return *string;
 }
 

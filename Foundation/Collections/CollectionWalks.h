@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include <Foundation/Collections/NestedCollections.h>
 #include <Foundation/NSBlock.h>
 #include <Foundation/NSException.h>
 #include <Foundation/NSObject.h>
@@ -22,20 +23,28 @@ void NSAppendDescriptions(NSUnitBuffer& text, const Collection& collection,
   }
 }
 
-/// Joins the descriptions of the objects by ", ", in brackets.
+/// Joins the descriptions of the objects by ", ", in brackets. Of a collection in itself they hold
+/// "…" alone.
 template <class Collection>
 [[nodiscard]] NSRef<NSString> NSDescribeObjects(std::u16string_view opening,
                                                 const Collection& collection,
                                                 std::u16string_view closing) {
+  const NSDescribing describing(collection);
   NSUnitBuffer text(opening);
-  NSAppendDescriptions(text, collection, u", ");
+  if (describing.isWithin()) {
+    text.append(u"…");
+  } else {
+    NSAppendDescriptions(text, collection, u", ");
+  }
   text.append(closing);
   return NSMake<NSString>(std::move(text));
 }
 
-/// Gives "{a = 1; b = 2}".
+/// Gives "{a = 1; b = 2}", and "{…}" of a collection in itself.
 template <class Collection>
 [[nodiscard]] NSRef<NSString> NSDescribeEntries(const Collection& collection) {
+  const NSDescribing describing(collection);
+  if (describing.isWithin()) return u"{…}"_ns;
   NSUnitBuffer text(u"{");
   for (const auto& [key, object] : collection) {
     if (text.size() > 1) text.append(u"; ");

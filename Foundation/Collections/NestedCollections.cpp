@@ -115,6 +115,7 @@ class Comparing {
 };
 
 thread_local Comparison* current = nullptr;
+thread_local const NSDescribing* describing = nullptr;
 
 bool compareOutermost(const NSRef<NSObject>& b,
                       NSBlockRef<bool(const NSRef<NSObject>&)> isEqualTo) {
@@ -190,4 +191,16 @@ bool NSCompareCollections(const NSObject& a, const NSRef<NSObject>& b,
   }
   comparing.end(pair, isEqual);
   return isEqual;
+}
+
+NSDescribing::NSDescribing(const NSObject& collection) noexcept
+    : _collection(collection), _outer(std::exchange(describing, this)) {}
+
+NSDescribing::~NSDescribing() { describing = _outer; }
+
+bool NSDescribing::isWithin() const noexcept {
+  for (const NSDescribing* each = _outer; each != nullptr; each = each->_outer) {
+    if (&each->_collection == &_collection) return true;
+  }
+  return false;
 }

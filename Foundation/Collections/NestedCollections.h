@@ -5,8 +5,9 @@
 #include <Foundation/NSBlock.h>
 #include <Foundation/detail/ObjectMap.h>
 
-// Hashes and comparisons of collections that may be in each other, and shared: where each of n
-// levels holds the next one twice, a walk over all of them would visit the last one 2^n times.
+// Hashes, comparisons and descriptions of collections that may be in each other, and shared: where
+// each of n levels holds the next one twice, a walk over all of them would visit the last one 2^n
+// times.
 
 /// The most objects that one hash asks for theirs, in collections in each other altogether.
 inline constexpr std::size_t NSMostHashedObjects = 64;
@@ -27,3 +28,18 @@ inline constexpr std::size_t NSMostHashedObjects = 64;
 /// outermost call each pair of collections that others may hold as well is compared once.
 [[nodiscard]] bool NSCompareCollections(const NSObject& a, const NSRef<NSObject>& b,
                                         NSBlockRef<bool(const NSRef<NSObject>&)> isEqualTo);
+
+/// Tells that the thread describes a collection, as long as it lives.
+class NSDescribing {
+ public:
+  explicit NSDescribing(const NSObject& collection) noexcept;
+  NSDescribing(const NSDescribing&) = delete;
+  ~NSDescribing();
+
+  /// Whether the collection is in itself: a description of it goes on already.
+  [[nodiscard]] bool isWithin() const noexcept;
+
+ private:
+  const NSObject& _collection;
+  const NSDescribing* const _outer;
+};

@@ -18,7 +18,9 @@ auto orderingBy(ZKCompareFunction compare, void* context) {
 ZKPlaces ZKSortedStrings(ZKObjects objects) {
   std::vector<std::u16string_view> texts;
   texts.reserve(objects.size());
-  for (const auto& object : objects) texts.push_back(ZKChecked(object.cast<NSString>())->view());
+  for (const auto& object : objects) {
+    texts.push_back(ZKChecked(object.cast<NSString>(), object)->view());
+  }
   return NSSortedPlaces(texts);
 }
 

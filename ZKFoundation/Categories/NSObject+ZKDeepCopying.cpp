@@ -48,9 +48,11 @@ namespace ZKFoundationExtensions {
 NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zone,
                                       ZKCopySpec copySpec) {
   NSCheckArgument("copyWithZone:copySpec:", "object", object);
+  // What it answers may change the caller's own reference.
+  const NSRef<NSObject> kept = object;
   const auto& copyable =
-      checkedDeepCopyable(object, u"Cannot copy object using copyWithZone:copySpec:");
-  const auto [own, sub] = specsFor(object, copyable, copySpec);
+      checkedDeepCopyable(kept, u"Cannot copy object using copyWithZone:copySpec:");
+  const auto [own, sub] = specsFor(kept, copyable, copySpec);
   const auto table = referenceTable();
   if (!table) return nullptr;
   return copyable.copyWithZone_refTable_copySpec_subCopySpec(zone, table, own, sub);

@@ -70,7 +70,8 @@ class ZKMethodSort {
       if (_method == &NSString::compare) return ZKSortedStrings(objects);
     }
     return ZKSortedPlaces(
-        objects, [](const auto& object) { return ZKChecked(object.template cast<Receiver>()); },
+        objects,
+        [](const auto& object) { return ZKChecked(object.template cast<Receiver>(), object); },
         [method = _method](Receiver* a, Receiver* b) {
           return ZKSign(ZKCompareByMethod<Argument>(*a, method, b));
         });

@@ -106,11 +106,13 @@ std::size_t ZKCountBefore(const Value* values, std::size_t count, const Object& 
   return static_cast<std::size_t>(low - values) + isAfter(*low);
 }
 
-/// Gives the object that a method needs; null raises `NSInvalidArgumentException`.
+/// Gives an element cast to the class that a method needs. Where it is none, or nil, raises
+/// `NSInvalidArgumentException`.
 template <class T>
-[[nodiscard]] T* ZKChecked(T* object) {
+[[nodiscard]] T* ZKChecked(T* object, const NSRef<NSObject>& element) {
   if (object == nullptr) [[unlikely]] {
-    NSRaiseNilDereference(typeid(T));
+    if (!element) NSRaiseNilDereference(typeid(T));
+    NSRaiseWrongElement(element, NSClass::of<T>(), NSNotFound);
   }
   return object;
 }
@@ -150,7 +152,8 @@ class ZKMethodOrdering {
 
   auto operator()(const NSRef<NSObject>& /*object*/, const NSRef<NSObject>& element) const {
     auto* const other = element.cast<typename ZKArgument<Argument>::Class>();
-    return ZKCompareByMethod<Argument>(*ZKChecked(_receiver), _method, ZKChecked(other));
+    return ZKCompareByMethod<Argument>(*ZKChecked(_receiver, _object), _method,
+                                       ZKChecked(other, element));
   }
 
  private:

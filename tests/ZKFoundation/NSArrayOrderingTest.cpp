@@ -168,7 +168,7 @@ TEST(NSArrayOrdering, RefusesNilAndWhatDoesNotCompare) {
                "(anonymous namespace)::Item has no order of its own (in 'sortUsingKeyPath:')",
                [&] { sortUsingKeyPath(array, u"self"_ns); });
   array->addObject(u"no item"_ns);
-  const char* const reason = "(anonymous namespace)::Item is nil where an object is needed";
+  const char* const reason = "NSString is no (anonymous namespace)::Item";
   expectRaises(NSInvalidArgumentException, reason, [&] { sortUsingSelector(array, &Item::order); });
   EXPECT_EQ(array->count(), 3U);
 }

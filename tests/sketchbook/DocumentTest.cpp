@@ -80,6 +80,9 @@ TEST_F(SketchbookDocument, comesBackWithAllThatIsInIt) {
   EXPECT_EQ(shown(again->attachmentNames()), "(note 2.txt, note.txt)");
   EXPECT_EQ(contentsOf(folder / "Plan.sketch/unknown"), "kept");
   EXPECT_EQ(again->byteCount(), opened->byteCount());
+  fs::remove_all(folder / "Plan.sketch/Attachments");
+  writeFile(folder / "Plan.sketch/Attachments", "a file");
+  EXPECT_FALSE(open()->attach(note, &error));
   EXPECT_EQ(shown(again->title()), "Plan");
 }
 

@@ -222,6 +222,12 @@ NSRef<NSString> Document::attach(const NSRef<NSURL>& file, NSRef<NSError>* error
   attached->setPreferredFilename(file->lastPathComponent());
   auto folder = attachments();
   if (!folder) {
+    if (_files->fileWrappers()->objectForKey(u"Attachments"_ns)) {
+      (void)succeeds(
+          failure(DocumentIsForeign, u"%@ has a file in the place of its attachments."_ns, _url),
+          error);
+      return nullptr;
+    }
     folder = NSMake<NSFileWrapper>(NSMake<NSDictionary>());
     folder->setPreferredFilename(u"Attachments"_ns);
     _files->addFileWrapper(folder);

@@ -89,6 +89,9 @@ TEST(NSArray, EditsInPlaceAndFindsByEquality) {
   array->replaceObjectAtIndex_withObject(0, number(3));
   array->removeLastObject();
   EXPECT_EQ(array->description(), u"(3, 2, 2)");
+  array->addObject(NSMake<NSDictionary>({{u"in"_ns, array}, {u"set"_ns, NSMake<NSSet>({array})}}));
+  EXPECT_EQ(array->description(), u"(3, 2, 2, {in = (…); set = {((…))}})");
+  array->removeLastObject();
   const auto changed = array->mutableCopy();
   const auto outer = NSMake<NSIndexSet>({0, 2});
   changed->replaceObjectsAtIndexes_withObjects(outer, NSMake<NSArray>({number(7), number(8)}));

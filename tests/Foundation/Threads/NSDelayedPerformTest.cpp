@@ -53,8 +53,8 @@ TEST(NSDelayedPerform, DelaysAndCancelsAsAListWould) {
 TEST(NSDelayedPerform, FindsWhatItCancelsByIdentityAndContents) {
   DrivenClock clock;
   struct Keeper : NSObject {
-    void keep(const NSRef<NSArray>& /*array*/) { ++count; }
-    int count = 0;
+    void keep(const NSRef<NSArray>& /*array*/) const { ++count; }
+    mutable int count = 0;
   };
   const auto keeper = NSMake<Keeper>();
   const auto array = NSMake<NSMutableArray>();

@@ -39,7 +39,7 @@ TEST(NSThread, KnowsItself) {
     EXPECT_FALSE(NSThread::isMainThread());
     NSRunLoop::currentRunLoop()->performBlock([held = NSMake<Farewell>(death)] {});
     struct Idle : NSObject {
-      void idle() {}
+      void idle() const {}
     };
     // What dies last may still ask.
     struct Asking : NSObject {
