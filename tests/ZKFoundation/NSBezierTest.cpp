@@ -266,6 +266,9 @@ TEST(NSBezier, RefinesToTheTrueNearestPointAtAnyScale) {
       if (kind == 1 && k % 2 == 0) p = {v[0].x + near / scale * (v[2].x - v[0].x), v[0].y};
       if (kind == 7) v = {{{0, 0}, {-9 * scale, 0}, {2 * scale, 0}, {3 * scale, 0}}};
       if (kind == 7) p = {-3.5160623391752877 * scale + (k % 2) * near, 0};
+      // Where both derivatives are zero.
+      if (kind == 7 && k % 4 >= 2) v = {{{0, 0}, {scale, 0}, {0, 0}, {scale, 0}}};
+      if (kind == 7 && k % 4 >= 2) p = {0.5 * scale + (k % 2) * near, 0};
       double t = 7;
       const NSPoint found = ZKNearestPointOnCurveRefined(v.data(), &t, p);
       ASSERT_EQ(found, ZKBezier(v.data(), 3, t, nullptr, nullptr));
