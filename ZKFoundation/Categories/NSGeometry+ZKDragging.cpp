@@ -92,12 +92,17 @@ void keepProportions(Direction& x, Direction& y) {
     return direction.isDragged() && direction.start() != 0;
   };
   if (!isMeasure(x) && !isMeasure(y)) return;
-  const auto factorOf = [&](const Direction& direction) {
-    return isMeasure(direction) ? direction.length() / direction.start() : 0;
-  };
-  const CGFloat factor = std::max(factorOf(x), factorOf(y));
-  x.setLength(factor * x.start());
-  y.setLength(factor * y.start());
+  // By the ratio of both, which is 1 at most: how much a side grows may be beyond all doubles.
+  Direction& longer = x.start() < y.start() ? y : x;
+  Direction& shorter = x.start() < y.start() ? x : y;
+  const CGFloat ratio = shorter.start() / longer.start();
+  const CGFloat length = isMeasure(longer) ? longer.length() : 0;
+  if (isMeasure(shorter) && shorter.length() > ratio * length) {
+    longer.setLength(shorter.length() / ratio);
+  } else {
+    longer.setLength(length);
+    shorter.setLength(ratio * length);
+  }
 }
 
 // Where a side of that size begins when an end or its middle lies on the nearest guide, and that.

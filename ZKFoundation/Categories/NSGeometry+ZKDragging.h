@@ -33,8 +33,9 @@ struct ZKDraggedRect {
 ///
 /// With proportions kept, a corner makes the rectangle as large as it must be to reach p in one
 /// direction and p or further in the other; an edge resizes the other direction about its middle.
-/// A line keeps its direction, a point becomes a square. Give the rectangle and handle with which
-/// the drag began at every step: a rectangle that was dragged to a line forgets its proportions.
+/// A line keeps its direction, unless an edge is dragged across it: then it becomes a rectangle. A
+/// point becomes a square. Give the rectangle and handle with which the drag began at every step: a
+/// rectangle that was dragged to a line forgets its proportions.
 ///
 /// The centre moves the rectangle; any other index changes nothing.
 [[nodiscard]] ZK_EXPORT ZKDraggedRect ZKDragHandle(NSRect rect, NSUInteger handle, NSPoint p,

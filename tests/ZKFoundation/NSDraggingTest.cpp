@@ -174,6 +174,8 @@ TEST(ZKDragHandle, HasAnAnswerForDegenerateRectangles) {
             (ZKDraggedRect{{{0, 0}, {8, 0}}, 6}));
   EXPECT_EQ(ZKDragHandle({{0, 0}, {0, 4}}, 3, {2, 9}, {.keepsProportions = true}),
             (ZKDraggedRect{{{0, 0}, {2, 4}}, 3}));
+  EXPECT_EQ(ZKDragHandle({{0, 0}, {1e-310, 0}}, 6, {8, 5}, {.keepsProportions = true}),
+            (ZKDraggedRect{{{0, 0}, {8, 0}}, 6}));
 }
 
 TEST(ZKMapRect, GoesWithTheRectangleAroundIt) {
