@@ -49,7 +49,7 @@ NSRef<NSObject> copyWithZone_copySpec(const NSRef<NSObject>& object, NSZone* zon
                                       ZKCopySpec copySpec) {
   NSCheckArgument("copyWithZone:copySpec:", "object", object);
   // What it answers may change the caller's own reference.
-  const NSRef<NSObject> kept = object;
+  const auto kept = NSRef<NSObject>::share(object.get());
   const auto& copyable =
       checkedDeepCopyable(kept, u"Cannot copy object using copyWithZone:copySpec:");
   const auto [own, sub] = specsFor(kept, copyable, copySpec);
