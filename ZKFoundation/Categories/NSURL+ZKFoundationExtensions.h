@@ -13,8 +13,8 @@ namespace ZKFoundationExtensions {
 /// `uniqueStringWithString_forStringArray` finds it: "/d/report1.txt" beside "/d/report.pdf".
 ///
 /// Paths are compared as text, folders and all; the disk is not asked whether there is such a file.
-/// A name that ends with "." has no extension: "/d/a." beside itself gives "/d/a.1", whose path
-/// without extension another URL may well have. A URL that is no file URL is given back itself. Nil
+/// A name that ends with "." has no extension: "/d/a." beside itself gives "/d/a.1", also where
+/// there is another "/d/a" or "/d/a.1". A URL that is no file URL is given back itself. Nil
 /// for a path that is not UTF-8 or that no file can have; a nil array is empty. As of every path,
 /// the result ends with "/" if there is a directory.
 [[nodiscard]] ZK_EXPORT NSRef<NSURL> uniqueURLWithURL_forURLArray(const NSRef<NSURL>& url,
