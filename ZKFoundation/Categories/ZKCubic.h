@@ -82,14 +82,36 @@ struct ZKMotion {
   return {chord(range.low, range.low), chord(range.low, range.high), chord(range.high, range.high)};
 }
 
+/// Gives a parameter around t whose point is nearer to the given one, as far away as the second and
+/// third derivatives tell; t itself where there is none. Where the curve all but stands still the
+/// first derivative tells nothing.
+[[nodiscard, gnu::noinline]] inline double ZKNearerByBend(const ZKCubic& v, ZKVector point,
+                                                          double t) {
+  const auto [start, first, second] = ZKMotionAt(v, t);
+  const ZKVector third = (v[3] - v[0] - (v[2] - v[1]) * 3) * 6;
+  double least = dot(point - start, point - start);
+  const double apart = std::sqrt(least);
+  const double step = std::min(std::sqrt(2 * apart / std::sqrt(dot(second, second))),
+                               std::cbrt(6 * apart / std::sqrt(dot(third, third))));
+  double nearest = t;
+  for (const double other : {t - step, t + step}) {
+    if (!(other >= 0 && other <= 1)) continue;
+    const ZKVector way = point - ZKMotionAt(v, other).point;
+    if (dot(way, way) < least) least = dot(way, way), nearest = other;
+  }
+  return nearest;
+}
+
 /// Gives the parameter of the point of the curve next to the given one, by Newton's method (less
 /// the curvature) from a parameter near it.
 [[nodiscard]] inline double ZKFoot(const ZKCubic& v, ZKVector point, double t) {
   double move = 1;
   for (int step = 0; step < 4 && std::abs(move) > 0x1p-46; ++step) {
     const ZKMotion on = ZKMotionAt(v, t);
+    const ZKVector way = point - on.point;
     const double speed = dot(on.first, on.first);
-    move = speed > 0 ? dot(point - on.point, on.first) / speed : 0;
+    move = speed <= ZKSizeOf(way) ? ZKNearerByBend(v, point, t) - t : 0;
+    if (move == 0 && speed > 0) move = dot(way, on.first) / speed;
     t += move;
   }
   return t;

@@ -170,6 +170,15 @@ TEST(NSCrossing, TellsCurvesApartThatAlmostCoincide) {
             {{{1, 2}, {1, 2}, {-7, 1}, {8, -8}}},
             false,
             {{0, 0}}},
+           // Ends that stand still, on curves that run the same way.
+           {{{{0, 2}, {1, 0}, {0, 2}, {2, 0}}},
+            {{{0, 2}, {0, 2}, {1, 0}, {1, 0}}},
+            false,
+            {{0, 0}}},
+           {{{{2, 2}, {2, 2}, {2, 2}, {2, 1}}},
+            {{{2, 2}, {2, 0}, {0, 1}, {1, 0}}},
+            false,
+            {{0, 0}}},
            // Ends beside the other curve, at 1e-7 and at 1e-9 of it.
            {{{{0, 0}, {1, 7}, {5, -3}, {9, 2}}},
             {{{0, -1e-7}, {1, 7 - 1e-7}, {5, -3 + 1e-7}, {9, 2 + 1e-7}}},
