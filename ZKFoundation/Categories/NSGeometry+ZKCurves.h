@@ -40,8 +40,8 @@ extern "C" {
 
 /// Finds points of a cubic, both its ends among them, such that the curve between neighbours is
 /// nowhere farther from the segment between them than the tolerance, in the coordinates' unit; and
-/// so few that each segment takes almost all of it. A tolerance below 1e-12 of the curve's size, or
-/// NaN, counts as that much, which is up to a million points. Coordinates that are infinite or NaN
-/// give the ends alone.
+/// so few that each segment takes almost all of it; where a straight curve turns back it takes some
+/// more. A tolerance below 1e-12 of the curve's size, or NaN, counts as that much, which is up to a
+/// million points. Coordinates that are infinite or NaN give the ends alone.
 [[nodiscard]] ZK_EXPORT std::vector<NSPoint> ZKFlattenCurve(const NSPoint* points,
                                                             double tolerance);
