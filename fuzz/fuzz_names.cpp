@@ -58,9 +58,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   if (urls->count() == 0) return 0;
-  const auto url = uniqueURLWithURL_forURLArray(urls->firstObject().as<NSURL>(), urls);
+  const auto taken = urls->firstObject().as<NSURL>();
+  const auto url = uniqueURLWithURL_forURLArray(taken, urls);
   require(!url || url->isFileURL());
   // The number of a name that ends with "." is its extension, which is not compared.
-  require(!url || name->hasSuffix(u"."_ns) || !urls->containsObject(url));
+  require(!url || taken->path()->hasSuffix(u"."_ns) || !urls->containsObject(url));
   return 0;
 }

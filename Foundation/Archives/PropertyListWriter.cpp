@@ -137,11 +137,16 @@ bool NSPropertyListWriter::add(Reference dictionary, Reference key, Reference va
   auto& entries = _containers[dictionary ^ containerBit].references;
   constexpr std::size_t mostSearched = 64;
   const auto entryOf = [=](Reference each) { return std::uint64_t{dictionary} << 32U | each; };
-  for (std::size_t at = 0; at < entries.size() && entries.size() <= mostSearched; at += 2) {
-    if (entries[at] == key) return false;
-    if (entries.size() == mostSearched) _entries.insert(entryOf(entries[at]));
+  if (entries.size() == mostSearched) {
+    for (std::size_t at = 0; at < mostSearched; at += 2) _entries.insert(entryOf(entries[at]));
   }
-  if (entries.size() >= mostSearched && !_entries.insert(entryOf(key)).second) return false;
+  if (entries.size() >= mostSearched) {
+    if (!_entries.insert(entryOf(key)).second) return false;
+  } else {
+    for (std::size_t at = 0; at < entries.size(); at += 2) {
+      if (entries[at] == key) return false;
+    }
+  }
   entries.insert(entries.end(), {key, value});
   return true;
 }

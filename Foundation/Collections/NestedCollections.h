@@ -5,9 +5,9 @@
 #include <Foundation/NSBlock.h>
 #include <Foundation/detail/ObjectMap.h>
 
-// Hashes, comparisons and descriptions of collections that may be in each other, and shared: where
-// each of n levels holds the next one twice, a walk over all of them would visit the last one 2^n
-// times.
+// Hashes and comparisons of collections that may be in each other, and shared: where each of n
+// levels holds the next one twice, a walk over all of them would visit the last one 2^n times. And
+// descriptions, which end where a collection is in itself.
 
 /// The most objects that one hash asks for theirs, in collections in each other altogether.
 inline constexpr std::size_t NSMostHashedObjects = 64;

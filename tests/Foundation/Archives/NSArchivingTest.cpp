@@ -136,6 +136,7 @@ TEST(Archiving, KeepsAnyNumberOfKeys) {
   for (int k = 499; k >= 0; --k) EXPECT_EQ(reader->decodeIntegerForKey(key(k)), k);
   EXPECT_FALSE(reader->containsValueForKey(key(501)));
   EXPECT_EQ(reader->decodeIntegerForKey(key(250)), 250);
+  for (const int k : {7, 499}) EXPECT_THROW(coder->encodeBool_forKey(true, key(k)), NSException);
 }
 
 TEST(Archiving, KnowsClassesByOtherNames) {

@@ -9,6 +9,7 @@
 namespace {
 
 TEST(NSString, ConvertsFromAndToStandardStrings) {
+  EXPECT_EQ(NSConstantString<u"a\0b">()->length(), 3U);
   const auto string = NSMake<NSString>(std::string("Grüße 😀"));
   EXPECT_EQ(string, u"Grüße 😀");
   EXPECT_EQ(string->length(), 8U);
