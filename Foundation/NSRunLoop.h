@@ -99,8 +99,9 @@ class NS_EXPORT NSRunLoop : public NSObject {
   void stop();
 
   /// Gives an eventfd for a host with an event loop of its own. It becomes readable when the run
-  /// loop wants a pass that the last `performPass` could not foresee. Only the run loop reads it. A
-  /// system that gives no descriptor raises `NSGenericException`.
+  /// loop wants a pass that the last `performPass` could not foresee; for a host's loop within a
+  /// block that is what its pass has left, be it for later. Only the run loop reads it. A system
+  /// that gives no descriptor raises `NSGenericException`.
   [[nodiscard]] int wakeUpDescriptor();
   /// Makes a pass in the default mode without waiting, and posts what waits for idle moments if
   /// nothing else is left. Gives the time until the next pass is due; none if only the descriptor

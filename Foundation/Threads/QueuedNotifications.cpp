@@ -168,6 +168,7 @@ bool NSQueuedNotifications::post(NSPostingStyle style, const NSRef<NSString>& mo
       if (line->front().turn >= limit) break;
       Line taken;
       take(line->front(), taken);
+      _runLoop->tellNestedHost();
       NSNotificationCenter::defaultCenter()->postNotification(taken.front().notification);
       hasPosted = true;
     }

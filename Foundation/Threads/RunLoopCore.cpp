@@ -87,7 +87,10 @@ NSRunLoopCore::Time NSRunLoopCore::now() const {
 void NSRunLoopCore::setClock(std::function<Time()> clock) {
   if (_manualClock) NSAccess::core(*_manualClock).remove(_inbox);
   _manualClock = nullptr;
-  _clock = std::move(clock);
+  const auto former = std::exchange(_clock, std::move(clock));
+  // The host has been told a time by that one.
+  _foreseen = Time::max();
+  signal();
 }
 
 void NSRunLoopCore::setClock(const NSRef<NSManualClock>& clock) {
@@ -136,8 +139,9 @@ bool NSRunLoopCore::canRunIn(const NSRef<NSString>& mode) const {
   return !mode->isEqualToString(NSRunLoopCommonModes()) && !_isEnded;
 }
 
-// Puts everything that has come into its group.
+// Puts everything that has come into its group, and takes what the descriptor has told.
 void NSRunLoopCore::collect() {
+  _isUntold = _isHosted;
   NSChunkedQueue<NSRunLoopInbox::RequestInModes> others;
   _nextRequestTurn = _inbox.takeInto(_waiting.of(nullptr).requests, others);
   for (; !others.empty(); others.pop_front()) {
@@ -151,7 +155,9 @@ void NSRunLoopCore::fireEvents(const Groups& groups, std::uint64_t limit, Time t
     // What has been scheduled in this pass is not earlier than its time.
     const auto first = group->schedule.first();
     if (first.time > time || first.turn >= limit) return;
-    group->schedule.takeFirst()->happen();
+    const auto event = group->schedule.takeFirst();
+    tellNestedHost();
+    event->happen();
   }
 }
 
@@ -162,6 +168,7 @@ bool NSRunLoopCore::performRequests(const Groups& groups, std::uint64_t limit) {
     if (group->requests.front().turn >= limit) break;
     NSOnceClosure work = std::move(group->requests.front().work);
     group->requests.pop_front();
+    tellNestedHost();
     work.perform();
     hasPerformed = true;
   }
@@ -181,7 +188,10 @@ bool NSRunLoopCore::pass(const NSRef<NSString>& mode) {
   const std::uint64_t limit = _nextRequestTurn;
   fireEvents(groups, _nextTurn, now());
   bool hasPerformed = performRequests(groups, limit);
-  if (!_sources.isEmpty() && _sources.fire(mode, _commonModes)) hasPerformed = true;
+  if (!_sources.isEmpty()) {
+    tellNestedHost();
+    if (_sources.fire(mode, _commonModes)) hasPerformed = true;
+  }
   postNotifications(NSPostASAP, mode);
   return hasPerformed;
 }
@@ -244,17 +254,25 @@ std::optional<std::chrono::nanoseconds> NSRunLoopCore::makeHostedPass(const NSRe
   if (NSIsSameMode(mode, NSDefaultRunLoopMode())) {
     // By a clock that somebody moves no host knows when to come.
     _foreseen = next && !_manualClock ? *next : Time::max();
-  } else if (hasUnforeseenWork()) {
+  } else if (hasUnforeseenWork(NSDefaultRunLoopMode(), _foreseen)) {
     signal();
   }
   return isIdle && !hasNews ? until(next) : nothing;
 }
 
-// Whether the default mode has work of which its last hosted pass has not told.
-bool NSRunLoopCore::hasUnforeseenWork() {
-  const auto& mode = NSDefaultRunLoopMode();
+// Whether the mode has work of which a host does not know that comes at that time.
+bool NSRunLoopCore::hasUnforeseenWork(const NSRef<NSString>& mode, Time foreseen) {
   const auto next = nextTime(mode);
-  return (next && *next < _foreseen) || hasRequests(mode) || hasNotifications(NSPostWhenIdle, mode);
+  return (next && *next < foreseen) || hasRequests(mode) || hasNotifications(NSPostWhenIdle, mode);
+}
+
+void NSRunLoopCore::tellNestedHost() {
+  if (!std::exchange(_isUntold, false)) return;
+  const auto& usual = NSDefaultRunLoopMode();
+  if (hasUnforeseenWork(_currentMode, Time::max()) ||
+      (!NSIsSameMode(_currentMode, usual) && hasUnforeseenWork(usual, _foreseen))) {
+    signal();
+  }
 }
 
 void NSRunLoopCore::wait(const NSRef<NSString>& mode, std::chrono::nanoseconds longest) {

@@ -64,6 +64,9 @@ class NSRunLoopCore {
   [[nodiscard]] NSRef<NSNotificationQueue> notificationQueue();
   /// Tells a host, if there is one, that it should make a pass.
   void signal();
+  /// Tells it so before somebody else's code runs in a pass, if anything else is left: that code
+  /// may run the host's loop again, which has no result of this pass yet.
+  void tellNestedHost();
   /// Gives an eventfd for a host.
   [[nodiscard]] int descriptor();
 
@@ -98,11 +101,10 @@ class NSRunLoopCore {
   class Mode;
   class Run;
 
-  static void fireEvents(const Groups& groups, std::uint64_t limit, Time time);
-  static bool performRequests(const Groups& groups, std::uint64_t limit);
-
   Groups groupsIn(const NSRef<NSString>& mode) { return _waiting.in(mode, _commonModes); }
   void collect();
+  void fireEvents(const Groups& groups, std::uint64_t limit, Time time);
+  bool performRequests(const Groups& groups, std::uint64_t limit);
   bool pass(const NSRef<NSString>& mode);
   void runOnce(const Run& run, const NSRef<NSString>& mode, Time limit);
   bool hasNotifications(NSPostingStyle style, const NSRef<NSString>& mode);
@@ -111,7 +113,8 @@ class NSRunLoopCore {
   std::optional<Time> nextTime(const NSRef<NSString>& mode);
   [[nodiscard]] std::optional<std::chrono::nanoseconds> until(std::optional<Time> time) const;
   std::optional<std::chrono::nanoseconds> idleTime(const NSRef<NSString>& mode);
-  bool hasUnforeseenWork();
+  bool hasUnforeseenWork(const NSRef<NSString>& mode, Time foreseen);
+  [[nodiscard]] bool hasCome(std::optional<Time> time) const;
   void wait(const NSRef<NSString>& mode, std::chrono::nanoseconds longest);
   bool postNotifications(NSPostingStyle style, const NSRef<NSString>& mode);
 
@@ -132,6 +135,8 @@ class NSRunLoopCore {
   NSRef<NSNotificationQueue> _notifications;
   Run* _run = nullptr;
   bool _isHosted = false;
+  // Whether the descriptor has been emptied since the last call of somebody else's code.
+  bool _isUntold = false;
   // The next time in the default mode, as the host knows it.
   Time _foreseen = Time::max();
   std::atomic<bool> _isEnded = false;

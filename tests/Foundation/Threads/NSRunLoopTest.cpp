@@ -259,6 +259,7 @@ TEST(NSRunLoop, TellsAHostWhatAnotherModeHasLeft) {
   EXPECT_EQ(loop->performPass(), std::nullopt);
   EXPECT_EQ(diary->notes, (Notes{1, 2, 5}));
   loop->setClock({});
+  EXPECT_TRUE(isReadable());
 }
 
 TEST(NSRunLoop, TellsWhatWaits) {
@@ -360,6 +361,7 @@ TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
   makePass();
   EXPECT_EQ(passWhenTold(), 1ms);
   clock.advance(1ms);
+  EXPECT_EQ(loop->performPass(), std::nullopt);
   // A host's loop within a block learns what comes while it runs.
   loop->performBlock([&] {
     EXPECT_FALSE(isReadable());
@@ -368,6 +370,22 @@ TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
   });
   EXPECT_EQ(loop->performPass(), std::nullopt);
   EXPECT_EQ(diary->notes, (Notes{5, 6, 7}));
+  // And what waits already, be it for later: the pass around it has told nothing yet.
+  diary->noteLater(8, 1h);
+  const auto nest = [&] { EXPECT_EQ(passWhenTold(), 1h); };
+  const NSObservation observation(u"Nest"_ns, nullptr, nest);
+  const auto queue = NSNotificationQueue::defaultQueue();
+  for (const std::function<void()>& ask : {
+           std::function<void()>([&] { loop->performBlock(nest); }),
+           {[&] { performBlock_afterDelay(diary, nest, 0); }},
+           {[&] {
+             enqueueNotificationName_object_postingStyle(queue, u"Nest"_ns, nullptr, NSPostASAP);
+           }},
+       }) {
+    ask();
+    EXPECT_EQ(passWhenTold(), 1h);
+  }
+  diary->cancel(8);
 }
 
 }  // namespace
