@@ -39,7 +39,8 @@ class NSTimer;
 /// run loop again, in the same mode or another.
 ///
 /// Where nothing else is said, a run loop is used by its own thread only, and running another's
-/// raises `NSInternalInconsistencyException`. When its thread ends, what has not run is dropped. A
+/// raises `NSInternalInconsistencyException`. When its thread ends, callers who wait go on, then
+/// what has not run is dropped; whatever it is asked for later, by any thread, has no effect. A
 /// child that `fork` has made must not use it: `NSThread` tells what it may use.
 class NS_EXPORT NSRunLoop : public NSObject {
  public:

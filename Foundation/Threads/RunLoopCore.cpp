@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <typeinfo>
 #include <utility>
 
 #include <Foundation/NSAutoreleasePool.h>
@@ -22,6 +23,29 @@ constexpr auto firstTurn = [](const auto& group) -> std::optional<std::uint64_t>
   if (group.requests.empty()) return std::nullopt;
   return group.requests.front().turn;
 };
+
+// Work of a caller who waits, and who goes on when it has been performed or dropped.
+struct AwaitedWork {
+  struct Wake {
+    void operator()(NSBlockedThread* thread) const { thread->wake(); }
+  };
+  using Caller = std::unique_ptr<NSBlockedThread, Wake>;
+
+  void operator()() const { work->perform(); }
+
+  NSOnceClosure* work;
+  Caller caller;
+};
+
+template <class Request>
+void dropAwaited(NSChunkedQueue<Request>& requests) {
+  NSChunkedQueue<Request> others;
+  for (; !requests.empty(); requests.pop_front()) {
+    Request& request = requests.front();
+    if (request.work.type() != typeid(AwaitedWork)) others.emplace_back(std::move(request));
+  }
+  requests.append(others);
+}
 
 }  // namespace
 
@@ -68,14 +92,9 @@ void NSRunLoopCore::post(NSOnceClosure&& work, const NSRef<NSArray>& modes) {
 }
 
 bool NSRunLoopCore::postAndWait(NSOnceClosure&& work, const NSRef<NSArray>& modes) {
-  struct Wake {
-    void operator()(NSBlockedThread* thread) const { thread->wake(); }
-  };
   NSBlockedThread caller(_server);
   if (caller.isEndless()) return false;
-  // Also when it is dropped.
-  std::unique_ptr<NSBlockedThread, Wake> done(&caller);
-  post(NSOnceClosure([&work, done = std::move(done)] { work.perform(); }), modes);
+  post(NSOnceClosure(AwaitedWork{&work, AwaitedWork::Caller(&caller)}), modes);
   caller.wait();
   return true;
 }
@@ -309,17 +328,20 @@ void NSRunLoopCore::stop() noexcept {
 
 void NSRunLoopCore::end() {
   _isEnded = true;
-  if (_manualClock) setClock(std::function<Time()>());
-  _sources.end();
   _server.clear();
   _inbox.close();
+  NSRunLoopInbox::Requests common;
+  NSChunkedQueue<NSRunLoopInbox::RequestInModes> others;
+  _inbox.takeInto(common, others);
+  _waiting.forEach([&](Waiting& group) { common.append(group.requests); });
+  // First of all, as what dies may wait for those callers.
+  dropAwaited(common);
+  dropAwaited(others);
+  if (_manualClock) setClock(std::function<Time()>());
+  _sources.end();
   if (_notifications) NSAccess::core(*_notifications).close();
   _waiting.forEach([](Waiting& group) {
     // One by one: what dies may come back here.
-    while (!group.requests.empty()) {
-      const NSOnceClosure dropped = std::move(group.requests.front().work);
-      group.requests.pop_front();
-    }
     while (!group.schedule.isEmpty()) group.schedule.takeFirst()->drop();
   });
 }

@@ -102,10 +102,6 @@ int NSRunLoopInbox::descriptor() {
 }
 
 void NSRunLoopInbox::close() {
-  Requests common;
-  NSChunkedQueue<RequestInModes> others;
   const std::lock_guard lock(_mutex);
   _isClosed = true;
-  common.append(_common);
-  others.append(_others);
 }

@@ -48,7 +48,7 @@ class NSRunLoopInbox {
   void signal();
   /// Gives an eventfd. Raises `NSGenericException` when the system gives none.
   [[nodiscard]] int descriptor();
-  /// Drops all requests and takes no more.
+  /// Takes no more requests.
   void close();
 
  private:

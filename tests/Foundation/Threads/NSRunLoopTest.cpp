@@ -177,6 +177,20 @@ TEST(NSRunLoop, LetsGoWhenItsThreadEnds) {
   EXPECT_EQ(diary->retainCount(), 1U);
 }
 
+TEST(NSRunLoop, LetsCallersGoBeforeWhatElseItDropsAtItsEnd) {
+  const auto diary = NSMake<Diary>();
+  // Ends when there are both a request whose contents wait for the caller, and the caller's.
+  const auto thread = NSMake<NSThread>([] {
+    while (NSRunLoop::currentRunLoop()->pendingWork()->count() < 2) std::this_thread::yield();
+  });
+  const auto ask = [=](void* /*nothing*/) { diary->noteOn(NSThread::mainThread(), 1, true); };
+  thread->runLoop()->performBlock([held = std::shared_ptr<void>(nullptr, ask)] {});
+  thread->start();
+  diary->noteOn(thread, 2, true);
+  NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture());
+  EXPECT_EQ(diary->notes, Notes{1});
+}
+
 TEST(NSRunLoop, WaitsUntilADateOrARequest) {
   const auto loop = NSRunLoop::currentRunLoop();
   const auto diary = NSMake<Diary>();
