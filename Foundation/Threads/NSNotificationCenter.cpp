@@ -103,8 +103,9 @@ NSRef<NSObject> NSNotificationCenter::addObserver(const NSRef<NSString>& name,
 void NSNotificationCenter::removeObserver(const NSRef<NSObject>& observer) {
   const auto token = observer.as<Observer>();
   if (!token || !token->isOf(*this)) return;
-  // What it held goes when the lock has.
+  // What they held goes when the lock has.
   Key key;
+  decltype(_observers)::node_type last;
   {
     const std::lock_guard lock(_mutex);
     const auto place = _observers.find(token->key());
@@ -116,7 +117,7 @@ void NSNotificationCenter::removeObserver(const NSRef<NSObject>& observer) {
     if (found == all.end() || !found->is(token) || token->isRemoved()) return;
     key = token->remove();
     if (++removed == all.size()) {
-      _observers.erase(place);
+      last = _observers.extract(place);
     } else if (2 * removed > all.size()) {
       std::erase_if(all, [](const auto& other) { return other->isRemoved(); });
       removed = 0;
@@ -149,7 +150,8 @@ NSNotificationCenter::ObserverList NSNotificationCenter::observersOf(
 
 void NSNotificationCenter::postNotification(const NSRef<NSNotification>& notification) {
   if (!notification) NSRaiseNilArgument("notification", "postNotification:");
-  // An observer may change the caller's own reference.
+  // An observer may change the caller's own references.
+  const auto alive = self();
   const auto held = NSRef<NSNotification>::share(notification.get());
   for (const auto& observer : observersOf(*held)) {
     if (observer->isOrphan()) {

@@ -131,9 +131,30 @@ TEST(NSNotificationCenter, HoldsAndLetsGo) {
   makePass();
   EXPECT_EQ(calls, 1);
   observer = add(nullptr);
-  centre = nullptr;
+  // It stays until the post is over.
+  centre->addObserverForName_object_queue_usingBlock(changed, nullptr, nullptr, [&] {
+    const NSWeakRef weak = std::exchange(centre, nullptr);
+    EXPECT_FALSE(weak.isNil());
+  });
+  centre->postNotification(about(changed));
   observer = nullptr;
   EXPECT_EQ(alive, 0);
+}
+
+TEST(NSNotificationCenter, MayBeUsedByWhatItLetsGo) {
+  struct Name : NSString {
+    Name() : NSString("Changed") {}
+    Name(const Name&) = delete;
+    ~Name() override { NSNotificationCenter::defaultCenter()->postNotification(about(closed)); }
+    NSRef<NSObject> copyWithZone(NSZone* /*zone*/) const override { return self(); }
+  };
+  Witness witness;
+  // The second one's name is the first one's in the centre.
+  NSObservation first(NSMake<Name>(), nullptr, [] {});
+  NSObservation second(changed, nullptr, [] {});
+  first.remove();
+  second.remove();
+  EXPECT_EQ(witness.names(), "Closed ");
 }
 
 TEST(NSNotificationCenter, HoldsNoTargets) {
