@@ -15,7 +15,9 @@ class NS_EXPORT NSDelay {
       : NSDelay(std::chrono::duration<NSTimeInterval>(duration).count()) {
     // Within the days for which seconds are less exact than nanoseconds.
     if (_duration > std::chrono::nanoseconds::zero() && _duration < longest) {
-      _duration = std::chrono::ceil<std::chrono::nanoseconds>(duration);
+      // In two parts, as all of it may not fit in units of both.
+      const auto whole = std::chrono::floor<std::chrono::seconds>(duration);
+      _duration = whole + std::chrono::ceil<std::chrono::nanoseconds>(duration - whole);
     }
   }
 

@@ -138,6 +138,10 @@ TEST(NSDelay, TakesSecondsAndDurations) {
                                 NSDelay(std::chrono::nanoseconds::max())}) {
     EXPECT_EQ(endless.duration(), NSDelay::longest);
   }
+  // In units that do not divide nanoseconds.
+  using Samples = std::chrono::duration<long long, std::ratio<1, 44100>>;
+  EXPECT_EQ(NSDelay(Samples(44100LL * 86400 * 250)).duration(), 250 * 24h);
+  EXPECT_EQ(NSDelay(Samples(44100LL * 86400 * 250 + 1)).duration(), 250 * 24h + 22676ns);
   EXPECT_EQ(NSDelay(1.5).duration(), 1500ms);
   EXPECT_EQ(NSDelay(1e-10).duration(), 1ns);
   EXPECT_EQ(NSDelay(250ms).duration(), 250ms);
