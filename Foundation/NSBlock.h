@@ -84,6 +84,10 @@ class NS_EXPORT NSBlock : public NSObject {
 
   [[nodiscard]] NSRef<NSObject> copyWithZone(NSZone* zone) const override;
 
+ protected:
+  /// Notes that no request has called it after all, as there was nobody to call it for.
+  void forget() noexcept { _hasBegun.store(false, std::memory_order_relaxed); }
+
  private:
   // Fits beside the object's count.
   std::atomic<bool> _hasBegun = false;

@@ -22,7 +22,7 @@ template <class Receiver, class F>
   }
 }
 
-/// Calls the block with the target; does nothing for a nil block, or a weak target that has died.
+/// Calls the block with the target; does nothing for a nil block.
 template <class Target, class F>
 void ZKCallBlock(F& block, const NSRef<Target>& target) {
   if constexpr (std::is_convertible_v<F&, NSRef<NSBlock>>) {
@@ -31,9 +31,12 @@ void ZKCallBlock(F& block, const NSRef<Target>& target) {
     if (!NSIsNilCallable(block)) NSInvokeWithTarget(block, target);
   }
 }
+/// Does so if the target still lives, and tells whether it does.
 template <class Target, class F>
-void ZKCallBlock(F& block, const NSWeakRef<Target>& target) {
-  if (const auto held = target.lock()) ZKCallBlock(block, held);
+bool ZKCallBlock(F& block, const NSWeakRef<Target>& target) {
+  const auto held = target.lock();
+  if (held) ZKCallBlock(block, held);
+  return static_cast<bool>(held);
 }
 
 /// What a request that is not waited for calls.
@@ -42,7 +45,7 @@ struct ZKRequest {
   Reference target;
   Callable block;
 
-  void operator()() { ZKCallBlock(block, target); }
+  auto operator()() { return ZKCallBlock(block, target); }
 };
 
 /// Makes a request, which alone owns the receiver, unless that is a weak reference, and the block,
@@ -55,7 +58,7 @@ template <class Reference, class F>
     return ZKRequest<Reference, std::decay_t<F>>{receiver, std::forward<F>(block)};
   } else {
     NSException::raise(NSInvalidArgumentException, "the block cannot be copied");
-    return [] {};
+    return [] { return false; };
   }
 }
 
@@ -64,6 +67,27 @@ class ZK_EXPORT ZKWeakReceiver final : public NSObject {
  public:
   [[nodiscard]] static const NSRef<ZKWeakReceiver>& shared();
 };
+
+/// The block of a delayed request for a weak receiver: it has run only if that then lived.
+template <class Request>
+class ZKWeakBlock final : public NSBlock {
+ public:
+  explicit ZKWeakBlock(Request&& request) : _request(std::move(request)) {}
+  void invoke(const NSRef<NSObject>& /*target*/) override {
+    if (_request()) _hasRun = true;
+    if (!_hasRun) forget();
+  }
+
+ private:
+  Request _request;
+  bool _hasRun = false;
+};
+
+template <class Receiver, class F>
+[[nodiscard]] NSRef<NSBlock> ZKMakeWeakBlock(const NSWeakRef<Receiver>& receiver, F&& block) {
+  auto request = ZKMakeRequest(receiver, std::forward<F>(block));
+  return NSMake<ZKWeakBlock<decltype(request)>>(std::move(request));
+}
 
 /// Has `perform` perform a block for a weak receiver: the caller's own for a call that waits.
 template <class Receiver, class F, class Perform>
@@ -98,7 +122,7 @@ void performBlockOnMainThread(const NSRef<Receiver>& receiver, F&& block) {
   if constexpr (std::is_convertible_v<F, NSRef<NSBlock>>) {
     NSRef<NSBlock> held = std::forward<F>(block);
     if (!held) return;
-    performBlockOnMainThread(receiver, [held = std::move(held)] { held->invoke(nullptr); });
+    performBlockOnMainThread(receiver, [held = std::move(held)] { held->perform(nullptr); });
   } else if (NSIsNilCallable(block)) {
     return;
   } else if (NSThread::isMainThread()) {
@@ -182,14 +206,14 @@ template <class Receiver, class F>
 NSRef<NSBlock> performBlock_afterDelay(const NSWeakRef<Receiver>& receiver, F&& block,
                                        NSDelay delay) {
   return performBlock_afterDelay(ZKWeakReceiver::shared(),
-                                 ZKMakeRequest(receiver, std::forward<F>(block)), delay);
+                                 ZKMakeWeakBlock(receiver, std::forward<F>(block)), delay);
 }
 
 template <class Receiver, class F>
 NSRef<NSBlock> performBlock_afterDelay_inModes(const NSWeakRef<Receiver>& receiver, F&& block,
                                                NSDelay delay, const NSRef<NSArray>& modes) {
   return performBlock_afterDelay_inModes(
-      ZKWeakReceiver::shared(), ZKMakeRequest(receiver, std::forward<F>(block)), delay, modes);
+      ZKWeakReceiver::shared(), ZKMakeWeakBlock(receiver, std::forward<F>(block)), delay, modes);
 }
 
 template <class Receiver>

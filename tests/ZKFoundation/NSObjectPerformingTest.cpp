@@ -111,17 +111,20 @@ TEST(NSObjectPerforming, CallsOnTheMainThread) {
   const auto editor = NSMake<NSString>();
   bool isCalled = false;
   const auto call = [&] { isCalled = true; };
+  const auto block = NSMakeBlock<NSString>(call);
   performBlockOnMainThread(editor, call);
   EXPECT_TRUE(std::exchange(isCalled, false));
   std::jthread([&] {
     performBlockOnMainThread(editor, call);
     performBlockOnMainThread(editor, std::function<void()>());
     performBlockOnMainThread(editor, nullptr);
-    performBlockOnMainThread(editor, NSMakeBlock<NSString>(call));
+    performBlockOnMainThread(editor, block);
   }).join();
+  EXPECT_EQ(cancelDelayedBlock(editor, block), ZKCancellation::unknown);
   EXPECT_FALSE(isCalled);
   makePass();
   EXPECT_TRUE(isCalled);
+  EXPECT_EQ(cancelDelayedBlock(editor, block), ZKCancellation::alreadyRan);
 }
 
 TEST(NSObjectPerforming, CancelsByTheBlockThatItGave) {
@@ -266,12 +269,13 @@ TEST(NSObjectPerforming, DropsRequestsForWeakReceiversThatHaveDied) {
   const NSWeakRef weak = editor;
   performBlock_onQueue_waitUntilDone(weak, count, main, false);
   performBlockOnMainThread_waitUntilDone(weak, count, false);
-  performBlock_afterDelay(weak, count, 0);
+  const auto dropped = performBlock_afterDelay(weak, count, 0);
   editor = nullptr;
   EXPECT_EQ(alive, 0);
   performAll(weak, count);
   finish();
   EXPECT_EQ(calls, 0);
+  EXPECT_EQ(cancelDelayedBlock(weak, dropped), ZKCancellation::unknown);
   expectRaises(NSInvalidArgumentException,
                "aQueue is NULL (in 'performBlock:onQueue:waitUntilDone:')",
                [&] { performBlock_onQueue_waitUntilDone(weak, count, nullptr, true); });
