@@ -8,7 +8,7 @@
 #include <Foundation/NSExport.h>
 #include <Foundation/NSObject.h>
 
-class NSDescriptorSources;
+struct NSWatchedDescriptor;
 
 /// What a source waits for; together, for either.
 enum NSDescriptorEvents : std::uint32_t {
@@ -57,5 +57,5 @@ class NS_EXPORT NSDescriptorSource : public NSObject {
   const std::uint32_t _events;
   std::uint32_t _readyEvents = 0;
   NSRef<NSBlock> _block;
-  NSDescriptorSources* _sources = nullptr;
+  NSWatchedDescriptor* _watched = nullptr;
 };

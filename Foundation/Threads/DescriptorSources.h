@@ -1,5 +1,6 @@
 #pragma once
 
+#include <list>
 #include <vector>
 
 #include <poll.h>
@@ -7,13 +8,23 @@
 #include <Foundation/NSDescriptorSource.h>
 #include <Foundation/Threads/RunLoopModes.h>
 
-/// The sources of a run loop, each with the modes in which it is watched.
+class NSDescriptorSources;
+
+/// A source of a run loop, with the modes in which it is watched.
+struct NSWatchedDescriptor {
+  NSRef<NSDescriptorSource> source;
+  std::vector<NSRef<NSString>> modes;
+  NSDescriptorSources* owner;
+  std::list<NSWatchedDescriptor>::iterator place;
+};
+
+/// The sources of a run loop.
 class NSDescriptorSources {
  public:
-  [[nodiscard]] bool isEmpty() const noexcept { return _entries.empty(); }
+  [[nodiscard]] bool isEmpty() const noexcept { return _watched.empty(); }
   /// Adds a valid source. One of another run loop raises `NSInvalidArgumentException`.
   void add(const NSRef<NSDescriptorSource>& source, const NSRef<NSString>& mode);
-  void remove(const NSDescriptorSource& source) noexcept;
+  void remove(NSWatchedDescriptor& watched) noexcept;
   /// Ends all of them.
   void end();
 
@@ -27,18 +38,16 @@ class NSDescriptorSources {
   /// Calls the function with each source and a mode in which it is watched.
   template <class F>
   void forEach(F function) const {
-    for (const Entry& entry : _entries) function(*entry.source.get(), entry.mode);
+    for (const auto& watched : _watched) {
+      for (const auto& mode : watched.modes) function(*watched.source.get(), mode);
+    }
   }
 
  private:
   using Sources = std::vector<NSRef<NSDescriptorSource>>;
-  struct Entry {
-    NSRef<NSDescriptorSource> source;
-    NSRef<NSString> mode;
-  };
 
   [[nodiscard]] Sources in(const NSRef<NSString>& mode, const NSModeSet& commonModes) const;
   static void call(NSDescriptorSource& source, short events) noexcept;
 
-  std::vector<Entry> _entries;
+  std::list<NSWatchedDescriptor> _watched;
 };

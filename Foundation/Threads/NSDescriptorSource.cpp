@@ -42,39 +42,45 @@ NSDescriptorSource::~NSDescriptorSource() = default;
 void NSDescriptorSource::invalidate() {
   const auto alive = self();
   const auto block = std::move(_block);
-  if (auto* const sources = std::exchange(_sources, nullptr)) sources->remove(*this);
+  if (auto* const watched = std::exchange(_watched, nullptr)) watched->owner->remove(*watched);
 }
 
 void NSDescriptorSources::add(const NSRef<NSDescriptorSource>& source,
                               const NSRef<NSString>& mode) {
   if (!source->isValid()) return;
-  if (source->_sources != nullptr && source->_sources != this) {
+  if (source->_watched != nullptr && source->_watched->owner != this) {
     NSException::raise(NSInvalidArgumentException,
                        "the source is in another run loop (in 'addSource:forMode:')");
   }
-  _entries.push_back({source, mode->copy()});
-  source->_sources = this;
+  auto copy = mode->copy();
+  if (source->_watched == nullptr) {
+    const auto place = _watched.insert(_watched.end(), {source, {}, this, {}});
+    place->place = place;
+    source->_watched = &*place;
+  }
+  source->_watched->modes.push_back(std::move(copy));
 }
 
-void NSDescriptorSources::remove(const NSDescriptorSource& source) noexcept {
-  std::erase_if(_entries, [&](const Entry& entry) { return entry.source.get() == &source; });
+void NSDescriptorSources::remove(NSWatchedDescriptor& watched) noexcept {
+  // What dies finds the list in order.
+  std::list<NSWatchedDescriptor> removed;
+  removed.splice(removed.end(), _watched, watched.place);
 }
 
 void NSDescriptorSources::end() {
-  while (!_entries.empty()) NSRef(_entries.back().source)->invalidate();
+  while (!_watched.empty()) NSRef(_watched.back().source)->invalidate();
 }
 
 NSDescriptorSources::Sources NSDescriptorSources::in(const NSRef<NSString>& mode,
                                                      const NSModeSet& commonModes) const {
   Sources result;
-  result.reserve(_entries.size());
+  result.reserve(_watched.size());
   const bool isCommon = commonModes.contains(mode);
-  for (const Entry& entry : _entries) {
-    const bool isIn = NSIsSameMode(entry.mode, mode) ||
-                      (isCommon && NSIsSameMode(entry.mode, NSRunLoopCommonModes()));
-    // It may be in the mode twice.
-    const auto isIt = [&](const auto& other) { return other.is(entry.source); };
-    if (isIn && std::ranges::none_of(result, isIt)) result.push_back(entry.source);
+  const auto isIn = [&](const auto& other) {
+    return NSIsSameMode(other, mode) || (isCommon && NSIsSameMode(other, NSRunLoopCommonModes()));
+  };
+  for (const auto& watched : _watched) {
+    if (std::ranges::any_of(watched.modes, isIn)) result.push_back(watched.source);
   }
   return result;
 }
@@ -93,19 +99,24 @@ bool NSDescriptorSources::fire(const NSRef<NSString>& mode, const NSModeSet& com
   const Sources sources = in(mode, commonModes);
   auto polls = pollsOf(sources);
   if (!isAnyReady(polls)) return false;
+  bool isFirst = true;
   bool hasCalled = false;
   for (std::size_t k = 0; k < sources.size(); ++k) {
     pollfd& poll = polls[k];
     // A block may have ended another source, or taken what that was ready for.
     if (poll.revents == 0 || !sources[k]->isValid()) continue;
-    if (std::exchange(hasCalled, true) && !isAnyReady({&poll, 1})) continue;
-    call(*sources[k].get(), poll.revents);
+    if (!std::exchange(isFirst, false) && !isAnyReady({&poll, 1})) continue;
+    if ((poll.revents & POLLNVAL) != 0) {
+      sources[k]->invalidate();
+    } else {
+      call(*sources[k].get(), poll.revents);
+      hasCalled = true;
+    }
   }
-  return true;
+  return hasCalled;
 }
 
 void NSDescriptorSources::call(NSDescriptorSource& source, short events) noexcept {
-  if ((events & POLLNVAL) != 0) return source.invalidate();
   // Whatever has happened to the other end shows in reading and writing.
   const bool isBroken = (events & (POLLHUP | POLLERR)) != 0;
   source._readyEvents = 0;

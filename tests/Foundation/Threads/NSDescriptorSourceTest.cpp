@@ -48,7 +48,18 @@ TEST(NSDescriptorSource, IsWatchedInItsModes) {
   makePass();
   EXPECT_FALSE(source->isValid());
   EXPECT_EQ(source->retainCount(), 1U);
+  // One of a closed descriptor ends without a call, which ends no wait.
+  const auto lost = NSDescriptorSource::sourceWithDescriptor_events_block(
+      ends[0], NSDescriptorReadable, [&] { seen += 'l'; });
+  loop->addSource_forMode(lost, NSDefaultRunLoopMode());
   close(ends[0]);
+  NSTimer::scheduledTimerWithTimeInterval_repeats_block(1ms, false, [&] {
+    seen += 't';
+    loop->stop();
+  });
+  loop->runMode_beforeDate(NSDefaultRunLoopMode(), NSDate::distantFuture());
+  EXPECT_FALSE(lost->isValid());
+  EXPECT_EQ(seen, "ab+cwt");
   EXPECT_THROW((void)NSDescriptorSource::sourceWithDescriptor_events_block(-1, 1, [] {}),
                NSException);
 }
