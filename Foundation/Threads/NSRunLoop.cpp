@@ -106,8 +106,9 @@ void NSRunLoop::runUntilDate(const NSRef<NSDate>& limitDate) {
 }
 
 void NSRunLoop::run() {
-  (void)ownCore("run");
-  runUntilDate(NSDate::distantFuture());
+  auto& core = ownCore("run");
+  // A date would come by a clock that is moved far enough.
+  if (!core.isEnded()) core.run(NSDefaultRunLoopMode(), std::nullopt, /*goesOn=*/true);
 }
 
 void NSRunLoop::stop() { ownCore("stop").stop(); }

@@ -37,7 +37,7 @@ NSRef<NSArray> NSRunLoopCore::pendingWork() {
       pending.add(NSPendingWork::textOf(request.work) + where);
     });
     group.schedule.forEach([&](const NSScheduledEvent& event, Time due) {
-      pending.add(event.purpose() + ", due in " + NSSecondsText(due - time) + where);
+      pending.add(event.purpose() + ", due in " + NSSecondsText(NSTimeUntil(due, time)) + where);
     });
   });
   _sources.forEach([&](const NSDescriptorSource& source, const NSRef<NSString>& mode) {

@@ -239,7 +239,7 @@ std::optional<NSRunLoopCore::Time> NSRunLoopCore::nextTime(const NSRef<NSString>
 // None if there is no time.
 std::optional<std::chrono::nanoseconds> NSRunLoopCore::until(std::optional<Time> time) const {
   if (!time) return std::nullopt;
-  return std::max(*time - now(), nothing);
+  return NSTimeUntil(*time, now());
 }
 
 std::optional<NSRunLoopCore::Time> NSRunLoopCore::makePass(const NSRef<NSString>& mode) {
@@ -304,22 +304,25 @@ void NSRunLoopCore::wait(const NSRef<NSString>& mode, std::chrono::nanoseconds l
   }
 }
 
+bool NSRunLoopCore::hasCome(std::optional<Time> time) const { return time && now() >= *time; }
+
 // Passes until a request has been performed, or that time.
-void NSRunLoopCore::runOnce(const Run& run, const NSRef<NSString>& mode, Time limit) {
+void NSRunLoopCore::runOnce(const Run& run, const NSRef<NSString>& mode,
+                            std::optional<Time> limit) {
   const Mode current(*this, mode);
-  while (!pass(mode) && !run.isStopped && now() < limit) {
+  while (!pass(mode) && !run.isStopped && !hasCome(limit)) {
     const auto idle = idleTime(mode);
     if (run.isStopped) break;
-    const auto left = limit - now();
+    const auto left = until(limit).value_or(NSDelay::longest);
     wait(mode, idle ? std::min(*idle, left) : left);
   }
 }
 
-void NSRunLoopCore::run(const NSRef<NSString>& mode, Time limit, bool goesOn) {
+void NSRunLoopCore::run(const NSRef<NSString>& mode, std::optional<Time> limit, bool goesOn) {
   Run run(*this);
   do {
     runOnce(run, mode, limit);
-  } while (goesOn && !run.isStopped && now() < limit);
+  } while (goesOn && !run.isStopped && !hasCome(limit));
 }
 
 void NSRunLoopCore::stop() noexcept {

@@ -77,9 +77,9 @@ class NSRunLoopCore {
   /// Makes a pass and posts what waits for idle moments, if nothing else is left. Gives how long
   /// nothing will have to be done; none if that is for ever.
   std::optional<std::chrono::nanoseconds> makeHostedPass(const NSRef<NSString>& mode);
-  /// Makes passes, and waits between them, until the time comes or `stop` is called; unless it
-  /// `goesOn` also until a pass has performed a request.
-  void run(const NSRef<NSString>& mode, Time limit, bool goesOn);
+  /// Makes passes, and waits between them, until the time comes, if there is one, or
+  /// `stop` is called; unless it `goesOn` also until a pass has performed a request.
+  void run(const NSRef<NSString>& mode, std::optional<Time> limit, bool goesOn);
   /// Ends the innermost run after its current pass.
   void stop() noexcept;
 
@@ -106,7 +106,7 @@ class NSRunLoopCore {
   void fireEvents(const Groups& groups, std::uint64_t limit, Time time);
   bool performRequests(const Groups& groups, std::uint64_t limit);
   bool pass(const NSRef<NSString>& mode);
-  void runOnce(const Run& run, const NSRef<NSString>& mode, Time limit);
+  void runOnce(const Run& run, const NSRef<NSString>& mode, std::optional<Time> limit);
   bool hasNotifications(NSPostingStyle style, const NSRef<NSString>& mode);
   bool hasRequests(const NSRef<NSString>& mode);
   bool hasWork(const NSRef<NSString>& mode);

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include <Foundation/NSDelay.h>
 #include <Foundation/NSObject.h>
 
 class NSSchedule;
@@ -91,4 +93,16 @@ class NSSchedule {
                                                      std::chrono::nanoseconds delay) noexcept {
   constexpr auto last = NSSchedule::Time::max();
   return time > last - delay ? last : time + delay;
+}
+
+/// Gives how long it is until a time: nothing when that has come, and at most the longest delay.
+[[nodiscard]] constexpr std::chrono::nanoseconds NSTimeUntil(NSSchedule::Time time,
+                                                             NSSchedule::Time now) noexcept {
+  if (time <= now) return {};
+  // The difference of any two times fits without a sign.
+  const auto count = [](NSSchedule::Time moment) {
+    return static_cast<std::uint64_t>(moment.time_since_epoch().count());
+  };
+  constexpr auto longest = NSDelay::longest.count();
+  return std::chrono::nanoseconds(std::min(count(time) - count(now), std::uint64_t{longest}));
 }

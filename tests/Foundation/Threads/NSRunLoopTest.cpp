@@ -280,6 +280,8 @@ TEST(NSRunLoop, TellsWhatWaits) {
   DrivenClock clock;
   const auto loop = NSRunLoop::currentRunLoop();
   const auto diary = NSMake<Diary>();
+  diary->noteLater(5);
+  clock.advance(1ms);
   diary->noteLater(4, 1500ms);
   loop->performInModes_block(listOf(tracking, u"other"_ns), [] {});
   const auto queue = NSNotificationQueue::defaultQueue();
@@ -292,7 +294,8 @@ TEST(NSRunLoop, TellsWhatWaits) {
     return std::ranges::any_of(
         lines, [&](const auto& line) { return line.starts_with(begin) && line.ends_with(end); });
   };
-  EXPECT_EQ(lines.size(), 4U);
+  EXPECT_EQ(lines.size(), 5U);
+  EXPECT_TRUE(tells("note: of Diary with NSNumber", ", due in 0 s, in NSDefaultRunLoopMode"));
   EXPECT_TRUE(tells("note: of Diary with NSNumber", ", due in 1.5 s, in NSDefaultRunLoopMode"));
   EXPECT_TRUE(
       tells("block (anonymous namespace)::NSRunLoop_TellsWhatWaits_Test", ", in tracking, other"));
@@ -333,6 +336,17 @@ TEST(NSRunLoop, StopsTheInnermostRun) {
   });
   loop->run();
   EXPECT_EQ(diary->taken(), (Notes{5, 6}));
+  // Nothing else ends it, not the end of time.
+  const auto clock = NSMake<NSManualClock>();
+  loop->setClock(clock);
+  loop->performBlock([&] {
+    for (int k = 0; k < 2; ++k) clock->advance(NSDelay::longest);
+    loop->performBlock(diary->noter(7));
+    loop->performBlock(stop);
+  });
+  loop->run();
+  EXPECT_EQ(diary->taken(), Notes{7});
+  loop->setClock({});
 }
 
 TEST(NSRunLoop, TellsAHostWhenToMakeAPass) {
