@@ -21,7 +21,8 @@ inline constexpr std::u16string_view NSInvalidArchiveOperationException =
 inline constexpr std::u16string_view NSInvalidUnarchiveOperationException =
     u"NSInvalidUnarchiveOperationException";
 
-/// A programming error; ordinary outcomes are returned. `what` is "name: reason" in UTF-8.
+/// A programming error; ordinary outcomes are returned. It keeps copies of its name and reason;
+/// `what` is "name: reason" in UTF-8.
 class NS_EXPORT NSException : public std::runtime_error {
  public:
   NSException(const NSRef<NSString>& name, const NSRef<NSString>& reason);

@@ -12,7 +12,9 @@ std::string textOf(const NSRef<NSString>& string) { return string ? string->utf8
 }  // namespace
 
 NSException::NSException(const NSRef<NSString>& name, const NSRef<NSString>& reason)
-    : runtime_error(textOf(name) + ": " + textOf(reason)), _name(name), _reason(reason) {}
+    : runtime_error(textOf(name) + ": " + textOf(reason)),
+      _name(name ? name->copy() : nullptr),
+      _reason(reason ? reason->copy() : nullptr) {}
 
 NSException::~NSException() = default;
 

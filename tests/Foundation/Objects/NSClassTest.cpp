@@ -46,4 +46,11 @@ TEST(NSObject, IsCopiedOnlyByClassesThatCopy) {
                [] { (void)NSMake<Circle>()->copy(); });
 }
 
+TEST(NSException, KeepsItsTexts) {
+  const auto text = NSMake<NSMutableString>("early");
+  const NSException exception(text, text);
+  text->appendString(u" and late"_ns);
+  EXPECT_EQ(exception.name()->utf8() + ": " + exception.reason()->utf8(), exception.what());
+}
+
 }  // namespace
