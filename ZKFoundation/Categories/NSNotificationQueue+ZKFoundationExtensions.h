@@ -10,7 +10,8 @@
 
 // Notifications put into a queue by name and object, and from any thread into the main thread's.
 // Styles, masks, modes and nil arguments mean what they mean to `NSNotificationQueue`. A nil
-// receiver raises `NSInvalidArgumentException`.
+// receiver raises `NSInvalidArgumentException`, as does a nil name, also where the mask is of the
+// sender alone: any name will do there.
 
 namespace ZKFoundationExtensions {
 
