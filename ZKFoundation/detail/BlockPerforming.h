@@ -72,7 +72,10 @@ class ZK_EXPORT ZKWeakReceiver final : public NSObject {
 template <class Request>
 class ZKWeakBlock final : public NSBlock {
  public:
-  explicit ZKWeakBlock(Request&& request) : _request(std::move(request)) {}
+  explicit ZKWeakBlock(Request&& request) : _request(std::move(request)) {
+    // Instantiated for the line that makes the block; of a virtual function g++ names none.
+    static_cast<void>(&Request::operator());
+  }
   void invoke(const NSRef<NSObject>& /*target*/) override {
     if (_request()) _hasRun = true;
     if (!_hasRun) forget();
